@@ -1,0 +1,44 @@
+#pragma once
+
+#include "core/Busy.h"
+#include "core/ImageViews.h"
+#include "core/OperationPanel.h"
+#include "platform/HttpTransfer.h"
+#include "platform/WebBrowser.h"
+
+namespace orvane {
+
+/// "http://" + address + ":" + port, as the fields stand; no trailing slash, no check.
+std::string cameraBaseUrl(const OperationPanel& panel);
+
+/// The panel's camera operations: the one download operation and the buttons that use it.
+class CameraPanel {
+  public:
+    CameraPanel(Module1& module, OperationPanel& panel, HttpTransfer& inetFileGet,
+                WebBrowser& webBrowserTst, ImageViews& views, Busy& busy)
+        : module_(module), panel_(panel), inetFileGet_(inetFileGet), webBrowserTst_(webBrowserTst),
+          views_(views), busy_(busy) {}
+
+    /// Fetches `url` and writes the body over the file folder + fileName, in place from the start
+    /// and without shortening it. False when the fetch or the write failed; after a failed fetch
+    /// the file is untouched. `folder` ends in a separator.
+    Task<bool> DownloadFile(std::string url, std::string folder, std::string fileName);
+    /// Why the last download failed, for the log.
+    const std::string& fault() const { return fault_; }
+
+    void Command5_Click(); ///< the camera's own recording on
+    void Command7_Click(); ///< the camera's own recording off
+    /// Test fetch: shows the camera's current picture.
+    Task<> Command8_Click();
+
+  private:
+    Module1& module_;
+    OperationPanel& panel_;
+    HttpTransfer& inetFileGet_;
+    WebBrowser& webBrowserTst_;
+    ImageViews& views_;
+    Busy& busy_;
+    std::string fault_;
+};
+
+} // namespace orvane

@@ -1,0 +1,41 @@
+#pragma once
+
+#include "core/Module1.h"
+#include "core/RepeatingTimer.h"
+#include "core/Value.h"
+#include "platform/SettingsStore.h"
+
+#include <functional>
+
+namespace orvane {
+
+/// The countdown behind `Frm_AutoStart`: after 99 ticks of 105 ms it starts recording by itself.
+/// Every exit stops the timer first, closes the dialog, and happens once.
+class AutoStart {
+  public:
+    struct Exits {
+        std::function<void()> closeDialog;
+        std::function<void()> enterMainLoop;
+        std::function<void()> endProgram;
+    };
+
+    AutoStart(Module1& module, SettingsStore& store, Clock& clock, Exits exits);
+
+    void Form_Load();
+    void Timer1_Timer();
+    /// "Cancel": starts the program without recording.
+    void Command1_Click();
+    /// "End": ends the program.
+    void Command2_Click();
+
+    Value<int> PBar1{100}; ///< 0 to 100
+
+  private:
+    Module1& module_;
+    SettingsStore& store_;
+    Exits exits_;
+    RepeatingTimer timer_;
+    std::int16_t counter_ = 0;
+};
+
+} // namespace orvane

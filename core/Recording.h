@@ -1,0 +1,56 @@
+#pragma once
+
+#include "core/Module1.h"
+#include "core/OperationPanel.h"
+#include "core/PanelSettings.h"
+#include "core/PanelStatus.h"
+#include "platform/Operator.h"
+#include "tracker/ErrorLog.h"
+
+#include <optional>
+
+namespace orvane {
+
+/// The time of the next capture: the first start + k * interval that lies after `now` and not after
+/// `end`, else `start` (tomorrow's first). `interval` 0 gives `start`. Pure; all times of day.
+TimeOfDay createNextRecTime(TimeOfDay start, TimeOfDay end, TimeOfDay interval, TimeOfDay now);
+
+/// Switches recording on and off and keeps the schedule fields in order. Two states: Ready (inputs
+/// enabled, Command1 enabled) and Recording (inputs disabled, Command2 enabled).
+class Recording {
+  public:
+    Recording(Module1& module, OperationPanel& panel, PanelSettings& settings, PanelStatus& status,
+              ErrorLog& log, Operator& op, Clock& clock)
+        : module_(module), panel_(panel), settings_(settings), status_(status), log_(log), op_(op),
+          clock_(clock) {}
+
+    /// Start Recording. A schedule that is not usable is told in a box; the task ends when the box
+    /// is closed, in Ready.
+    Task<> Command1_Click();
+    /// Stop Recording.
+    void Command2_Click();
+    /// The panel as it is when nothing is recorded, for start-up.
+    void ready();
+    /// After an edit of field `index`: a value inside its range goes to the spinner.
+    void Text1_Change(std::size_t index);
+    /// Empties a field whose value is outside its range.
+    void Text1_LostFocus(std::size_t index);
+    /// After a click on spinner `index`: its value goes to the field.
+    void UpDown1_Change(std::size_t index);
+    /// Locks or unlocks the schedule fields.
+    void chk_auto_Click();
+
+  private:
+    std::optional<int> validate();
+    void enableInputs(bool enabled);
+
+    Module1& module_;
+    OperationPanel& panel_;
+    PanelSettings& settings_;
+    PanelStatus& status_;
+    ErrorLog& log_;
+    Operator& op_;
+    Clock& clock_;
+};
+
+} // namespace orvane

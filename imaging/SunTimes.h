@@ -1,0 +1,30 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace orvane {
+
+struct SiteValues {
+    double latitude = 35.738;   ///< degrees, north positive
+    double longitude = 139.315; ///< degrees, east positive
+    std::int16_t Tz = 540;      ///< minutes east of universal time
+};
+
+/// The day's two texts as time of day, hours without a leading zero ("3:53:00"); one that falls on
+/// another day carries that day's date counted from day zero ("1899/12/29 23:53:00"). Empty until a
+/// crossing has been found.
+struct SunTimes {
+    std::string SunriseText; ///< 60 minutes before the sun rises above -0.5 degrees
+    std::string SunsetText;  ///< 60 minutes after it sets below -0.5 degrees
+};
+
+/// Computes the texts for `date` (the local calendar day) into `times`; a text whose crossing is
+/// not found keeps its value. Returns why the calculation was given up, or nothing; texts written
+/// before the fault stay as they were.
+std::optional<std::string> ComputeSunriseSunset(const SiteValues& site,
+                                                std::chrono::year_month_day date, SunTimes& times);
+
+} // namespace orvane

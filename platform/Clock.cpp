@@ -1,0 +1,23 @@
+#include "platform/Clock.h"
+
+#include <algorithm>
+
+namespace orvane {
+
+void WakeQueue::add(Wake& wake, Ticks deadline) {
+    auto place = entries_.end();
+    while (place != entries_.begin() && std::prev(place)->deadline <= deadline) --place;
+    entries_.insert(place, {deadline, &wake});
+}
+
+void WakeQueue::remove(const Wake& wake) noexcept {
+    std::erase_if(entries_, [&](const Entry& entry) { return entry.wake == &wake; });
+}
+
+Wake& WakeQueue::takeEarliest() {
+    Wake& wake = *entries_.back().wake;
+    entries_.pop_back();
+    return wake;
+}
+
+} // namespace orvane

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <string>
+
+namespace orvane {
+
+/// Texts kept from one run to the next under the application "Orvane", by section and key.
+class SettingsStore {
+  public:
+    virtual ~SettingsStore() = default;
+    /// The stored text, or `fallback` when section or key does not exist.
+    virtual std::string GetSetting(const std::string& section, const std::string& key,
+                                   const std::string& fallback) const = 0;
+    /// Creates or replaces a value; it is on disk when the call returns. False: it could not be
+    /// stored.
+    virtual bool SaveSetting(const std::string& section, const std::string& key,
+                             const std::string& value) = 0;
+};
+
+} // namespace orvane

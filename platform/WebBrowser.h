@@ -1,0 +1,20 @@
+#pragma once
+
+#include <functional>
+#include <string>
+
+namespace orvane {
+
+/// A hidden page loader. Every navigation completes once, also when it failed (then with an empty
+/// text) or when the next navigation replaces it.
+class WebBrowser {
+  public:
+    virtual ~WebBrowser() = default;
+    virtual void navigate(std::string url) = 0;
+    virtual bool busy() const = 0;
+    /// The loaded document's text, UTF-8.
+    virtual const std::string& innerText() const = 0;
+    virtual void onDocumentComplete(std::function<void()> handler) = 0;
+};
+
+} // namespace orvane
