@@ -4,6 +4,7 @@
 #include "core/ImageViews.h"
 #include "core/OperationPanel.h"
 #include "platform/HttpTransfer.h"
+#include "platform/Operator.h"
 #include "platform/WebBrowser.h"
 
 namespace orvane {
@@ -11,24 +12,28 @@ namespace orvane {
 /// "http://" + address + ":" + port, as the fields stand; no trailing slash, no check.
 std::string cameraBaseUrl(const OperationPanel& panel);
 
+inline constexpr const char* kLatestImagePath = "/Images/full.jpg";
+inline constexpr const char* kWorkingPicture = "full.jpg"; ///< in the program's folder
+
 /// The panel's camera operations: the one download operation and the buttons that use it.
 class CameraPanel {
   public:
     CameraPanel(Module1& module, OperationPanel& panel, HttpTransfer& inetFileGet,
-                WebBrowser& webBrowserTst, ImageViews& views, Busy& busy)
+                WebBrowser& webBrowserTst, ImageViews& views, Busy& busy, Operator& op)
         : module_(module), panel_(panel), inetFileGet_(inetFileGet), webBrowserTst_(webBrowserTst),
-          views_(views), busy_(busy) {}
+          views_(views), busy_(busy), op_(op) {}
 
     /// Fetches `url` and writes the body over the file folder + fileName, in place from the start
     /// and without shortening it. False when the fetch or the write failed; after a failed fetch
     /// the file is untouched. `folder` ends in a separator.
-    Task<bool> DownloadFile(std::string url, std::string folder, std::string fileName);
+    Task<bool> DownloadFile(std::string url, std::filesystem::path folder, std::string fileName);
     /// Why the last download failed, for the log.
     const std::string& fault() const { return fault_; }
 
     void Command5_Click(); ///< the camera's own recording on
     void Command7_Click(); ///< the camera's own recording off
-    /// Test fetch: shows the camera's current picture.
+    /// Test fetch: shows the camera's current picture, or tells why there is none. Does nothing
+    /// while a capture or run is in progress.
     Task<> Command8_Click();
 
   private:
@@ -38,6 +43,7 @@ class CameraPanel {
     WebBrowser& webBrowserTst_;
     ImageViews& views_;
     Busy& busy_;
+    Operator& op_;
     std::string fault_;
 };
 

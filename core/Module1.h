@@ -1,5 +1,6 @@
 #pragma once
 
+#include "imaging/ImageOptions.h"
 #include "imaging/SunTimes.h"
 #include "platform/Clock.h"
 
@@ -11,16 +12,6 @@
 namespace orvane {
 
 using TimeOfDay = std::chrono::seconds; ///< since midnight
-
-/// How captured images are processed. The flags hold -1 for set and 0 for clear.
-struct ImageOptions {
-    std::int16_t Quality = 24; ///< compression factor, lower is better: 2, 24 or 56
-    std::int16_t LrFlg = 0;    ///< mirror left to right
-    std::int16_t DateFlg = 0;  ///< stamp date and time; honoured only together with LrFlg
-    std::int16_t RawFlg = 0;   ///< keep the untouched file as well
-    std::int16_t Delay = 15;   ///< seconds before a picture is fetched
-    std::int16_t JpegTyp = 10; ///< save format code: 10 EXIF, 98 4:4:4
-};
 
 struct Schedule {
     TimeOfDay StartTime{};
@@ -41,9 +32,8 @@ struct Module1 {
     std::filesystem::path programFolder; ///< holds ERROR.LOG and the working picture full.jpg
 
     Schedule schedule;
-    bool RecordFlg = false;  ///< recording is switched on
-    bool RecDoneFlg = false; ///< a capture was attempted in this window
-    bool liveView = false;
+    bool RecordFlg = false;     ///< recording is switched on
+    bool RecDoneFlg = false;    ///< a capture was attempted in this window
     bool automaticMode = false; ///< the countdown ran out
 
     std::int32_t RecCount = 0;

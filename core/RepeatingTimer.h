@@ -14,6 +14,7 @@ class RepeatingTimer {
 
     bool enabled() const { return enabled_; }
     void setInterval(Ticks interval) { interval_ = interval; }
+    /// May not be called from the handler itself.
     void enable();
     /// May be called from the handler itself.
     void disable() { enabled_ = false; }

@@ -16,11 +16,11 @@ class Warnings {
     /// All texts, one per line; empty: nothing to warn of.
     Value<std::string> text;
 
-    void raise(Cause cause, std::string message);
-    void clear(Cause cause);
+    /// Sets the text of a cause; an empty one says that the cause has gone.
+    void set(Cause cause, const std::string& message);
+    void clear(Cause cause) { set(cause, {}); }
 
   private:
-    void show();
     std::map<Cause, std::string> messages_;
 };
 

@@ -6,8 +6,14 @@ namespace orvane {
 
 void WakeQueue::add(Wake& wake, Ticks deadline) {
     auto place = entries_.end();
-    while (place != entries_.begin() && std::prev(place)->deadline <= deadline) --place;
+    while (place != entries_.begin() && std::prev(place)->deadline <= deadline)
+        --place;
     entries_.insert(place, {deadline, &wake});
+}
+
+std::size_t WakeQueue::dueCount(Ticks time) const {
+    return static_cast<std::size_t>(std::ranges::count_if(
+        entries_, [=](const Entry& entry) { return entry.deadline <= time; }));
 }
 
 void WakeQueue::remove(const Wake& wake) noexcept {

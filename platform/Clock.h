@@ -22,6 +22,8 @@ class WakeQueue {
     bool empty() const { return entries_.empty(); }
     std::size_t size() const { return entries_.size(); }
     Ticks earliest() const { return entries_.back().deadline; }
+    /// How many have a deadline up to `time`.
+    std::size_t dueCount(Ticks time) const;
     void add(Wake& wake, Ticks deadline);
     void remove(const Wake& wake) noexcept;
     Wake& takeEarliest();

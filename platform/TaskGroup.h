@@ -25,7 +25,8 @@ class TaskGroup {
     void clear() { tasks_.clear(); }
     std::size_t running() const {
         std::size_t count = 0;
-        for (const Task<>& task : tasks_) count += task.done() ? 0 : 1;
+        for (const Task<>& task : tasks_)
+            count += task.done() ? 0 : 1;
         return count;
     }
 

@@ -5,8 +5,8 @@
 
 namespace orvane {
 
-/// A hidden page loader. Every navigation completes once, also when it failed (then with an empty
-/// text) or when the next navigation replaces it.
+/// A hidden page loader. Every navigation completes once, later, also when it failed (then with an
+/// empty text); one that the next navigation replaces does not complete.
 class WebBrowser {
   public:
     virtual ~WebBrowser() = default;

@@ -24,7 +24,8 @@ class JumpingClock final : public Clock {
     /// Runs everything that is due up to `duration` from now, and ends there.
     void run(std::chrono::milliseconds duration) {
         const Ticks end = ticks_ + duration;
-        while (!queue_.empty() && queue_.earliest() <= end) step();
+        while (!queue_.empty() && queue_.earliest() <= end)
+            step();
         ticks_ = end;
     }
     void runUntil(WallTime wall) { run(wall - now()); }

@@ -1,0 +1,125 @@
+#include "core/Conversions.h"
+
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <cstdio>
+
+namespace orvane {
+
+namespace {
+
+std::string_view trimmed(std::string_view text) {
+    constexpr std::string_view kBlanks = " \t";
+    const auto first = text.find_first_not_of(kBlanks);
+    if (first == std::string_view::npos) return {};
+    return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
+}
+
+/// Reads a number from the start of `text`, with an optional leading sign; answers how many
+/// characters it took, 0 for none.
+std::size_t readNumber(std::string_view text, double& value) {
+    const std::size_t plus = !text.empty() && text.front() == '+' ? 1 : 0;
+    const std::string_view digits = text.substr(plus);
+    const std::size_t sign = plus == 0 && !digits.empty() && digits.front() == '-' ? 1 : 0;
+    // from_chars would also take "inf" and "nan"
+    if (digits.size() <= sign) return 0;
+    const char first = digits[sign];
+    if (first != '.' && (first < '0' || first > '9')) return 0;
+    const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), value);
+    if (error != std::errc{}) return 0;
+    return plus + static_cast<std::size_t>(end - digits.data());
+}
+
+struct Parts {
+    int year;
+    unsigned month, day, hour, minute, second;
+};
+
+Parts partsOf(WallTime time) {
+    const auto date = dayOf(time);
+    const auto since = std::chrono::floor<std::chrono::seconds>(timeOfDay(time)).count();
+    const auto seconds = static_cast<unsigned>(since);
+    return {static_cast<int>(date.year()),
+            static_cast<unsigned>(date.month()),
+            static_cast<unsigned>(date.day()),
+            seconds / 3600,
+            seconds / 60 % 60,
+            seconds % 60};
+}
+
+template <class... Args>
+std::string formatted(const char* format, Args... args) {
+    std::array<char, 48> buffer{};
+    const int length = std::snprintf(buffer.data(), buffer.size(), format, args...);
+    return {buffer.data(), static_cast<std::size_t>(length)};
+}
+
+} // namespace
+
+std::optional<double> toDouble(std::string_view text) {
+    const std::string_view number = trimmed(text);
+    double value = 0;
+    if (number.empty() || readNumber(number, value) != number.size()) return std::nullopt;
+    return value;
+}
+
+std::optional<std::int16_t> toInt16(std::string_view text) {
+    const auto value = toDouble(text);
+    if (!value) return std::nullopt;
+    const double rounded = std::nearbyint(*value);
+    if (rounded < INT16_MIN || rounded > INT16_MAX) return std::nullopt;
+    return static_cast<std::int16_t>(rounded);
+}
+
+double leadingNumber(std::string_view text) {
+    double value = 0;
+    const auto first = text.find_first_not_of(" \t");
+    if (first == std::string_view::npos || readNumber(text.substr(first), value) == 0) return 0;
+    return value;
+}
+
+std::string toText(double value) {
+    std::array<char, 400> buffer{};
+    const auto end = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value).ptr;
+    return {buffer.data(), end};
+}
+
+std::string dateText(WallTime time) {
+    const Parts p = partsOf(time);
+    return formatted("%04d/%02u/%02u", p.year, p.month, p.day);
+}
+
+std::string timeText(WallTime time) {
+    const Parts p = partsOf(time);
+    return formatted("%02u:%02u:%02u", p.hour, p.minute, p.second);
+}
+
+std::string dateDigits(WallTime time) {
+    const Parts p = partsOf(time);
+    return formatted("%04d%02u%02u", p.year, p.month, p.day);
+}
+
+std::string minuteStamp(WallTime time) {
+    const Parts p = partsOf(time);
+    return formatted("%04d%02u%02u_%02u%02u", p.year, p.month, p.day, p.hour, p.minute);
+}
+
+std::string hourMinute(WallTime time) {
+    const Parts p = partsOf(time);
+    return formatted("%02u:%02u", p.hour, p.minute);
+}
+
+std::chrono::year_month_day dayOf(WallTime time) {
+    return std::chrono::year_month_day{std::chrono::floor<std::chrono::days>(time)};
+}
+
+std::chrono::milliseconds timeOfDay(WallTime time) {
+    return time - std::chrono::floor<std::chrono::days>(time);
+}
+
+std::int64_t minuteIndex(WallTime time) {
+    return std::chrono::floor<std::chrono::minutes>(time.time_since_epoch()).count();
+}
+
+} // namespace orvane

@@ -1,0 +1,37 @@
+#pragma once
+
+#include "platform/Clock.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace orvane {
+
+/// The whole text as a decimal number with a point as separator, blanks around it allowed. Nothing
+/// for anything else, infinities and "nan" included.
+std::optional<double> toDouble(std::string_view text);
+/// The whole text as a number, rounded to the nearest integer with ties to even; nothing when it is
+/// not a number or does not fit 16 bits.
+std::optional<std::int16_t> toInt16(std::string_view text);
+/// The leading number of a text; 0 when it does not start with one.
+double leadingNumber(std::string_view text);
+/// The shortest decimal text that reads back as the same number.
+std::string toText(double value);
+
+/// Wall time as text: "yyyy/mm/dd", "hh:mm:ss", "yyyymmdd", "yyyymmdd_hhmm", "hh:mm".
+std::string dateText(WallTime time);
+std::string timeText(WallTime time);
+std::string dateDigits(WallTime time);
+std::string minuteStamp(WallTime time);
+std::string hourMinute(WallTime time);
+
+/// The calendar day of a wall time.
+std::chrono::year_month_day dayOf(WallTime time);
+/// The time since midnight.
+std::chrono::milliseconds timeOfDay(WallTime time);
+/// Whole minutes since the start of the calendar's count; equal exactly within one minute.
+std::int64_t minuteIndex(WallTime time);
+
+} // namespace orvane

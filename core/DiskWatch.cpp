@@ -1,0 +1,64 @@
+#include "core/DiskWatch.h"
+
+#include "core/DueWatch.h"
+
+#include <cstdio>
+
+namespace orvane {
+
+namespace {
+
+constexpr double kGigabyte = 1e9;
+constexpr double kLowDays = 7;
+
+std::string gigabytes(std::uint64_t bytes) {
+    char text[32];
+    std::snprintf(text, sizeof text, "%.1f GB", static_cast<double>(bytes) / kGigabyte);
+    return text;
+}
+
+} // namespace
+
+std::optional<std::uint64_t> freeBytesOf(const std::filesystem::path& folder) {
+    std::error_code error;
+    std::filesystem::path existing = folder;
+    while (!existing.empty() && !std::filesystem::exists(existing, error) &&
+           existing != existing.parent_path())
+        existing = existing.parent_path();
+    const auto space = std::filesystem::space(existing, error);
+    if (error) return std::nullopt;
+    return space.available;
+}
+
+void DiskWatch::addCapture(std::uint64_t bytes, std::chrono::year_month_day day) {
+    if (day != day_) {
+        day_ = day;
+        bytes_ = captures_ = 0;
+    }
+    bytes_ += bytes;
+    ++captures_;
+}
+
+std::optional<double> DiskWatch::daysLeft(std::uint64_t freeBytes, const Schedule& schedule) const {
+    if (bytes_ == 0) return std::nullopt;
+    const int perDay = dueMinutesPerDay(schedule);
+    if (perDay == 0) return std::nullopt;
+    const double rate = static_cast<double>(bytes_) / static_cast<double>(captures_) * perDay;
+    return static_cast<double>(freeBytes) / rate;
+}
+
+DiskWatch::Report DiskWatch::report(std::uint64_t freeBytes, const Schedule& schedule) const {
+    Report report{gigabytes(freeBytes) + " free", {}};
+    const auto days = daysLeft(freeBytes, schedule);
+    if (days) {
+        char about[48];
+        std::snprintf(about, sizeof about, ", about %.0f days", *days);
+        report.caption += about;
+    }
+    if (static_cast<double>(freeBytes) < kGigabyte || (days && *days < kLowDays))
+        report.warning = "The disk of the data folder is nearly full: " + report.caption +
+                         ". Please free space or choose another data folder.";
+    return report;
+}
+
+} // namespace orvane

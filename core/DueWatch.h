@@ -1,0 +1,43 @@
+#pragma once
+
+#include "core/Module1.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace orvane {
+
+/// Whether a capture is due in minute `minuteOfDay` (0 to 1439): inside the window, whose end
+/// minute is not part of it, and a multiple of the interval's minutes within the hour. Never with
+/// an interval below one minute.
+bool isDueMinute(const Schedule& schedule, int minuteOfDay);
+/// How many minutes of a day are due.
+int dueMinutesPerDay(const Schedule& schedule);
+
+/// Notices due minutes that brought no image. A minute is judged when it is over; a clock that is
+/// set back, or forward by more than a day, starts the judgement anew.
+class DueWatch {
+  public:
+    /// An image was filed for the due minute `minute` (as `minuteIndex` counts).
+    void filed(std::int64_t minute);
+    /// Whether an image has been filed for this minute already.
+    bool isFiled(std::int64_t minute) const { return lastFiled_ == minute; }
+    /// Judges every minute before `now` that has not been judged. Cheap within one minute.
+    void advance(WallTime now, const Schedule& schedule);
+    /// Forgets everything; recording is off.
+    void reset();
+    /// The warning for two or more due minutes in a row without an image, else empty.
+    const std::string& warning() const { return warning_; }
+
+  private:
+    void judge(std::int64_t minute, const Schedule& schedule);
+
+    std::int64_t next_ = 0; ///< first minute not judged yet, 0 before the first call
+    std::optional<std::int64_t> lastFiled_;
+    std::int64_t firstMissed_ = 0;
+    int missed_ = 0;
+    std::string warning_;
+};
+
+} // namespace orvane

@@ -1,0 +1,177 @@
+#include "core/MainLoop.h"
+
+#include "core/Conversions.h"
+#include "core/StartUp.h"
+
+#include <limits>
+
+namespace orvane {
+
+namespace {
+
+constexpr Ticks kPass = 100ms;
+constexpr Ticks kPauseStep = 980ms;
+constexpr int kPauseSteps = 60;
+constexpr Ticks kLiveInterval = 5s;
+
+int minuteOfDay(WallTime time) {
+    return static_cast<int>(std::chrono::floor<std::chrono::minutes>(timeOfDay(time)).count());
+}
+
+/// The label's count stays where it is when it would leave its 32 bits.
+void addCount(std::int32_t& count, std::int32_t by) {
+    const std::int64_t sum = std::int64_t{count} + by;
+    if (sum <= std::numeric_limits<std::int32_t>::max()) count = static_cast<std::int32_t>(sum);
+}
+
+} // namespace
+
+Task<> MainLoop::run() {
+    if (const auto fault = StartUp(station_)) {
+        std::string message = *fault;
+        co_await station_.op.tell(std::move(message));
+        station_.endProgram(1);
+        co_return;
+    }
+    Module1& module = station_.module;
+    station_.panel.chkLive.ticked = false;
+    sunDay_ = dayOf(station_.clock.now());
+    loadTodaysThumbnails(station_);
+    if (module.RecordFlg) {
+        Task<> start = station_.recording.Command1_Click();
+        co_await start;
+    }
+    station_.status.showCount();
+
+    while (true) {
+        const WallTime now = station_.clock.now();
+        watchDay(now);
+        watch(now);
+        if (!module.RecordFlg) {
+            station_.panel.Label11.caption = std::string();
+        } else if (isDueMinute(module.schedule, minuteOfDay(now)) &&
+                   !due_.isFiled(minuteIndex(now))) {
+            Task<> recording = recordNow(minuteIndex(now));
+            co_await recording;
+        } else if (module.RecDoneFlg && timeOfDay(now) >= module.schedule.EndTime + 1min) {
+            endOfWindow();
+        }
+        startLiveView();
+        co_await station_.clock.sleep(kPass);
+    }
+}
+
+Task<> MainLoop::recordNow(std::int64_t dueMinute) {
+    bool filed = false;
+    live_.reset(); // a capture never waits for the live view
+    try {
+        Task<bool> capture = capture_.run();
+        filed = co_await capture;
+    } catch (const std::exception& fault) {
+        // one capture that fails in a way nobody foresaw must not end the recording
+        station_.log.write(std::string("MainLoop:") + fault.what());
+    }
+    station_.panel.Command2.enabled = station_.module.RecordFlg;
+    if (filed) {
+        due_.filed(dueMinute);
+        addCount(station_.module.filesFetched, 1);
+        watchDisk();
+        Task<> pausing = pause();
+        co_await pausing;
+    }
+    countCapture();
+}
+
+/// Keeps the minute of the image's name from being captured twice; the next minute may be due.
+Task<> MainLoop::pause() {
+    const std::int64_t minute = minuteIndex(capture_.copyTime());
+    for (int step = 0; step < kPauseSteps; ++step) {
+        co_await station_.clock.sleep(kPauseStep);
+        if (!station_.module.RecordFlg || minuteIndex(station_.clock.now()) != minute) co_return;
+    }
+}
+
+/// Nothing of this is shown when recording was stopped during the pause.
+void MainLoop::countCapture() {
+    Module1& module = station_.module;
+    module.RecDoneFlg = true;
+    if (!module.RecordFlg) return;
+    // the count of fetched files goes on within a window: the label grows by 1, 2, 3 ...
+    addCount(module.RecCount, module.filesFetched);
+    station_.status.showCount();
+    station_.panel.Command2.enabled = true;
+    station_.panel.Label7.caption = "Recording Standby";
+}
+
+void MainLoop::endOfWindow() {
+    Module1& module = station_.module;
+    Schedule& schedule = module.schedule;
+    module.RecDoneFlg = false;
+    station_.log.write("End Time");
+    schedule.NextRecTime = createNextRecTime(
+        schedule.StartTime, schedule.EndTime, schedule.IntervalTime,
+        std::chrono::floor<std::chrono::seconds>(timeOfDay(station_.clock.now())));
+    module.RecCount = 0;
+    module.filesFetched = 0;
+}
+
+void MainLoop::watchDay(WallTime now) {
+    const auto day = dayOf(now);
+    if (day == sunDay_) return;
+    sunDay_ = day;
+    if (const auto fault = computeSunTimes(station_)) station_.log.write(*fault);
+}
+
+/// Once a minute, and when recording is switched or another data folder is chosen: is there
+/// something to be told?
+void MainLoop::watch(WallTime now) {
+    const std::int64_t minute = minuteIndex(now);
+    const bool recording = station_.module.RecordFlg;
+    const std::filesystem::path& folder = station_.panel.Dir1[0].path;
+    const bool moved = folder != watchedFolder_;
+    if (minute == watchedMinute_ && recording == watchedRecording_ && !moved) return;
+    watchedMinute_ = minute;
+    watchedRecording_ = recording;
+    watchedFolder_ = folder;
+    if (moved) station_.warnings.clear(Warnings::Cause::DataFolder);
+    watchDisk();
+    station_.warnings.set(
+        Warnings::Cause::ErrorLog,
+        station_.log.writable() ? "" : "ERROR.LOG in the program's folder cannot be written.");
+    if (recording) {
+        due_.advance(now, station_.module.schedule);
+    } else {
+        due_.reset();
+    }
+    std::string missed = due_.warning();
+    if (!missed.empty() && !capture_.fault().empty()) missed += "\n(" + capture_.fault() + ")";
+    station_.warnings.set(Warnings::Cause::NoImage, missed);
+}
+
+void MainLoop::watchDisk() {
+    const auto freeBytes = freeBytesOf(station_.panel.Dir1[0].path);
+    if (!freeBytes) {
+        station_.panel.lbl_free.caption = std::string();
+        return;
+    }
+    const DiskWatch::Report report = capture_.disk().report(*freeBytes, station_.module.schedule);
+    station_.panel.lbl_free.caption = report.caption;
+    station_.warnings.set(Warnings::Cause::DiskSpace, report.warning);
+}
+
+void MainLoop::startLiveView() {
+    const bool wanted = station_.panel.chkLive.ticked && !station_.busy.active();
+    if (!wanted || !live_.done() || station_.clock.ticks() < nextLive_) return;
+    nextLive_ = station_.clock.ticks() + kLiveInterval;
+    live_ = showLivePicture();
+    live_.start();
+}
+
+Task<> MainLoop::showLivePicture() {
+    std::string url = cameraBaseUrl(station_.panel) + kLatestImagePath;
+    Task<HttpReply> get = station_.http.get(std::move(url));
+    const HttpReply reply = co_await get;
+    if (reply.ok && station_.panel.chkLive.ticked) station_.views.showLive(reply.body);
+}
+
+} // namespace orvane

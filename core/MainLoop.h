@@ -1,0 +1,41 @@
+#pragma once
+
+#include "core/Capture.h"
+#include "core/DueWatch.h"
+#include "core/Station.h"
+
+namespace orvane {
+
+/// The program's one polling loop: start-up, then a pass every 100 ms for the program's whole life.
+/// A pass decides whether a picture is due; a capture and the pause after it run inside the pass.
+class MainLoop {
+  public:
+    explicit MainLoop(Station& station) : station_(station), capture_(station) {}
+
+    /// Ends only when the start-up fails; then it has told the fault and ended the program with
+    /// exit code 1. Everything else ends the loop by destroying its task.
+    Task<> run();
+
+  private:
+    Task<> recordNow(std::int64_t dueMinute);
+    Task<> pause();
+    void countCapture();
+    void endOfWindow();
+    void watchDay(WallTime now);
+    void watch(WallTime now);
+    void watchDisk();
+    void startLiveView();
+    Task<> showLivePicture();
+
+    Station& station_;
+    Capture capture_;
+    DueWatch due_;
+    std::chrono::year_month_day sunDay_{};
+    std::int64_t watchedMinute_ = -1;
+    bool watchedRecording_ = false;
+    std::filesystem::path watchedFolder_;
+    Ticks nextLive_{0};
+    Task<> live_;
+};
+
+} // namespace orvane

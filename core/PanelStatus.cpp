@@ -1,0 +1,62 @@
+#include "core/PanelStatus.h"
+
+#include "core/Conversions.h"
+
+#include <limits>
+
+namespace orvane {
+
+namespace {
+
+constexpr std::int16_t kSyncTicks = 180; // of ten seconds: half an hour
+
+void countUp(std::int16_t& ticks) {
+    if (ticks < std::numeric_limits<std::int16_t>::max()) ++ticks;
+}
+
+} // namespace
+
+PanelStatus::PanelStatus(Module1& module, OperationPanel& panel, Clock& clock)
+    : Timer1(clock, 1000ms, [this] { Timer1_Timer(); }),
+      Tim_sync(clock, 10000ms, [this] { Tim_sync_Timer(); }), module_(module), panel_(panel),
+      clock_(clock) {}
+
+void PanelStatus::initStatus() {
+    Timer1.setInterval(1000ms);
+    Timer1.enable();
+    panel_.Label11.caption = std::string();
+    panel_.Label13.caption = std::string();
+    panel_.Label7.caption = "Ready";
+    panel_.Label12.caption = dateText(clock_.now());
+    module_.plannedRecords = 0;
+    module_.RecCount = 0;
+    module_.statusResetTime = clock_.now();
+}
+
+void PanelStatus::Timer1_Timer() {
+    const WallTime now = clock_.now();
+    panel_.Label12.caption = dateText(now);
+    panel_.Label13.caption = timeText(now);
+    countUp(module_.replyTicks);
+    countUp(module_.searchTicks);
+}
+
+void PanelStatus::Tim_sync_Timer() {
+    countUp(module_.syncTicks);
+    if (module_.syncTicks >= kSyncTicks) module_.syncElapsed = true;
+}
+
+void PanelStatus::NumberOfRec() {
+    using namespace std::chrono;
+    const auto window = floor<minutes>(module_.schedule.EndTime - module_.schedule.StartTime);
+    const auto interval = module_.schedule.IntervalTime % 1h;
+    if (interval > 0s)
+        module_.plannedRecords = static_cast<std::int32_t>(seconds(window) / interval + 1);
+    showCount();
+}
+
+void PanelStatus::showCount() {
+    panel_.Label11.caption = std::to_string(module_.RecCount) + " sheet";
+}
+
+} // namespace orvane

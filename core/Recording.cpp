@@ -1,0 +1,156 @@
+#include "core/Recording.h"
+
+#include "core/Conversions.h"
+
+#include <algorithm>
+#include <array>
+
+namespace orvane {
+
+namespace {
+
+/// The schedule fields that recording and `chk_auto` lock; the interval's hour and second stay.
+constexpr std::array<std::size_t, 5> kLockedFields{0, 1, 2, 3, 5};
+constexpr std::size_t kIntervalSecond = 6;
+
+constexpr std::array<const char*, 10> kMessages{
+    "Please set up 'hour' of a StartTime correctly.",
+    "Please set up 'minute' of a StartTime correctly.",
+    "Please set up 'hour' of a EndTime correctly.",
+    "Please set up 'minute' of a EndTime correctly.",
+    "Please set up 'hour' of a Recording Interval correctly.",
+    "Please set up 'minute' of a Recording Interval correctly.",
+    "Please set up 'Second' of a Recording Interval correctly.",
+    "'00:00' cannot be set as a Recording Interval.",
+    "Start Time and End Time cannot be set to the same time.",
+    "You must be Start Time < End Time."};
+
+constexpr int kSameTime = 8;
+constexpr int kStartAfterEnd = 9;
+constexpr int kNoInterval = 7;
+
+double upperLimit(std::size_t field) {
+    return field == 0 || field == 2 || field == 4 ? 23 : 59;
+}
+
+bool inRange(const TextBox& field, std::size_t index) {
+    const double value = leadingNumber(field.text.get());
+    return value >= 0 && value <= upperLimit(index);
+}
+
+/// The field's value in whole units. An interval's seconds come here unchecked, so what no clock
+/// shows is brought to the nearest value that one does.
+template <class Unit>
+Unit whole(const TextBox& field) {
+    return Unit(static_cast<int>(std::clamp(leadingNumber(field.text.get()), 0.0, 59.0)));
+}
+
+} // namespace
+
+TimeOfDay createNextRecTime(TimeOfDay start, TimeOfDay end, TimeOfDay interval, TimeOfDay now) {
+    if (now < start || interval <= 0s) return start;
+    const TimeOfDay next = start + ((now - start) / interval + 1) * interval;
+    return next > end ? start : next;
+}
+
+Task<> Recording::Command1_Click() {
+    panel_.Command1.enabled = false;
+    enableInputs(false);
+    panel_.UpDown1[kIntervalSecond].enabled = false;
+    log_.write("Start Recording");
+    panel_.Label7.caption = "Start Recording...";
+    settings_.writeSetup();
+
+    if (const auto code = validate()) {
+        module_.RecordFlg = false;
+        const std::string message = kMessages[static_cast<std::size_t>(*code)];
+        log_.write(message);
+        op_.beep();
+        co_await op_.tell(message);
+        panel_.Label7.caption = "Ready";
+        panel_.Command1.enabled = true;
+        panel_.Command2.enabled = false;
+        enableInputs(true);
+        co_return;
+    }
+    module_.RecordFlg = true;
+    module_.RecDoneFlg = false;
+    panel_.Command1.enabled = false;
+    panel_.Command2.enabled = true;
+    status_.NumberOfRec();
+    panel_.Label7.caption = "Recording Standby";
+}
+
+void Recording::Command2_Click() {
+    module_.RecordFlg = false;
+    ready();
+    log_.write("Stop Recording");
+    module_.RecCount = 0;
+    panel_.Label7.caption = "Ready";
+}
+
+void Recording::ready() {
+    panel_.Command1.enabled = true;
+    panel_.Command2.enabled = false;
+    enableInputs(true);
+}
+
+/// Everything that is locked while recording, except the interval-second spinner: once recording
+/// has been started it stays locked until the program ends.
+void Recording::enableInputs(bool enabled) {
+    for (const std::size_t index : kLockedFields) {
+        panel_.UpDown1[index].enabled = enabled;
+        panel_.Text1[index].enabled = enabled;
+    }
+    panel_.Dir1[0].enabled = enabled;
+    panel_.Command3.enabled = enabled;
+    panel_.Frame3[1].enabled = enabled;
+}
+
+/// The code of the first fault, or nothing. Makes the schedule's times on the way. The interval's
+/// hour and second are never checked.
+std::optional<int> Recording::validate() {
+    for (const std::size_t index : kLockedFields) {
+        const TextBox& field = panel_.Text1[index];
+        if (field.text.get().empty() || !inRange(field, index)) return static_cast<int>(index);
+    }
+    if (leadingNumber(panel_.Text1[5].text.get()) == 0 &&
+        leadingNumber(panel_.Text1[6].text.get()) == 0)
+        return kNoInterval;
+
+    using namespace std::chrono;
+    Schedule& schedule = module_.schedule;
+    schedule.StartTime = whole<hours>(panel_.Text1[0]) + whole<minutes>(panel_.Text1[1]);
+    schedule.EndTime = whole<hours>(panel_.Text1[2]) + whole<minutes>(panel_.Text1[3]);
+    schedule.IntervalTime = whole<minutes>(panel_.Text1[5]) + whole<seconds>(panel_.Text1[6]);
+    schedule.NextRecTime =
+        createNextRecTime(schedule.StartTime, schedule.EndTime, schedule.IntervalTime,
+                          floor<seconds>(timeOfDay(clock_.now())));
+    if (schedule.StartTime == schedule.EndTime) return kSameTime;
+    if (schedule.StartTime > schedule.EndTime) return kStartAfterEnd;
+    return std::nullopt;
+}
+
+void Recording::Text1_Change(std::size_t index) {
+    if (inRange(panel_.Text1[index], index))
+        panel_.UpDown1[index].value =
+            static_cast<int>(leadingNumber(panel_.Text1[index].text.get()));
+}
+
+void Recording::Text1_LostFocus(std::size_t index) {
+    if (!inRange(panel_.Text1[index], index)) panel_.Text1[index].text = std::string();
+}
+
+void Recording::UpDown1_Change(std::size_t index) {
+    panel_.Text1[index].text = std::to_string(panel_.UpDown1[index].value.get());
+}
+
+void Recording::chk_auto_Click() {
+    const bool unlocked = !panel_.chk_auto.ticked;
+    for (const std::size_t index : kLockedFields) {
+        panel_.Text1[index].enabled = unlocked;
+        panel_.UpDown1[index].enabled = unlocked;
+    }
+}
+
+} // namespace orvane

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "camera/CameraPanel.h"
+#include "core/Busy.h"
+#include "core/ImageViews.h"
+#include "core/Module1.h"
+#include "core/OperationPanel.h"
+#include "core/PanelSettings.h"
+#include "core/PanelStatus.h"
+#include "core/Recording.h"
+#include "core/Warnings.h"
+#include "platform/Clock.h"
+#include "platform/HttpTransfer.h"
+#include "platform/ImageControl.h"
+#include "platform/Operator.h"
+#include "platform/WebBrowser.h"
+#include "tracker/ErrorLog.h"
+
+#include <functional>
+
+namespace orvane {
+
+/// What the start-up, the main loop and the capture cycle work with. `main` builds every part and
+/// keeps them alive longer than any task.
+struct Station {
+    Module1& module;
+    OperationPanel& panel;
+    PanelSettings& settings;
+    PanelStatus& status;
+    Recording& recording;
+    CameraPanel& camera;
+    HttpTransfer& http;
+    std::array<WebBrowser*, 3> browsers;
+    ErrorLog& log;
+    Clock& clock;
+    Operator& op;
+    Warnings& warnings;
+    Busy& busy;
+    ImageViews& views;
+    ImageControl& imageControl;
+    std::function<void()> showMainWindow;
+    std::function<void(int)> endProgram; ///< with the exit code
+};
+
+} // namespace orvane

@@ -1,0 +1,173 @@
+#include "platform/qt/JpegDecoder.h"
+
+#include "platform/qt/ExifHeader.h"
+
+#include <algorithm>
+#include <bit>
+#include <cstdlib>
+#include <string_view>
+#include <utility>
+
+namespace orvane {
+
+namespace {
+
+constexpr std::uint64_t kPixelLimit = 100'000'000;
+/// Real progressive files have about ten; every scan costs a pass over the whole picture.
+constexpr int kScanLimit = 200;
+constexpr int kExifMarker = JPEG_APP0 + 1;
+constexpr int kIccMarker = JPEG_APP0 + 2;
+constexpr std::string_view kExifSignature("Exif\0\0", 6);
+
+constexpr J_COLOR_SPACE kRgb32 =
+    std::endian::native == std::endian::little ? JCS_EXT_BGRX : JCS_EXT_XRGB;
+
+std::string_view contents(const jpeg_marker_struct& marker) {
+    return {reinterpret_cast<const char*>(marker.data), marker.data_length};
+}
+
+} // namespace
+
+JpegDecoder::JpegDecoder(std::string bytes) : bytes_(std::move(bytes)) {
+    info_.err = &errors_;
+}
+
+JpegDecoder::~JpegDecoder() {
+    jpeg_destroy_decompress(&info_);
+}
+
+bool JpegDecoder::begin() {
+    if (!readHeader()) return fail(errors_.text);
+    if (!acceptHeader()) return false;
+    keepMarkers();
+    if (!allocate(exifOrientation(picture_.exif))) return fail("Not enough memory for the picture");
+    if (!start()) return fail(errors_.text);
+    return true;
+}
+
+bool JpegDecoder::decodeSlice() {
+    const bool ok = stage_ == Stage::Scans ? readScans() : readRows();
+    if (!ok || errors_.corrupt) return fail(errors_.text);
+    if (stage_ == Stage::Scans && info_.input_scan_number > kScanLimit)
+        return fail("Too many scans");
+    return true;
+}
+
+bool JpegDecoder::readHeader() {
+    if (setjmp(errors_.escape) != 0) return false;
+    jpeg_create_decompress(&info_);
+    jpeg_mem_src(&info_, reinterpret_cast<const unsigned char*>(bytes_.data()),
+                 static_cast<unsigned long>(bytes_.size()));
+    jpeg_save_markers(&info_, kExifMarker, 0xFFFF);
+    jpeg_save_markers(&info_, kIccMarker, 0xFFFF);
+    jpeg_save_markers(&info_, JPEG_COM, 0xFFFF);
+    jpeg_read_header(&info_, TRUE);
+    return true;
+}
+
+bool JpegDecoder::acceptHeader() {
+    if (std::uint64_t{info_.image_width} * info_.image_height > kPixelLimit)
+        return fail("Picture of " + std::to_string(info_.image_width) + " x " +
+                    std::to_string(info_.image_height) + " pixels is too large");
+    if (info_.num_components == 4) return fail("CMYK pictures are not supported");
+    return true;
+}
+
+void JpegDecoder::keepMarkers() {
+    for (const jpeg_marker_struct* marker = info_.marker_list; marker != nullptr;
+         marker = marker->next) {
+        const std::string_view data = contents(*marker);
+        if (marker->marker == JPEG_COM)
+            picture_.comments.emplace_back(data);
+        else if (marker->marker == kExifMarker && picture_.exif.empty() &&
+                 data.starts_with(kExifSignature))
+            picture_.exif = data;
+    }
+    // A grey picture is saved in colour, which its own profile would not fit.
+    if (info_.num_components != 3) return;
+    JOCTET* profile = nullptr;
+    unsigned size = 0;
+    if (readProfile(&profile, &size)) {
+        picture_.colourProfile.assign(reinterpret_cast<const char*>(profile), size);
+        std::free(profile);
+    }
+}
+
+bool JpegDecoder::readProfile(JOCTET** profile, unsigned* size) {
+    if (setjmp(errors_.escape) != 0) return false;
+    return jpeg_read_icc_profile(&info_, profile, size) != FALSE;
+}
+
+/// The eight orientations of EXIF tag 0x0112.
+bool JpegDecoder::allocate(int orientation) {
+    const bool transposed = orientation >= 5;
+    const int width = static_cast<int>(transposed ? info_.image_height : info_.image_width);
+    const int height = static_cast<int>(transposed ? info_.image_width : info_.image_height);
+    picture_.pixels = QImage(width, height, QImage::Format_RGB32);
+    if (picture_.pixels.isNull()) return false;
+
+    const std::ptrdiff_t line = picture_.pixels.bytesPerLine() / 4;
+    const bool fromRight =
+        orientation == 2 || orientation == 3 || orientation == 6 || orientation == 7;
+    const bool fromBottom = orientation == 3 || orientation == 4 || orientation >= 7;
+    const std::ptrdiff_t across = fromRight ? -1 : 1;
+    const std::ptrdiff_t down = fromBottom ? -line : line;
+    xStep_ = transposed ? down : across;
+    yStep_ = transposed ? across : down;
+    origin_ = reinterpret_cast<std::uint32_t*>(picture_.pixels.bits()) +
+              (fromRight ? width - 1 : 0) + (fromBottom ? (height - 1) * line : 0);
+    if (xStep_ != 1) row_.resize(info_.image_width);
+    return true;
+}
+
+bool JpegDecoder::start() {
+    if (setjmp(errors_.escape) != 0) return false;
+    info_.out_color_space = kRgb32;
+    info_.buffered_image = jpeg_has_multiple_scans(&info_);
+    if (info_.buffered_image) stage_ = Stage::Scans;
+    jpeg_start_decompress(&info_);
+    return true;
+}
+
+bool JpegDecoder::readScans() {
+    if (setjmp(errors_.escape) != 0) return false;
+    const unsigned rows = rowsPerSlice(info_.image_width);
+    const unsigned step = static_cast<unsigned>(info_.max_v_samp_factor) * DCTSIZE;
+    for (unsigned done = 0; done < rows; done += step) {
+        if (jpeg_consume_input(&info_) != JPEG_REACHED_EOI) continue;
+        jpeg_start_output(&info_, info_.input_scan_number);
+        stage_ = Stage::Rows;
+        break;
+    }
+    return true;
+}
+
+bool JpegDecoder::readRows() {
+    if (setjmp(errors_.escape) != 0) return false;
+    const bool inPlace = row_.empty();
+    const unsigned rows = rowsPerSlice(info_.image_width);
+    for (unsigned i = 0; i < rows && info_.output_scanline < info_.output_height; ++i) {
+        JSAMPROW target = reinterpret_cast<JSAMPROW>(
+            inPlace ? origin_ + info_.output_scanline * yStep_ : row_.data());
+        jpeg_read_scanlines(&info_, &target, 1);
+        if (!inPlace) scatter(row_.data());
+    }
+    if (info_.output_scanline < info_.output_height) return true;
+    if (info_.buffered_image) jpeg_finish_output(&info_);
+    jpeg_finish_decompress(&info_);
+    stage_ = Stage::Done;
+    return true;
+}
+
+void JpegDecoder::scatter(const std::uint32_t* row) {
+    std::uint32_t* target = origin_ + (info_.output_scanline - 1) * yStep_;
+    for (unsigned x = 0; x < info_.image_width; ++x)
+        target[x * xStep_] = row[x];
+}
+
+bool JpegDecoder::fail(std::string text) {
+    fault_ = std::move(text);
+    return false;
+}
+
+} // namespace orvane

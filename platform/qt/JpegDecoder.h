@@ -1,0 +1,61 @@
+#pragma once
+
+#include "platform/qt/JpegErrors.h"
+#include "platform/qt/JpegPicture.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace orvane {
+
+/// Decodes one JPEG held in memory: `begin`, then `decodeSlice` while there is `more`, then `take`.
+/// May be destroyed at any point. A `false` comes with a `fault`, and the decoder is then used up.
+class JpegDecoder {
+  public:
+    explicit JpegDecoder(std::string bytes);
+    ~JpegDecoder();
+    JpegDecoder(const JpegDecoder&) = delete;
+    JpegDecoder& operator=(const JpegDecoder&) = delete;
+
+    /// Reads the header and refuses what cannot be decoded: more than 100 megapixels, CMYK.
+    bool begin();
+    bool more() const { return stage_ != Stage::Done; }
+    bool decodeSlice();
+    JpegPicture take() { return std::move(picture_); }
+    const std::string& fault() const { return fault_; }
+
+  private:
+    /// Files with several scans are read to their end before the first row comes out.
+    enum class Stage { Scans, Rows, Done };
+
+    // Calls into the library: each sets the escape point and has only trivial locals.
+    bool readHeader();
+    bool readProfile(JOCTET** profile, unsigned* size);
+    bool start();
+    bool readScans();
+    bool readRows();
+
+    bool acceptHeader();
+    void keepMarkers();
+    bool allocate(int orientation);
+    void scatter(const std::uint32_t* row);
+    bool fail(std::string text);
+
+    std::string bytes_;
+    JpegErrors errors_;
+    jpeg_decompress_struct info_{};
+    Stage stage_ = Stage::Rows;
+    JpegPicture picture_;
+    std::string fault_;
+
+    // Where source pixel (x, y) goes: origin_ + x * xStep_ + y * yStep_. Turning the picture
+    // upright costs no pass of its own.
+    std::uint32_t* origin_ = nullptr;
+    std::ptrdiff_t xStep_ = 1;
+    std::ptrdiff_t yStep_ = 0;
+    std::vector<std::uint32_t> row_; ///< used unless the rows can be decoded in place
+};
+
+} // namespace orvane

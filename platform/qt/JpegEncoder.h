@@ -1,0 +1,51 @@
+#pragma once
+
+#include "platform/qt/JpegErrors.h"
+#include "platform/qt/JpegPicture.h"
+
+#include <string>
+
+namespace orvane {
+
+/// Encodes one picture into memory: `begin`, then `encodeSlice` while there is `more`, then `take`.
+/// May be destroyed at any point. A `false` comes with a `fault`, and the encoder is then used up.
+class JpegEncoder {
+  public:
+    /// Exif: EXIF header, the picture's `exif` as it stands, 4:2:0. Jfif444: JFIF header, 4:4:4.
+    enum class Form { Exif, Jfif444 };
+
+    /// `quality` 1 to 100.
+    JpegEncoder(JpegPicture picture, Form form, int quality);
+    ~JpegEncoder();
+    JpegEncoder(const JpegEncoder&) = delete;
+    JpegEncoder& operator=(const JpegEncoder&) = delete;
+
+    bool begin();
+    bool more() const { return !done_; }
+    bool encodeSlice();
+    std::string take() { return std::move(target_.bytes); }
+    std::string fault() const { return errors_.text; }
+
+  private:
+    /// Collects the output; the library has no growing target that survives being abandoned.
+    struct Target : jpeg_destination_mgr {
+        std::string bytes;
+        bool grow() noexcept;
+    };
+    static void initTarget(j_compress_ptr info);
+    static boolean growTarget(j_compress_ptr info);
+    static void endTarget(j_compress_ptr info);
+
+    void setUp();
+    void writeMarkers();
+
+    JpegPicture picture_;
+    Form form_;
+    int quality_;
+    bool done_ = false;
+    JpegErrors errors_;
+    Target target_{};
+    jpeg_compress_struct info_{};
+};
+
+} // namespace orvane

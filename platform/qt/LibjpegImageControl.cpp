@@ -1,0 +1,84 @@
+#include "platform/qt/LibjpegImageControl.h"
+
+#include "platform/FileCopy.h"
+#include "platform/qt/ExifHeader.h"
+#include "platform/qt/JpegDecoder.h"
+#include "platform/qt/JpegEncoder.h"
+#include "platform/qt/TextStamp.h"
+
+#include <QFontDatabase>
+#include <QGuiApplication>
+
+#include <algorithm>
+#include <utility>
+
+namespace orvane {
+
+LibjpegImageControl::LibjpegImageControl(Clock& clock)
+    : clock_(clock),
+      fontId_(QFontDatabase::addApplicationFont(QStringLiteral(":/fonts/DejaVuSans.ttf"))),
+      fontFamily_(QFontDatabase::applicationFontFamilies(fontId_).value(0)) {}
+
+LibjpegImageControl::~LibjpegImageControl() {
+    if (qGuiApp != nullptr) QFontDatabase::removeApplicationFont(fontId_);
+}
+
+Task<bool> LibjpegImageControl::load(std::filesystem::path file) {
+    clear();
+    std::string bytes;
+    if (auto reason = readWholeFile(file, bytes)) co_return fail(*reason);
+    JpegDecoder decoder(std::move(bytes));
+    if (!decoder.begin()) co_return fail(decoder.fault());
+    while (true) {
+        if (!decoder.decodeSlice()) co_return fail(decoder.fault());
+        if (!decoder.more()) break;
+        co_await clock_.yield();
+    }
+    picture_ = decoder.take();
+    co_return true;
+}
+
+void LibjpegImageControl::mirror() {
+    QImage& pixels = picture_.pixels;
+    for (int y = 0; y < pixels.height(); ++y) {
+        auto* row = reinterpret_cast<QRgb*>(pixels.scanLine(y));
+        std::reverse(row, row + pixels.width());
+    }
+}
+
+void LibjpegImageControl::drawText(const std::string& text) {
+    if (picture_.pixels.isNull()) return;
+    drawStamp(picture_.pixels, QString::fromStdString(text), fontFamily_);
+}
+
+Task<bool> LibjpegImageControl::save(std::filesystem::path file, std::int16_t format,
+                                     std::int16_t factor, std::string stamp) {
+    if (picture_.pixels.isNull()) co_return fail("No picture to save");
+    if (format != kFormatExif && format != kFormat444)
+        co_return fail("Unknown picture format " + std::to_string(format));
+    JpegPicture picture = picture_;
+    if (format == kFormatExif)
+        picture.exif =
+            exifForUpright(picture.exif, stamp, picture.pixels.width(), picture.pixels.height());
+    const auto form = format == kFormatExif ? JpegEncoder::Form::Exif : JpegEncoder::Form::Jfif444;
+    JpegEncoder encoder(std::move(picture), form, std::clamp(100 - factor, 1, 100));
+    if (!encoder.begin()) co_return fail(encoder.fault());
+    while (true) {
+        if (!encoder.encodeSlice()) co_return fail(encoder.fault());
+        if (!encoder.more()) break;
+        co_await clock_.yield();
+    }
+    if (auto reason = writeToFinalName(encoder.take(), file)) co_return fail(*reason);
+    co_return true;
+}
+
+void LibjpegImageControl::clear() {
+    picture_ = {};
+}
+
+bool LibjpegImageControl::fail(std::string text) {
+    fault_ = std::move(text);
+    return false;
+}
+
+} // namespace orvane

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "platform/Clock.h"
+#include "platform/ImageControl.h"
+#include "platform/qt/JpegPicture.h"
+
+#include <QString>
+
+namespace orvane {
+
+/// The imaging control on libjpeg-turbo, libexif and QPainter. Needs a QGuiApplication.
+///
+/// Between two slices of half a megapixel it yields to `clock`. Several routines may use one
+/// control at a time: `load` puts its picture in place in the moment it ends, and `save` works on
+/// the picture it was called for. A task may be destroyed anywhere but must not outlive the
+/// control.
+class LibjpegImageControl final : public ImageControl {
+  public:
+    explicit LibjpegImageControl(Clock& clock);
+    ~LibjpegImageControl() override;
+    LibjpegImageControl(const LibjpegImageControl&) = delete;
+    LibjpegImageControl& operator=(const LibjpegImageControl&) = delete;
+
+    Task<bool> load(std::filesystem::path file) override;
+    void mirror() override;
+    void drawText(const std::string& text) override;
+    Task<bool> save(std::filesystem::path file, std::int16_t format, std::int16_t factor,
+                    std::string stamp) override;
+    void clear() override;
+    const std::string& fault() const override { return fault_; }
+
+    /// For showing it; null without a picture.
+    QImage picture() const { return picture_.pixels; }
+
+  private:
+    bool fail(std::string text);
+
+    Clock& clock_;
+    int fontId_;
+    QString fontFamily_;
+    JpegPicture picture_;
+    std::string fault_;
+};
+
+} // namespace orvane

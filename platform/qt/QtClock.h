@@ -1,0 +1,28 @@
+#pragma once
+
+#include "platform/Clock.h"
+
+#include <QTimer>
+
+namespace orvane {
+
+/// The PC's clock, dispatched from the Qt event loop by one timer.
+class QtClock final : public Clock {
+  public:
+    QtClock();
+    ~QtClock() = default;
+
+    WallTime now() const override;
+    Ticks ticks() const override;
+    void wakeAt(Wake& wake, Ticks deadline) override;
+    void forget(Wake& wake) noexcept override;
+
+  private:
+    void arm();
+    void dispatch();
+
+    QTimer timer_;
+    WakeQueue queue_;
+};
+
+} // namespace orvane

@@ -1,0 +1,318 @@
+#include "tests/support/TestStation.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <random>
+
+namespace orvane::test {
+namespace {
+
+using Names = std::vector<std::string>;
+
+TEST(MainLoop, FilesExactlyTheDueImagesOfADay) {
+    TestStation s(at(2006, 11, 15, 8, 0));
+    s.start(true);
+    s.clock.runUntil(at(2006, 11, 15, 17, 0, 59));
+    Names expected;
+    for (int hour = 9; hour < 17; ++hour)
+        for (const char* minute : {"00", "30"}) {
+            char name[32];
+            std::snprintf(name, sizeof name, "20061115_%02d%s00_00.jpg", hour, minute);
+            expected.emplace_back(name);
+        }
+    EXPECT_EQ(s.imagesOf("20061115"), expected);
+    EXPECT_EQ(s.imagesOf("20061115", "Edit"), expected);
+    EXPECT_EQ(s.countLogged("End Time"), 0);
+    s.clock.run(2s);
+    EXPECT_EQ(s.countLogged("End Time"), 1);
+    EXPECT_EQ(s.panel.Label11.caption.get(), "136 sheet"); // 1 + 2 + ... + 16
+    s.clock.runUntil(at(2006, 11, 16, 8, 0));
+    EXPECT_EQ(s.countLogged("End Time"), 1);
+    EXPECT_TRUE(s.warnings.text.get().empty()) << s.warnings.text.get();
+}
+
+TEST(MainLoop, IntervalMeansMinutesOfTheHour) {
+    struct Case {
+        const char* interval;
+        Names minutes;
+    };
+    const Case cases[] = {{"45", {"00", "45"}},
+                          {"7", {"00", "07", "14", "21", "28", "35", "42", "49", "56"}},
+                          {"59", {"00", "59"}},
+                          {"0", {}}};
+    for (const auto& [interval, minutes] : cases) {
+        TestStation s(at(2006, 11, 15, 9, 30));
+        s.store.values["Operation/IntervalSecond"] = "30";
+        s.setSchedule("10", "12", interval);
+        s.start(true);
+        s.clock.runUntil(at(2006, 11, 15, 11, 0));
+        Names expected;
+        for (const std::string& minute : minutes)
+            expected.push_back("20061115_10" + minute + "00_00.jpg");
+        EXPECT_EQ(s.imagesOf("20061115"), expected) << interval;
+    }
+}
+
+/// A month without drift, growth or a lost minute, for both ends of what is set.
+TEST(MainLoop, VirtualMonth) {
+    struct Case {
+        const char *startHour, *endHour, *endMinute, *interval;
+        int perDay;
+        int endTimes;
+    };
+    const Case cases[] = {{"9", "17", "0", "30", 16, 30},
+                          // the window's end is the day's last minute: no minute is after it
+                          {"0", "23", "59", "1", 1439, 0}};
+    for (const Case& c : cases) {
+        TestStation s(at(2006, 11, 1));
+        s.store.values["Settings/Delay"] = "15";
+        s.setSchedule(c.startHour, c.endHour, c.interval, c.endMinute);
+        s.start(true);
+        std::size_t waiting = 0;
+        for (unsigned day = 1; day <= 30; ++day) {
+            const WallTime midnight = at(2006, 11, day) + 24h;
+            s.clock.runUntil(midnight);
+            char digits[16];
+            std::snprintf(digits, sizeof digits, "200611%02u", day);
+            const Names images = s.imagesOf(digits);
+            ASSERT_EQ(images.size(), static_cast<std::size_t>(c.perDay)) << digits;
+            for (const std::string& name : images)
+                EXPECT_TRUE(name.ends_with("00_00.jpg")) << name;
+            if (day == 1) waiting = s.clock.pending();
+            EXPECT_EQ(s.clock.pending(), waiting);
+            std::filesystem::remove_all(s.dataFolder() / digits);
+            std::filesystem::remove_all(s.dataFolder() / "Edit");
+        }
+        EXPECT_EQ(s.http.requests, 30 * c.perDay);
+        EXPECT_EQ(s.countLogged("End Time"), c.endTimes);
+        EXPECT_EQ(s.countLogged("DownLoad Error"), 0);
+    }
+}
+
+TEST(MainLoop, FailedFetchIsTriedAgainWithinItsMinute) {
+    TestStation s(at(2006, 11, 15, 9, 29));
+    int answers = 0;
+    s.http.answer = [&](const std::string&) {
+        return ++answers <= 3 ? FakeHttp::failed("HTTP status 503")
+                              : FakeHttp::picture(std::to_string(answers));
+    };
+    s.start(true);
+    s.clock.runUntil(at(2006, 11, 15, 9, 59));
+    EXPECT_EQ(s.imagesOf("20061115"), Names{"20061115_093000_00.jpg"});
+    EXPECT_EQ(s.countLogged("DownLoad Error"), 3);
+    EXPECT_EQ(s.panel.Label7.caption.get(), "Recording Standby");
+    EXPECT_TRUE(s.panel.Command2.enabled);
+    EXPECT_EQ(s.http.urls.back(), "http://192.168.0.10:80/Images/full.jpg");
+}
+
+/// What is not a whole new picture is never filed, whatever the transfer says.
+TEST(MainLoop, RefusesWhatIsNotANewPicture) {
+    const std::string whole = jpegLike("x");
+    const std::string cases[] = {"", "<html><body>Busy</body></html>",
+                                 whole.substr(0, whole.size() - 2), whole.substr(0, 12)};
+    for (const std::string& body : cases) {
+        TestStation s(at(2006, 11, 15, 9, 29));
+        s.http.answer = [&](const std::string&) { return HttpReply{true, 200, body, ""}; };
+        s.start(true);
+        s.clock.runUntil(at(2006, 11, 15, 9, 31));
+        EXPECT_TRUE(s.imagesOf("20061115").empty()) << body;
+        EXPECT_EQ(s.countLogged("DownLoad Error"), s.http.requests);
+        EXPECT_GT(s.http.requests, 10);
+    }
+}
+
+TEST(MainLoop, RefusesAPictureThatWasSentBefore) {
+    TestStation s(at(2006, 11, 15, 9, 29));
+    s.http.answer = [](const std::string&) { return FakeHttp::picture("frozen"); };
+    s.start(true);
+    s.clock.runUntil(at(2006, 11, 15, 10, 1));
+    EXPECT_EQ(s.imagesOf("20061115"), Names{"20061115_093000_00.jpg"});
+
+    // a restarted station knows the newest picture from the disk
+    TestStation restarted(at(2006, 11, 15, 10, 29));
+    restarted.store.values["DataPath/PathDataFile"] = s.dataFolder().string();
+    restarted.http.answer = s.http.answer;
+    restarted.start(true);
+    restarted.clock.runUntil(at(2006, 11, 15, 10, 31));
+    EXPECT_EQ(s.imagesOf("20061115").size(), 1U);
+    EXPECT_GT(restarted.countLogged("DownLoad Error"), 1);
+}
+
+/// A short answer over a longer old working picture must not bring the old tail into the archive.
+TEST(MainLoop, FilesExactlyTheBytesThatTheCameraSent) {
+    TestStation s(at(2006, 11, 15, 9, 29));
+    int pictures = 0;
+    s.http.answer = [&](const std::string&) {
+        return FakeHttp::picture(++pictures == 1 ? std::string(5000, 'l') : "short");
+    };
+    s.start(true);
+    s.clock.runUntil(at(2006, 11, 15, 10, 1));
+    std::string bytes;
+    readWholeFile(s.dataFolder() / "20061115" / "20061115_100000_00.jpg", bytes);
+    EXPECT_EQ(bytes, jpegLike("short"));
+}
+
+/// Slow answers and long delays cost no minute and bring no minute twice.
+TEST(MainLoop, EveryMinuteOfAOneMinuteInterval) {
+    for (const auto& [delay, latency] : {std::pair{"0", 0ms}, {"15", 20000ms}, {"5", 50000ms}}) {
+        TestStation s(at(2006, 11, 15, 9, 0));
+        s.store.values["Settings/Delay"] = delay;
+        s.http.latency = latency;
+        s.setSchedule("10", "12", "1");
+        s.start(true);
+        s.clock.runUntil(at(2006, 11, 15, 12, 1));
+        EXPECT_EQ(s.imagesOf("20061115").size(), 120U) << delay;
+    }
+}
+
+TEST(MainLoop, StopDuringThePauseEndsItAndStaysStopped) {
+    TestStation s(at(2006, 11, 15, 9, 29));
+    s.start(true);
+    s.clock.runUntil(at(2006, 11, 15, 9, 30, 1));
+    EXPECT_EQ(s.panel.Label7.caption.get(), "Recording Now...");
+    EXPECT_FALSE(s.panel.Command2.enabled);
+    EXPECT_FALSE(s.busy.mnuFileOpen);
+    s.clock.runUntil(at(2006, 11, 15, 9, 30, 10));
+    EXPECT_TRUE(s.panel.Command2.enabled); // the pause can be stopped
+    EXPECT_TRUE(s.busy.mnuFileOpen);
+    s.recording.Command2_Click();
+    s.clock.run(2s);
+    EXPECT_EQ(s.panel.Label7.caption.get(), "Ready");
+    EXPECT_EQ(s.panel.Label11.caption.get(), "");
+    EXPECT_FALSE(s.panel.Command2.enabled);
+    EXPECT_TRUE(s.panel.Command1.enabled);
+    s.clock.runUntil(at(2006, 11, 15, 12, 0));
+    EXPECT_EQ(s.imagesOf("20061115").size(), 1U);
+}
+
+/// The wall clock is set by the operator and by daylight saving; nothing filed is ever replaced.
+TEST(MainLoop, SurvivesAJumpingWallClock) {
+    TestStation s(at(2006, 11, 15, 9, 29));
+    s.setSchedule("9", "17", "10");
+    s.start(true);
+    s.clock.runUntil(at(2006, 11, 15, 11, 5));
+    EXPECT_EQ(s.imagesOf("20061115").size(), 10U); // 9:30 to 11:00
+    s.clock.jumpWall(-1h);
+    s.clock.runUntil(at(2006, 11, 15, 11, 5));
+    const Names images = s.imagesOf("20061115");
+    EXPECT_EQ(images.size(), 16U); // 10:10 to 11:00 once more
+    EXPECT_EQ(std::ranges::count(images, "20061115_103000_01.jpg"), 1);
+    s.clock.jumpWall(+2h);
+    s.clock.runUntil(at(2006, 11, 15, 13, 15));
+    EXPECT_EQ(s.imagesOf("20061115").size(), 17U);
+    s.clock.jumpWall(24h * 400);
+    s.clock.run(24h);
+    EXPECT_EQ(s.imagesOf("20071220").size() + s.imagesOf("20071221").size(), 48U);
+    EXPECT_TRUE(s.warnings.text.get().empty()) << s.warnings.text.get();
+}
+
+TEST(MainLoop, UnusableDataFolderIsToldAndRecoversByItself) {
+    TestStation s(at(2006, 11, 15, 9, 29));
+    const auto blocked = s.folder.path() / "file" / "data";
+    std::ofstream(s.folder.path() / "file") << "not a folder";
+    s.start(true);
+    s.panel.Dir1[0].path = blocked;
+    s.clock.runUntil(at(2006, 11, 15, 9, 31));
+    EXPECT_NE(s.warnings.text.get().find("The data folder cannot be written"), std::string::npos);
+    EXPECT_GT(s.http.requests, 10); // tried again within the minute
+    std::filesystem::remove(s.folder.path() / "file");
+    s.clock.runUntil(at(2006, 11, 15, 10, 1));
+    EXPECT_TRUE(s.warnings.text.get().empty()) << s.warnings.text.get();
+    EXPECT_TRUE(std::filesystem::exists(blocked / "20061115" / "20061115_100000_00.jpg"));
+}
+
+TEST(MainLoop, ADeletedDataFolderIsMadeAgain) {
+    TestStation s(at(2006, 11, 15, 9, 29));
+    s.start(true);
+    s.clock.runUntil(at(2006, 11, 15, 9, 31));
+    std::filesystem::remove_all(s.dataFolder());
+    s.clock.runUntil(at(2006, 11, 15, 10, 1));
+    EXPECT_EQ(s.imagesOf("20061115"), Names{"20061115_100000_00.jpg"});
+}
+
+TEST(MainLoop, TwoMissedMinutesRaiseAWarningThatGoesWithTheNextImage) {
+    TestStation s(at(2006, 11, 15, 9, 29));
+    const auto picture = s.http.answer;
+    s.http.answer = [](const std::string&) { return FakeHttp::failed("HTTP status 404"); };
+    s.start(true);
+    s.clock.runUntil(at(2006, 11, 15, 10, 0, 59));
+    EXPECT_TRUE(s.warnings.text.get().empty());
+    s.clock.run(3s);
+    EXPECT_EQ(s.warnings.text.get(), "No image at 09:30 and 10:00. Please check the camera.\n"
+                                     "(HTTP status 404)");
+    s.clock.runUntil(at(2006, 11, 15, 10, 32));
+    EXPECT_EQ(s.warnings.text.get().substr(0, 53),
+              "No image from 09:30 to 10:30 (3 due minutes). Please ");
+    s.http.answer = picture;
+    s.clock.runUntil(at(2006, 11, 15, 11, 2));
+    EXPECT_TRUE(s.warnings.text.get().empty());
+}
+
+TEST(MainLoop, LiveViewShowsWithoutFilingAndYieldsToCaptures) {
+    TestStation s(at(2006, 11, 15, 9, 28));
+    s.start(true);
+    s.clock.run(1s);
+    s.panel.chkLive.ticked = true;
+    s.clock.run(21s);
+    EXPECT_EQ(s.views.live, 5);
+    s.http.latency = 55s; // a camera that hangs while it is asked for the live view
+    s.clock.runUntil(at(2006, 11, 15, 9, 29, 50));
+    s.http.latency = 50ms;
+    s.clock.runUntil(at(2006, 11, 15, 9, 30, 3));
+    EXPECT_EQ(s.imagesOf("20061115"), Names{"20061115_093000_00.jpg"});
+    EXPECT_EQ(s.countLogged("DownLoad Error"), 0);
+}
+
+TEST(MainLoop, SunTimesFollowTheDate) {
+    TestStation s(at(2006, 6, 20, 22, 0));
+    s.start(false);
+    const std::string first = s.panel.lbl_sunset.caption;
+    EXPECT_FALSE(first.empty());
+    s.clock.run(24h * 30);
+    EXPECT_NE(s.panel.lbl_sunset.caption.get(), first);
+}
+
+/// Random faults for a virtual week: only whole new pictures are filed, and every good minute
+/// after a bad one brings its image.
+TEST(MainLoop, RandomFaultsForAWeek) {
+    TestStation s(at(2006, 11, 1));
+    s.setSchedule("0", "23", "10", "59");
+    std::mt19937 random(7);
+    std::int64_t good = 0;
+    s.http.answer = [&](const std::string&) {
+        s.http.latency = std::chrono::milliseconds(random() % 60'000);
+        const std::string whole = jpegLike(std::to_string(random()));
+        switch (random() % 8) {
+        case 0:
+            return FakeHttp::failed("refused");
+        case 1:
+            return HttpReply{true, 200, whole.substr(0, random() % whole.size()), ""};
+        case 2:
+            return HttpReply{true, 200, "<html></html>", ""};
+        case 3:
+            return HttpReply{false, 500, "", "HTTP status 500"};
+        case 4:
+            return FakeHttp::picture("stale");
+        default:
+            ++good;
+            return HttpReply{true, 200, whole, ""};
+        }
+    };
+    s.start(true);
+    s.clock.run(24h * 7);
+    std::size_t filed = 0;
+    for (unsigned day = 1; day <= 7; ++day)
+        for (const char* tree : {"", "Edit"})
+            for (const std::string& name : s.imagesOf("2006110" + std::to_string(day), tree)) {
+                EXPECT_TRUE(name.ends_with(".jpg")) << name;
+                filed += *tree == '\0';
+            }
+    EXPECT_GT(filed, 7U * 144 / 2);
+    EXPECT_GE(s.http.requests, s.countLogged("DownLoad Error") + static_cast<int>(filed));
+    EXPECT_LE(s.http.requests, s.countLogged("DownLoad Error") + static_cast<int>(filed) + 1);
+    EXPECT_LE(static_cast<std::int64_t>(filed), good + 7 * 144);
+}
+
+} // namespace
+} // namespace orvane::test

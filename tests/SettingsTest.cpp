@@ -1,0 +1,149 @@
+#include "core/Conversions.h"
+#include "platform/qt/QtSettingsStore.h"
+#include "tests/support/TestStation.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+
+namespace orvane::test {
+namespace {
+
+TEST(PanelSettings, FirstRunShowsTheDefaults) {
+    TestStation s(at(2006, 11, 15));
+    s.store.values.clear();
+    s.start(false);
+    const char* const texts[] = {"9", "0", "17", "0", "", "30", "00"};
+    for (std::size_t i = 0; i < std::size(texts); ++i)
+        EXPECT_EQ(s.panel.Text1[i].text.get(), texts[i]) << i;
+    EXPECT_EQ(s.panel.txt_lat.text.get(), "35.738");
+    EXPECT_EQ(s.panel.txt_long.text.get(), "139.315");
+    EXPECT_EQ(s.panel.txt_tz.text.get(), "9");
+    EXPECT_EQ(s.panel.txtIp.text.get(), "192.168.0.10");
+    EXPECT_EQ(s.panel.txtPort.text.get(), "80");
+    EXPECT_TRUE(s.panel.chk_time.ticked);
+    EXPECT_EQ(s.panel.Dir1[0].path.get(), s.folder.path() / "pictures" / "Orvane");
+    EXPECT_FALSE(s.store.values.contains("DataPath/PathDataFile"));
+}
+
+/// Whatever is stored, start-up clears the stamp and mirror options and chooses 4:4:4.
+TEST(PanelSettings, SavesWhatIsInForceAfterTheStartUpOverrides) {
+    TestStation s(at(2006, 11, 15));
+    for (const auto& [key, text] : {std::pair{"Settings/LrFlg", "2"},
+                                    {"Settings/DateFlg", "1"},
+                                    {"Settings/RawFlg", "yes"},
+                                    {"Settings/JpegTyp", "10"},
+                                    {"Settings/Quality", "2.5"},
+                                    {"Settings/AdjTime", "0"},
+                                    {"Operation/Tz", "-210"},
+                                    {"Operation/Latitude", " -33.5 "},
+                                    {"Operation/StartHour", "any text"}})
+        s.store.values[key] = text;
+    s.start(false);
+    EXPECT_EQ(s.panel.txt_tz.text.get(), "-3.5");
+    EXPECT_FALSE(s.panel.chk_time.ticked);
+    EXPECT_TRUE(s.settings.writeSetup());
+    for (const auto& [key, text] : {std::pair{"Settings/LrFlg", "0"},
+                                    {"Settings/DateFlg", "0"},
+                                    {"Settings/RawFlg", "1"},
+                                    {"Settings/JpegTyp", "98"},
+                                    {"Settings/Quality", "2"}, // ties go to the even number
+                                    {"Settings/AdjTime", "0"},
+                                    {"Operation/Tz", "-210"},
+                                    {"Operation/Latitude", "-33.5"},
+                                    {"Operation/StartHour", "any text"}})
+        EXPECT_EQ(s.store.values[key], text) << key;
+}
+
+TEST(PanelSettings, AnUnreadableNumberEndsTheProgramWithItsKeyAndText) {
+    for (const char* key :
+         {"Operation/Latitude", "Operation/Longitude", "Operation/Tz", "Settings/Quality",
+          "Settings/Delay", "Settings/JpegTyp", "Settings/AdjTime"})
+        for (const char* text : {"", "12x", "1,5", "inf"}) {
+            TestStation s(at(2006, 11, 15));
+            s.store.values[key] = text;
+            s.start(true);
+            s.clock.run(5s);
+            ASSERT_EQ(s.op.told.size(), 1U) << key << text;
+            const std::string name = std::string(key).substr(std::string(key).find('/') + 1);
+            EXPECT_NE(s.op.told[0].find(name), std::string::npos) << s.op.told[0];
+            EXPECT_NE(s.op.told[0].find('"' + std::string(text) + '"'), std::string::npos);
+            EXPECT_EQ(s.exitCode, 1);
+            EXPECT_TRUE(s.loopTask.done());
+        }
+    TestStation s(at(2006, 11, 15));
+    s.store.values["Settings/Delay"] = "32768"; // beyond 16 bits
+    s.start(true);
+    s.clock.run(5s);
+    EXPECT_EQ(s.exitCode, 1);
+}
+
+TEST(PanelSettings, SiteFieldsTakeEffectAsTheyAreTyped) {
+    TestStation s(at(2006, 11, 15));
+    s.start(false);
+    const auto type = [&](TextBox& field, const char* text, bool (PanelSettings::*change)()) {
+        field.text = text;
+        return (s.settings.*change)();
+    };
+    EXPECT_TRUE(type(s.panel.txt_tz, "5.5", &PanelSettings::txt_tz_Change));
+    EXPECT_EQ(s.module.site.Tz, 360);
+    EXPECT_TRUE(type(s.panel.txt_tz, "-4.5", &PanelSettings::txt_tz_Change));
+    EXPECT_EQ(s.module.site.Tz, -240);
+    EXPECT_FALSE(type(s.panel.txt_tz, "600", &PanelSettings::txt_tz_Change));
+    EXPECT_FALSE(type(s.panel.txt_lat, "-", &PanelSettings::txt_lat_Change));
+    EXPECT_DOUBLE_EQ(s.module.site.latitude, 35.738); // the value in force stays
+    EXPECT_TRUE(type(s.panel.txt_lat, "-7.25", &PanelSettings::txt_lat_Change));
+    EXPECT_TRUE(type(s.panel.txt_long, "1e1", &PanelSettings::txt_long_Change));
+    EXPECT_DOUBLE_EQ(s.module.site.longitude, 10);
+    s.settings.showSite();
+    EXPECT_EQ(s.panel.txt_tz.text.get(), "-4");
+    EXPECT_EQ(s.panel.txt_lat.text.get(), "-7.25");
+}
+
+TEST(PanelSettings, AGoneDataFolderFallsBackWithoutBeingForgotten) {
+    TestStation s(at(2006, 11, 15));
+    std::filesystem::remove_all(s.dataFolder());
+    s.start(false);
+    EXPECT_EQ(s.panel.Dir1[0].path.get(), s.folder.path() / "pictures" / "Orvane");
+    EXPECT_EQ(s.store.values["DataPath/PathDataFile"], s.dataFolder().string());
+    s.settings.selectDataFolder(s.folder.path());
+    EXPECT_EQ(s.store.values["DataPath/PathDataFile"], s.folder.path().string());
+}
+
+TEST(QtSettingsStore, KeepsTextsInAFileThatIsWrittenByHand) {
+    TempFolder folder;
+    const auto path = folder.path() / "Orvane.ini";
+    std::ofstream(path) << "[Operation]\nStartHour=7\n[DataPath]\nPathDataFile=/a, b/c\n";
+    QtSettingsStore store(QString::fromStdString(path.string()));
+    EXPECT_EQ(store.GetSetting("Operation", "StartHour", "9"), "7");
+    EXPECT_EQ(store.GetSetting("DataPath", "PathDataFile", ""), "/a, b/c");
+    EXPECT_EQ(store.GetSetting("Operation", "EndHour", "17"), "17");
+    for (const std::string text : {"", "a,b;c", "空の写真", "C:\\Bilder\\", " x "}) {
+        EXPECT_TRUE(store.SaveSetting("DataPath", "PathDataFile", text));
+        QtSettingsStore other(QString::fromStdString(path.string()));
+        EXPECT_EQ(other.GetSetting("DataPath", "PathDataFile", "?"), text);
+    }
+    EXPECT_TRUE(store.SaveSetting("Operation", "Mode Auto", "True"));
+    EXPECT_EQ(store.GetSetting("Operation", "Mode Auto", ""), "True");
+}
+
+TEST(Conversions, NumbersFromText) {
+    EXPECT_EQ(toInt16("2.5"), 2);
+    EXPECT_EQ(toInt16("3.5"), 4);
+    EXPECT_EQ(toInt16("-32768"), -32768);
+    EXPECT_EQ(toInt16("+15"), 15);
+    for (const char* text : {"", "-", "+-1", "1 2", "nan", "1e999", "0x10", "."})
+        EXPECT_FALSE(toDouble(text)) << text;
+    for (const auto& [text, value] : {std::pair{"12abc", 12.0},
+                                      {" 7", 7},
+                                      {"abc", 0},
+                                      {"", 0},
+                                      {"-3", -3},
+                                      {".5", 0.5},
+                                      {"--1", 0}})
+        EXPECT_DOUBLE_EQ(leadingNumber(text), value) << text;
+    EXPECT_EQ(toText(139.315), "139.315");
+}
+
+} // namespace
+} // namespace orvane::test

@@ -1,0 +1,236 @@
+#include "core/Conversions.h"
+#include "tests/support/TestStation.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+
+namespace orvane::test {
+namespace {
+
+struct Closing : testing::Test {
+    TestStation s{at(2006, 11, 15, 9, 29)};
+    int ended = 0;
+    Shutdown shutdown{s.settings, s.store, s.busy, s.op, [this] { ++ended; }};
+
+    bool query(UnloadMode mode) {
+        Task<bool> task = shutdown.MDIForm_QueryUnload(mode);
+        task.start();
+        s.clock.run(2s);
+        EXPECT_TRUE(task.done());
+        return task.result();
+    }
+};
+
+TEST_F(Closing, SavesThenAsks) {
+    s.start(false);
+    s.panel.txtIp.text = "10.0.0.7";
+    s.op.answer = false;
+    EXPECT_FALSE(query(UnloadMode::User));
+    EXPECT_EQ(s.op.asked, std::vector<std::string>{"Program End ? "});
+    EXPECT_EQ(s.store.values["Settings/IP"], "10.0.0.7");
+    s.op.answer = true;
+    EXPECT_TRUE(query(UnloadMode::Other));
+}
+
+TEST_F(Closing, ABusyStationRefusesItsCloseBoxOnly) {
+    s.start(true);
+    s.clock.runUntil(at(2006, 11, 15, 9, 30, 0));
+    s.http.latency = 30s;
+    s.clock.run(3s);
+    EXPECT_FALSE(query(UnloadMode::User));
+    EXPECT_EQ(s.op.beeps, 1);
+    EXPECT_TRUE(query(UnloadMode::Other));
+    EXPECT_TRUE(s.op.asked.empty());
+    s.clock.run(60s); // the capture ends by itself, then the box asks again
+    EXPECT_TRUE(query(UnloadMode::User));
+    EXPECT_EQ(s.op.asked.size(), 1U);
+}
+
+TEST_F(Closing, OneQuestionAtATime) {
+    s.start(false);
+    Task<bool> first = shutdown.MDIForm_QueryUnload(UnloadMode::User);
+    first.start();
+    Task<bool> second = shutdown.MDIForm_QueryUnload(UnloadMode::User);
+    second.start();
+    EXPECT_TRUE(second.done());
+    EXPECT_FALSE(second.result());
+    s.clock.run(2s);
+    EXPECT_TRUE(first.result());
+}
+
+TEST_F(Closing, StoresThePlaceInTwipsUnlessMinimised) {
+    s.start(false);
+    shutdown.MDIForm_Unload(std::nullopt);
+    EXPECT_FALSE(s.store.values.contains("Settings/MainLeft"));
+    shutdown.MDIForm_Unload(WindowPlace{-4, 10, 1024, 747});
+    EXPECT_EQ(s.store.values["Settings/MainLeft"], "-60");
+    EXPECT_EQ(s.store.values["Settings/MainTop"], "150");
+    EXPECT_EQ(s.store.values["Settings/MainWidth"], "15360");
+    EXPECT_EQ(s.store.values["Settings/MainHeight"], "11205");
+    EXPECT_EQ(ended, 2);
+}
+
+/// The station destroyed in every state of a capture leaves nothing waiting and no part of a file.
+TEST_F(Closing, EndsCleanlyAtAnyMoment) {
+    for (int step = 0; step < 60; ++step) {
+        TestStation station(at(2006, 11, 15, 9, 29, 59));
+        station.http.latency = 1500ms;
+        station.start(true);
+        station.clock.run(step * 100ms);
+        station.loopTask.reset();
+        station.status.Timer1.disable();
+        station.clock.run(2s);
+        EXPECT_EQ(station.clock.pending(), 0U);
+        EXPECT_TRUE(station.busy.mnuFileOpen);
+        for (const std::string& name : station.imagesOf("20061115"))
+            EXPECT_EQ(name, "20061115_093000_00.jpg");
+    }
+}
+
+struct Countdown : testing::Test {
+    JumpingClock clock{at(2006, 11, 15)};
+    Module1 module;
+    FakeStore store;
+    std::string trace;
+    AutoStart autoStart{
+        module,
+        store,
+        clock,
+        {[this] { trace += "closed "; }, [this] { trace += "loop"; }, [this] { trace += "end"; }}};
+};
+
+TEST_F(Countdown, RunsOutAtThe99thTick) {
+    autoStart.Form_Load();
+    clock.run(98 * 105ms);
+    EXPECT_EQ(autoStart.PBar1.get(), 2);
+    EXPECT_EQ(trace, "");
+    clock.run(105ms);
+    EXPECT_EQ(trace, "closed loop");
+    EXPECT_TRUE(module.RecordFlg);
+    EXPECT_EQ(store.values["Operation/Mode Auto"], "True");
+    EXPECT_EQ(store.values["Operation/Mode Man"], "False");
+    clock.run(1min);
+    autoStart.Command1_Click();
+    autoStart.Command2_Click();
+    EXPECT_EQ(trace, "closed loop");
+}
+
+TEST_F(Countdown, CancelStartsWithoutRecordingAndEndEnds) {
+    autoStart.Form_Load();
+    clock.run(98 * 105ms);
+    autoStart.Command1_Click();
+    clock.run(1min);
+    EXPECT_EQ(trace, "closed loop");
+    EXPECT_FALSE(module.RecordFlg);
+    EXPECT_TRUE(store.values.empty());
+
+    trace.clear();
+    AutoStart other{
+        module,
+        store,
+        clock,
+        {[this] { trace += "closed "; }, [this] { trace += "loop"; }, [this] { trace += "end"; }}};
+    other.Form_Load();
+    other.Command2_Click();
+    clock.run(1min);
+    EXPECT_EQ(trace, "closed end");
+}
+
+TEST(StartUp, ComesInOrder) {
+    TestStation s(at(2006, 11, 15, 7, 0));
+    s.module.thumbnails[0].path = "old";
+    s.start(false);
+    EXPECT_EQ(s.windowsShown, 1);
+    EXPECT_EQ(s.logged(), std::vector<std::string>{"Orvane Starting"});
+    for (const FakeBrowser* browser : {&s.browser, &s.browser1, &s.browser2})
+        EXPECT_EQ(browser->urls, std::vector<std::string>{"about:blank"});
+    EXPECT_TRUE(s.module.thumbnails[0].path.empty());
+    EXPECT_FALSE(s.module.sun.SunriseText.empty());
+    EXPECT_EQ(s.module.image.JpegTyp, 98);
+    EXPECT_EQ(s.panel.Label7.caption.get(), "Ready");
+    EXPECT_FALSE(s.panel.Command2.enabled);
+}
+
+TEST(StartUp, ThumbnailsShowTodaysNewestImages) {
+    TestStation s(at(2006, 11, 15, 12, 0));
+    const auto today = s.dataFolder() / "20061115";
+    std::filesystem::create_directory(today);
+    for (int hour = 0; hour < 12; ++hour) {
+        char name[32];
+        std::snprintf(name, sizeof name, "20061115_%02d0000_00.jpg", hour);
+        std::ofstream(today / name) << "x";
+    }
+    std::ofstream(today / "99999999_notes.txt") << "x";
+    s.start(false);
+    EXPECT_EQ(s.module.thumbnails[0].path, today / "20061115_110000_00.jpg");
+    EXPECT_EQ(s.module.thumbnails[9].path, today / "20061115_020000_00.jpg");
+    EXPECT_EQ(s.views.newest, s.module.thumbnails[0].path);
+}
+
+TEST(StartUp, AnUnusableStoredScheduleIsToldAndTheStationStaysReady) {
+    TestStation s(at(2006, 11, 15, 9, 29));
+    s.setSchedule("17", "9", "30");
+    s.start(true);
+    s.clock.run(48h);
+    EXPECT_EQ(s.op.told, std::vector<std::string>{"You must be Start Time < End Time."});
+    EXPECT_EQ(s.panel.Label7.caption.get(), "Ready");
+    EXPECT_TRUE(s.panel.Command1.enabled);
+    EXPECT_EQ(s.http.requests, 0);
+}
+
+TEST(ErrorLog, AppendsStampedLines) {
+    TempFolder folder;
+    JumpingClock clock(at(2006, 7, 15, 14, 3, 27));
+    ErrorLog log(folder.path(), clock);
+    EXPECT_TRUE(log.write("recMessage:SUM ERROR"));
+    EXPECT_TRUE(log.write(""));
+    std::string text;
+    readWholeFile(folder.path() / "ERROR.LOG", text);
+    EXPECT_EQ(text, "2006/07/15 14:03:27 recMessage:SUM ERROR\r\n2006/07/15 14:03:27 \r\n");
+}
+
+TEST(ErrorLog, FlashesOnTheStatusLabel) {
+    TestStation s(at(2006, 11, 15));
+    s.panel.Label7.caption = "Ready";
+    s.log.write("hidden");
+    EXPECT_EQ(s.panel.Label7.caption.get(), "Ready");
+    s.log.write("first", true);
+    EXPECT_EQ(s.panel.Label7.caption.get(), "first");
+    s.log.write("second", true);
+    EXPECT_EQ(s.panel.Label7.caption.get(), "second");
+    s.clock.run(10ms);
+    EXPECT_EQ(s.panel.Label7.caption.get(), "Ready");
+    s.log.write("third", true);
+    s.panel.Label7.caption = "Recording Now..."; // newer than the flash: it stays
+    s.clock.run(10ms);
+    EXPECT_EQ(s.panel.Label7.caption.get(), "Recording Now...");
+}
+
+TEST(ErrorLog, AFailureIsAResultAndAWarningAndStopsNothing) {
+    TestStation s(at(2006, 11, 15, 9, 29));
+    std::filesystem::create_directory(s.module.programFolder / "ERROR.LOG");
+    EXPECT_FALSE(s.log.write("x"));
+    s.start(true);
+    s.clock.runUntil(at(2006, 11, 15, 9, 31));
+    EXPECT_EQ(s.imagesOf("20061115").size(), 1U);
+    EXPECT_EQ(s.warnings.text.get(), "ERROR.LOG in the program's folder cannot be written.");
+}
+
+TEST(DiskWatch, TellsDaysAtTodaysRate) {
+    const Schedule schedule{9h, 17h, 30min, {}}; // 16 captures a day
+    DiskWatch disk;
+    EXPECT_EQ(disk.report(123'400'000'000, schedule).caption, "123.4 GB free");
+    const auto day = dayOf(at(2006, 11, 15));
+    disk.addCapture(30'000'000, day);
+    disk.addCapture(10'000'000, day);
+    EXPECT_EQ(disk.report(123'400'000'000, schedule).caption, "123.4 GB free, about 386 days");
+    EXPECT_TRUE(disk.report(2'300'000'000, schedule).warning.empty());
+    EXPECT_FALSE(disk.report(2'200'000'000, schedule).warning.empty()); // 6.9 days
+    EXPECT_FALSE(DiskWatch().report(999'000'000, schedule).warning.empty());
+    disk.addCapture(1'000'000, dayOf(at(2006, 11, 16))); // a new day, a new rate
+    EXPECT_EQ(disk.report(16'000'000'000, schedule).caption, "16.0 GB free, about 1000 days");
+}
+
+} // namespace
+} // namespace orvane::test

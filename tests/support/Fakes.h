@@ -1,0 +1,158 @@
+#pragma once
+
+#include "core/ImageViews.h"
+#include "platform/Clock.h"
+#include "platform/FileCopy.h"
+#include "platform/HttpTransfer.h"
+#include "platform/ImageControl.h"
+#include "platform/Operator.h"
+#include "platform/SettingsStore.h"
+#include "platform/WebBrowser.h"
+
+#include <functional>
+#include <map>
+#include <string>
+#include <vector>
+
+namespace orvane::test {
+
+/// A small byte sequence with the marker structure of a JPEG picture; `content` tells two apart.
+inline std::string jpegLike(const std::string& content) {
+    const std::string comment = "picture " + content;
+    std::string bytes = "\xFF\xD8\xFF\xFE";
+    bytes += static_cast<char>((comment.size() + 2) >> 8);
+    bytes += static_cast<char>((comment.size() + 2) & 0xFF);
+    bytes += comment;
+    bytes += std::string("\xFF\xDA\x00\x08\x01\x01\x00\x00\x3F\x00", 10);
+    return bytes + "scan data\xFF\xD9";
+}
+
+class FakeStore final : public SettingsStore {
+  public:
+    std::string GetSetting(const std::string& section, const std::string& key,
+                           const std::string& fallback) const override {
+        const auto found = values.find(section + "/" + key);
+        return found == values.end() ? fallback : found->second;
+    }
+    bool SaveSetting(const std::string& section, const std::string& key,
+                     const std::string& value) override {
+        values[section + "/" + key] = value;
+        return true;
+    }
+
+    std::map<std::string, std::string> values;
+};
+
+/// Answers after `latency` whatever `answer` gives.
+class FakeHttp final : public HttpTransfer {
+  public:
+    explicit FakeHttp(Clock& clock) : clock_(clock) {}
+
+    Task<HttpReply> get(std::string url) override {
+        urls.push_back(url);
+        if (urls.size() > kKept) urls.erase(urls.begin());
+        ++requests;
+        const int call = ++call_;
+        co_await clock_.sleep(latency);
+        HttpReply reply = call == call_ ? answer(url) : failed("cancelled");
+        co_return reply;
+    }
+    void cancel() override { ++call_; }
+
+    static HttpReply failed(const std::string& fault) { return {false, 0, "", fault}; }
+    static HttpReply picture(const std::string& content) {
+        return {true, 200, jpegLike(content), ""};
+    }
+
+    std::function<HttpReply(const std::string&)> answer = [this](const std::string&) {
+        return picture(std::to_string(++served_));
+    };
+    std::chrono::milliseconds latency{50};
+    std::vector<std::string> urls;
+    std::int64_t requests = 0;
+
+  private:
+    static constexpr std::size_t kKept = 100;
+    Clock& clock_;
+    int call_ = 0;
+    int served_ = 0;
+};
+
+class FakeBrowser final : public WebBrowser {
+  public:
+    void navigate(std::string url) override { urls.push_back(std::move(url)); }
+    bool busy() const override { return false; }
+    const std::string& innerText() const override { return text; }
+    void onDocumentComplete(std::function<void()>) override {}
+
+    std::vector<std::string> urls;
+    std::string text;
+};
+
+/// An operator who reads every message for `patience` and answers every question with `answer`.
+class FakeOperator final : public Operator {
+  public:
+    explicit FakeOperator(Clock& clock) : clock_(clock) {}
+
+    Task<> tell(std::string text) override {
+        told.push_back(std::move(text));
+        co_await clock_.sleep(patience);
+    }
+    Task<bool> ask(std::string text) override {
+        asked.push_back(std::move(text));
+        co_await clock_.sleep(patience);
+        co_return answer;
+    }
+    void beep() override { ++beeps; }
+
+    std::chrono::milliseconds patience{1000};
+    bool answer = true;
+    int beeps = 0;
+    std::vector<std::string> told;
+    std::vector<std::string> asked;
+
+  private:
+    Clock& clock_;
+};
+
+/// Processes by copying the loaded bytes.
+class FakeImageControl final : public ImageControl {
+  public:
+    Task<bool> load(std::filesystem::path file) override {
+        const std::optional<std::string> reason =
+            failure.empty() ? readWholeFile(file, bytes_) : failure;
+        fault_ = reason.value_or("");
+        co_return !reason;
+    }
+    void mirror() override { bytes_ += "mirrored"; }
+    void drawText(const std::string& text) override { bytes_ += text; }
+    Task<bool> save(std::filesystem::path file, std::int16_t, std::int16_t, std::string) override {
+        const auto reason = writeToFinalName(bytes_, file);
+        fault_ = reason.value_or("");
+        co_return !reason;
+    }
+    void clear() override { bytes_.clear(); }
+    const std::string& fault() const override { return fault_; }
+
+    std::string failure; ///< not empty: loading fails with it
+
+  private:
+    std::string bytes_;
+    std::string fault_;
+};
+
+class FakeViews final : public ImageViews {
+  public:
+    void refreshThumbnails(
+        const std::array<ThumbnailEntry, Module1::kThumbnailCount>& history) override {
+        newest = history[0].path;
+    }
+    void showLatest(const std::filesystem::path& file) override { latest = file; }
+    void showLive(const std::string&) override { ++live; }
+
+    std::filesystem::path newest;
+    std::filesystem::path latest;
+    int live = 0;
+};
+
+} // namespace orvane::test

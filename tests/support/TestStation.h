@@ -1,0 +1,116 @@
+#pragma once
+
+#include "core/AutoStart.h"
+#include "core/MainLoop.h"
+#include "core/Shutdown.h"
+#include "core/Station.h"
+#include "platform/TaskGroup.h"
+#include "tests/support/Fakes.h"
+#include "tests/support/JumpingClock.h"
+#include "tests/support/TempFolder.h"
+
+#include <algorithm>
+
+namespace orvane::test {
+
+/// The whole station but its windows, on a jumping clock, with a camera that answers every request
+/// with a fresh picture. Its folders are real and temporary.
+class TestStation {
+  public:
+    explicit TestStation(WallTime start) : clock(start) {
+        module.programFolder = folder.path() / "program";
+        std::filesystem::create_directory(module.programFolder);
+        store.values["DataPath/PathDataFile"] = dataFolder().string();
+        store.values["Settings/Delay"] = "0";
+        std::filesystem::create_directory(dataFolder());
+    }
+
+    std::filesystem::path dataFolder() const { return folder.path() / "data"; }
+
+    /// Runs the main loop from its start; `automatic` as after the countdown.
+    void start(bool automatic) {
+        module.RecordFlg = automatic;
+        loopTask = loop.run();
+        loopTask.start();
+    }
+    /// Sets the window and the interval as an operator types them.
+    void setSchedule(const std::string& startHour, const std::string& endHour,
+                     const std::string& intervalMinute, const std::string& endMinute = "0") {
+        store.values["Operation/StartHour"] = startHour;
+        store.values["Operation/EndHour"] = endHour;
+        store.values["Operation/EndMinute"] = endMinute;
+        store.values["Operation/IntervalMinute"] = intervalMinute;
+    }
+    /// The names of the images in a day's folder, sorted; `below` is "" or "Edit".
+    std::vector<std::string> imagesOf(const std::string& day, const std::string& below = "") const {
+        std::vector<std::string> names;
+        const auto dayFolder = dataFolder() / below / day;
+        if (!std::filesystem::exists(dayFolder)) return names;
+        for (const auto& entry : std::filesystem::directory_iterator(dayFolder))
+            names.push_back(entry.path().filename().string());
+        std::ranges::sort(names);
+        return names;
+    }
+    /// The messages of ERROR.LOG without their stamps.
+    std::vector<std::string> logged() const {
+        constexpr std::size_t kStampLength = 20;
+        std::vector<std::string> messages;
+        std::string text;
+        readWholeFile(module.programFolder / "ERROR.LOG", text);
+        for (std::size_t at = 0; at < text.size();) {
+            const std::size_t end = text.find("\r\n", at);
+            messages.push_back(text.substr(at + kStampLength, end - at - kStampLength));
+            at = end + 2;
+        }
+        return messages;
+    }
+    int countLogged(const std::string& message) const {
+        return static_cast<int>(std::ranges::count(logged(), message));
+    }
+    void press(Task<> (Recording::*click)()) { tasks.spawn((recording.*click)()); }
+
+    TempFolder folder;
+    JumpingClock clock;
+    Module1 module;
+    OperationPanel panel;
+    FakeStore store;
+    FakeHttp http{clock};
+    FakeBrowser browser, browser1, browser2;
+    FakeOperator op{clock};
+    FakeImageControl imageControl;
+    FakeViews views;
+    Warnings warnings;
+    Busy busy;
+    PanelSettings settings{module, panel, store, folder.path() / "pictures" / "Orvane"};
+    PanelStatus status{module, panel, clock};
+    ErrorLog log{folder.path() / "program",
+                 clock,
+                 {[this] { return panel.Label7.caption.get(); },
+                  [this](const std::string& text) { panel.Label7.caption = text; }}};
+    Recording recording{module, panel, settings, status, log, op, clock};
+    CameraPanel camera{module, panel, http, browser, views, busy, op};
+    int exitCode = -1;
+    int windowsShown = 0;
+    Station station{module,
+                    panel,
+                    settings,
+                    status,
+                    recording,
+                    camera,
+                    http,
+                    {&browser, &browser1, &browser2},
+                    log,
+                    clock,
+                    op,
+                    warnings,
+                    busy,
+                    views,
+                    imageControl,
+                    [this] { ++windowsShown; },
+                    [this](int code) { exitCode = code; }};
+    MainLoop loop{station};
+    Task<> loopTask;
+    TaskGroup tasks;
+};
+
+} // namespace orvane::test
