@@ -1,1 +1,178 @@
-int main() { return 0; }
+#include "core/AutoStart.h"
+#include "core/MainLoop.h"
+#include "core/Shutdown.h"
+#include "platform/Paths.h"
+#include "platform/TaskGroup.h"
+#include "platform/qt/LibjpegImageControl.h"
+#include "platform/qt/QtClock.h"
+#include "platform/qt/QtHttpTransfer.h"
+#include "platform/qt/QtSettingsStore.h"
+#include "platform/qt/QtWebBrowser.h"
+#include "ui/Frm_AutoStart.h"
+#include "ui/Frm_massege.h"
+#include "ui/QtImageViews.h"
+#include "ui/QtOperator.h"
+#include "ui/frmMain.h"
+
+#include <QApplication>
+#include <QIcon>
+#include <QStandardPaths>
+
+#include <memory>
+
+namespace orvane {
+namespace {
+
+std::filesystem::path toPath(const QString& text) {
+    return pathFromUtf8(text.toStdString());
+}
+
+std::string textOf(const std::exception_ptr& fault) {
+    try {
+        std::rethrow_exception(fault);
+    } catch (const std::exception& error) {
+        return error.what();
+    } catch (...) {
+        return "unknown fault";
+    }
+}
+
+/// Every object of the program, in the order in which they depend on each other; the tasks come
+/// last, so that they are destroyed first.
+class Program {
+  public:
+    Program() {
+        prepareManager(manager_);
+        module_.programFolder = toPath(QCoreApplication::applicationDirPath());
+    }
+
+    /// Opens the countdown dialog and nothing else.
+    void open() { countdown_ = std::make_unique<Frm_AutoStart>(autoStart_); }
+
+    /// A failure that escaped every handler: told, and the program goes on.
+    void tellFault(const std::exception_ptr& fault) {
+        const std::string text = textOf(fault);
+        log_.write("Orvane:" + text);
+        faults_.spawn(op_.tell("A fault occurred: " + text + "\nThe program goes on."));
+    }
+
+    /// The operating system ends the session: nobody is asked.
+    void saveForSessionEnd() {
+        if (main_) settings_.writeSetup();
+    }
+
+  private:
+    std::unique_ptr<QtWebBrowser> browser() {
+        return std::make_unique<QtWebBrowser>(std::make_unique<QtHttpTransfer>(manager_, clock_),
+                                              clock_);
+    }
+    std::filesystem::path defaultDataFolder() const {
+        return toPath(QStandardPaths::writableLocation(QStandardPaths::PicturesLocation)) /
+               "Orvane";
+    }
+    void showMainWindow() {
+        main_ = std::make_unique<frmMain>(frmMain::Parts{
+            {panel_, recording_, settings_, camera_, tasks_}, module_, busy_, shutdown_, views_});
+        op_.setParentWindow(main_.get());
+        main_->show();
+        warningWindow_ = std::make_unique<Frm_massege>(warnings_, main_.get());
+    }
+    void enterMainLoop() {
+        loopTask_ = loop_.run();
+        loopTask_.start();
+    }
+
+    QtClock clock_;
+    QtSettingsStore store_;
+    QNetworkAccessManager manager_;
+    QtHttpTransfer http_{manager_, clock_};
+    std::unique_ptr<QtWebBrowser> webBrowserTst_ = browser();
+    std::unique_ptr<QtWebBrowser> wbBrowser1_ = browser();
+    std::unique_ptr<QtWebBrowser> wbBrowser2_ = browser();
+    LibjpegImageControl imageControl_{clock_};
+    QtOperator op_{clock_};
+
+    Module1 module_;
+    OperationPanel panel_;
+    Warnings warnings_;
+    Busy busy_;
+    QtImageViews views_;
+    ErrorLog log_{toPath(QCoreApplication::applicationDirPath()),
+                  clock_,
+                  {[this] { return panel_.Label7.caption.get(); },
+                   [this](const std::string& caption) { panel_.Label7.caption = caption; }}};
+    PanelSettings settings_{module_, panel_, store_, defaultDataFolder()};
+    PanelStatus status_{module_, panel_, clock_};
+    Recording recording_{module_, panel_, settings_, status_, log_, op_, clock_};
+    CameraPanel camera_{module_, panel_, http_, *webBrowserTst_, views_, busy_, op_};
+    Shutdown shutdown_{settings_, store_, busy_, op_, [] { QCoreApplication::exit(0); }};
+    Station station_{module_,
+                     panel_,
+                     settings_,
+                     status_,
+                     recording_,
+                     camera_,
+                     http_,
+                     {wbBrowser2_.get(), wbBrowser1_.get(), webBrowserTst_.get()},
+                     log_,
+                     clock_,
+                     op_,
+                     warnings_,
+                     busy_,
+                     views_,
+                     imageControl_,
+                     [this] { showMainWindow(); },
+                     [](int code) { QCoreApplication::exit(code); }};
+    MainLoop loop_{station_};
+    AutoStart autoStart_{module_,
+                         store_,
+                         clock_,
+                         {[this] { countdown_->closeDialog(); }, [this] { enterMainLoop(); },
+                          [] { QCoreApplication::exit(0); }}};
+
+    std::unique_ptr<Frm_AutoStart> countdown_;
+    std::unique_ptr<frmMain> main_;
+    std::unique_ptr<Frm_massege> warningWindow_;
+    TaskGroup faults_;
+    TaskGroup tasks_{[this](const std::exception_ptr& fault) { tellFault(fault); }};
+    Task<> loopTask_;
+};
+
+/// Keeps a failing event handler from ending the program.
+class Application : public QApplication {
+  public:
+    using QApplication::QApplication;
+
+    void setProgram(Program* program) { program_ = program; }
+    bool notify(QObject* receiver, QEvent* event) override {
+        try {
+            return QApplication::notify(receiver, event);
+        } catch (...) {
+            if (program_ != nullptr) program_->tellFault(std::current_exception());
+            return true;
+        }
+    }
+
+  private:
+    Program* program_ = nullptr;
+};
+
+} // namespace
+} // namespace orvane
+
+int main(int argc, char** argv) {
+    using namespace orvane;
+    Application application(argc, argv);
+    QCoreApplication::setApplicationName("Orvane");
+    QCoreApplication::setApplicationVersion(ORVANE_VERSION);
+    QApplication::setQuitOnLastWindowClosed(false);
+
+    Program program;
+    application.setProgram(&program);
+    QObject::connect(&application, &QGuiApplication::commitDataRequest, &application,
+                     [&] { program.saveForSessionEnd(); });
+    program.open();
+    const int code = QApplication::exec();
+    application.setProgram(nullptr);
+    return code;
+}

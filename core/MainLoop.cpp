@@ -44,21 +44,31 @@ Task<> MainLoop::run() {
     station_.status.showCount();
 
     while (true) {
-        const WallTime now = station_.clock.now();
-        watchDay(now);
-        watch(now);
-        if (!module.RecordFlg) {
-            station_.panel.Label11.caption = std::string();
-        } else if (isDueMinute(module.schedule, minuteOfDay(now)) &&
-                   !due_.isFiled(minuteIndex(now))) {
-            Task<> recording = recordNow(minuteIndex(now));
-            co_await recording;
-        } else if (module.RecDoneFlg && timeOfDay(now) >= module.schedule.EndTime + 1min) {
-            endOfWindow();
+        try {
+            Task<> passing = pass();
+            co_await passing;
+        } catch (const std::exception& fault) {
+            // whatever nobody foresaw must not end the recording
+            station_.log.write(std::string("MainLoop:") + fault.what());
         }
-        startLiveView();
         co_await station_.clock.sleep(kPass);
     }
+}
+
+Task<> MainLoop::pass() {
+    Module1& module = station_.module;
+    const WallTime now = station_.clock.now();
+    watchDay(now);
+    watch(now);
+    if (!module.RecordFlg) {
+        station_.panel.Label11.caption = std::string();
+    } else if (isDueMinute(module.schedule, minuteOfDay(now)) && !due_.isFiled(minuteIndex(now))) {
+        Task<> recording = recordNow(minuteIndex(now));
+        co_await recording;
+    } else if (module.RecDoneFlg && timeOfDay(now) >= module.schedule.EndTime + 1min) {
+        endOfWindow();
+    }
+    startLiveView();
 }
 
 Task<> MainLoop::recordNow(std::int64_t dueMinute) {

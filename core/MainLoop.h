@@ -17,6 +17,7 @@ class MainLoop {
     Task<> run();
 
   private:
+    Task<> pass();
     Task<> recordNow(std::int64_t dueMinute);
     Task<> pause();
     void countCapture();
