@@ -46,13 +46,16 @@ Task<bool> Capture::run() {
 
     Task<bool> fetching = fetch();
     if (!co_await fetching) {
+        picture_ = {};
         station_.log.write("DownLoad Error");
         station_.panel.Label7.caption = "DownLoad Error ?";
         co_await station_.clock.yield(); // lets the label be painted
         co_return false;
     }
-    if (const Fault fault = file(station_.module.programFolder / kWorkingPicture)) {
-        fault_ = *fault;
+    const Fault unfiled = file();
+    picture_ = {};
+    if (unfiled) {
+        fault_ = *unfiled;
         station_.log.write("MainLoop:" + fault_);
         station_.warnings.set(Warnings::Cause::DataFolder, fault_);
         co_return false;
@@ -81,27 +84,26 @@ Task<bool> Capture::fetch() {
         fault_ = station_.camera.fault();
         co_return false;
     }
-    const Fault fault = inspect(picture);
+    Fault fault = readWholeFile(picture, picture_);
+    if (!fault) fault = inspect();
     fault_ = fault.value_or("");
     co_return !fault;
 }
 
 /// A camera that hangs keeps sending its last picture; noise and the burnt-in time make two real
 /// pictures differ.
-Capture::Fault Capture::inspect(const std::filesystem::path& picture) const {
-    std::string bytes;
-    if (const Fault unread = readWholeFile(picture, bytes)) return *unread;
-    if (!isWholeJpeg(bytes)) return "the answer is not a whole JPEG picture";
+Capture::Fault Capture::inspect() const {
+    if (!isWholeJpeg(picture_)) return "the answer is not a whole JPEG picture";
     const Module1& module = station_.module;
     const std::filesystem::path& newest =
         module.lastImage.empty() ? module.thumbnails[0].path : module.lastImage;
     std::string before;
-    if (sizeOf(newest) == bytes.size() && !readWholeFile(newest, before) && before == bytes)
+    if (sizeOf(newest) == picture_.size() && !readWholeFile(newest, before) && before == picture_)
         return "the camera sent the same picture again";
     return std::nullopt;
 }
 
-Capture::Fault Capture::file(const std::filesystem::path& picture) {
+Capture::Fault Capture::file() {
     copyTime_ = station_.clock.now();
     const std::filesystem::path data = station_.panel.Dir1[0].path;
     const std::string day = dateDigits(copyTime_);
@@ -114,7 +116,7 @@ Capture::Fault Capture::file(const std::filesystem::path& picture) {
     }
     const std::filesystem::path image = freeName(data / day, copyTime_);
     if (image.empty()) return "The minute's names in the data folder are used up.";
-    if (const auto reason = copyToFinalName(picture, image))
+    if (const auto reason = writeToFinalName(picture_, image))
         return "The data folder cannot be written: " + *reason + ".";
     station_.module.lastImage = image;
     return std::nullopt;

@@ -31,14 +31,15 @@ class Capture {
     using Fault = std::optional<std::string>;
 
     Task<bool> fetch();
-    Fault inspect(const std::filesystem::path& picture) const;
-    Fault file(const std::filesystem::path& picture);
+    Fault inspect() const;
+    Fault file();
     Task<bool> process();
     void remember();
 
     Station& station_;
     WallTime copyTime_{};
     std::string fault_;
+    std::string picture_; ///< the bytes that were fetched
     DiskWatch disk_;
 };
 

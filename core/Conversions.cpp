@@ -3,7 +3,6 @@
 #include <array>
 #include <charconv>
 #include <cmath>
-#include <cstdio>
 
 namespace orvane {
 
@@ -31,28 +30,29 @@ std::size_t readNumber(std::string_view text, double& value) {
     return plus + static_cast<std::size_t>(end - digits.data());
 }
 
-struct Parts {
-    int year;
-    unsigned month, day, hour, minute, second;
-};
-
-Parts partsOf(WallTime time) {
-    const auto date = dayOf(time);
-    const auto since = std::chrono::floor<std::chrono::seconds>(timeOfDay(time)).count();
-    const auto seconds = static_cast<unsigned>(since);
-    return {static_cast<int>(date.year()),
-            static_cast<unsigned>(date.month()),
-            static_cast<unsigned>(date.day()),
-            seconds / 3600,
-            seconds / 60 % 60,
-            seconds % 60};
+/// Writes a number with leading zeros. Clock labels change every second for months, so this does
+/// without the formatted-output machinery.
+void put(std::string& text, int value, int width) {
+    const std::size_t start = text.size();
+    text.resize(start + static_cast<std::size_t>(width));
+    for (std::size_t i = text.size(); i-- > start; value /= 10)
+        text[i] = static_cast<char>('0' + value % 10);
 }
 
-template <class... Args>
-std::string formatted(const char* format, Args... args) {
-    std::array<char, 48> buffer{};
-    const int length = std::snprintf(buffer.data(), buffer.size(), format, args...);
-    return {buffer.data(), static_cast<std::size_t>(length)};
+void putDate(std::string& text, WallTime time, std::string_view separator) {
+    const auto date = dayOf(time);
+    put(text, static_cast<int>(date.year()), 4);
+    text += separator;
+    put(text, static_cast<int>(static_cast<unsigned>(date.month())), 2);
+    text += separator;
+    put(text, static_cast<int>(static_cast<unsigned>(date.day())), 2);
+}
+
+void putHourMinute(std::string& text, WallTime time, std::string_view separator) {
+    const auto minutes = static_cast<int>(timeOfDay(time) / 1min);
+    put(text, minutes / 60, 2);
+    text += separator;
+    put(text, minutes % 60, 2);
 }
 
 } // namespace
@@ -86,28 +86,35 @@ std::string toText(double value) {
 }
 
 std::string dateText(WallTime time) {
-    const Parts p = partsOf(time);
-    return formatted("%04d/%02u/%02u", p.year, p.month, p.day);
+    std::string text;
+    putDate(text, time, "/");
+    return text;
 }
 
 std::string timeText(WallTime time) {
-    const Parts p = partsOf(time);
-    return formatted("%02u:%02u:%02u", p.hour, p.minute, p.second);
+    std::string text;
+    putHourMinute(text, time, ":");
+    text += ':';
+    put(text, static_cast<int>(timeOfDay(time) / 1s % 60), 2);
+    return text;
 }
 
 std::string dateDigits(WallTime time) {
-    const Parts p = partsOf(time);
-    return formatted("%04d%02u%02u", p.year, p.month, p.day);
+    std::string text;
+    putDate(text, time, "");
+    return text;
 }
 
 std::string minuteStamp(WallTime time) {
-    const Parts p = partsOf(time);
-    return formatted("%04d%02u%02u_%02u%02u", p.year, p.month, p.day, p.hour, p.minute);
+    std::string text = dateDigits(time) + "_";
+    putHourMinute(text, time, "");
+    return text;
 }
 
 std::string hourMinute(WallTime time) {
-    const Parts p = partsOf(time);
-    return formatted("%02u:%02u", p.hour, p.minute);
+    std::string text;
+    putHourMinute(text, time, ":");
+    return text;
 }
 
 std::chrono::year_month_day dayOf(WallTime time) {

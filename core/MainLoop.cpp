@@ -35,7 +35,7 @@ Task<> MainLoop::run() {
     }
     Module1& module = station_.module;
     station_.panel.chkLive.ticked = false;
-    sunDay_ = dayOf(station_.clock.now());
+    sunDay_ = std::chrono::floor<std::chrono::days>(station_.clock.now());
     loadTodaysThumbnails(station_);
     if (module.RecordFlg) {
         Task<> start = station_.recording.Command1_Click();
@@ -85,7 +85,6 @@ Task<> MainLoop::recordNow(std::int64_t dueMinute) {
     if (filed) {
         due_.filed(dueMinute);
         addCount(station_.module.filesFetched, 1);
-        watchDisk();
         Task<> pausing = pause();
         co_await pausing;
     }
@@ -126,7 +125,7 @@ void MainLoop::endOfWindow() {
 }
 
 void MainLoop::watchDay(WallTime now) {
-    const auto day = dayOf(now);
+    const auto day = std::chrono::floor<std::chrono::days>(now);
     if (day == sunDay_) return;
     sunDay_ = day;
     if (const auto fault = computeSunTimes(station_)) station_.log.write(*fault);

@@ -31,7 +31,7 @@ class MainLoop {
     Station& station_;
     Capture capture_;
     DueWatch due_;
-    std::chrono::year_month_day sunDay_{};
+    std::chrono::local_days sunDay_{};
     std::int64_t watchedMinute_ = -1;
     bool watchedRecording_ = false;
     std::filesystem::path watchedFolder_;

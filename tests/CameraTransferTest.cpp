@@ -1,0 +1,193 @@
+#include "camera/CameraPanel.h"
+#include "imaging/JpegMarkers.h"
+#include "platform/qt/QtClock.h"
+#include "platform/qt/QtHttpTransfer.h"
+#include "platform/qt/QtWebBrowser.h"
+#include "simulators/sky-camera/SkyCamera.h"
+#include "tests/support/Fakes.h"
+#include "tests/support/TempFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <QElapsedTimer>
+#include <QTest>
+
+#include <fstream>
+
+namespace orvane::test {
+namespace {
+
+/// The station's camera operations against the simulated camera, over real connections.
+struct CameraTransfer : testing::Test {
+    static constexpr HttpLimits kLimits{300ms, 900ms, 1024 * 1024};
+
+    CameraTransfer() {
+        skycamera::SkyCameraOptions options;
+        options.size = {320, 240};
+        simulator = std::make_unique<skycamera::SkyCamera>(options);
+        EXPECT_TRUE(simulator->start());
+        prepareManager(manager);
+        module.programFolder = folder.path();
+        panel.txtIp.text = "127.0.0.1";
+        panel.txtPort.text = std::to_string(simulator->port());
+    }
+
+    template <class T>
+    T finish(Task<T> task) {
+        task.start();
+        EXPECT_TRUE(QTest::qWaitFor([&] { return task.done(); }, 5000));
+        return task.result();
+    }
+    bool download(const std::string& path = kLatestImagePath) {
+        return finish(
+            camera.DownloadFile(cameraBaseUrl(panel) + path, folder.path() / "", "picture.jpg"));
+    }
+    std::string picture() const {
+        std::string bytes;
+        readWholeFile(folder.path() / "picture.jpg", bytes);
+        return bytes;
+    }
+    void writePicture(const std::string& bytes) const {
+        std::ofstream(folder.path() / "picture.jpg", std::ios::binary) << bytes;
+    }
+
+    TempFolder folder;
+    std::unique_ptr<skycamera::SkyCamera> simulator;
+    QtClock clock;
+    QNetworkAccessManager manager;
+    QtHttpTransfer transfer{manager, clock, kLimits};
+    QtWebBrowser browser{std::make_unique<QtHttpTransfer>(manager, clock, kLimits), clock};
+    FakeOperator op{clock};
+    FakeViews views;
+    Busy busy;
+    Module1 module;
+    OperationPanel panel;
+    CameraPanel camera{module, panel, transfer, browser, views, busy, op};
+};
+
+TEST_F(CameraTransfer, FetchesAFreshWholePictureEachTime) {
+    ASSERT_TRUE(download()) << camera.fault();
+    const std::string first = picture();
+    EXPECT_TRUE(isWholeJpeg(first));
+    ASSERT_TRUE(download());
+    EXPECT_NE(picture(), first);
+}
+
+/// What the camera can do wrong: either the download says so and leaves the file alone, or what it
+/// brought is seen not to be a whole picture.
+TEST_F(CameraTransfer, EveryFaultIsNoticedInBoundedTime) {
+    struct Case {
+        const char* fault;
+        bool arrives;
+    };
+    const Case cases[] = {
+        {"refuse", false},     {"silent", false},     {"reset", false},       {"stall", false},
+        {"drip:200", false},   {"short", false},      {"nolength-cut", true}, {"status:401", false},
+        {"status:404", false}, {"status:500", false}, {"status:503", false},  {"html", true},
+        {"empty", true},       {"cut", true},
+    };
+    const std::string old = "what stood here before";
+    for (const auto& [fault, arrives] : cases) {
+        writePicture(old);
+        ASSERT_TRUE(simulator->setFault(QString(fault)));
+        QElapsedTimer took;
+        took.start();
+        EXPECT_EQ(download(), arrives) << fault << ": " << camera.fault();
+        EXPECT_LT(took.elapsed(), 3000) << fault;
+        EXPECT_FALSE(isWholeJpeg(picture())) << fault;
+        EXPECT_EQ(camera.fault().empty(), arrives) << fault;
+        if (!arrives) {
+            EXPECT_EQ(picture(), old) << fault;
+        }
+        ASSERT_TRUE(simulator->setFault(QString("none")));
+        EXPECT_TRUE(download()) << "after " << fault << ": " << camera.fault();
+        EXPECT_TRUE(isWholeJpeg(picture())) << "after " << fault;
+    }
+}
+
+TEST_F(CameraTransfer, AHugeAnswerIsCutOff) {
+    ASSERT_TRUE(simulator->setFault(QString("huge")));
+    QtHttpTransfer small(manager, clock, {3s, 5s, 100'000});
+    const HttpReply reply = finish(small.get(cameraBaseUrl(panel) + kLatestImagePath));
+    EXPECT_FALSE(reply.ok);
+    EXPECT_EQ(reply.fault, "the answer is too large");
+}
+
+/// The body goes over the start of the file; what stood behind it stays.
+TEST_F(CameraTransfer, OverwritesInPlaceWithoutShortening) {
+    ASSERT_TRUE(download("/"));
+    const std::size_t page = picture().size();
+    writePicture(std::string(page + 2000, 'o'));
+    ASSERT_TRUE(download("/"));
+    const std::string bytes = picture();
+    EXPECT_EQ(bytes.size(), page + 2000);
+    EXPECT_NE(bytes.find("<html"), std::string::npos);
+    EXPECT_EQ(bytes.substr(bytes.size() - 1900), std::string(1900, 'o'));
+}
+
+TEST_F(CameraTransfer, AWriteThatFailsIsAFailure) {
+    std::filesystem::create_directory(folder.path() / "picture.jpg");
+    EXPECT_FALSE(download());
+    EXPECT_NE(camera.fault().find("cannot write picture.jpg"), std::string::npos);
+}
+
+TEST_F(CameraTransfer, MalformedAddressesFailWithAReason) {
+    for (const char* ip : {"", "256.1.1.1.1", "a b", "[", "127.0.0.1:80:"}) {
+        panel.txtIp.text = ip;
+        EXPECT_FALSE(download()) << ip;
+        EXPECT_FALSE(camera.fault().empty()) << ip;
+    }
+}
+
+TEST_F(CameraTransfer, ANewTransferTakesOverAndADroppedOneEnds) {
+    ASSERT_TRUE(simulator->setFault(QString("silent"), 1));
+    Task<HttpReply> hanging = transfer.get(cameraBaseUrl(panel) + kLatestImagePath);
+    hanging.start();
+    QTest::qWait(20);
+    EXPECT_TRUE(download()) << camera.fault();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return hanging.done(); }, 1000));
+    EXPECT_EQ(hanging.result().fault, "cancelled");
+
+    ASSERT_TRUE(simulator->setFault(QString("silent"), 1));
+    Task<HttpReply> dropped = transfer.get(cameraBaseUrl(panel) + kLatestImagePath);
+    dropped.start();
+    QTest::qWait(20);
+    dropped.reset();
+    EXPECT_TRUE(download()) << camera.fault();
+}
+
+TEST_F(CameraTransfer, RecordingSwitch) {
+    int completions = 0;
+    browser.onDocumentComplete([&] { ++completions; });
+    camera.Command5_Click();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return completions == 1; }, 2000));
+    EXPECT_TRUE(simulator->recording());
+    camera.Command7_Click();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return completions == 2; }, 2000));
+    EXPECT_FALSE(simulator->recording());
+    // HTML is read as a reader sees it; a failed page is empty, and completes too
+    browser.navigate(cameraBaseUrl(panel) + "/");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return completions == 3; }, 2000));
+    EXPECT_FALSE(browser.innerText().empty());
+    EXPECT_EQ(browser.innerText().find('<'), std::string::npos);
+    browser.navigate(cameraBaseUrl(panel) + "/nothing");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return completions == 4; }, 2000));
+    EXPECT_TRUE(browser.innerText().empty());
+}
+
+TEST_F(CameraTransfer, TestFetchShowsThePictureOrTellsWhyNot) {
+    op.patience = 0ms;
+    finish(camera.Command8_Click());
+    EXPECT_EQ(views.latest, folder.path() / "full.jpg");
+    ASSERT_TRUE(simulator->setFault(QString("status:404")));
+    views.latest.clear();
+    finish(camera.Command8_Click());
+    EXPECT_TRUE(views.latest.empty());
+    EXPECT_EQ(op.told, std::vector<std::string>{"The camera sent no picture: HTTP status 404"});
+    const Busy::Hold capturing(busy);
+    finish(camera.Command8_Click());
+    EXPECT_EQ(op.told.size(), 1U);
+}
+
+} // namespace
+} // namespace orvane::test
