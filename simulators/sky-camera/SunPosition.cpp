@@ -1,0 +1,54 @@
+#include "simulators/sky-camera/SunPosition.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+
+namespace skycamera {
+
+namespace {
+
+constexpr double kDegree = std::numbers::pi / 180.0;
+
+SkyDirection horizontal(double hourAngle, double declination, double latitude) {
+    const double h = hourAngle * kDegree;
+    const double d = declination * kDegree;
+    const double l = latitude * kDegree;
+    const double sine = std::sin(l) * std::sin(d) + std::cos(l) * std::cos(d) * std::cos(h);
+    const double east = -std::cos(d) * std::sin(h);
+    const double north = std::sin(d) * std::cos(l) - std::cos(d) * std::cos(h) * std::sin(l);
+    const double azimuth = std::atan2(east, north) / kDegree;
+    return {std::asin(std::clamp(sine, -1.0, 1.0)) / kDegree, std::fmod(azimuth + 360.0, 360.0)};
+}
+
+double minutesOfDay(const QDateTime& time) {
+    return static_cast<double>(time.time().msecsSinceStartOfDay()) / 60'000.0;
+}
+
+} // namespace
+
+SkyDirection sunPosition(const QDateTime& localTime, const SkySite& site) {
+    const double minutes = minutesOfDay(localTime);
+    const double g = 2.0 * std::numbers::pi / localTime.date().daysInYear() *
+                     (localTime.date().dayOfYear() - 1 + (minutes / 60.0 - 12.0) / 24.0);
+    const double equationOfTime =
+        229.18 * (0.000075 + 0.001868 * std::cos(g) - 0.032077 * std::sin(g) -
+                  0.014615 * std::cos(2 * g) - 0.040849 * std::sin(2 * g));
+    const double declination =
+        (0.006918 - 0.399912 * std::cos(g) + 0.070257 * std::sin(g) - 0.006758 * std::cos(2 * g) +
+         0.000907 * std::sin(2 * g) - 0.002697 * std::cos(3 * g) + 0.00148 * std::sin(3 * g)) /
+        kDegree;
+    const double solarMinutes = minutes + equationOfTime + 4.0 * site.longitude - site.tzMinutes;
+    return horizontal(solarMinutes / 4.0 - 180.0, declination, site.latitude);
+}
+
+SkyDirection starPosition(double rightAscension, double declination, const QDateTime& localTime,
+                          const SkySite& site) {
+    // Sidereal time at Greenwich: 280.46 degrees at noon on 1 January 2000, 360.98565 a day.
+    const double julianDay = static_cast<double>(localTime.date().toJulianDay()) - 0.5 +
+                             (minutesOfDay(localTime) - site.tzMinutes) / 1440.0;
+    const double sidereal = 280.46062 + 360.98564737 * (julianDay - 2'451'545.0) + site.longitude;
+    return horizontal(std::fmod(sidereal - rightAscension, 360.0), declination, site.latitude);
+}
+
+} // namespace skycamera
