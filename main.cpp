@@ -47,7 +47,10 @@ class Program {
     }
 
     /// Opens the countdown dialog and nothing else.
-    void open() { countdown_ = std::make_unique<Frm_AutoStart>(autoStart_); }
+    void open() {
+        countdown_ = std::make_unique<Frm_AutoStart>(autoStart_);
+        countdown_->show();
+    }
 
     /// A failure that escaped every handler: told, and the program goes on.
     void tellFault(const std::exception_ptr& fault) {

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QLabel>
+
+namespace orvane {
+
+/// A one-line label that never widens its window: text that is too long is cut with an ellipsis and
+/// shown whole in the tool tip. `text()` is always the whole text.
+class ElidedLabel : public QLabel {
+  public:
+    explicit ElidedLabel(QWidget* parent = nullptr, Qt::TextElideMode mode = Qt::ElideRight);
+
+    /// Always leaves room for `text`.
+    void setShortest(const QString& text) { shortest_ = text; }
+
+    QSize minimumSizeHint() const override;
+    QSize sizeHint() const override { return minimumSizeHint(); }
+
+  protected:
+    bool event(QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+
+  private:
+    bool fits() const;
+
+    Qt::TextElideMode mode_;
+    QString shortest_ = "00000000";
+};
+
+} // namespace orvane

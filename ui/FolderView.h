@@ -1,0 +1,44 @@
+#pragma once
+
+#include <QListWidget>
+
+#include <filesystem>
+#include <vector>
+
+namespace orvane {
+
+/// A folder's sub-folders, to walk through: ".." and one row each; Enter or a double click goes in.
+/// It holds at most `kMaxRows` sub-folders, and a folder that cannot be read is said to be so in a
+/// row of its own.
+class FolderView : public QListWidget {
+    Q_OBJECT
+
+  public:
+    static constexpr std::size_t kMaxRows = 500;
+
+    explicit FolderView(QWidget* parent = nullptr);
+
+    /// Lists `path`. Tells nobody.
+    void setPath(const std::filesystem::path& path);
+
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+
+  signals:
+    /// The operator went into another folder.
+    void entered(const std::filesystem::path& path);
+
+  protected:
+    void keyPressEvent(QKeyEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
+
+  private:
+    void list();
+    void addNote(const QString& note);
+    void enter(int row);
+
+    std::filesystem::path path_;
+    std::vector<std::filesystem::path> targets_; ///< the folder behind each row; empty for a note
+};
+
+} // namespace orvane

@@ -1,0 +1,189 @@
+#include "ui/frmMain.h"
+
+#include "ui/FrmSave.h"
+#include "ui/PanelScroll.h"
+#include "ui/Text.h"
+
+#include <QCloseEvent>
+#include <QFileDialog>
+#include <QGuiApplication>
+#include <QHBoxLayout>
+#include <QMdiSubWindow>
+#include <QMenuBar>
+
+namespace orvane {
+namespace {
+constexpr QSize kSize(1024, 747); // with its frame
+/// How long after the session's end was announced its close request may come.
+constexpr std::chrono::seconds kSessionEnd{30};
+} // namespace
+
+frmMain::frmMain(Parts parts)
+    : parts_(parts), operation_(new frmOperation(parts.operation)), area_(new QMdiArea) {
+    setObjectName("frmMain");
+    setWindowTitle("Orvane");
+    area_->setAccessibleName("Pictures");
+    area_->setBackground(palette().color(QPalette::Window).darker(125));
+    area_->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+    area_->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+    auto* strip = new ThumbnailStrip;
+    auto* pictures = new QVBoxLayout;
+    pictures->setSpacing(0);
+    pictures->addWidget(area_, 1);
+    pictures->addWidget(strip);
+    auto* content = new QWidget;
+    auto* row = new QHBoxLayout(content);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->setSpacing(0);
+    row->addWidget(new PanelScroll(*operation_));
+    row->addLayout(pictures, 1);
+    setCentralWidget(content);
+
+    addFileMenu();
+    addWindowMenu();
+    parts_.views.attach(area_, strip);
+    connect(strip, &ThumbnailStrip::opened, this,
+            [this](const std::filesystem::path& file) { parts_.views.openImage(file); });
+    connect(operation_, &frmOperation::pictureWanted, this, [this] { parts_.views.wantLatest(); });
+    connect(qGuiApp, &QGuiApplication::commitDataRequest, this,
+            [this] { sessionEnd_.setRemainingTime(kSessionEnd); });
+    MDIForm_Load();
+    operation_->focusStart();
+}
+
+QAction* frmMain::addAction(QMenu& menu, const char* name, const QString& caption,
+                            const QString& tip, const QKeySequence& keys) {
+    QAction* action = menu.addAction(caption);
+    action->setObjectName(name);
+    action->setToolTip(tip);
+    action->setShortcut(keys);
+    return action;
+}
+
+void frmMain::addFileMenu() {
+    QMenu* file = menuBar()->addMenu("&File");
+    file->setObjectName("mnuFile");
+    file->setToolTipsVisible(true);
+    QAction* open =
+        addAction(*file, "mnuFileOpen", "&Open...", "Opens a stored picture.", QKeySequence::Open);
+    QAction* latest = addAction(*file, "mnuFileLatest", "&Latest Image",
+                                "Shows the newest picture.", Qt::CTRL | Qt::Key_L);
+    file->addSeparator();
+    QAction* options = addAction(*file, "mnuFileSaveOptions", "&Save Options...",
+                                 "Sets how pictures are saved.", Qt::CTRL | Qt::Key_T);
+    file->addSeparator();
+    QAction* exit = addAction(*file, "mnuFileExit", "E&xit", "Saves the settings and ends.",
+                              Qt::CTRL | Qt::Key_Q);
+    connect(open, &QAction::triggered, this, &frmMain::mnuFileOpen_Click);
+    connect(latest, &QAction::triggered, this,
+            [this] { parts_.views.openLatest(parts_.module.lastImage); });
+    connect(options, &QAction::triggered, this, &frmMain::mnuFileSaveOptions_Click);
+    connect(exit, &QAction::triggered, this, &frmMain::mnuFileExit_Click);
+    bindings_.follow(parts_.busy.mnuFileOpen, [open](bool on) { open->setEnabled(on); });
+}
+
+void frmMain::addWindowMenu() {
+    QMenu* windows = menuBar()->addMenu("&Window");
+    windows->setObjectName("mnuWindow");
+    windows->setToolTipsVisible(true);
+    connect(addAction(*windows, "mnuWindowCascade", "&Cascade", "Lays the pictures on each other."),
+            &QAction::triggered, area_, &QMdiArea::cascadeSubWindows);
+    connect(addAction(*windows, "mnuWindowTile", "&Tile", "Lays the pictures side by side."),
+            &QAction::triggered, area_, &QMdiArea::tileSubWindows);
+    connect(addAction(*windows, "mnuWindowCloseAll", "Close &All", "Closes every picture."),
+            &QAction::triggered, area_, &QMdiArea::closeAllSubWindows);
+    windows->addSeparator();
+    connect(windows, &QMenu::aboutToShow, this, [this, windows] { listWindows(*windows); });
+}
+
+void frmMain::listWindows(QMenu& menu) {
+    qDeleteAll(windowActions_);
+    windowActions_.clear();
+    for (QMdiSubWindow* frame : area_->subWindowList()) {
+        const auto number = windowActions_.size() + 1;
+        const QString title = frame->windowTitle().replace('&', "&&");
+        QAction* action =
+            menu.addAction(number < 10 ? QString("&%1 %2").arg(number).arg(title) : title);
+        action->setCheckable(true);
+        action->setChecked(frame == area_->activeSubWindow());
+        connect(action, &QAction::triggered, frame,
+                [this, frame] { area_->setActiveSubWindow(frame); });
+        windowActions_ << action;
+    }
+}
+
+/// The window always opens at the same place, whatever place it was closed at.
+void frmMain::MDIForm_Load() {
+    move(0, 0);
+    resize(kSize);
+}
+
+void frmMain::showEvent(QShowEvent* event) {
+    QMainWindow::showEvent(event);
+    placed_ = false;
+}
+
+bool frmMain::event(QEvent* event) {
+    // The frame's width is known only once the window manager has drawn it.
+    if (event->type() == QEvent::WindowActivate && !placed_ && !isMaximized()) {
+        placed_ = true;
+        move(0, 0);
+        resize(kSize - (frameGeometry().size() - size()));
+    }
+    return QMainWindow::event(event);
+}
+
+void frmMain::mnuFileOpen_Click() {
+    const QString start =
+        openFolder_.isEmpty() ? toQString(parts_.operation.panel.Dir1[0].path.get()) : openFolder_;
+    auto* dialog =
+        new QFileDialog(this, "Open", start, "JPEG pictures (*.jpg *.jpeg *.JPG *.JPEG)");
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setFileMode(QFileDialog::ExistingFile);
+    connect(dialog, &QFileDialog::fileSelected, this, [this](const QString& file) {
+        openFolder_ = QFileInfo(file).absolutePath();
+        parts_.views.openImage(toPath(file));
+    });
+    dialog->open();
+}
+
+void frmMain::mnuFileSaveOptions_Click() {
+    auto* dialog = new FrmSave(parts_.module.image, this);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->open();
+}
+
+void frmMain::mnuFileExit_Click() {
+    parts_.shutdown.mnuFileExit_Click();
+    exiting_ = true;
+    close();
+    exiting_ = false;
+}
+
+void frmMain::closeEvent(QCloseEvent* event) {
+    event->setAccepted(unloaded_);
+    if (unloaded_) return;
+    // Whether the event is spontaneous does not tell: Qt sends its own close requests the same way.
+    const bool byUser = !exiting_ && sessionEnd_.hasExpired();
+    parts_.operation.tasks.spawn(unload(this, byUser ? UnloadMode::User : UnloadMode::Other));
+}
+
+Task<> frmMain::unload(QPointer<frmMain> window, UnloadMode mode) {
+    Task<bool> query = window->parts_.shutdown.MDIForm_QueryUnload(mode);
+    const bool mayClose = co_await query;
+    if (!mayClose || window == nullptr) co_return;
+    // From here on nothing may hold the window back: ending the program closes every window.
+    window->unloaded_ = true;
+    Shutdown& shutdown = window->parts_.shutdown;
+    const std::optional<WindowPlace> place = window->place();
+    window->close();
+    shutdown.MDIForm_Unload(place);
+}
+
+std::optional<WindowPlace> frmMain::place() const {
+    if (isMinimized()) return std::nullopt;
+    const QRect frame = frameGeometry();
+    return WindowPlace{frame.left(), frame.top(), frame.width(), frame.height()};
+}
+
+} // namespace orvane

@@ -1,0 +1,67 @@
+#pragma once
+
+#include "core/Shutdown.h"
+#include "ui/QtImageViews.h"
+#include "ui/frmOperation.h"
+
+#include <QDeadlineTimer>
+#include <QMainWindow>
+
+#include <filesystem>
+
+class QMenu;
+
+namespace orvane {
+
+/// The main window: the operation panel at its left, the picture windows beside it, the newest
+/// pictures' strip below those. A close request starts a task that asks; the window goes when the
+/// answer allows it.
+class frmMain : public QMainWindow {
+    Q_OBJECT
+
+  public:
+    /// What the window shows and drives; all of it outlives the window.
+    struct Parts {
+        frmOperation::Parts operation;
+        Module1& module;
+        Busy& busy;
+        Shutdown& shutdown;
+        QtImageViews& views;
+    };
+
+    explicit frmMain(Parts parts);
+
+    frmOperation& operation() { return *operation_; }
+
+  protected:
+    void closeEvent(QCloseEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+    bool event(QEvent* event) override;
+
+  private:
+    void addFileMenu();
+    void addWindowMenu();
+    void listWindows(QMenu& menu);
+    QAction* addAction(QMenu& menu, const char* name, const QString& caption, const QString& tip,
+                       const QKeySequence& keys = {});
+
+    void MDIForm_Load();
+    void mnuFileOpen_Click();
+    void mnuFileSaveOptions_Click();
+    void mnuFileExit_Click();
+    static Task<> unload(QPointer<frmMain> window, UnloadMode mode);
+    std::optional<WindowPlace> place() const;
+
+    Parts parts_;
+    frmOperation* operation_;
+    QMdiArea* area_;
+    QList<QAction*> windowActions_; ///< the menu's list of windows, as it was last shown
+    QString openFolder_;            ///< where a picture was opened last
+    bool exiting_ = false;          ///< "Exit" closes the window
+    QDeadlineTimer sessionEnd_{0};  ///< until then a close request is the operating system's
+    bool placed_ = false;
+    bool unloaded_ = false;
+    Bindings bindings_;
+};
+
+} // namespace orvane

@@ -1,0 +1,354 @@
+#include "ui/frmOperation.h"
+
+#include "ui/ElidedLabel.h"
+#include "ui/FolderView.h"
+#include "ui/NumberMark.h"
+#include "ui/Text.h"
+#include "ui/UpDown.h"
+
+#include <QCheckBox>
+#include <QDir>
+#include <QFileDialog>
+#include <QFormLayout>
+#include <QGroupBox>
+#include <QLineEdit>
+#include <QPainter>
+#include <QPushButton>
+
+namespace orvane {
+namespace {
+
+struct TimeField {
+    const char* what;
+    int maximum;
+};
+constexpr std::array<TimeField, OperationPanel::kFieldCount> kTimeFields{{{"Start hour", 23},
+                                                                          {"Start minute", 59},
+                                                                          {"End hour", 23},
+                                                                          {"End minute", 59},
+                                                                          {"Interval hour", 23},
+                                                                          {"Interval minute", 59},
+                                                                          {"Interval second", 59}}};
+
+QString timeFieldTip(std::size_t index) {
+    const auto& [what, maximum] = kTimeFields[index];
+    QString tip = QString("%1, 0 to %2.").arg(what).arg(maximum);
+    if (index == 4)
+        tip += " The interval is always shorter than an hour: this field has no effect.";
+    if (index == 5) tip += " A picture is taken at every minute that is a multiple of it.";
+    return tip;
+}
+
+QGroupBox* group(const QString& title, QLayout* layout) {
+    auto* box = new QGroupBox(title);
+    layout->setContentsMargins(8, 4, 8, 6);
+    layout->setSpacing(4);
+    box->setLayout(layout);
+    return box;
+}
+
+QLabel* unitLabel(const QString& unit) {
+    auto* label = new QLabel(unit);
+    label->setForegroundRole(QPalette::PlaceholderText);
+    return label;
+}
+
+/// A filled circle or square: the usual signs for recording and stopping.
+QIcon sign(const QColor& colour, bool circle) {
+    QPixmap picture(64, 64);
+    picture.fill(Qt::transparent);
+    QPainter painter(&picture);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(colour);
+    if (circle)
+        painter.drawEllipse(10, 10, 44, 44);
+    else
+        painter.drawRect(14, 14, 36, 36);
+    return picture;
+}
+
+/// Two widgets side by side in equal widths.
+QHBoxLayout* pair(QWidget* left, QWidget* right) {
+    auto* row = new QHBoxLayout;
+    row->setSpacing(6);
+    row->addWidget(left, 1);
+    row->addWidget(right, 1);
+    return row;
+}
+
+} // namespace
+
+frmOperation::frmOperation(Parts parts, QWidget* parent)
+    : QWidget(parent), parts_(parts), controls_(*this) {
+    setObjectName("frmOperation");
+    setAccessibleName("Operation panel");
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(6, 4, 6, 6);
+    layout->setSpacing(5);
+    layout->addWidget(statusGroup());
+    layout->addWidget(scheduleGroup());
+    layout->addWidget(folderGroup(), 1);
+    layout->addWidget(cameraGroup());
+    layout->addWidget(siteGroup());
+    orderTabs();
+}
+
+/// The order of the widgets' making is not the order in which they are read.
+void frmOperation::orderTabs() {
+    const char* const order[] = {
+        "Text1_0",  "Text1_1",  "Text1_2",  "Text1_3", "Text1_4",  "Text1_5", "Text1_6", "chk_auto",
+        "chk_time", "Command1", "Command2", "Dir1_0",  "Command3", "txtIp",   "txtPort", "Command5",
+        "Command7", "Command8", "chkLive",  "txt_lat", "txt_long", "txt_tz"};
+    QWidget* previous = nullptr;
+    for (const char* name : order) {
+        auto* next = findChild<QWidget*>(name);
+        if (previous != nullptr) setTabOrder(previous, next);
+        previous = next;
+    }
+}
+
+void frmOperation::focusStart() {
+    start_->setFocus();
+}
+
+QWidget* frmOperation::statusGroup() {
+    OperationPanel& panel = parts_.panel;
+    QLabel* status =
+        controls_.label({"Label7", "Status", "What the station is doing."}, panel.Label7);
+    QFont large = status->font();
+    large.setPointSizeF(large.pointSizeF() * 1.6);
+    large.setBold(true);
+    status->setFont(large);
+
+    auto* grid = new QGridLayout;
+    grid->addWidget(status, 0, 0, 1, 4);
+    const auto add = [&](int row, int column, const char* caption, const Face& face, Label& model) {
+        grid->addWidget(unitLabel(caption), row, column);
+        ElidedLabel* label = controls_.label(face, model);
+        if (column == 0) label->setShortest("0000/00/00");
+        grid->addWidget(label, row, column + 1, 1, row < 3 ? 1 : 3);
+    };
+    add(1, 0, "Date", {"Label12", "Date", "Today's date."}, panel.Label12);
+    add(1, 2, "Time", {"Label13", "Time", "The PC's time."}, panel.Label13);
+    add(2, 0, "Sunrise \u2212 1 h",
+        {"lbl_sunrise", "One hour before sunrise", "One hour before today's sunrise at the site."},
+        panel.lbl_sunrise);
+    add(2, 2, "Sunset + 1 h",
+        {"lbl_sunset", "One hour after sunset", "One hour after today's sunset at the site."},
+        panel.lbl_sunset);
+    add(3, 0, "Recorded",
+        {"Label11", "Recorded pictures", "Pictures recorded since recording was started."},
+        panel.Label11);
+    add(4, 0, "Disk", {"lbl_free", "Free space", "Free space of the data folder's disk."},
+        panel.lbl_free);
+    grid->setColumnStretch(1, 1);
+    QGroupBox* box = group("Status", grid);
+    grid->setHorizontalSpacing(8);
+    grid->setVerticalSpacing(2);
+    return box;
+}
+
+QWidget* frmOperation::scheduleGroup() {
+    auto* form = new QFormLayout;
+    form->setFieldGrowthPolicy(QFormLayout::ExpandingFieldsGrow);
+    const auto addTimes = [&](const char* caption, std::initializer_list<std::size_t> indices) {
+        auto* row = new QHBoxLayout;
+        row->setSpacing(3);
+        QLineEdit* first = nullptr;
+        for (const std::size_t index : indices) {
+            const bool hour = index == 0 || index == 2 || index == 4;
+            QLineEdit* field = addTimeField(*row, index, hour ? "h" : index == 6 ? "s" : "min");
+            if (first == nullptr) first = field;
+        }
+        row->addStretch();
+        auto* label = new QLabel(caption);
+        label->setBuddy(first);
+        form->addRow(label, row);
+    };
+    addTimes("Start ti&me", {0, 1});
+    addTimes("&End time", {2, 3});
+    addTimes("Inte&rval", {4, 5, 6});
+    form->addRow(pair(
+        controls_.checkBox(
+            {"chk_auto", "&Lock schedule", "Locks the schedule fields against changes by mistake."},
+            parts_.panel.chk_auto, [this] { parts_.recording.chk_auto_Click(); }),
+        controls_.checkBox({"chk_time", "Set &clocks daily",
+                            "Sets the clocks of camera and tracker once a day while recording."},
+                           parts_.panel.chk_time, [this] { parts_.settings.chk_time_Click(); })));
+    form->addRow(recordingButtons());
+    return group("Recording schedule", form);
+}
+
+QWidget* frmOperation::recordingButtons() {
+    auto* buttons = new QWidget;
+    QPushButton* stop = controls_.button({"Command2", "S&top Recording", "Stops recording."},
+                                         parts_.panel.Command2, [this] {
+                                             parts_.recording.Command2_Click();
+                                             if (start_->isEnabled()) start_->setFocus();
+                                         });
+    start_ = controls_.button({"Command1", "&Start Recording",
+                               "Checks the schedule and records at its times, every day."},
+                              parts_.panel.Command1, [this, stop] {
+                                  parts_.tasks.spawn(parts_.recording.Command1_Click());
+                                  // The pressed button is disabled now: without this the focus
+                                  // would fall on whatever control comes next.
+                                  if (stop->isEnabled()) stop->setFocus();
+                              });
+    start_->setIcon(sign(QColor(0xd0, 0x2f, 0x2f), true));
+    stop->setIcon(sign(QColor(0x5f, 0x6b, 0x7a), false));
+    QHBoxLayout* row = pair(start_, stop);
+    row->setContentsMargins(0, 0, 0, 0);
+    buttons->setLayout(row);
+    return buttons;
+}
+
+QLineEdit* frmOperation::addTimeField(QHBoxLayout& row, std::size_t index, const QString& unit) {
+    const auto& [what, maximum] = kTimeFields[index];
+    const QString number = QString::number(index);
+    Recording& recording = parts_.recording;
+    QLineEdit* field = controls_.textBox(
+        {"Text1_" + number, what, timeFieldTip(index)}, parts_.panel.Text1[index],
+        [&recording, index] { recording.Text1_Change(index); },
+        [&recording, index] { recording.Text1_LostFocus(index); });
+    field->setMaxLength(4);
+    field->setAlignment(Qt::AlignRight);
+    field->setFixedWidth(field->fontMetrics().horizontalAdvance("0000") + 10);
+    UpDown* upDown = controls_.upDown({"UpDown1_" + number, what, timeFieldTip(index)}, *field,
+                                      maximum, parts_.panel.UpDown1[index],
+                                      [&recording, index] { recording.UpDown1_Change(index); });
+    row.addWidget(field);
+    row.addWidget(upDown);
+    row.addWidget(unitLabel(unit));
+    row.addSpacing(4);
+    return field;
+}
+
+QWidget* frmOperation::folderGroup() {
+    OperationPanel& panel = parts_.panel;
+    auto* path = new ElidedLabel(this, Qt::ElideMiddle);
+    path->setObjectName("Dir1_0_path");
+    path->setAccessibleName("Data folder");
+    auto* folders = new FolderView(this);
+    folders->setObjectName("Dir1_0");
+    folders->setAccessibleName("Sub-folders of the data folder");
+    folders->setToolTip("The data folder's sub-folders. Double-click one, or press Enter, to make "
+                        "it the data folder.");
+    controls_.bindings().follow(panel.Dir1[0].path, [=](const std::filesystem::path& folder) {
+        const QString text = QDir::toNativeSeparators(toQString(folder));
+        path->setText(text);
+        path->setToolTip("Pictures are filed below " + text);
+        folders->setPath(folder);
+    });
+    controls_.followEnabled(*folders, panel.Dir1[0].enabled);
+    connect(folders, &FolderView::entered, this, [this](const std::filesystem::path& folder) {
+        parts_.panel.Dir1[0].path = folder;
+        parts_.settings.Dir1_Change();
+    });
+    auto* column = new QVBoxLayout;
+    column->addWidget(path);
+    column->addWidget(folders, 1);
+    column->addWidget(controls_.button(
+        {"Command3", "Select &Data Save Folder", "Chooses the folder that pictures are filed in."},
+        panel.Command3, [this] { selectFolder(); }));
+    QGroupBox* frame = group("Data folder", column);
+    frame->setObjectName("Frame3_1");
+    frame->setAccessibleName("Data folder");
+    controls_.followEnabled(*frame, panel.Frame3[1].enabled);
+    return frame;
+}
+
+void frmOperation::selectFolder() {
+    auto* dialog = new QFileDialog(this, "Select Data Save Folder",
+                                   toQString(parts_.panel.Dir1[0].path.get()));
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setFileMode(QFileDialog::Directory);
+    dialog->setOption(QFileDialog::ShowDirsOnly);
+    connect(dialog, &QFileDialog::fileSelected, this,
+            [this](const QString& folder) { parts_.settings.selectDataFolder(toPath(folder)); });
+    dialog->open();
+}
+
+QWidget* frmOperation::cameraGroup() {
+    OperationPanel& panel = parts_.panel;
+    CameraPanel& camera = parts_.camera;
+    QLineEdit* address = controls_.textBox(
+        {"txtIp", "Camera address", "The camera's address or name on the network."}, panel.txtIp,
+        {});
+    QLineEdit* port = controls_.textBox(
+        {"txtPort", "Camera port", "The port of the camera's web server, usually 80."},
+        panel.txtPort, {});
+    port->setFixedWidth(port->fontMetrics().horizontalAdvance("000000") + 12);
+    auto* addressLabel = new QLabel("&Address");
+    addressLabel->setBuddy(address);
+    auto* portLabel = new QLabel("&Port");
+    portLabel->setBuddy(port);
+    auto* addressRow = new QHBoxLayout;
+    addressRow->addWidget(addressLabel);
+    addressRow->addWidget(address, 1);
+    addressRow->addWidget(portLabel);
+    addressRow->addWidget(port);
+
+    auto* column = new QVBoxLayout;
+    column->addLayout(addressRow);
+    column->addLayout(pair(
+        controls_.button({"Command5", "Camera recording o&n", "Has the camera record by itself."},
+                         panel.Command5, [&camera] { camera.Command5_Click(); }),
+        controls_.button({"Command7", "Camera recording &off", "Ends the camera's own recording."},
+                         panel.Command7, [&camera] { camera.Command7_Click(); })));
+    column->addLayout(
+        pair(controls_.button({"Command8", "Test fetc&h",
+                               "Fetches the camera's picture once, to see whether it answers."},
+                              panel.Command8,
+                              [this] {
+                                  emit pictureWanted();
+                                  parts_.tasks.spawn(parts_.camera.Command8_Click());
+                              }),
+             controls_.checkBox({"chkLive", "Live &view",
+                                 "Shows the camera's picture every 5 seconds without keeping it."},
+                                panel.chkLive, [this] { emit pictureWanted(); })));
+    return group("Camera", column);
+}
+
+QWidget* frmOperation::siteGroup() {
+    OperationPanel& panel = parts_.panel;
+    auto* row = new QHBoxLayout;
+    row->addWidget(siteField({"txt_lat", "Lat&itude", "Degrees, north is positive."}, panel.txt_lat,
+                             &PanelSettings::txt_lat_Change),
+                   1);
+    row->addWidget(siteField({"txt_long", "Lon&gitude", "Degrees, east is positive."},
+                             panel.txt_long, &PanelSettings::txt_long_Change),
+                   1);
+    row->addWidget(siteField({"txt_tz", "Time &zone",
+                              "Whole hours east of universal time, such as 9 for Japan."},
+                             panel.txt_tz, &PanelSettings::txt_tz_Change),
+                   1);
+    QGroupBox* box = group("Site", row);
+    row->setSpacing(8);
+    return box;
+}
+
+QWidget* frmOperation::siteField(const Face& face, TextBox& model,
+                                 bool (PanelSettings::*change)()) {
+    auto* place = new QWidget;
+    auto* column = new QVBoxLayout(place);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(1);
+    auto* mark = new NumberMark(face.tip, place);
+    PanelSettings& settings = parts_.settings;
+    QLineEdit* field = controls_.textBox(
+        face, model, [&settings, change, mark] { mark->setValid((settings.*change)()); },
+        [&settings, mark] {
+            settings.showSite();
+            mark->setValid(true);
+        });
+    mark->watch(*field);
+    field->setMinimumWidth(field->fontMetrics().horizontalAdvance("000.000") + 12);
+    auto* caption = new QLabel(face.caption);
+    caption->setBuddy(field);
+    column->addWidget(caption);
+    column->addWidget(field);
+    return place;
+}
+
+} // namespace orvane
