@@ -1,5 +1,7 @@
 #pragma once
 
+#include "imaging/SunElevation.h"
+
 #include <chrono>
 #include <cstdint>
 #include <optional>
@@ -26,5 +28,11 @@ struct SunTimes {
 /// before the fault stay as they were.
 std::optional<std::string> ComputeSunriseSunset(const SiteValues& site,
                                                 std::chrono::year_month_day date, SunTimes& times);
+
+/// The part that looks for crossings: the last rising and the last setting of the universal day
+/// win, a sample of exactly -0.5 counts as below. `Tz` in minutes east; its hours are rounded,
+/// halves to even. A rising whose local hour is negative is a fault.
+std::optional<std::string> scanCrossings(const ElevationTable& elevation, std::int16_t Tz,
+                                         SunTimes& times);
 
 } // namespace orvane

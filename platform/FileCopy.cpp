@@ -32,8 +32,9 @@ std::optional<std::string> writeFile(std::string_view bytes, const std::filesyst
     std::FILE* file = openFile(path, Access::Write);
     if (file == nullptr) return reason();
     std::optional<std::string> fault;
-    if (std::fwrite(bytes.data(), 1, bytes.size(), file) != bytes.size() || std::fflush(file) != 0)
-        fault = reason();
+    const std::size_t written =
+        bytes.empty() ? 0 : std::fwrite(bytes.data(), 1, bytes.size(), file);
+    if (written != bytes.size() || std::fflush(file) != 0) fault = reason();
     // A network drive may report a full disk only when the file is closed.
     if (std::fclose(file) != 0 && !fault) fault = reason();
     return fault;

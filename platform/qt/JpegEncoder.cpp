@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <bit>
-#include <new>
+#include <exception>
 #include <utility>
 
 #include <jerror.h>

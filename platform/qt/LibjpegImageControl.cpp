@@ -29,9 +29,8 @@ Task<bool> LibjpegImageControl::load(std::filesystem::path file) {
     if (auto reason = readWholeFile(file, bytes)) co_return fail(*reason);
     JpegDecoder decoder(std::move(bytes));
     if (!decoder.begin()) co_return fail(decoder.fault());
-    while (true) {
+    while (decoder.more()) {
         if (!decoder.decodeSlice()) co_return fail(decoder.fault());
-        if (!decoder.more()) break;
         co_await clock_.yield();
     }
     picture_ = decoder.take();
@@ -63,10 +62,9 @@ Task<bool> LibjpegImageControl::save(std::filesystem::path file, std::int16_t fo
     const auto form = format == kFormatExif ? JpegEncoder::Form::Exif : JpegEncoder::Form::Jfif444;
     JpegEncoder encoder(std::move(picture), form, std::clamp(100 - factor, 1, 100));
     if (!encoder.begin()) co_return fail(encoder.fault());
-    while (true) {
+    while (encoder.more()) {
+        co_await clock_.yield(); // first: mirroring and drawing have just had a slice
         if (!encoder.encodeSlice()) co_return fail(encoder.fault());
-        if (!encoder.more()) break;
-        co_await clock_.yield();
     }
     if (auto reason = writeToFinalName(encoder.take(), file)) co_return fail(*reason);
     co_return true;

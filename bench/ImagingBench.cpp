@@ -1,0 +1,207 @@
+#include "imaging/JpegMarkers.h"
+#include "imaging/ProcessImageFile.h"
+#include "platform/FileCopy.h"
+#include "platform/qt/LibjpegImageControl.h"
+#include "tests/support/JumpingClock.h"
+#include "tests/support/TempFolder.h"
+
+#include <benchmark/benchmark.h>
+
+#include <chrono>
+#include <cmath>
+#include <cstdio>
+#include <cstdlib>
+#include <random>
+#include <string>
+#include <vector>
+
+#include <jpeglib.h>
+
+namespace orvane {
+namespace {
+
+constexpr int kQuality = 76; ///< compression factor 24
+
+struct Rgb {
+    unsigned width = 0;
+    unsigned height = 0;
+    std::vector<unsigned char> bytes;
+};
+
+/// A sky that grows lighter towards the horizon, with clouds and sensor noise.
+Rgb noisySky(unsigned width, unsigned height) {
+    Rgb sky{width, height, std::vector<unsigned char>(std::size_t{3} * width * height)};
+    std::mt19937 random(1);
+    std::normal_distribution<double> noise(0, 3);
+    const auto byteOf = [](double v) {
+        return static_cast<unsigned char>(v < 0 ? 0 : v > 255 ? 255 : v);
+    };
+    std::size_t i = 0;
+    for (unsigned y = 0; y < height; ++y)
+        for (unsigned x = 0; x < width; ++x) {
+            const double u = 1.0 * x / width;
+            const double v = 1.0 * y / height;
+            const double cloud =
+                60 * (std::sin(9 * u + 4 * std::sin(5 * v)) + std::sin(23 * v + 7 * u * u)) *
+                std::sin(3 * u + 2 * v);
+            const double grain = noise(random);
+            sky.bytes[i++] = byteOf(90 + 60 * v + cloud + grain);
+            sky.bytes[i++] = byteOf(130 + 50 * v + cloud * 0.8 + grain);
+            sky.bytes[i++] = byteOf(200 + 20 * v + cloud * 0.3 + grain);
+        }
+    return sky;
+}
+
+std::string encode(const Rgb& picture, int quality, int sampling) {
+    jpeg_compress_struct info{};
+    jpeg_error_mgr errors{};
+    info.err = jpeg_std_error(&errors);
+    jpeg_create_compress(&info);
+    unsigned char* bytes = nullptr;
+    unsigned long size = 0;
+    jpeg_mem_dest(&info, &bytes, &size);
+    info.image_width = picture.width;
+    info.image_height = picture.height;
+    info.input_components = 3;
+    info.in_color_space = JCS_RGB;
+    jpeg_set_defaults(&info);
+    jpeg_set_quality(&info, quality, TRUE);
+    info.comp_info[0].h_samp_factor = sampling;
+    info.comp_info[0].v_samp_factor = sampling;
+    jpeg_start_compress(&info, TRUE);
+    while (info.next_scanline < info.image_height) {
+        auto* row = const_cast<JSAMPROW>(picture.bytes.data() +
+                                         std::size_t{3} * info.next_scanline * picture.width);
+        jpeg_write_scanlines(&info, &row, 1);
+    }
+    jpeg_finish_compress(&info);
+    jpeg_destroy_compress(&info);
+    std::string result(reinterpret_cast<const char*>(bytes), size);
+    std::free(bytes);
+    return result;
+}
+
+void decode(const std::string& jpeg, Rgb& picture) {
+    jpeg_decompress_struct info{};
+    jpeg_error_mgr errors{};
+    info.err = jpeg_std_error(&errors);
+    jpeg_create_decompress(&info);
+    jpeg_mem_src(&info, reinterpret_cast<const unsigned char*>(jpeg.data()),
+                 static_cast<unsigned long>(jpeg.size()));
+    jpeg_read_header(&info, TRUE);
+    info.out_color_space = JCS_RGB;
+    jpeg_start_decompress(&info);
+    picture.width = info.output_width;
+    picture.height = info.output_height;
+    picture.bytes.resize(std::size_t{3} * picture.width * picture.height);
+    while (info.output_scanline < info.output_height) {
+        JSAMPROW row = picture.bytes.data() + std::size_t{3} * info.output_scanline * picture.width;
+        jpeg_read_scanlines(&info, &row, 1);
+    }
+    jpeg_finish_decompress(&info);
+    jpeg_destroy_decompress(&info);
+}
+
+const std::string& cameraPicture(benchmark::State& state) {
+    static std::vector<std::pair<std::int64_t, std::string>> made;
+    for (const auto& [width, jpeg] : made)
+        if (width == state.range(0)) return jpeg;
+    const Rgb sky =
+        noisySky(static_cast<unsigned>(state.range(0)), static_cast<unsigned>(state.range(1)));
+    return made.emplace_back(state.range(0), encode(sky, 90, 2)).second;
+}
+
+double secondsSince(std::chrono::steady_clock::time_point start) {
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+bool process(LibjpegImageControl& control, test::JumpingClock& clock,
+             const std::filesystem::path& image, const ImageOptions& options) {
+    std::string fault;
+    Task<bool> task = ProcessImageFile(control, image, options, true, fault);
+    task.start();
+    clock.runUntil([&] { return task.done(); }, std::chrono::hours(1));
+    return task.result();
+}
+
+/// `ProcessImageFile` (read, decode, mirror, stamp, encode, write) and, taking turns with it in the
+/// same loop, a bare decode and encode in memory with the same settings. "ratio" is the one over
+/// the other; the time shown is that of `ProcessImageFile` alone.
+void processImageFile(benchmark::State& state) {
+    const test::TempFolder folder;
+    const auto image = folder.path() / "20250621" / "20250621_093000_00.jpg";
+    std::filesystem::create_directory(image.parent_path());
+    const std::string& jpeg = cameraPicture(state);
+    if (writeToFinalName(jpeg, image)) state.SkipWithError("no space for the test picture");
+    test::JumpingClock clock(test::at(2025, 6, 21, 9, 30));
+    LibjpegImageControl control(clock);
+    const auto format = static_cast<std::int16_t>(state.range(2));
+    const ImageOptions options{
+        .Quality = 100 - kQuality, .LrFlg = -1, .DateFlg = -1, .JpegTyp = format};
+
+    double processing = 0;
+    double floor = 0;
+    for (auto _ : state) {
+        auto start = std::chrono::steady_clock::now();
+        if (!process(control, clock, image, options)) state.SkipWithError("processing failed");
+        const double seconds = secondsSince(start);
+        state.SetIterationTime(seconds);
+        processing += seconds;
+        start = std::chrono::steady_clock::now();
+        Rgb picture;
+        decode(jpeg, picture);
+        benchmark::DoNotOptimize(encode(picture, kQuality, format == 10 ? 2 : 1));
+        floor += secondsSince(start);
+    }
+    state.counters["ratio"] = processing / floor;
+    state.counters["floor_ms"] = 1000 * floor / static_cast<double>(state.iterations());
+}
+BENCHMARK(processImageFile)
+    ->ArgNames({"w", "h", "format"})
+    ->Args({1280, 960, 10})
+    ->Args({1280, 960, 98})
+    ->Args({4000, 3000, 10})
+    ->Args({4000, 3000, 98})
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond);
+
+/// The longest time between two yields, in which the window stands still.
+void longestSlice(benchmark::State& state) {
+    const test::TempFolder folder;
+    const auto image = folder.path() / "20250621" / "20250621_093000_00.jpg";
+    std::filesystem::create_directory(image.parent_path());
+    if (writeToFinalName(cameraPicture(state), image)) state.SkipWithError("no space");
+    test::JumpingClock clock(test::at(2025, 6, 21, 9, 30));
+    LibjpegImageControl control(clock);
+    double longest = 0;
+    for (auto _ : state) {
+        std::string fault;
+        Task<bool> task =
+            ProcessImageFile(control, image, {.LrFlg = -1, .DateFlg = -1}, true, fault);
+        auto start = std::chrono::steady_clock::now();
+        task.start();
+        const auto sliceEnded = [&] {
+            longest = std::max(longest, secondsSince(start));
+            start = std::chrono::steady_clock::now();
+            return task.done();
+        };
+        clock.runUntil(sliceEnded, std::chrono::hours(1));
+    }
+    state.counters["longest_ms"] = 1000 * longest;
+}
+BENCHMARK(longestSlice)
+    ->ArgNames({"w", "h"})
+    ->Args({1280, 960})
+    ->Args({4000, 3000})
+    ->Unit(benchmark::kMillisecond);
+
+void wholeJpegCheck(benchmark::State& state) {
+    const std::string& jpeg = cameraPicture(state);
+    for (auto _ : state)
+        benchmark::DoNotOptimize(isWholeJpeg(jpeg));
+    state.SetBytesProcessed(static_cast<std::int64_t>(jpeg.size()) * state.iterations());
+}
+BENCHMARK(wholeJpegCheck)->Args({4000, 3000})->Unit(benchmark::kMicrosecond);
+
+} // namespace
+} // namespace orvane

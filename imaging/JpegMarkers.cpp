@@ -1,0 +1,94 @@
+#include "imaging/JpegMarkers.h"
+
+#include <cstddef>
+#include <cstring>
+
+namespace orvane {
+
+namespace {
+
+// ITU-T T.81, table B.1.
+constexpr unsigned kTem = 0x01;
+constexpr unsigned kRst0 = 0xD0;
+constexpr unsigned kRst7 = 0xD7;
+constexpr unsigned kSoi = 0xD8;
+constexpr unsigned kEoi = 0xD9;
+constexpr unsigned kSos = 0xDA;
+
+/// Steps over the bytes of one picture. Every step checks what is left first.
+class MarkerWalk {
+  public:
+    explicit MarkerWalk(std::string_view bytes) : bytes_(bytes) {}
+
+    bool wholePicture() {
+        if (nextMarker() != kSoi) return false;
+        bool scanSeen = false;
+        while (true) {
+            const unsigned marker = nextMarker();
+            if (marker == kEoi) return scanSeen;
+            if (marker == 0 || marker == kSoi) return false;
+            if (isBare(marker)) continue;
+            if (!skipSegment()) return false;
+            if (marker != kSos) continue;
+            scanSeen = true;
+            if (!skipEntropyData()) return false;
+        }
+    }
+
+  private:
+    static bool isBare(unsigned marker) {
+        return marker == kTem || (marker >= kRst0 && marker <= kRst7);
+    }
+
+    unsigned byteAt(std::size_t position) const {
+        return static_cast<unsigned char>(bytes_[position]);
+    }
+
+    /// The code behind 0xFF and any fill bytes; 0 when there is none here.
+    unsigned nextMarker() {
+        if (position_ >= bytes_.size() || byteAt(position_) != 0xFF) return 0;
+        while (position_ < bytes_.size() && byteAt(position_) == 0xFF)
+            ++position_;
+        return position_ < bytes_.size() ? byteAt(position_++) : 0;
+    }
+
+    bool skipSegment() {
+        if (bytes_.size() - position_ < 2) return false;
+        const std::size_t length = byteAt(position_) << 8 | byteAt(position_ + 1);
+        if (length < 2 || length > bytes_.size() - position_) return false;
+        position_ += length;
+        return true;
+    }
+
+    /// Ends in front of the marker that ends the scan. Stuffed zeros and restart markers belong to
+    /// the data.
+    bool skipEntropyData() {
+        while (position_ < bytes_.size()) {
+            const void* found =
+                std::memchr(bytes_.data() + position_, 0xFF, bytes_.size() - position_);
+            if (found == nullptr) return false;
+            position_ = static_cast<std::size_t>(static_cast<const char*>(found) - bytes_.data());
+            if (position_ + 1 >= bytes_.size()) return false;
+            const unsigned code = byteAt(position_ + 1);
+            if (code == 0xFF) {
+                ++position_;
+            } else if (code == 0 || (code >= kRst0 && code <= kRst7)) {
+                position_ += 2;
+            } else {
+                return true;
+            }
+        }
+        return false;
+    }
+
+    std::string_view bytes_;
+    std::size_t position_ = 0;
+};
+
+} // namespace
+
+bool isWholeJpeg(std::string_view bytes) {
+    return MarkerWalk(bytes).wholePicture();
+}
+
+} // namespace orvane

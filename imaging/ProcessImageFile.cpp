@@ -1,0 +1,125 @@
+#include "imaging/ProcessImageFile.h"
+
+#include "platform/FileCopy.h"
+
+#include <algorithm>
+#include <system_error>
+#include <vector>
+
+namespace orvane {
+
+namespace {
+
+constexpr std::int16_t kSet = -1;
+
+/// The last 22 characters of a path, the length of an image name, addressed from 1. A character is
+/// a UTF-8 sequence; bytes that are no UTF-8 stay with the character before them.
+class NameTail {
+  public:
+    explicit NameTail(const std::filesystem::path& image) {
+        const std::u8string text = image.u8string();
+        std::size_t end = text.size();
+        while (end > 0 && characters_.size() < kLength) {
+            std::size_t start = end - 1;
+            while (start > 0 && (text[start] & 0xC0) == 0x80)
+                --start;
+            characters_.emplace_back(text.begin() + static_cast<std::ptrdiff_t>(start),
+                                     text.begin() + static_cast<std::ptrdiff_t>(end));
+            end = start;
+        }
+        std::reverse(characters_.begin(), characters_.end());
+    }
+
+    std::string part(std::size_t first, std::size_t count) const {
+        std::string text;
+        const std::size_t end = std::min(first - 1 + count, characters_.size());
+        for (std::size_t i = first - 1; i < end; ++i)
+            text += characters_[i];
+        return text;
+    }
+
+    bool digits(std::size_t first, std::size_t count) const {
+        const std::string text = part(first, count);
+        return text.size() == count &&
+               std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
+    }
+
+  private:
+    static constexpr std::size_t kLength = 22;
+    std::vector<std::string> characters_;
+};
+
+std::optional<std::string> makeFolderFor(const std::filesystem::path& file) {
+    std::error_code error;
+    std::filesystem::create_directories(file.parent_path(), error);
+    if (error) return error.message();
+    return std::nullopt;
+}
+
+} // namespace
+
+std::filesystem::path editPathOf(const std::filesystem::path& image) {
+    const std::filesystem::path dated = image.parent_path();
+    return dated.parent_path() / "Edit" / dated.filename() / image.filename();
+}
+
+std::filesystem::path rawPathOf(const std::filesystem::path& image) {
+    std::filesystem::path name = image.stem();
+    name += "_raw.jpg";
+    return editPathOf(image).replace_filename(name);
+}
+
+std::string stampTextOf(const std::filesystem::path& image) {
+    const NameTail tail(image);
+    return tail.part(1, 4) + "/" + tail.part(5, 2) + "/" + tail.part(7, 2) + " " +
+           tail.part(10, 2) + ":" + tail.part(12, 2);
+}
+
+std::string exifStampOf(const std::filesystem::path& image) {
+    const NameTail tail(image);
+    if (!tail.digits(1, 8) || !tail.digits(10, 6)) return {};
+    return tail.part(1, 4) + ":" + tail.part(5, 2) + ":" + tail.part(7, 2) + " " +
+           tail.part(10, 2) + ":" + tail.part(12, 2) + ":" + tail.part(14, 2);
+}
+
+Task<bool> LoadProcessedImage(ImageControl& control, std::filesystem::path image,
+                              ImageOptions options, std::string& fault) {
+    Task<bool> loading = control.load(image);
+    const bool loaded = co_await loading;
+    if (!loaded) {
+        fault = control.fault();
+        co_return false;
+    }
+    if (options.LrFlg == kSet) control.mirror();
+    if (options.LrFlg == kSet && options.DateFlg == kSet) control.drawText(stampTextOf(image));
+    co_return true;
+}
+
+Task<bool> ProcessImageFile(ImageControl& control, std::filesystem::path image,
+                            ImageOptions options, bool processingOn, std::string& fault) {
+    if (!processingOn) co_return true;
+    Task<bool> loading = LoadProcessedImage(control, image, options, fault);
+    const bool loaded = co_await loading;
+    if (!loaded) co_return false;
+
+    // From here to the call of `save` there is no wait: the picture in the control is still ours.
+    const std::filesystem::path edited = editPathOf(image);
+    if (auto reason = makeFolderFor(edited)) {
+        control.clear();
+        fault = *reason;
+        co_return false;
+    }
+    Task<bool> saving = control.save(edited, options.JpegTyp, options.Quality, exifStampOf(image));
+    const bool saved = co_await saving;
+    if (!saved) fault = control.fault();
+    control.clear();
+    if (saved && options.RawFlg == kSet) {
+        if (auto reason = copyToFinalName(image, rawPathOf(image))) {
+            fault = *reason;
+            co_return false;
+        }
+    }
+    co_return saved;
+}
+
+} // namespace orvane

@@ -1,0 +1,77 @@
+#include "imaging/SunTimes.h"
+
+#include <cmath>
+#include <cstdio>
+
+namespace orvane {
+
+namespace {
+
+constexpr double kThreshold = -0.5; ///< degrees
+constexpr int kShift = 60;          ///< minutes between a crossing and its text
+constexpr int kDay = 1440;          ///< minutes
+
+enum class Crossing { Rising, Setting };
+
+/// Hour of the local day. Only a setting crossing is moved up from the day before.
+int localHour(Crossing crossing, int universalHour, std::int16_t Tz) {
+    // The default rounding mode takes halves to even.
+    int hour = static_cast<int>(std::nearbyint(Tz / 60.0 + universalHour));
+    if (hour >= 24) hour -= 24;
+    if (crossing == Crossing::Setting && hour < 0) hour += 24;
+    return hour;
+}
+
+/// `minutes` from midnight of day zero, 1899/12/30, from one day before to one day after it.
+std::string timeText(int minutes) {
+    const char* date = minutes < 0 ? "1899/12/29 " : minutes >= kDay ? "1899/12/31 " : "";
+    const int inDay = (minutes + kDay) % kDay;
+    char text[32];
+    std::snprintf(text, sizeof text, "%s%d:%02d:00", date, inDay / 60, inDay % 60);
+    return text;
+}
+
+std::optional<std::string> writeText(Crossing crossing, int minuteIndex, std::int16_t Tz,
+                                     SunTimes& times) {
+    const int minute = minuteIndex % 60;
+    const int hour = localHour(crossing, minuteIndex / 60, Tz);
+    if (hour < 0 || hour >= 24) {
+        char text[48];
+        std::snprintf(text, sizeof text, "%d:%02d is not a time of day", hour, minute);
+        return text;
+    }
+    const int time = hour * 60 + minute;
+    if (crossing == Crossing::Rising)
+        times.SunriseText = timeText(time - kShift);
+    else
+        times.SunsetText = timeText(time + kShift);
+    return std::nullopt;
+}
+
+std::optional<Crossing> crossingBetween(double before, double after) {
+    if (before <= kThreshold && after > kThreshold) return Crossing::Rising;
+    if (before > kThreshold && after <= kThreshold) return Crossing::Setting;
+    return std::nullopt;
+}
+
+} // namespace
+
+std::optional<std::string> scanCrossings(const ElevationTable& elevation, std::int16_t Tz,
+                                         SunTimes& times) {
+    for (std::size_t i = 1; i < kMinutesPerDay; ++i) {
+        const std::optional<Crossing> crossing = crossingBetween(elevation[i], elevation[i + 1]);
+        if (!crossing) continue;
+        if (auto fault = writeText(*crossing, static_cast<int>(i), Tz, times)) return fault;
+    }
+    return std::nullopt;
+}
+
+std::optional<std::string> ComputeSunriseSunset(const SiteValues& site,
+                                                std::chrono::year_month_day date, SunTimes& times) {
+    const std::optional<ElevationTable> elevation =
+        computeElevationByMinute(site.latitude, site.longitude, date);
+    if (!elevation) return "no sun elevation for this latitude and longitude";
+    return scanCrossings(*elevation, site.Tz, times);
+}
+
+} // namespace orvane

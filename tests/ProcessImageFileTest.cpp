@@ -1,0 +1,173 @@
+#include "imaging/ProcessImageFile.h"
+
+#include "platform/qt/LibjpegImageControl.h"
+#include "tests/support/TempFolder.h"
+#include "tests/support/TestPictures.h"
+
+#include <gtest/gtest.h>
+
+namespace orvane::test {
+namespace {
+
+constexpr std::int16_t kOn = -1;
+constexpr int kDateTimeOriginal = 0x9003;
+
+class ProcessImageFileTest : public testing::Test {
+  protected:
+    bool process(const ImageOptions& options, bool processingOn = true) {
+        return finish(clock_, ProcessImageFile(control_, image_, options, processingOn, fault_));
+    }
+    std::vector<std::string> edited() const {
+        const auto edit = folder_.path() / "Edit";
+        return std::filesystem::exists(edit) ? listing(edit) : std::vector<std::string>();
+    }
+
+    TempFolder folder_;
+    std::filesystem::path image_ = folder_.path() / "20250621" / "20250621_093000_00.jpg";
+    std::filesystem::path copy_ = folder_.path() / "Edit" / "20250621" / "20250621_093000_00.jpg";
+    std::string source_ = encoded(gradient(320, 240));
+    JumpingClock clock_{at(2025, 6, 21, 9, 30)};
+    LibjpegImageControl control_{clock_};
+    std::string fault_;
+};
+
+/// Whether anything but the gradient stands in the lower left corner.
+bool isStamped(const QImage& picture, const QImage& plain) {
+    const QRect corner(0, 210, 150, 30);
+    return difference(picture.copy(corner), plain.copy(corner)) > 100;
+}
+
+TEST_F(ProcessImageFileTest, AppliesMirrorAndStamp) {
+    struct Case {
+        std::int16_t LrFlg;
+        std::int16_t DateFlg;
+        bool mirrored;
+        bool stamped;
+    };
+    for (const Case& test : {Case{0, 0, false, false}, Case{0, kOn, false, false},
+                             Case{kOn, 0, true, false}, Case{kOn, kOn, true, true}}) {
+        writeFile(image_, source_);
+        ASSERT_TRUE(
+            process({.Quality = 2, .LrFlg = test.LrFlg, .DateFlg = test.DateFlg, .JpegTyp = 98}))
+            << fault_;
+        const QImage plain = gradient(320, 240).mirrored(test.mirrored, false);
+        const QImage result = decoded(copy_);
+        const QRect upper(0, 0, 320, 200);
+        EXPECT_LE(meanDifference(result.copy(upper), plain.copy(upper)), 2);
+        EXPECT_EQ(isStamped(result, plain), test.stamped);
+        EXPECT_EQ(contentsOf(image_), source_) << "the camera's file was changed";
+        EXPECT_TRUE(control_.picture().isNull()) << "the pixels are still held";
+    }
+    EXPECT_EQ(edited(), (std::vector<std::string>{"20250621", "20250621/20250621_093000_00.jpg"}));
+}
+
+TEST_F(ProcessImageFileTest, SavesInTheChosenForm) {
+    writeFile(image_, source_);
+    ASSERT_TRUE(process({.Quality = 56, .JpegTyp = 10}));
+    const JpegParts exif = partsOf(contentsOf(copy_));
+    EXPECT_EQ(exif.sampling.front(), 0x22);
+    EXPECT_EQ(textOf(tiffEntries(exif.tiff()), Ifd::Exif, kDateTimeOriginal),
+              "2025:06:21 09:30:00");
+    const auto small = std::filesystem::file_size(copy_);
+    ASSERT_TRUE(process({.Quality = 2, .JpegTyp = 98}));
+    EXPECT_EQ(partsOf(contentsOf(copy_)).sampling.front(), 0x11);
+    EXPECT_GT(std::filesystem::file_size(copy_), 2 * small);
+}
+
+TEST_F(ProcessImageFileTest, KeepsTheRawFileBesideTheProcessedOne) {
+    writeFile(image_, source_);
+    ASSERT_TRUE(process({.LrFlg = kOn, .RawFlg = kOn}));
+    EXPECT_EQ(contentsOf(folder_.path() / "Edit" / "20250621" / "20250621_093000_00_raw.jpg"),
+              source_);
+    EXPECT_EQ(edited().size(), 3u);
+}
+
+TEST_F(ProcessImageFileTest, DoesNothingWhileSwitchedOff) {
+    writeFile(image_, source_);
+    EXPECT_TRUE(process({.LrFlg = kOn, .RawFlg = kOn}, false));
+    EXPECT_EQ(edited(), std::vector<std::string>());
+}
+
+TEST_F(ProcessImageFileTest, FailureLeavesNoFile) {
+    const std::string damaged[] = {"<html>busy</html>", source_.substr(0, source_.size() / 2), ""};
+    for (const std::string& bytes : damaged) {
+        writeFile(image_, bytes);
+        fault_.clear();
+        EXPECT_FALSE(process({.RawFlg = kOn}));
+        EXPECT_NE(fault_, "");
+        EXPECT_EQ(edited(), std::vector<std::string>());
+        EXPECT_EQ(contentsOf(image_), bytes);
+    }
+    std::filesystem::remove(image_);
+    EXPECT_FALSE(process({}));
+    EXPECT_EQ(fault_, "No such file or directory");
+
+    writeFile(image_, source_);
+    fault_.clear();
+    EXPECT_FALSE(process({.JpegTyp = 11}));
+    EXPECT_EQ(fault_, "Unknown picture format 11");
+    EXPECT_EQ(edited(), std::vector<std::string>{"20250621"});
+}
+
+TEST_F(ProcessImageFileTest, FolderThatCannotBeMadeIsAFault) {
+    writeFile(image_, source_);
+    writeFile(folder_.path() / "Edit", "a file of the user's");
+    EXPECT_FALSE(process({.RawFlg = kOn}));
+    EXPECT_NE(fault_, "");
+    EXPECT_TRUE(control_.picture().isNull());
+    EXPECT_EQ(contentsOf(folder_.path() / "Edit"), "a file of the user's");
+}
+
+TEST_F(ProcessImageFileTest, MayBeDestroyedAtAnyWait) {
+    writeFile(image_, encoded(gradient(1500, 1000)));
+    for (int waits = 1;; ++waits) {
+        const ImageOptions options{.LrFlg = kOn, .DateFlg = kOn, .RawFlg = kOn};
+        Task<bool> task = ProcessImageFile(control_, image_, options, true, fault_);
+        task.start();
+        int left = waits;
+        clock_.runUntil([&] { return task.done() || --left == 0; }, std::chrono::hours(1));
+        if (task.done()) {
+            EXPECT_GE(waits, 4) << "loading and saving 1.5 megapixels take two waits each";
+            break;
+        }
+        task.reset();
+        EXPECT_EQ(clock_.pending(), 0u);
+        for (const std::string& name : edited())
+            EXPECT_EQ(name, "20250621");
+    }
+}
+
+TEST(ProcessedPaths, LieInTheEditTree) {
+    const std::filesystem::path data = std::filesystem::path("sky") / u8"空の写真";
+    EXPECT_EQ(editPathOf(data / "20250621" / "a.jpg"), data / "Edit" / "20250621" / "a.jpg");
+    EXPECT_EQ(rawPathOf(data / "20250621" / "a.b.jpg"), data / "Edit" / "20250621" / "a.b_raw.jpg");
+    EXPECT_EQ(editPathOf("20250621/a.jpg"), std::filesystem::path("Edit/20250621/a.jpg"));
+}
+
+TEST(StampText, IsCutByPosition) {
+    struct Case {
+        const char8_t* path;
+        const char* text;
+        const char* exif;
+    };
+    const Case cases[] = {
+        {u8"/data/20250621/20250621_093005_00.jpg", "2025/06/21 09:30", "2025:06:21 09:30:05"},
+        // The tail starts wherever 22 characters from the end lie.
+        {u8"/data/x/20250621_093005_00.jpeg", "0250/62/1_ 93:00", ""},
+        {u8"/sky.jpg", "/sky/.j/pg :", ""},
+        {u8"a", "a// :", ""},
+        {u8"", "// :", ""},
+        {u8"20250621_0930", "2025/06/21 09:30", ""},
+        {u8"/写真/20250621_093005_空0.jpg", "2025/06/21 09:30", "2025:06:21 09:30:05"},
+        {u8"空空空空空空空空空空空空空空空空空空空空空空空空空", "空空空空/空空/空空 空空:空空",
+         ""},
+        {u8"/data/2025o621_093005_00.jpg", "2025/o6/21 09:30", ""},
+    };
+    for (const Case& test : cases) {
+        EXPECT_EQ(stampTextOf(test.path), test.text);
+        EXPECT_EQ(exifStampOf(test.path), test.exif);
+    }
+}
+
+} // namespace
+} // namespace orvane::test
