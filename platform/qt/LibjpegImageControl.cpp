@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <utility>
+#include <vector>
 
 namespace orvane {
 
@@ -39,9 +40,13 @@ Task<bool> LibjpegImageControl::load(std::filesystem::path file) {
 
 void LibjpegImageControl::mirror() {
     QImage& pixels = picture_.pixels;
+    const auto width = static_cast<std::size_t>(pixels.width());
+    std::vector<QRgb> reversed(width); // a plain copy there and back is what compilers make fast
     for (int y = 0; y < pixels.height(); ++y) {
         auto* row = reinterpret_cast<QRgb*>(pixels.scanLine(y));
-        std::reverse(row, row + pixels.width());
+        for (std::size_t x = 0; x < width; ++x)
+            reversed[x] = row[width - 1 - x];
+        std::copy(reversed.begin(), reversed.end(), row);
     }
 }
 
