@@ -21,11 +21,12 @@ std::string gigabytes(std::uint64_t bytes) {
 
 std::optional<std::uint64_t> freeBytesOf(const std::filesystem::path& folder) {
     std::error_code error;
-    std::filesystem::path existing = folder;
-    while (!existing.empty() && !std::filesystem::exists(existing, error) &&
-           existing != existing.parent_path())
-        existing = existing.parent_path();
-    const auto space = std::filesystem::space(existing, error);
+    auto space = std::filesystem::space(folder, error);
+    std::filesystem::path above = folder;
+    while (error && above.has_relative_path()) {
+        above = above.parent_path();
+        space = std::filesystem::space(above, error);
+    }
     if (error) return std::nullopt;
     return space.available;
 }
