@@ -4,7 +4,7 @@
 // one-minute interval around the clock. It fails when a due picture is missing or doubled, when
 // wake-ups pile up or memory grows.
 
-#include "core/Conversions.h"
+#include "platform/Conversions.h"
 #include "tests/support/TestStation.h"
 
 #include <chrono>

@@ -22,7 +22,6 @@ void AutoStart::Timer1_Timer() {
     exits_.closeDialog();
     store_.SaveSetting("Operation", "Mode Auto", "True");
     store_.SaveSetting("Operation", "Mode Man", "False");
-    module_.automaticMode = true;
     module_.RecordFlg = true;
     exits_.enterMainLoop();
 }

@@ -1,13 +1,12 @@
 #include "core/Capture.h"
 
-#include "core/Conversions.h"
 #include "imaging/JpegMarkers.h"
 #include "imaging/ProcessImageFile.h"
+#include "platform/Conversions.h"
 #include "platform/FileCopy.h"
 #include "platform/Paths.h"
 
 #include <algorithm>
-#include <cstdio>
 
 namespace orvane {
 
@@ -25,9 +24,8 @@ std::uint64_t sizeOf(const std::filesystem::path& file) {
 /// The first name of the minute that no file in `folder` has; empty when all are taken.
 std::filesystem::path freeName(const std::filesystem::path& folder, WallTime time) {
     for (int frame = 0; frame < kFrames; ++frame) {
-        char tail[16];
-        std::snprintf(tail, sizeof tail, "00_%02d.jpg", frame);
-        std::filesystem::path name = folder / (minuteStamp(time) + tail);
+        const std::string digits = (frame < 10 ? "0" : "") + std::to_string(frame);
+        std::filesystem::path name = folder / (minuteStamp(time) + "00_" + digits + ".jpg");
         std::error_code error;
         if (!std::filesystem::exists(name, error)) return name;
     }

@@ -1,6 +1,6 @@
 #include "core/DueWatch.h"
 
-#include "core/Conversions.h"
+#include "platform/Conversions.h"
 
 namespace orvane {
 

@@ -1,7 +1,7 @@
 #include "core/MainLoop.h"
 
-#include "core/Conversions.h"
 #include "core/StartUp.h"
+#include "platform/Conversions.h"
 
 #include <limits>
 

@@ -32,9 +32,8 @@ struct Module1 {
     std::filesystem::path programFolder; ///< holds ERROR.LOG and the working picture full.jpg
 
     Schedule schedule;
-    bool RecordFlg = false;     ///< recording is switched on
-    bool RecDoneFlg = false;    ///< a capture was attempted in this window
-    bool automaticMode = false; ///< the countdown ran out
+    bool RecordFlg = false;  ///< recording is switched on
+    bool RecDoneFlg = false; ///< a capture was attempted in this window
 
     std::int32_t RecCount = 0;
     std::int32_t filesFetched = 0;
@@ -44,6 +43,7 @@ struct Module1 {
 
     SiteValues site;
     SunTimes sun;
+    double origin = 0; ///< the tracker's, degrees
     ImageOptions image;
     std::int16_t AdjTime = 1;
     bool imageProcessing = true; ///< off: files are kept as they come
@@ -51,6 +51,7 @@ struct Module1 {
     std::filesystem::path lastImage; ///< newest image written; empty at start
     std::array<ThumbnailEntry, kThumbnailCount> thumbnails;
 
+    std::int16_t linkState = 0;   ///< 4 while the tracker's clock is being set; nothing reads it
     std::int16_t replyTicks = 0;  ///< seconds, bounds the serial waits
     std::int16_t searchTicks = 0; ///< seconds, bounds the search waits
     std::int16_t syncTicks = 0;   ///< ten-second steps

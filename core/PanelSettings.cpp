@@ -1,6 +1,6 @@
 #include "core/PanelSettings.h"
 
-#include "core/Conversions.h"
+#include "platform/Conversions.h"
 #include "platform/Paths.h"
 
 #include <array>

@@ -1,6 +1,6 @@
 #include "core/PanelStatus.h"
 
-#include "core/Conversions.h"
+#include "platform/Conversions.h"
 
 #include <limits>
 

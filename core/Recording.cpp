@@ -1,6 +1,6 @@
 #include "core/Recording.h"
 
-#include "core/Conversions.h"
+#include "platform/Conversions.h"
 
 #include <algorithm>
 #include <array>

@@ -1,6 +1,6 @@
 #include "core/StartUp.h"
 
-#include "core/Conversions.h"
+#include "platform/Conversions.h"
 
 #include <algorithm>
 #include <vector>

@@ -1,4 +1,4 @@
-#include "core/Conversions.h"
+#include "platform/Conversions.h"
 #include "platform/qt/QtSettingsStore.h"
 #include "tests/support/TestStation.h"
 

@@ -1,6 +1,6 @@
 #include "ui/FrmSave.h"
 
-#include "core/Conversions.h"
+#include "platform/Conversions.h"
 #include "platform/ImageControl.h"
 
 #include <QCheckBox>

@@ -1,4 +1,4 @@
-#include "core/Conversions.h"
+#include "platform/Conversions.h"
 
 #include <array>
 #include <charconv>

@@ -1,0 +1,67 @@
+#pragma once
+
+#include "core/Module1.h"
+#include "platform/SerialPort.h"
+#include "platform/SettingsStore.h"
+#include "tracker/ErrorLog.h"
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace orvane {
+
+/// Frame and control bytes of the sun tracker's protocol.
+inline constexpr std::uint8_t kStx = 0x02;
+inline constexpr std::uint8_t kEtx = 0x03;
+inline constexpr std::uint8_t kAck = 0x06;
+inline constexpr std::uint8_t kNak = 0x15;
+
+/// A received frame.
+struct Reply {
+    std::uint8_t cmd = 0;
+    std::vector<std::uint8_t> data; ///< one spare element at the end
+    std::int16_t lastIndex = -1;    ///< of the last real data byte
+};
+
+/// STX LEN CMD DATA SUM ETX. DATA is the text's bytes, at most 252 (more are left out); SUM is
+/// CMD + DATA modulo 256.
+std::vector<std::uint8_t> MakeFrame(std::uint8_t cmd, const std::string& data = {});
+
+/// Frames and single bytes over the serial port. Every wait for a byte ends with the third tick of
+/// the panel's clock timer, which counts `Module1::replyTicks`.
+class FrameLink {
+  public:
+    FrameLink(SerialPort& MSComm1, SettingsStore& store, ErrorLog& log, Clock& clock,
+              Module1& module)
+        : MSComm1_(MSComm1), store_(store), log_(log), clock_(clock), module_(module) {}
+
+    /// Opens the stored port; false after logging.
+    bool initCommunication();
+    void closeCommunication();
+
+    Task<> SendFrame(std::uint8_t cmd, std::string data);
+    Task<> SendByte(std::uint8_t byte);
+    /// Receives one byte; false: none came in time, or the port failed (logged).
+    Task<bool> Get1Char(std::uint8_t& byte);
+    /// Receives and checks one frame; false after logging what was wrong. A frame without data is
+    /// not received.
+    Task<bool> recMessage(Reply& reply);
+    /// Waits for the echo and takes its third byte; a shorter echo leaves `cmd` as it was.
+    Task<bool> GetCmd(std::uint8_t& cmd);
+    void FlushInput();
+
+  private:
+    Task<bool> waitForInput();
+    Task<> waitForOutput();
+    bool fail(const std::string& message);
+
+    SerialPort& MSComm1_;
+    SettingsStore& store_;
+    ErrorLog& log_;
+    Clock& clock_;
+    Module1& module_;
+    std::int16_t portNumber_ = 1;
+};
+
+} // namespace orvane

@@ -1,0 +1,35 @@
+#include "tracker/PortSelection.h"
+
+#include "platform/Conversions.h"
+
+namespace orvane {
+
+namespace {
+
+std::string storedPort(const SettingsStore& store) {
+    return store.GetSetting("Communication", "Port", "1");
+}
+
+} // namespace
+
+std::optional<int> PortSelection::storedIndex() const {
+    const std::string port = storedPort(store_);
+    if (port.size() != 1 || port[0] < '1' || port[0] > '4') return std::nullopt;
+    return port[0] - '1';
+}
+
+Task<bool> PortSelection::confirm(std::optional<int> index) {
+    const std::string chosen = index ? std::to_string(*index + 1) : storedPort(store_);
+    const bool usable = port_.open(toInt16(chosen).value_or(0), kLineSettings);
+    port_.close();
+    if (usable) {
+        store_.SaveSetting("Communication", "Port", chosen);
+        co_return true;
+    }
+    log_.write("ComPORT Setup ERROR");
+    std::string message = "Port(COM):" + chosen + " is unusual. Please re-set up.";
+    co_await op_.tell(std::move(message));
+    co_return false;
+}
+
+} // namespace orvane

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "platform/Operator.h"
+#include "platform/SerialPort.h"
+#include "platform/SettingsStore.h"
+#include "tracker/ErrorLog.h"
+
+#include <optional>
+#include <string>
+
+namespace orvane {
+
+inline constexpr const char* kLineSettings = "38400,N,8,1";
+
+/// The choice of the tracker's COM port behind `FrmComPort`. A port is stored only after it could
+/// be opened.
+class PortSelection {
+  public:
+    PortSelection(SettingsStore& store, SerialPort& port, ErrorLog& log, Operator& op)
+        : store_(store), port_(port), log_(log), op_(op) {}
+
+    /// Index 0 to 3 of the option button to select; nothing for a stored value that no button
+    /// stands for.
+    std::optional<int> storedIndex() const;
+    /// Tries the chosen port (nothing: the stored one) and stores it. True: the dialog closes;
+    /// false: the fault has been told.
+    Task<bool> confirm(std::optional<int> index);
+
+  private:
+    SettingsStore& store_;
+    SerialPort& port_;
+    ErrorLog& log_;
+    Operator& op_;
+};
+
+} // namespace orvane

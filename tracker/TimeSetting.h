@@ -1,0 +1,85 @@
+#pragma once
+
+#include "core/Busy.h"
+#include "core/OperationPanel.h"
+#include "platform/Operator.h"
+#include "platform/WebBrowser.h"
+#include "tracker/TrackerCommands.h"
+
+#include <array>
+#include <string>
+
+namespace orvane {
+
+/// The controls of the dialog `FrmTKRTimeAuto`.
+struct TimeSettingForm {
+    struct StatusLabel {
+        Value<std::string> caption;
+        Value<bool> blue; ///< else black
+    };
+    std::array<StatusLabel, 2> Label2; ///< 0 the camera's outcome, 1 the tracker's
+    TextBox txtSystemQuery;            ///< the query sent to the camera; read-only on the dialog
+    Button Command1{};                 ///< Set Tracker Clock
+    Button Command3{};                 ///< close
+};
+
+/// Sets the clocks of camera and tracker from the PC clock. Takes about 11 seconds for the camera;
+/// the window stays alive meanwhile. While a procedure runs, both buttons are disabled and the
+/// station is busy.
+class TimeSetting {
+  public:
+    TimeSetting(TimeSettingForm& form, Module1& module, OperationPanel& panel,
+                TrackerCommands& commands, WebBrowser& wbSystemTm, ErrorLog& log, Operator& op,
+                Clock& clock, Busy& busy);
+
+    /// The camera's clock, when the dialog is activated. Ends when both requests are out. The
+    /// camera's answers are not looked at.
+    Task<> activate();
+    /// Runs the tracker clock procedure for the target time taken at the last `activate` (now, when
+    /// there was none). True: the tracker confirmed. With `automatic` nothing is shown in boxes;
+    /// `lastMessage` says what went wrong.
+    Task<bool> setTrackerClock(bool automatic);
+    /// "Set Tracker Clock": the target time is the moment of the click.
+    Task<> Command1_Click();
+
+    bool running() const { return running_; }
+    const std::string& lastMessage() const { return lastMessage_; }
+
+  private:
+    /// Marks a procedure as running while it lives.
+    class Running {
+      public:
+        explicit Running(TimeSetting& owner) : owner_(owner), busy_(owner.busy_) {
+            owner_.setRunning(true);
+        }
+        Running(const Running&) = delete;
+        ~Running() { owner_.setRunning(false); }
+
+      private:
+        TimeSetting& owner_;
+        Busy::Hold busy_;
+    };
+
+    Task<bool> exchangeClock();
+    void noteClockSet(Exchange result);
+    void setRunning(bool running);
+
+    TimeSettingForm& form_;
+    Module1& module_;
+    OperationPanel& panel_;
+    TrackerCommands& commands_;
+    WebBrowser& wbSystemTm_;
+    ErrorLog& log_;
+    Operator& op_;
+    Clock& clock_;
+    Busy& busy_;
+    WallTime target_{};
+    bool running_ = false;
+    std::string lastMessage_;
+    std::string told_; ///< what a box says about the last procedure; empty: nothing
+};
+
+/// "?i_year=2006&i_mon=7..." for the camera's clock page; no leading zeros.
+std::string clockQuery(WallTime target);
+
+} // namespace orvane

@@ -1,0 +1,244 @@
+#include "tracker/TrackerOptions.h"
+
+#include "platform/Conversions.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+
+namespace orvane {
+
+namespace {
+
+constexpr const char* kSerial = "OptionSetup Serial";
+constexpr const char* kTimezone = "OptionSetup Timezone";
+constexpr const char* kOrigin = "OptionSetup origin";
+constexpr int kSerialCount = 16;
+constexpr int kSiteCount = 18;
+constexpr int kOriginCount = 8;
+
+std::string twoDecimals(double value) {
+    char text[400];
+    std::snprintf(text, sizeof text, "%.2f", value);
+    return text;
+}
+
+/// One character a byte, up to the first zero, as UTF-8.
+std::string textFrom(std::span<const std::uint8_t> bytes) {
+    std::string text;
+    for (const std::uint8_t byte : bytes) {
+        if (byte == 0) break;
+        if (byte < 0x80) {
+            text += static_cast<char>(byte);
+        } else {
+            text += static_cast<char>(0xC0 | byte >> 6);
+            text += static_cast<char>(0x80 | (byte & 0x3F));
+        }
+    }
+    return text;
+}
+
+/// One byte a character; characters beyond one byte become "?".
+std::string bytesFrom(const std::string& utf8) {
+    std::string bytes;
+    for (std::size_t i = 0; i < utf8.size(); ++i) {
+        const auto lead = static_cast<std::uint8_t>(utf8[i]);
+        if (lead < 0x80) {
+            bytes += utf8[i];
+        } else if ((lead == 0xC2 || lead == 0xC3) && i + 1 < utf8.size()) {
+            bytes += static_cast<char>((lead & 0x03) << 6 | (utf8[++i] & 0x3F));
+        } else if (lead >= 0xC0) {
+            bytes += '?';
+        }
+    }
+    return bytes;
+}
+
+bool below(double value, double limit) {
+    return std::abs(value) < limit;
+}
+
+/// The first `Size` data bytes of a reply, if it has as many.
+template <std::size_t Size>
+std::optional<std::span<const std::uint8_t, Size>> dataOf(const Reply& reply) {
+    if (reply.lastIndex + 1 < static_cast<int>(Size)) return std::nullopt;
+    return std::span(reply.data).template first<Size>();
+}
+
+} // namespace
+
+TrackerOptions::TrackerOptions(OptionForm& form, Module1& module, TrackerCommands& commands,
+                               ErrorLog& log, Operator& op, Busy& busy,
+                               std::function<void()> siteChanged)
+    : form_(form), module_(module), commands_(commands), log_(log), op_(op), busy_(busy),
+      siteChanged_(std::move(siteChanged)) {}
+
+Task<> TrackerOptions::activate() {
+    const Working working(*this, "Reading the tracker's options ...");
+    if (!open()) co_return;
+    Task<> serial = readSerial();
+    co_await serial;
+    Task<> site = readSite();
+    co_await site;
+    Task<> origin = readOrigin();
+    co_await origin;
+    commands_.close();
+    finish("Read from the tracker.");
+}
+
+bool TrackerOptions::open() {
+    failures_.clear();
+    if (commands_.open()) return true;
+    form_.status.caption = "The tracker's port cannot be opened.";
+    return false;
+}
+
+void TrackerOptions::finish(const std::string& success) {
+    form_.status.caption = failures_.empty() ? success : "Failed: " + failures_ + ".";
+}
+
+/// Logs how an exchange failed. A reading that brings another command's reply is logged as a
+/// missing acknowledgement.
+bool TrackerOptions::succeeded(Exchange result, const char* name, bool reading) {
+    if (result == Exchange::Done) return true;
+    const char* fault = result == Exchange::NoReply                 ? ":Receive ERROR"
+                        : result == Exchange::WrongEcho && !reading ? ":Except[CMD]"
+                                                                    : ":Except[ACK]";
+    refuse(name, fault);
+    return false;
+}
+
+void TrackerOptions::refuse(const char* name, const char* fault) {
+    log_.write(std::string(name) + fault);
+    failures_ += (failures_.empty() ? "" : ", ") + std::string(name) + fault;
+}
+
+Task<> TrackerOptions::readSerial() {
+    Reply reply;
+    Task<Exchange> requesting = commands_.request(TrackerCommand::ReadSerial, reply);
+    const Exchange result = co_await requesting;
+    if (!succeeded(result, kSerial, true)) co_return;
+    const auto count = std::min<std::size_t>(static_cast<std::size_t>(reply.lastIndex + 1),
+                                             static_cast<std::size_t>(kSerialCount));
+    form_.txt_sn.text = textFrom(std::span(reply.data).first(count));
+}
+
+Task<> TrackerOptions::readSite() {
+    Reply reply;
+    Task<Exchange> requesting = commands_.request(TrackerCommand::ReadSite, reply);
+    const Exchange result = co_await requesting;
+    if (!succeeded(result, kTimezone, true)) co_return;
+    const auto data = dataOf<kSiteCount>(reply);
+    if (!data) {
+        refuse(kTimezone, ":Receive ERROR");
+        co_return;
+    }
+    const SiteValues told{doubleFrom(data->subspan<10, 8>()), doubleFrom(data->subspan<2, 8>()),
+                          int16From(data->first<2>())};
+    showSite(told);
+    if (below(told.Tz, 720) && below(told.longitude, 180) && below(told.latitude, 180)) {
+        module_.site = told;
+        siteChanged_();
+    } else {
+        refuse(kTimezone, ":values out of range, not stored");
+    }
+}
+
+Task<> TrackerOptions::readOrigin() {
+    Reply reply;
+    Task<Exchange> requesting = commands_.request(TrackerCommand::ReadOrigin, reply);
+    const Exchange result = co_await requesting;
+    if (!succeeded(result, kOrigin, true)) co_return;
+    const auto data = dataOf<kOriginCount>(reply);
+    if (!data) {
+        refuse(kOrigin, ":Receive ERROR");
+        co_return;
+    }
+    const double origin = doubleFrom(*data);
+    form_.txt_org.text = twoDecimals(origin);
+    if (origin >= 0 && origin < 360) {
+        module_.origin = origin;
+    } else {
+        refuse(kOrigin, ":value out of range, not stored");
+    }
+}
+
+void TrackerOptions::showSite(const SiteValues& site) {
+    form_.txt_tz.text = std::to_string(site.Tz);
+    form_.txt_lon.text = twoDecimals(site.longitude);
+    form_.txt_lat.text = twoDecimals(site.latitude);
+}
+
+Task<> TrackerOptions::Command1_Click() {
+    std::string message;
+    {
+        const Working working(*this, "Sending to the tracker ...");
+        if (!open()) co_return;
+        Task<> serial = writeSerial();
+        co_await serial;
+        message = siteFault();
+        if (message.empty()) {
+            Task<> site = writeSite();
+            co_await site;
+        }
+        Task<> origin = writeOrigin();
+        co_await origin;
+        commands_.close();
+        finish(message.empty() ? "Sent to the tracker." : message);
+    }
+    // told when the port is closed: a box may stay open for days
+    if (!message.empty()) co_await op_.tell(std::move(message));
+}
+
+Task<> TrackerOptions::writeSerial() {
+    if (form_.txt_sn.text.get().empty()) co_return;
+    putSerial(std::span(commands_.buffer).subspan<1, kSerialCount>(), bytesFrom(form_.txt_sn.text));
+    Task<Exchange> writing = commands_.exchange(TrackerCommand::WriteSerial, kSerialCount);
+    const Exchange result = co_await writing;
+    succeeded(result, kSerial, false);
+}
+
+/// The message for the first site field that cannot be sent, or nothing. The bound of the latitude
+/// is that of the longitude.
+std::string TrackerOptions::siteFault() const {
+    const auto zone = toInt16(form_.txt_tz.text.get());
+    if (!zone || !below(*zone, 720)) return "Input Error TimeZone Data.";
+    const auto longitude = toDouble(form_.txt_lon.text.get());
+    if (!longitude || !below(*longitude, 180)) return "Input Error Longitude Data.";
+    const auto latitude = toDouble(form_.txt_lat.text.get());
+    if (!latitude || !below(*latitude, 180)) return "Input Error Latitude Data.";
+    return {};
+}
+
+Task<> TrackerOptions::writeSite() {
+    SiteValues& site = module_.site;
+    site.Tz = toInt16(form_.txt_tz.text.get()).value_or(site.Tz);
+    site.longitude = toDouble(form_.txt_lon.text.get()).value_or(site.longitude);
+    site.latitude = toDouble(form_.txt_lat.text.get()).value_or(site.latitude);
+    siteChanged_();
+    const std::span buffer(commands_.buffer);
+    putInt16(buffer.subspan<1, 2>(), site.Tz);
+    putDouble(buffer.subspan<3, 8>(), site.longitude);
+    putDouble(buffer.subspan<11, 8>(), site.latitude);
+    Task<Exchange> writing = commands_.exchange(TrackerCommand::WriteSite, kSiteCount);
+    const Exchange result = co_await writing;
+    if (succeeded(result, kTimezone, false)) showSite(site);
+}
+
+/// An origin outside its range is left out without a word.
+Task<> TrackerOptions::writeOrigin() {
+    const auto origin = toDouble(form_.txt_org.text.get());
+    if (!origin || *origin < 0 || *origin >= 360) co_return;
+    module_.origin = *origin;
+    putDouble(std::span(commands_.buffer).subspan<1, 8>(), *origin);
+    Task<Exchange> writing = commands_.exchange(TrackerCommand::WriteOrigin, kOriginCount);
+    const Exchange result = co_await writing;
+    succeeded(result, kOrigin, false);
+}
+
+void TrackerOptions::setWorking(bool working) {
+    form_.working = working;
+    form_.Command1.enabled = !working;
+}
+
+} // namespace orvane

@@ -1,0 +1,79 @@
+#pragma once
+
+#include "core/Busy.h"
+#include "core/OperationPanel.h"
+#include "platform/Operator.h"
+#include "tracker/TrackerCommands.h"
+
+#include <functional>
+
+namespace orvane {
+
+/// The controls of the dialog `frmOption`.
+struct OptionForm {
+    TextBox txt_sn;    ///< serial number
+    TextBox txt_tz;    ///< minutes east of universal time
+    TextBox txt_lon;   ///< degrees
+    TextBox txt_lat;   ///< degrees
+    TextBox txt_org;   ///< origin, degrees
+    Button Command1{}; ///< send
+    /// What is going on or how it ended, for the dialog's status line.
+    Label status;
+    /// An exchange is running: the dialog can neither be closed nor started twice.
+    Value<bool> working;
+};
+
+/// Reads the tracker's options into the form and writes the edited ones back. What the tracker
+/// accepts or tells becomes the station's own site.
+class TrackerOptions {
+  public:
+    /// `siteChanged` is called after the site values were replaced.
+    TrackerOptions(OptionForm& form, Module1& module, TrackerCommands& commands, ErrorLog& log,
+                   Operator& op, Busy& busy, std::function<void()> siteChanged);
+
+    /// Reads serial number, site and origin, when the dialog is activated.
+    Task<> activate();
+    /// Validates and writes; faulty fields are told in boxes and left out.
+    Task<> Command1_Click();
+
+  private:
+    /// Marks an exchange as running while it lives.
+    class Working {
+      public:
+        Working(TrackerOptions& owner, const char* status) : owner_(owner), busy_(owner.busy_) {
+            owner_.form_.status.caption = status;
+            owner_.setWorking(true);
+        }
+        Working(const Working&) = delete;
+        ~Working() { owner_.setWorking(false); }
+
+      private:
+        TrackerOptions& owner_;
+        Busy::Hold busy_;
+    };
+
+    bool open();
+    void finish(const std::string& success);
+    bool succeeded(Exchange result, const char* name, bool reading);
+    void refuse(const char* name, const char* fault);
+    Task<> readSerial();
+    Task<> readSite();
+    Task<> readOrigin();
+    Task<> writeSerial();
+    Task<> writeSite();
+    Task<> writeOrigin();
+    std::string siteFault() const;
+    void showSite(const SiteValues& site);
+    void setWorking(bool working);
+
+    OptionForm& form_;
+    Module1& module_;
+    TrackerCommands& commands_;
+    ErrorLog& log_;
+    Operator& op_;
+    Busy& busy_;
+    std::function<void()> siteChanged_;
+    std::string failures_; ///< of the run, for the status line
+};
+
+} // namespace orvane
