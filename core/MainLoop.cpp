@@ -68,6 +68,8 @@ Task<> MainLoop::pass() {
     } else if (module.RecDoneFlg && timeOfDay(now) >= module.schedule.EndTime + 1min) {
         endOfWindow();
     }
+    Task<> clocks = setClocks(false);
+    co_await clocks;
     startLiveView();
 }
 
@@ -85,10 +87,18 @@ Task<> MainLoop::recordNow(std::int64_t dueMinute) {
     if (filed) {
         due_.filed(dueMinute);
         addCount(station_.module.filesFetched, 1);
+        Task<> clocks = setClocks(true);
+        co_await clocks;
         Task<> pausing = pause();
         co_await pausing;
     }
     countCapture();
+}
+
+Task<> MainLoop::setClocks(bool justCaptured) {
+    if (!station_.dailyClocks.isDue(station_.clock.now(), justCaptured)) co_return;
+    Task<> setting = station_.dailyClocks.run();
+    co_await setting;
 }
 
 /// Keeps the minute of the image's name from being captured twice; the next minute may be due.

@@ -34,6 +34,7 @@ struct Module1 {
     Schedule schedule;
     bool RecordFlg = false;  ///< recording is switched on
     bool RecDoneFlg = false; ///< a capture was attempted in this window
+    bool automaticMode = false; ///< the countdown ran out
 
     std::int32_t RecCount = 0;
     std::int32_t filesFetched = 0;

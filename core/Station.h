@@ -2,6 +2,7 @@
 
 #include "camera/CameraPanel.h"
 #include "core/Busy.h"
+#include "core/DailyClocks.h"
 #include "core/ImageViews.h"
 #include "core/Module1.h"
 #include "core/OperationPanel.h"
@@ -38,6 +39,7 @@ struct Station {
     Busy& busy;
     ImageViews& views;
     ImageControl& imageControl;
+    DailyClocks& dailyClocks;
     std::function<void()> showMainWindow;
     std::function<void(int)> endProgram; ///< with the exit code
 };

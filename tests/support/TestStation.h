@@ -5,9 +5,12 @@
 #include "core/Shutdown.h"
 #include "core/Station.h"
 #include "platform/TaskGroup.h"
+#include "tests/support/FakeTracker.h"
 #include "tests/support/Fakes.h"
 #include "tests/support/JumpingClock.h"
 #include "tests/support/TempFolder.h"
+#include "tracker/PortSelection.h"
+#include "tracker/TrackerOptions.h"
 
 #include <algorithm>
 
@@ -22,6 +25,7 @@ class TestStation {
         std::filesystem::create_directory(module.programFolder);
         store.values["DataPath/PathDataFile"] = dataFolder().string();
         store.values["Settings/Delay"] = "0";
+        store.values["Settings/AdjTime"] = "0"; // no daily clock setting unless a test wants it
         std::filesystem::create_directory(dataFolder());
     }
 
@@ -89,6 +93,19 @@ class TestStation {
                   [this](const std::string& text) { panel.Label7.caption = text; }}};
     Recording recording{module, panel, settings, status, log, op, clock};
     CameraPanel camera{module, panel, http, browser, views, busy, op};
+    FakeTracker port{clock};
+    FakeBrowser wbSystemTm;
+    FrameLink link{port, store, log, clock, module};
+    TrackerCommands commands{link};
+    TimeSettingForm timeForm;
+    TimeSetting timeSetting{timeForm, module, panel, commands, wbSystemTm, log, op, clock, busy};
+    std::string timeDialog; ///< a trace of the dialog's openings
+    DailyClocks dailyClocks{module, timeSetting, warnings, clock,
+                            [this](bool open) { timeDialog += open ? "open " : "unloaded "; }};
+    OptionForm optionForm;
+    int siteChanges = 0;
+    TrackerOptions options{optionForm, module, commands, log, op, busy, [this] { ++siteChanges; }};
+    PortSelection portSelection{store, port, log, op};
     int exitCode = -1;
     int windowsShown = 0;
     Station station{module,
@@ -106,6 +123,7 @@ class TestStation {
                     busy,
                     views,
                     imageControl,
+                    dailyClocks,
                     [this] { ++windowsShown; },
                     [this](int code) { exitCode = code; }};
     MainLoop loop{station};

@@ -1,0 +1,43 @@
+#include "core/DailyClocks.h"
+
+#include "core/DueWatch.h"
+
+namespace orvane {
+
+namespace {
+
+constexpr int kDayMinutes = 24 * 60;
+
+/// Whether the schedule leaves no minute that is neither due nor followed by a due one.
+bool leavesNoGap(const Schedule& schedule) {
+    const auto interval =
+        std::chrono::floor<std::chrono::minutes>(schedule.IntervalTime).count() % 60;
+    return interval == 1 || interval == 2;
+}
+
+} // namespace
+
+bool DailyClocks::isDue(WallTime now, bool justCaptured) const {
+    if (!module_.RecordFlg || module_.AdjTime != 1 || setting_.running()) return false;
+    const auto day = std::chrono::floor<std::chrono::days>(now);
+    if (day == lastDay_) return false;
+    const auto minute =
+        static_cast<int>(std::chrono::floor<std::chrono::minutes>(now - day).count());
+    const bool clear = !isDueMinute(module_.schedule, minute) &&
+                       !isDueMinute(module_.schedule, (minute + 1) % kDayMinutes);
+    return clear || (justCaptured && leavesNoGap(module_.schedule));
+}
+
+Task<> DailyClocks::run() {
+    lastDay_ = std::chrono::floor<std::chrono::days>(clock_.now());
+    showDialog_(true);
+    Task<> camera = setting_.activate();
+    co_await camera;
+    Task<bool> tracker = setting_.setTrackerClock(true);
+    const bool confirmed = co_await tracker;
+    showDialog_(false);
+    warnings_.set(Warnings::Cause::ClockSetting,
+                  confirmed ? "" : "The daily clock setting failed: " + setting_.lastMessage());
+}
+
+} // namespace orvane

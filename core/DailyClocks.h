@@ -1,0 +1,38 @@
+#pragma once
+
+#include "core/Module1.h"
+#include "core/Warnings.h"
+#include "tracker/TimeSetting.h"
+
+#include <functional>
+
+namespace orvane {
+
+/// Sets the clocks of camera and tracker once on every day on which recording is on, at a moment at
+/// which no capture is due within a minute; where every minute or every other one is due, after a
+/// capture. A device that does not answer costs that day's attempt and a warning, no more.
+class DailyClocks {
+  public:
+    /// Opens (true) and unloads (false) the dialog that shows the procedure.
+    using ShowDialog = std::function<void(bool)>;
+
+    DailyClocks(Module1& module, TimeSetting& setting, Warnings& warnings, Clock& clock,
+                ShowDialog showDialog)
+        : module_(module), setting_(setting), warnings_(warnings), clock_(clock),
+          showDialog_(std::move(showDialog)) {}
+
+    /// Whether to run it now; `justCaptured` right after a capture, before its pause.
+    bool isDue(WallTime now, bool justCaptured) const;
+    /// Bounded: about 11 seconds for the camera and at most some 30 for a silent tracker.
+    Task<> run();
+
+  private:
+    Module1& module_;
+    TimeSetting& setting_;
+    Warnings& warnings_;
+    Clock& clock_;
+    ShowDialog showDialog_;
+    std::chrono::local_days lastDay_{};
+};
+
+} // namespace orvane
