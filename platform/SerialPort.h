@@ -19,11 +19,13 @@ class SerialPort {
     /// first. False: `fault()` tells why.
     virtual bool open(int portNumber, const std::string& settings) = 0;
     virtual bool isOpen() const = 0;
+    /// What is not sent yet is dropped: wait for an output count of 0 first.
     virtual void close() = 0;
 
     /// Bytes that can be read now; nothing when the port is closed or has failed.
     virtual std::optional<std::size_t> inputCount() = 0;
-    /// Bytes written but not sent yet; nothing when the port is closed or has failed.
+    /// Bytes written but not sent yet; nothing when the port is closed or has failed. Asking also
+    /// moves the sending on when the system did not take everything at once.
     virtual std::optional<std::size_t> outputCount() = 0;
     /// The oldest received byte; nothing when there is none or the port has failed.
     virtual std::optional<std::uint8_t> readByte() = 0;
