@@ -53,9 +53,8 @@ Task<bool> Capture::run() {
     const Fault unfiled = file();
     picture_ = {};
     if (unfiled) {
-        fault_ = *unfiled;
-        station_.log.write("MainLoop:" + fault_);
-        station_.warnings.set(Warnings::Cause::DataFolder, fault_);
+        station_.log.write("MainLoop:" + *unfiled);
+        station_.warnings.set(Warnings::Cause::DataFolder, *unfiled);
         co_return false;
     }
     co_await station_.clock.sleep(300ms);

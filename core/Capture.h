@@ -23,8 +23,8 @@ class Capture {
     Task<bool> run();
     /// When the last image was copied to its folder; its name says this minute.
     WallTime copyTime() const { return copyTime_; }
-    /// Why the last run filed nothing.
-    const std::string& fault() const { return fault_; }
+    /// Why the last fetch brought no picture that can be filed; empty when it did.
+    const std::string& fetchFault() const { return fault_; }
     const DiskWatch& disk() const { return disk_; }
 
   private:

@@ -57,8 +57,8 @@ DiskWatch::Report DiskWatch::report(std::uint64_t freeBytes, const Schedule& sch
         report.caption += about;
     }
     if (static_cast<double>(freeBytes) < kGigabyte || (days && *days < kLowDays))
-        report.warning = "The disk of the data folder is nearly full: " + report.caption +
-                         ". Please free space or choose another data folder.";
+        report.warning = "The disk of the data folder is nearly full: less than 1 GB or 7 days are "
+                         "left. Please free space or choose another data folder.";
     return report;
 }
 

@@ -57,13 +57,10 @@ void DueWatch::judge(std::int64_t minute, const Schedule& schedule) {
     const int minuteOfDay = static_cast<int>(minute % kDayMinutes);
     if (!isDueMinute(schedule, minuteOfDay) || isFiled(minute)) return;
     if (++missed_ == 1) firstMissed_ = minute;
-    if (missed_ < 2) return;
-    const std::string first = hourMinuteOf(firstMissed_);
-    const std::string last = hourMinuteOf(minute);
-    warning_ = missed_ == 2 ? "No image at " + first + " and " + last
-                            : "No image from " + first + " to " + last + " (" +
-                                  std::to_string(missed_) + " due minutes)";
-    warning_ += ". Please check the camera.";
+    // the text stays with further misses: a changed one would open the warning again every time
+    if (missed_ == 2)
+        warning_ = "No image at " + hourMinuteOf(firstMissed_) + " and " + hourMinuteOf(minute) +
+                   ". Please check the camera.";
 }
 
 } // namespace orvane

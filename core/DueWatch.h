@@ -27,7 +27,7 @@ class DueWatch {
     void advance(WallTime now, const Schedule& schedule);
     /// Forgets everything; recording is off.
     void reset();
-    /// The warning for two or more due minutes in a row without an image, else empty.
+    /// The warning since two due minutes in a row brought no image, else empty.
     const std::string& warning() const { return warning_; }
 
   private:

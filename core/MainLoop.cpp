@@ -162,9 +162,14 @@ void MainLoop::watch(WallTime now) {
     } else {
         due_.reset();
     }
-    std::string missed = due_.warning();
-    if (!missed.empty() && !capture_.fault().empty()) missed += "\n(" + capture_.fault() + ")";
-    station_.warnings.set(Warnings::Cause::NoImage, missed);
+    // the reason is that of the moment when the warning came up
+    if (due_.warning().empty()) {
+        missed_.clear();
+    } else if (missed_.empty()) {
+        missed_ = due_.warning();
+        if (!capture_.fetchFault().empty()) missed_ += "\n(" + capture_.fetchFault() + ")";
+    }
+    station_.warnings.set(Warnings::Cause::NoImage, missed_);
 }
 
 void MainLoop::watchDisk() {

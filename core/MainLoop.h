@@ -32,6 +32,7 @@ class MainLoop {
     Station& station_;
     Capture capture_;
     DueWatch due_;
+    std::string missed_; ///< the warning of missed minutes, with its reason
     std::chrono::local_days sunDay_{};
     std::int64_t watchedMinute_ = -1;
     bool watchedRecording_ = false;
