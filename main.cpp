@@ -1,13 +1,20 @@
 #include "core/AutoStart.h"
+#include "core/DailyClocks.h"
 #include "core/MainLoop.h"
 #include "core/Shutdown.h"
+#include "core/StartUp.h"
 #include "platform/Paths.h"
+#include "platform/SerialPorts.h"
 #include "platform/TaskGroup.h"
 #include "platform/qt/LibjpegImageControl.h"
 #include "platform/qt/QtClock.h"
 #include "platform/qt/QtHttpTransfer.h"
 #include "platform/qt/QtSettingsStore.h"
 #include "platform/qt/QtWebBrowser.h"
+#include "tracker/PortSelection.h"
+#include "tracker/TimeSetting.h"
+#include "tracker/TrackerOptions.h"
+#include "ui/FrmTKRTimeAuto.h"
 #include "ui/Frm_AutoStart.h"
 #include "ui/Frm_massege.h"
 #include "ui/QtImageViews.h"
@@ -74,11 +81,34 @@ class Program {
                "Orvane";
     }
     void showMainWindow() {
-        main_ = std::make_unique<frmMain>(frmMain::Parts{
-            {panel_, recording_, settings_, camera_, tasks_}, module_, busy_, shutdown_, views_});
+        main_ = std::make_unique<frmMain>(
+            frmMain::Parts{{panel_, recording_, settings_, camera_, tasks_},
+                           module_,
+                           busy_,
+                           shutdown_,
+                           views_,
+                           {portSelection_, timeForm_, timeSetting_, optionForm_, options_}});
         op_.setParentWindow(main_.get());
         main_->show();
         warningWindow_ = std::make_unique<Frm_massege>(warnings_, main_.get());
+    }
+    /// The device that stands for a COM port where ports have no such names.
+    std::string devicePath(int port) const {
+        const std::string number = std::to_string(port);
+        return store_.GetSetting("Communication", "Device" + number,
+                                 "/dev/ttyS" + std::to_string(port - 1));
+    }
+    void showTimeDialog(bool open) {
+        if (open) {
+            main_->timeDialog()->openAutomatic();
+        } else {
+            main_->timeDialog()->unload();
+        }
+    }
+    /// The tracker has told or taken another site than the panel shows.
+    void takeSite() {
+        settings_.showSite();
+        if (const auto fault = computeSunTimes(station_)) log_.write(*fault);
     }
     void enterMainLoop() {
         loopTask_ = loop_.run();
@@ -92,6 +122,9 @@ class Program {
     std::unique_ptr<QtWebBrowser> webBrowserTst_ = browser();
     std::unique_ptr<QtWebBrowser> wbBrowser1_ = browser();
     std::unique_ptr<QtWebBrowser> wbBrowser2_ = browser();
+    std::unique_ptr<QtWebBrowser> wbSystemTm_ = browser();
+    std::unique_ptr<SerialPort> MSComm1_ =
+        makeSerialPort([this](int port) { return devicePath(port); });
     LibjpegImageControl imageControl_{clock_};
     QtOperator op_{clock_};
 
@@ -108,6 +141,17 @@ class Program {
     PanelStatus status_{module_, panel_, clock_};
     Recording recording_{module_, panel_, settings_, status_, log_, op_, clock_};
     CameraPanel camera_{module_, panel_, http_, *webBrowserTst_, views_, busy_, op_};
+    FrameLink link_{*MSComm1_, store_, log_, clock_, module_};
+    TrackerCommands commands_{link_};
+    PortSelection portSelection_{store_, *MSComm1_, log_, op_};
+    TimeSettingForm timeForm_;
+    TimeSetting timeSetting_{timeForm_, module_, panel_, commands_, *wbSystemTm_,
+                             log_,      op_,     clock_, busy_};
+    OptionForm optionForm_;
+    TrackerOptions options_{optionForm_,           module_, commands_, log_, op_, busy_,
+                            [this] { takeSite(); }};
+    DailyClocks dailyClocks_{module_, timeSetting_, warnings_,
+                             busy_,   clock_,       [this](bool open) { showTimeDialog(open); }};
     Shutdown shutdown_{settings_, store_, busy_, op_, [] { QCoreApplication::exit(0); }};
     Station station_{module_,
                      panel_,
@@ -124,6 +168,7 @@ class Program {
                      busy_,
                      views_,
                      imageControl_,
+                     dailyClocks_,
                      [this] { showMainWindow(); },
                      [](int code) { QCoreApplication::exit(code); }};
     MainLoop loop_{station_};

@@ -18,7 +18,7 @@ bool leavesNoGap(const Schedule& schedule) {
 } // namespace
 
 bool DailyClocks::isDue(WallTime now, bool justCaptured) const {
-    if (!module_.RecordFlg || module_.AdjTime != 1 || setting_.running()) return false;
+    if (!module_.RecordFlg || module_.AdjTime != 1 || busy_.active()) return false;
     const auto day = std::chrono::floor<std::chrono::days>(now);
     if (day == lastDay_) return false;
     const auto minute =

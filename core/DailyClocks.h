@@ -16,12 +16,13 @@ class DailyClocks {
     /// Opens (true) and unloads (false) the dialog that shows the procedure.
     using ShowDialog = std::function<void(bool)>;
 
-    DailyClocks(Module1& module, TimeSetting& setting, Warnings& warnings, Clock& clock,
+    DailyClocks(Module1& module, TimeSetting& setting, Warnings& warnings, Busy& busy, Clock& clock,
                 ShowDialog showDialog)
-        : module_(module), setting_(setting), warnings_(warnings), clock_(clock),
+        : module_(module), setting_(setting), warnings_(warnings), busy_(busy), clock_(clock),
           showDialog_(std::move(showDialog)) {}
 
-    /// Whether to run it now; `justCaptured` right after a capture, before its pause.
+    /// Whether to run it now, with nothing else going on; `justCaptured` right after a capture,
+    /// before its pause.
     bool isDue(WallTime now, bool justCaptured) const;
     /// Bounded: about 11 seconds for the camera and at most some 30 for a silent tracker.
     Task<> run();
@@ -30,6 +31,7 @@ class DailyClocks {
     Module1& module_;
     TimeSetting& setting_;
     Warnings& warnings_;
+    Busy& busy_;
     Clock& clock_;
     ShowDialog showDialog_;
     std::chrono::local_days lastDay_{};

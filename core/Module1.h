@@ -32,9 +32,8 @@ struct Module1 {
     std::filesystem::path programFolder; ///< holds ERROR.LOG and the working picture full.jpg
 
     Schedule schedule;
-    bool RecordFlg = false;     ///< recording is switched on
-    bool RecDoneFlg = false;    ///< a capture was attempted in this window
-    bool automaticMode = false; ///< the countdown ran out
+    bool RecordFlg = false;  ///< recording is switched on
+    bool RecDoneFlg = false; ///< a capture was attempted in this window
 
     std::int32_t RecCount = 0;
     std::int32_t filesFetched = 0;

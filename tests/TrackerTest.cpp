@@ -325,6 +325,20 @@ TEST_F(Tracker, PortChoice) {
     EXPECT_EQ(s.op.told.back(), "Port(COM):7 is unusual. Please re-set up.");
 }
 
+/// Two procedures never share the port: the later one is told so and leaves it alone.
+TEST_F(Tracker, OneProcedureAtATimeUsesThePort) {
+    s.port.answer = [](const Bytes&) {};
+    Task<> reading = s.options.activate();
+    reading.start();
+    EXPECT_FALSE(finish(s.timeSetting.setTrackerClock(true)));
+    EXPECT_FALSE(finish(s.portSelection.confirm(1)));
+    EXPECT_TRUE(s.port.isOpen());
+    EXPECT_FALSE(s.dailyClocks.isDue(s.clock.now(), false));
+    EXPECT_TRUE(s.clock.runUntil([&] { return reading.done(); }, 1min));
+    EXPECT_EQ(s.port.opened, 1);
+    EXPECT_FALSE(s.port.isOpen());
+}
+
 TEST_F(Tracker, CameraClock) {
     EXPECT_EQ(clockQuery(at(2006, 7, 5, 9, 3, 0)),
               "?i_year=2006&i_mon=7&i_day=5&i_hour=9&i_min=3&i_sec=0");

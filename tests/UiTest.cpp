@@ -1,60 +1,27 @@
-#include "tests/support/TestStation.h"
+#include "tests/support/TestWindow.h"
 #include "ui/FolderView.h"
 #include "ui/FrmSave.h"
 #include "ui/Frm_AutoStart.h"
 #include "ui/Frm_massege.h"
 #include "ui/QtOperator.h"
 #include "ui/Text.h"
-#include "ui/frmMain.h"
 
 #include <QCheckBox>
 #include <QLabel>
-#include <QLineEdit>
 #include <QMdiSubWindow>
 #include <QMenuBar>
-#include <QMessageBox>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QRadioButton>
-#include <QTest>
 #include <QToolButton>
 #include <gtest/gtest.h>
 
 namespace orvane::test {
 namespace {
 
-template <class Widget>
-Widget& find(const QWidget& form, const char* name) {
-    auto* found = form.findChild<Widget*>(name);
-    if (found == nullptr) throw std::runtime_error(std::string("no control ") + name);
-    return *found;
-}
-
-void click(QWidget& widget) {
-    QTest::mouseClick(&widget, Qt::LeftButton);
-}
-void click(const QWidget& form, const char* name) {
-    click(find<QWidget>(form, name));
-}
 /// A check box reacts on its box and text only, not on the rest of its rectangle.
 void tick(const QWidget& form, const char* name) {
     QTest::mouseClick(&find<QCheckBox>(form, name), Qt::LeftButton, {}, QPoint(8, 8));
-}
-void type(QLineEdit& field, const QString& text) {
-    field.setFocus();
-    field.selectAll();
-    QTest::keyClicks(&field, text);
-}
-QMessageBox* openBox() {
-    for (QWidget* window : QApplication::topLevelWidgets())
-        if (auto* box = qobject_cast<QMessageBox*>(window); box != nullptr && box->isVisible())
-            return box;
-    return nullptr;
-}
-void show(QWidget& window) {
-    window.show();
-    window.activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
 }
 bool writePicture(const std::filesystem::path& file, Qt::GlobalColor colour,
                   QSize size = {64, 48}) {
@@ -62,24 +29,6 @@ bool writePicture(const std::filesystem::path& file, Qt::GlobalColor colour,
     picture.fill(colour);
     return picture.save(toQString(file), "JPEG");
 }
-
-/// The main window over a station whose main loop does not run.
-struct Window : TestStation {
-    explicit Window(Operator& asked)
-        : TestStation(at(2006, 11, 15, 8, 0)),
-          shutdown(settings, store, busy, asked, [this] { ++ended; }),
-          main({{panel, recording, settings, camera, tasks}, module, busy, shutdown, pictures}) {
-        settings.initOperation();
-        recording.ready();
-        show(main);
-    }
-    ~Window() { tasks.clear(); }
-
-    int ended = 0;
-    QtImageViews pictures;
-    Shutdown shutdown;
-    frmMain main;
-};
 
 class Ui : public testing::Test {
   protected:
@@ -172,7 +121,7 @@ TEST_F(Ui, RecordingButtonsAndLocks) {
     EXPECT_FALSE(find<QWidget>(w.main, "Text1_0").isEnabled());
     EXPECT_TRUE(find<QWidget>(w.main, "Text1_6").isEnabled());
     tick(w.main, "chk_time");
-    EXPECT_EQ(w.module.AdjTime, 0);
+    EXPECT_EQ(w.module.AdjTime, 1);
     tick(w.main, "chkLive");
     EXPECT_TRUE(w.panel.chkLive.ticked);
     click(w.main, "Command7");

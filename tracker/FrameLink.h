@@ -39,6 +39,7 @@ class FrameLink {
     /// Opens the stored port; false after logging.
     bool initCommunication();
     void closeCommunication();
+    bool isOpen() const { return MSComm1_.isOpen(); }
 
     Task<> SendFrame(std::uint8_t cmd, std::string data);
     Task<> SendByte(std::uint8_t byte);

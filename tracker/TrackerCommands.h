@@ -45,7 +45,8 @@ class TrackerCommands {
   public:
     explicit TrackerCommands(FrameLink& link) : link_(link) {}
 
-    bool open() { return link_.initCommunication(); }
+    /// False also while another procedure has the port open; only who has opened it closes it.
+    bool open() { return !link_.isOpen() && link_.initCommunication(); }
     void close() { link_.closeCommunication(); }
 
     CommandBuffer buffer{};

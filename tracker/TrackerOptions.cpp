@@ -89,7 +89,7 @@ Task<> TrackerOptions::activate() {
 bool TrackerOptions::open() {
     failures_.clear();
     if (commands_.open()) return true;
-    form_.status.caption = "The tracker's port cannot be opened.";
+    form_.status.caption = "The tracker's port cannot be opened, or is in use.";
     return false;
 }
 

@@ -2,6 +2,7 @@
 
 #include "platform/Conversions.h"
 #include "platform/ImageControl.h"
+#include "ui/PanelControls.h"
 
 #include <QCheckBox>
 #include <QGroupBox>
@@ -44,11 +45,7 @@ FrmSave::FrmSave(ImageOptions& options, QWidget* parent) : QDialog(parent), opti
     setObjectName("FrmSave");
     setWindowTitle("Save Options");
     // The captions' font, and what shows them where it is not installed.
-    QFont captions = font();
-    captions.setFamilies({"MS UI Gothic", "IPAPGothic", "IPAexGothic", "IPAGothic",
-                          "Noto Sans CJK JP", "Noto Sans JP", "Yu Gothic UI", "Meiryo UI",
-                          captions.family()});
-    setFont(captions);
+    setFont(japaneseFont(font()));
 
     auto* left = new QVBoxLayout;
     left->addWidget(rawGroup());

@@ -7,6 +7,7 @@
 #include <QCheckBox>
 #include <QFocusEvent>
 #include <QLineEdit>
+#include <QProgressBar>
 #include <QPushButton>
 
 namespace orvane {
@@ -36,6 +37,12 @@ class FocusWatch : public QObject {
 
 } // namespace
 
+QFont japaneseFont(QFont font) {
+    font.setFamilies({"MS UI Gothic", "IPAPGothic", "IPAexGothic", "IPAGothic", "Noto Sans CJK JP",
+                      "Noto Sans JP", "Yu Gothic UI", "Meiryo UI", font.family()});
+    return font;
+}
+
 void PanelControls::present(QWidget& widget, const Face& face) const {
     widget.setObjectName(face.name);
     widget.setToolTip(face.tip);
@@ -47,10 +54,10 @@ void PanelControls::followEnabled(QWidget& widget, Value<bool>& enabled) {
     bindings_.follow(enabled, [&widget](bool on) { widget.setEnabled(on); });
 }
 
-ElidedLabel* PanelControls::label(const Face& face, Label& model) {
+ElidedLabel* PanelControls::label(const Face& face, Value<std::string>& caption) {
     auto* label = new ElidedLabel(&owner_);
     present(*label, face);
-    bindings_.follow(model.caption,
+    bindings_.follow(caption,
                      [label](const std::string& text) { label->setText(toQString(text)); });
     return label;
 }
@@ -106,6 +113,18 @@ UpDown* PanelControls::upDown(const Face& face, QLineEdit& field, int maximum, S
                          change();
                      });
     return upDown;
+}
+
+QProgressBar* PanelControls::busyBar(const Face& face) {
+    auto* bar = new QProgressBar(&owner_);
+    present(*bar, face);
+    bar->setRange(0, 0);
+    bar->setTextVisible(false);
+    bar->setFixedHeight(bar->fontMetrics().height() / 2 + 2);
+    QSizePolicy policy = bar->sizePolicy();
+    policy.setRetainSizeWhenHidden(true);
+    bar->setSizePolicy(policy);
+    return bar;
 }
 
 } // namespace orvane

@@ -3,12 +3,14 @@
 #include "core/OperationPanel.h"
 #include "ui/Bindings.h"
 
+#include <QFont>
 #include <QString>
 
 #include <functional>
 
 class QCheckBox;
 class QLineEdit;
+class QProgressBar;
 class QPushButton;
 class QWidget;
 
@@ -25,6 +27,10 @@ struct Face {
     QString tip;
 };
 
+/// `font` with families that show Japanese captions: their own one first, and what stands in where
+/// it is not installed.
+QFont japaneseFont(QFont font);
+
 /// Makes the panel's widgets. Each follows the value of the same name; what the operator does goes
 /// into the value first and then to the handler.
 class PanelControls {
@@ -33,12 +39,15 @@ class PanelControls {
 
     explicit PanelControls(QWidget& owner) : owner_(owner) {}
 
-    ElidedLabel* label(const Face& face, Label& model);
+    ElidedLabel* label(const Face& face, Label& model) { return label(face, model.caption); }
+    ElidedLabel* label(const Face& face, Value<std::string>& caption);
     QPushButton* button(const Face& face, Button& model, Handler click);
     QCheckBox* checkBox(const Face& face, CheckBox& model, Handler click);
     /// A field; its caption is its accessible name.
     QLineEdit* textBox(const Face& face, TextBox& model, Handler change, Handler lostFocus = {});
     UpDown* upDown(const Face& face, QLineEdit& field, int maximum, Spinner& model, Handler change);
+    /// A bar that tells that something is going on. Its place stays free while it is hidden.
+    QProgressBar* busyBar(const Face& face);
     /// Has `widget` enabled as `enabled` says.
     void followEnabled(QWidget& widget, Value<bool>& enabled);
     Bindings& bindings() { return bindings_; }

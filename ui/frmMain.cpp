@@ -1,8 +1,11 @@
 #include "ui/frmMain.h"
 
+#include "ui/FrmComPort.h"
 #include "ui/FrmSave.h"
+#include "ui/FrmTKRTimeAuto.h"
 #include "ui/PanelScroll.h"
 #include "ui/Text.h"
+#include "ui/frmOption.h"
 
 #include <QCloseEvent>
 #include <QFileDialog>
@@ -40,7 +43,9 @@ frmMain::frmMain(Parts parts)
     setCentralWidget(content);
 
     addFileMenu();
+    addToolsMenu();
     addWindowMenu();
+    bindings_.follow(parts_.busy.mnuFileOpen, [this](bool on) { followBusy(on); });
     parts_.views.attach(area_, strip);
     connect(strip, &ThumbnailStrip::opened, this,
             [this](const std::filesystem::path& file) { parts_.views.openImage(file); });
@@ -79,7 +84,32 @@ void frmMain::addFileMenu() {
             [this] { parts_.views.openLatest(parts_.module.lastImage); });
     connect(options, &QAction::triggered, this, &frmMain::mnuFileSaveOptions_Click);
     connect(exit, &QAction::triggered, this, &frmMain::mnuFileExit_Click);
-    bindings_.follow(parts_.busy.mnuFileOpen, [open](bool on) { open->setEnabled(on); });
+    idleActions_ << open;
+}
+
+void frmMain::addToolsMenu() {
+    QMenu* tools = menuBar()->addMenu("Too&ls");
+    tools->setObjectName("mnuTools");
+    tools->setToolTipsVisible(true);
+    QAction* port =
+        addAction(*tools, "mnuCOMSelect", "&COM Port...",
+                  "Chooses the port that the tracker is connected to.", Qt::CTRL | Qt::Key_M);
+    QAction* time = addAction(*tools, "mnuTKRTimeSetAuto", "&Time Setting...",
+                              "Sets the clocks of camera and tracker.", Qt::CTRL | Qt::Key_K);
+    QAction* option = addAction(*tools, "mnuTKROption", "Tracker &Options...",
+                                "Reads and writes the tracker's site, origin and serial number.",
+                                Qt::CTRL | Qt::Key_R);
+    connect(port, &QAction::triggered, this, &frmMain::mnuCOMSelect_Click);
+    connect(time, &QAction::triggered, this, [this] { timeDialog()->openManual(); });
+    connect(option, &QAction::triggered, this, &frmMain::mnuTKROption_Click);
+    idleActions_ << port << time << option;
+}
+
+/// A tracker exchange must not be disturbed by a second one on the same port.
+void frmMain::followBusy(bool idle) {
+    for (QAction* action : idleActions_)
+        action->setEnabled(idle);
+    if (comPort_ != nullptr) comPort_->setPortFree(idle);
 }
 
 void frmMain::addWindowMenu() {
@@ -158,6 +188,27 @@ void frmMain::mnuFileExit_Click() {
     exiting_ = true;
     close();
     exiting_ = false;
+}
+
+void frmMain::mnuCOMSelect_Click() {
+    if (comPort_ == nullptr)
+        comPort_ = new FrmComPort(parts_.tracker.ports, parts_.operation.tasks, this);
+    comPort_->open();
+}
+
+FrmTKRTimeAuto* frmMain::timeDialog() {
+    if (timeDialog_ != nullptr) return timeDialog_;
+    const Tracker& tracker = parts_.tracker;
+    timeDialog_ =
+        new FrmTKRTimeAuto(tracker.timeForm, tracker.timeSetting, parts_.operation.tasks, this);
+    return timeDialog_;
+}
+
+void frmMain::mnuTKROption_Click() {
+    const Tracker& tracker = parts_.tracker;
+    if (option_ == nullptr)
+        option_ = new frmOption(tracker.optionForm, tracker.options, parts_.operation.tasks, this);
+    option_->open();
 }
 
 void frmMain::closeEvent(QCloseEvent* event) {

@@ -13,6 +13,15 @@ class QMenu;
 
 namespace orvane {
 
+class FrmComPort;
+class FrmTKRTimeAuto;
+class PortSelection;
+class TimeSetting;
+class TrackerOptions;
+class frmOption;
+struct OptionForm;
+struct TimeSettingForm;
+
 /// The main window: the operation panel at its left, the picture windows beside it, the newest
 /// pictures' strip below those. A close request starts a task that asks; the window goes when the
 /// answer allows it.
@@ -20,6 +29,14 @@ class frmMain : public QMainWindow {
     Q_OBJECT
 
   public:
+    /// What the dialogs of the "Tools" menu show and drive.
+    struct Tracker {
+        PortSelection& ports;
+        TimeSettingForm& timeForm;
+        TimeSetting& timeSetting;
+        OptionForm& optionForm;
+        TrackerOptions& options;
+    };
     /// What the window shows and drives; all of it outlives the window.
     struct Parts {
         frmOperation::Parts operation;
@@ -27,11 +44,14 @@ class frmMain : public QMainWindow {
         Busy& busy;
         Shutdown& shutdown;
         QtImageViews& views;
+        Tracker tracker;
     };
 
     explicit frmMain(Parts parts);
 
     frmOperation& operation() { return *operation_; }
+    /// The clock dialog, made on first use and not shown by that. It lives as long as the window.
+    FrmTKRTimeAuto* timeDialog();
 
   protected:
     void closeEvent(QCloseEvent* event) override;
@@ -40,7 +60,9 @@ class frmMain : public QMainWindow {
 
   private:
     void addFileMenu();
+    void addToolsMenu();
     void addWindowMenu();
+    void followBusy(bool idle);
     void listWindows(QMenu& menu);
     QAction* addAction(QMenu& menu, const char* name, const QString& caption, const QString& tip,
                        const QKeySequence& keys = {});
@@ -49,12 +71,20 @@ class frmMain : public QMainWindow {
     void mnuFileOpen_Click();
     void mnuFileSaveOptions_Click();
     void mnuFileExit_Click();
+    void mnuCOMSelect_Click();
+    void mnuTKROption_Click();
     static Task<> unload(QPointer<frmMain> window, UnloadMode mode);
     std::optional<WindowPlace> place() const;
 
     Parts parts_;
     frmOperation* operation_;
     QMdiArea* area_;
+    // Each is made on first use and only hidden when it closes: a value has one observer, so no
+    // second dialog may follow it before the first has gone.
+    FrmComPort* comPort_ = nullptr;
+    FrmTKRTimeAuto* timeDialog_ = nullptr;
+    frmOption* option_ = nullptr;
+    QList<QAction*> idleActions_;   ///< enabled while the station is not busy
     QList<QAction*> windowActions_; ///< the menu's list of windows, as it was last shown
     QString openFolder_;            ///< where a picture was opened last
     bool exiting_ = false;          ///< "Exit" closes the window

@@ -171,7 +171,7 @@ QWidget* frmOperation::scheduleGroup() {
     addTimes("Inte&rval", {4, 5, 6});
     form->addRow(pair(
         controls_.checkBox(
-            {"chk_auto", "&Lock schedule", "Locks the schedule fields against changes by mistake."},
+            {"chk_auto", "Loc&k schedule", "Locks the schedule fields against changes by mistake."},
             parts_.panel.chk_auto, [this] { parts_.recording.chk_auto_Click(); }),
         controls_.checkBox({"chk_time", "Set &clocks daily",
                             "Sets the clocks of camera and tracker once a day while recording."},

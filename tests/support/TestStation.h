@@ -100,8 +100,9 @@ class TestStation {
     TimeSettingForm timeForm;
     TimeSetting timeSetting{timeForm, module, panel, commands, wbSystemTm, log, op, clock, busy};
     std::string timeDialog; ///< a trace of the dialog's openings
-    DailyClocks dailyClocks{module, timeSetting, warnings, clock,
-                            [this](bool open) { timeDialog += open ? "open " : "unloaded "; }};
+    DailyClocks dailyClocks{
+        module, timeSetting, warnings,
+        busy,   clock,       [this](bool open) { timeDialog += open ? "open " : "unloaded "; }};
     OptionForm optionForm;
     int siteChanges = 0;
     TrackerOptions options{optionForm, module, commands, log, op, busy, [this] { ++siteChanges; }};

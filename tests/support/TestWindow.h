@@ -1,0 +1,67 @@
+#pragma once
+
+#include "tests/support/TestStation.h"
+#include "ui/frmMain.h"
+
+#include <QApplication>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QTest>
+#include <gtest/gtest.h>
+
+namespace orvane::test {
+
+/// The control of that name; a missing one ends the test.
+template <class Widget>
+Widget& find(const QWidget& form, const char* name) {
+    auto* found = form.findChild<Widget*>(name);
+    if (found == nullptr) throw std::runtime_error(std::string("no control ") + name);
+    return *found;
+}
+inline void click(QWidget& widget) {
+    QTest::mouseClick(&widget, Qt::LeftButton);
+}
+inline void click(const QWidget& form, const char* name) {
+    click(find<QWidget>(form, name));
+}
+inline void type(QLineEdit& field, const QString& text) {
+    field.setFocus();
+    field.selectAll();
+    QTest::keyClicks(&field, text);
+}
+inline QMessageBox* openBox() {
+    for (QWidget* window : QApplication::topLevelWidgets())
+        if (auto* box = qobject_cast<QMessageBox*>(window); box != nullptr && box->isVisible())
+            return box;
+    return nullptr;
+}
+inline void show(QWidget& window) {
+    window.show();
+    window.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+}
+
+/// The main window over a station whose main loop does not run.
+struct Window : TestStation {
+    explicit Window(Operator& asked)
+        : TestStation(at(2006, 11, 15, 8, 0)),
+          shutdown(settings, store, busy, asked, [this] { ++ended; }),
+          main({{panel, recording, settings, camera, tasks},
+                module,
+                busy,
+                shutdown,
+                pictures,
+                {portSelection, timeForm, timeSetting, optionForm, options}}) {
+        settings.initOperation();
+        recording.ready();
+        show(main);
+    }
+    ~Window() { tasks.clear(); }
+
+    int ended = 0;
+    QtImageViews pictures;
+    Shutdown shutdown;
+    frmMain main;
+};
+
+} // namespace orvane::test
