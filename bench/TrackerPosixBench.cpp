@@ -19,6 +19,12 @@ using namespace orvane::test;
 constexpr double kBytesOnTheLine = 3 * (6 + 1 + 5 + 1) + 16 + 18 + 8;
 constexpr double kLineTime = kBytesOnTheLine * 10 / 38400 * 1000; // ms, ten bits a byte
 
+Task<> readAndQuit(TrackerOptions& options) {
+    Task<> reading = options.activate();
+    co_await reading;
+    QCoreApplication::quit();
+}
+
 /// Reading all options from a tracker that answers at once, over a pseudo-terminal.
 void readAllOptions(benchmark::State& state) {
     suntracker::SunTracker simulator{suntracker::SunTrackerOptions{}};
@@ -40,10 +46,9 @@ void readAllOptions(benchmark::State& state) {
     RepeatingTimer timer{clock, 1000ms, [&] { ++module.replyTicks; }};
     timer.enable();
     for ([[maybe_unused]] auto _ : state) {
-        Task<> reading = options.activate();
+        Task<> reading = readAndQuit(options);
         reading.start();
-        while (!reading.done())
-            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        QCoreApplication::exec();
     }
     if (form.status.caption.get() != "Read from the tracker.") state.SkipWithError("not read");
     state.counters["line_ms"] = kLineTime;
