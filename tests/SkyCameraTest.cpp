@@ -295,7 +295,7 @@ TEST(SkyCameraFaults, RandomFaultsRepeatWithTheirSeed) {
         source.setRule({parseFaults(list).faults});
         QStringList drawn;
         for (int i = 0; i < 200; ++i)
-            drawn << source.next(kPicture).text();
+            drawn << textOf(source.next(kPicture));
         return drawn;
     };
     const QStringList drawn = draw("random:7");

@@ -14,7 +14,7 @@ TEST(SunTrackerFaults, RandomFaultsRepeatWithTheirSeed) {
         source.setRule({parseFaults("random:" + seed).faults, 0});
         QStringList drawn;
         for (int turn = 0; turn < 400; ++turn)
-            drawn << source.next(turn % 2 == 0).text();
+            drawn << textOf(source.next(turn % 2 == 0));
         return drawn;
     };
     EXPECT_EQ(draw("7"), draw("7"));

@@ -1,24 +1,12 @@
 #include "simulators/sky-camera/Fault.h"
 
-#include <QRandomGenerator>
-#include <algorithm>
 #include <array>
-#include <iterator>
 
 namespace skycamera {
 
 namespace {
 
-struct FaultType {
-    FaultKind kind;
-    const char* name;
-    /// What ARG is called; null when the fault takes none.
-    const char* argName;
-    int defaultArg;
-    int minArg;
-    int maxArg;
-    const char* help;
-};
+using FaultType = simulation::FaultType<FaultKind>;
 
 constexpr int kMillion = 1'000'000;
 
@@ -52,35 +40,13 @@ constexpr std::array kTypes{
               "at each request one of the above, half of the time none"},
 };
 
-const FaultType& typeOf(FaultKind kind) {
-    return kTypes[static_cast<std::size_t>(kind)];
-}
-
 static_assert(kTypes.back().kind == FaultKind::Random &&
               kTypes.size() == static_cast<std::size_t>(FaultKind::Random) + 1);
 
-QString parseOne(const QString& text, Fault& fault) {
-    const QString name = text.section(':', 0, 0).trimmed();
-    const auto type = std::find_if(kTypes.begin(), kTypes.end(),
-                                   [&](const FaultType& t) { return name == t.name; });
-    if (type == kTypes.end()) return QString("unknown fault \"%1\"").arg(name);
-    fault = {type->kind, type->defaultArg, text.contains(':')};
-    if (!fault.argGiven) return {};
-    if (type->argName == nullptr) return QString("fault \"%1\" takes no argument").arg(name);
-    bool number = false;
-    fault.arg = text.section(':', 1).toInt(&number);
-    if (number && fault.arg >= type->minArg && fault.arg <= type->maxArg) return {};
-    return QString("fault \"%1\": %2 must be a number from %3 to %4")
-        .arg(name, type->argName)
-        .arg(type->minArg)
-        .arg(type->maxArg);
-}
-
 } // namespace
 
-QString Fault::text() const {
-    const FaultType& type = typeOf(kind);
-    return type.argName == nullptr ? QString(type.name) : QString("%1:%2").arg(type.name).arg(arg);
+QString textOf(const Fault& fault) {
+    return simulation::faultText(kTypes, fault);
 }
 
 bool FaultRule::refusesOutright() const {
@@ -89,49 +55,24 @@ bool FaultRule::refusesOutright() const {
 
 QString FaultRule::text() const {
     if (!active()) return "none";
-    QStringList names;
-    for (const Fault& fault : faults)
-        names << fault.text();
-    QString text = names.join(',');
+    QString text = simulation::faultTexts(kTypes, faults);
     if (refusesOutright()) return faults.front().argGiven ? text : "refuse";
     if (count > 0) text += QString(", next %1 requests").arg(count);
     return text + " below " + QString::fromUtf8(pathPrefix);
 }
 
 FaultListResult parseFaults(const QString& list) {
-    FaultListResult result;
-    for (const QString& text : list.split(',')) {
-        Fault fault;
-        result.error = parseOne(text, fault);
-        if (!result.error.isEmpty()) return {{}, result.error};
-        result.faults << fault;
-    }
-    if (result.faults.size() == 1 && result.faults.front().kind == FaultKind::None)
-        result.faults.clear();
-    return result;
+    return simulation::parseFaultList(kTypes, list);
 }
 
 QString faultHelp() {
-    QString help;
-    for (const FaultType& type : kTypes) {
-        QString name = type.name;
-        if (type.argName != nullptr) name += QString(":%1").arg(type.argName);
-        QString line = QString("  %1 %2").arg(name, -22).arg(type.help);
-        if (type.argName != nullptr && type.kind != FaultKind::Random)
-            line += QString(" (default %1)").arg(type.defaultArg);
-        help += line + '\n';
-    }
-    return help;
+    return simulation::faultTableHelp(kTypes, 22);
 }
 
 void FaultSource::setRule(const FaultRule& rule) {
     rule_ = rule;
     turn_ = 0;
-    for (const Fault& fault : rule.faults) {
-        if (fault.kind != FaultKind::Random) continue;
-        random_.seed(fault.argGiven ? static_cast<quint32>(fault.arg)
-                                    : QRandomGenerator::global()->generate());
-    }
+    simulation::seedFrom(rule.faults, random_);
 }
 
 Fault FaultSource::next(const QByteArray& path) {
@@ -143,13 +84,10 @@ Fault FaultSource::next(const QByteArray& path) {
 }
 
 Fault FaultSource::randomFault() {
-    // Plain remainders instead of a distribution: a seed gives the same faults with every
-    // standard library.
-    if (random_() % 2 == 0) return {};
-    const auto kinds = static_cast<quint32>(FaultKind::Random) - 1;
-    const auto kind = static_cast<FaultKind>(1 + random_() % kinds);
+    const auto kind = simulation::randomKind<FaultKind>(random_);
+    if (kind == FaultKind::None) return {};
     // Ten seconds of refusal at each draw would leave little time for the other faults.
-    const int arg = kind == FaultKind::Refuse ? 2 : typeOf(kind).defaultArg;
+    const int arg = kind == FaultKind::Refuse ? 2 : simulation::typeOf(kTypes, kind).defaultArg;
     return {kind, arg, false};
 }
 

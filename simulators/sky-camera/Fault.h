@@ -1,5 +1,7 @@
 #pragma once
 
+#include "simulators/common/FaultTable.h"
+
 #include <QByteArray>
 #include <QList>
 #include <QString>
@@ -31,13 +33,10 @@ enum class FaultKind {
 /// One fault with its number: seconds (Refuse), bytes per second (Drip), HTTP status (Status),
 /// milliseconds (Delay) or seed (Random); unused by the others. `argGiven` tells a written number
 /// from the default.
-struct Fault {
-    FaultKind kind = FaultKind::None;
-    int arg = 0;
-    bool argGiven = false;
+using Fault = simulation::Fault<FaultKind>;
 
-    QString text() const;
-};
+/// "NAME" or "NAME:ARG", as the option takes it.
+QString textOf(const Fault& fault);
 
 /// Which requests go wrong, and how. The faults take turns, one for each matching request.
 /// `count` is the number of matching requests still to spoil; 0 has no end.
@@ -52,11 +51,7 @@ struct FaultRule {
     QString text() const;
 };
 
-struct FaultListResult {
-    QList<Fault> faults;
-    /// Empty when the list was understood.
-    QString error;
-};
+using FaultListResult = simulation::FaultListResult<FaultKind>;
 
 /// Reads "NAME[:ARG][,NAME[:ARG]...]". A lone "none" gives an empty list; within a list "none" is a
 /// turn without a fault.

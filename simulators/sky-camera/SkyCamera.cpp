@@ -122,7 +122,7 @@ void SkyCamera::handle(HttpConnection& connection, const HttpRequest& request) {
     const HttpReply reply = controlPath ? control(request) : answer(request, fault);
     if (fault.kind != FaultKind::None) {
         ++counts_.faultsServed;
-        log(QString("%1 -> fault %2").arg(line, fault.text()));
+        log(QString("%1 -> fault %2").arg(line, textOf(fault)));
     } else {
         log(QString("%1 -> %2, %3 bytes").arg(line).arg(reply.status).arg(reply.body.size()));
     }

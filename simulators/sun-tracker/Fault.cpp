@@ -1,24 +1,12 @@
 #include "simulators/sun-tracker/Fault.h"
 
-#include <QRandomGenerator>
-#include <QStringList>
-#include <algorithm>
 #include <array>
 
 namespace suntracker {
 
 namespace {
 
-struct FaultType {
-    FaultKind kind;
-    const char* name;
-    /// What ARG is called; null when the fault takes none.
-    const char* argName;
-    int defaultArg;
-    int minArg;
-    int maxArg;
-    const char* help;
-};
+using FaultType = simulation::FaultType<FaultKind>;
 
 constexpr int kMillion = 1'000'000;
 
@@ -49,10 +37,6 @@ constexpr std::array kTypes{
               "at each command one of the above, half of the time none"},
 };
 
-const FaultType& typeOf(FaultKind kind) {
-    return kTypes[static_cast<std::size_t>(kind)];
-}
-
 static_assert(kTypes.back().kind == FaultKind::Random &&
               kTypes.size() == static_cast<std::size_t>(FaultKind::Random) + 1);
 
@@ -62,73 +46,30 @@ bool fits(FaultKind kind, bool readCommand) {
     return true;
 }
 
-QString parseOne(const QString& text, Fault& fault) {
-    const QString name = text.section(':', 0, 0).trimmed();
-    const auto type = std::find_if(kTypes.begin(), kTypes.end(),
-                                   [&](const FaultType& t) { return name == t.name; });
-    if (type == kTypes.end()) return QString("unknown fault \"%1\"").arg(name);
-    fault = {type->kind, type->defaultArg, text.contains(':')};
-    if (!fault.argGiven) return {};
-    if (type->argName == nullptr) return QString("fault \"%1\" takes no argument").arg(name);
-    bool number = false;
-    fault.arg = text.section(':', 1).toInt(&number);
-    if (number && fault.arg >= type->minArg && fault.arg <= type->maxArg) return {};
-    return QString("fault \"%1\": %2 must be a number from %3 to %4")
-        .arg(name, type->argName)
-        .arg(type->minArg)
-        .arg(type->maxArg);
-}
-
 } // namespace
 
-QString Fault::text() const {
-    const FaultType& type = typeOf(kind);
-    const bool showArg = type.argName != nullptr && (kind != FaultKind::Random || argGiven);
-    return showArg ? QString("%1:%2").arg(type.name).arg(arg) : QString(type.name);
+QString textOf(const Fault& fault) {
+    return simulation::faultText(kTypes, fault);
 }
 
 QString FaultRule::text() const {
     if (faults.isEmpty()) return "none";
-    QStringList names;
-    for (const Fault& fault : faults)
-        names << fault.text();
-    return count > 0 ? QString("%1, %2 more").arg(names.join(',')).arg(count) : names.join(',');
+    const QString names = simulation::faultTexts(kTypes, faults);
+    return count > 0 ? QString("%1, %2 more").arg(names).arg(count) : names;
 }
 
 FaultListResult parseFaults(const QString& list) {
-    FaultListResult result;
-    for (const QString& text : list.split(',')) {
-        Fault fault;
-        result.error = parseOne(text, fault);
-        if (!result.error.isEmpty()) return {{}, result.error};
-        result.faults << fault;
-    }
-    if (result.faults.size() == 1 && result.faults.front().kind == FaultKind::None)
-        result.faults.clear();
-    return result;
+    return simulation::parseFaultList(kTypes, list);
 }
 
 QString faultHelp() {
-    QString help;
-    for (const FaultType& type : kTypes) {
-        QString name = type.name;
-        if (type.argName != nullptr) name += QString("[:%1]").arg(type.argName);
-        QString line = QString("  %1 %2").arg(name, -19).arg(type.help);
-        if (type.argName != nullptr && type.kind != FaultKind::Random)
-            line += QString(" (default %1)").arg(type.defaultArg);
-        help += line + '\n';
-    }
-    return help;
+    return simulation::faultTableHelp(kTypes, 19);
 }
 
 void FaultSource::setRule(const FaultRule& rule) {
     rule_ = rule;
     turn_ = 0;
-    for (const Fault& fault : rule.faults) {
-        if (fault.kind != FaultKind::Random) continue;
-        random_.seed(fault.argGiven ? static_cast<quint32>(fault.arg)
-                                    : QRandomGenerator::global()->generate());
-    }
+    simulation::seedFrom(rule.faults, random_);
 }
 
 Fault FaultSource::next(bool readCommand) {
@@ -142,12 +83,9 @@ Fault FaultSource::next(bool readCommand) {
 }
 
 Fault FaultSource::randomFault() {
-    // Plain remainders instead of a distribution: a seed gives the same faults with every
-    // standard library.
-    if (random_() % 2 == 0) return {};
-    const auto kinds = static_cast<quint32>(FaultKind::Random) - 1;
-    const auto kind = static_cast<FaultKind>(1 + random_() % kinds);
-    int arg = typeOf(kind).defaultArg;
+    const auto kind = simulation::randomKind<FaultKind>(random_);
+    if (kind == FaultKind::None) return {};
+    int arg = simulation::typeOf(kTypes, kind).defaultArg;
     if (kind == FaultKind::SilenceAfter || kind == FaultKind::Garbage ||
         kind == FaultKind::GarbageFrame)
         arg = static_cast<int>(1 + random_() % 8);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "simulators/common/FaultTable.h"
+
 #include <QList>
 #include <QString>
 #include <random>
@@ -29,13 +31,10 @@ enum class FaultKind {
 /// One fault with its number: bytes (SilenceAfter, Garbage, GarbageFrame), milliseconds (Slow,
 /// HangUp) or seed (Random); unused by the others. `argGiven` tells a written number from the
 /// default.
-struct Fault {
-    FaultKind kind = FaultKind::None;
-    int arg = 0;
-    bool argGiven = false;
+using Fault = simulation::Fault<FaultKind>;
 
-    QString text() const;
-};
+/// "NAME" or "NAME:ARG", as the option takes it.
+QString textOf(const Fault& fault);
 
 /// The faults take turns, one for each known command. `count` is the number of turns left; 0 has
 /// no end.
@@ -46,11 +45,7 @@ struct FaultRule {
     QString text() const;
 };
 
-struct FaultListResult {
-    QList<Fault> faults;
-    /// Empty when the list was understood.
-    QString error;
-};
+using FaultListResult = simulation::FaultListResult<FaultKind>;
 
 /// Reads "NAME[:ARG][,NAME[:ARG]...]". A lone "none" gives an empty list; within a list "none" is a
 /// turn without a fault.

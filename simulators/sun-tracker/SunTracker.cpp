@@ -206,7 +206,7 @@ void SunTracker::handleCommand(const Arrival& arrival) {
     }
     if (fault.kind != FaultKind::None) {
         ++counts_.faults;
-        line += " -> fault " + fault.text();
+        line += " -> fault " + textOf(fault);
     }
     log(line);
     output_.send(answer);
