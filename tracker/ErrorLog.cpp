@@ -23,8 +23,8 @@ std::string logStamp(const Clock& clock) {
 
 } // namespace
 
-ErrorLog::ErrorLog(std::filesystem::path programFolder, Clock& clock, StatusLabel label)
-    : file_(std::move(programFolder) / "ERROR.LOG"), clock_(clock), label_(std::move(label)) {}
+ErrorLog::ErrorLog(const std::filesystem::path& programFolder, Clock& clock, StatusLabel label)
+    : file_(programFolder / "ERROR.LOG"), clock_(clock), label_(std::move(label)) {}
 
 bool ErrorLog::write(const std::string& message, bool show) {
     std::ofstream file(file_, std::ios::binary | std::ios::app);

@@ -18,7 +18,7 @@ class ErrorLog {
         std::function<void(const std::string&)> setCaption;
     };
 
-    ErrorLog(std::filesystem::path programFolder, Clock& clock, StatusLabel label = {});
+    ErrorLog(const std::filesystem::path& programFolder, Clock& clock, StatusLabel label = {});
 
     /// Appends `message` (UTF-8). With `show` it also stands on the status label for 10 ms. False:
     /// the line could not be written; callers go on with their work.

@@ -118,7 +118,7 @@ int exifOrientation(const std::string& segment) {
 std::string exifForUpright(const std::string& segment, const std::string& stamp, int width,
                            int height) {
     if (const Data camera = parse(segment)) {
-        const std::string kept = written(*camera, stamp, width, height);
+        std::string kept = written(*camera, stamp, width, height);
         if (!kept.empty() && kept.size() <= kSegmentLimit) return kept;
     }
     const Data fresh = minimal();

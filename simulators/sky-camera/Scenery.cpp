@@ -34,7 +34,7 @@ double treeHeight(double across, quint32 seed) {
 }
 
 template <typename Height>
-void fillOutline(QPainter& painter, const SkyScene& scene, const SkyView& view, QBrush brush,
+void fillOutline(QPainter& painter, const SkyScene& scene, const SkyView& view, const QBrush& brush,
                  Height height) {
     const double width = scene.size.width();
     const double step = std::max(1.0, width / 1000.0);

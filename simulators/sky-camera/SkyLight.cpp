@@ -3,6 +3,7 @@
 #include "simulators/sky-camera/SkyNoise.h"
 
 #include <algorithm>
+#include <cmath>
 #include <array>
 #include <numbers>
 
@@ -36,7 +37,7 @@ Colour operator*(float k, Colour a) {
 }
 
 int toByte(float value) {
-    return static_cast<int>(std::clamp(value, 0.0F, 255.0F) + 0.5F);
+    return static_cast<int>(std::lround(std::clamp(value, 0.0F, 255.0F)));
 }
 
 } // namespace

@@ -53,7 +53,10 @@ class SkyLight {
     Colour clearSky(QPointF pixel, float elevation) const;
     Cloud cloudIn(SkyDirection direction) const;
     Colour gridColour(int x, int y) const { return colours_[index(x, y)]; }
-    std::size_t index(int x, int y) const { return static_cast<std::size_t>(y * width_ + x); }
+    std::size_t index(int x, int y) const {
+        return static_cast<std::size_t>(y) * static_cast<std::size_t>(width_) +
+               static_cast<std::size_t>(x);
+    }
     void interpolateRow(double gridY, std::vector<Colour>& row) const;
 
     SkyScene scene_;
