@@ -7,6 +7,7 @@
 #include "platform/Paths.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace orvane {
 
@@ -50,9 +51,7 @@ Task<bool> Capture::run() {
         co_await station_.clock.yield(); // lets the label be painted
         co_return false;
     }
-    const Fault unfiled = file();
-    picture_ = {};
-    if (unfiled) {
+    if (const Fault unfiled = file()) {
         station_.log.write("MainLoop:" + *unfiled);
         station_.warnings.set(Warnings::Cause::DataFolder, *unfiled);
         co_return false;
@@ -89,14 +88,11 @@ Task<bool> Capture::fetch() {
 
 /// A camera that hangs keeps sending its last picture; noise and the burnt-in time make two real
 /// pictures differ.
-Capture::Fault Capture::inspect() const {
+Capture::Fault Capture::inspect() {
     if (!isWholeJpeg(picture_)) return "the answer is not a whole JPEG picture";
-    const Module1& module = station_.module;
-    const std::filesystem::path& newest =
-        module.lastImage.empty() ? module.thumbnails[0].path : module.lastImage;
-    std::string before;
-    if (sizeOf(newest) == picture_.size() && !readWholeFile(newest, before) && before == picture_)
-        return "the camera sent the same picture again";
+    const std::filesystem::path& atStart = station_.module.thumbnails[0].path;
+    if (newest_.empty() && !atStart.empty()) readWholeFile(atStart, newest_);
+    if (picture_ == newest_) return "the camera sent the same picture again";
     return std::nullopt;
 }
 
@@ -116,6 +112,7 @@ Capture::Fault Capture::file() {
     if (const auto reason = writeToFinalName(picture_, image))
         return "The data folder cannot be written: " + *reason + ".";
     station_.module.lastImage = image;
+    newest_ = std::exchange(picture_, {});
     return std::nullopt;
 }
 

@@ -25,13 +25,13 @@ class Capture {
     WallTime copyTime() const { return copyTime_; }
     /// Why the last fetch brought no picture that can be filed; empty when it did.
     const std::string& fetchFault() const { return fault_; }
-    const DiskWatch& disk() const { return disk_; }
+    DiskWatch& disk() { return disk_; }
 
   private:
     using Fault = std::optional<std::string>;
 
     Task<bool> fetch();
-    Fault inspect() const;
+    Fault inspect();
     Fault file();
     Task<bool> process();
     void remember();
@@ -40,6 +40,7 @@ class Capture {
     WallTime copyTime_{};
     std::string fault_;
     std::string picture_; ///< the bytes that were fetched
+    std::string newest_;  ///< the bytes of the newest image on disk, to know it when it comes again
     DiskWatch disk_;
 };
 

@@ -40,15 +40,18 @@ void DiskWatch::addCapture(std::uint64_t bytes, std::chrono::year_month_day day)
     ++captures_;
 }
 
-std::optional<double> DiskWatch::daysLeft(std::uint64_t freeBytes, const Schedule& schedule) const {
+std::optional<double> DiskWatch::daysLeft(std::uint64_t freeBytes, const Schedule& schedule) {
     if (bytes_ == 0) return std::nullopt;
-    const int perDay = dueMinutesPerDay(schedule);
-    if (perDay == 0) return std::nullopt;
-    const double rate = static_cast<double>(bytes_) / static_cast<double>(captures_) * perDay;
+    if (schedule != schedule_) {
+        schedule_ = schedule;
+        perDay_ = dueMinutesPerDay(schedule);
+    }
+    if (perDay_ == 0) return std::nullopt;
+    const double rate = static_cast<double>(bytes_) / static_cast<double>(captures_) * perDay_;
     return static_cast<double>(freeBytes) / rate;
 }
 
-DiskWatch::Report DiskWatch::report(std::uint64_t freeBytes, const Schedule& schedule) const {
+DiskWatch::Report DiskWatch::report(std::uint64_t freeBytes, const Schedule& schedule) {
     Report report{gigabytes(freeBytes) + " free", {}};
     const auto days = daysLeft(freeBytes, schedule);
     if (days) {

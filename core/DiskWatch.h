@@ -24,14 +24,16 @@ class DiskWatch {
         std::string caption;
         std::string warning; ///< below 1 GB or 7 days, else empty
     };
-    Report report(std::uint64_t freeBytes, const Schedule& schedule) const;
+    Report report(std::uint64_t freeBytes, const Schedule& schedule);
 
   private:
-    std::optional<double> daysLeft(std::uint64_t freeBytes, const Schedule& schedule) const;
+    std::optional<double> daysLeft(std::uint64_t freeBytes, const Schedule& schedule);
 
     std::chrono::year_month_day day_{};
     std::uint64_t bytes_ = 0;
     std::uint64_t captures_ = 0;
+    Schedule schedule_; ///< of which `perDay_` is the due minutes
+    int perDay_ = 0;
 };
 
 } // namespace orvane

@@ -68,8 +68,10 @@ Task<> MainLoop::pass() {
     } else if (module.RecDoneFlg && timeOfDay(now) >= module.schedule.EndTime + 1min) {
         endOfWindow();
     }
-    Task<> clocks = setClocks(false);
-    co_await clocks;
+    if (station_.dailyClocks.isDue(now, false)) {
+        Task<> clocks = station_.dailyClocks.run();
+        co_await clocks;
+    }
     startLiveView();
 }
 
@@ -87,18 +89,14 @@ Task<> MainLoop::recordNow(std::int64_t dueMinute) {
     if (filed) {
         due_.filed(dueMinute);
         addCount(station_.module.filesFetched, 1);
-        Task<> clocks = setClocks(true);
-        co_await clocks;
+        if (station_.dailyClocks.isDue(station_.clock.now(), true)) {
+            Task<> clocks = station_.dailyClocks.run();
+            co_await clocks;
+        }
         Task<> pausing = pause();
         co_await pausing;
     }
     countCapture();
-}
-
-Task<> MainLoop::setClocks(bool justCaptured) {
-    if (!station_.dailyClocks.isDue(station_.clock.now(), justCaptured)) co_return;
-    Task<> setting = station_.dailyClocks.run();
-    co_await setting;
 }
 
 /// Keeps the minute of the image's name from being captured twice; the next minute may be due.
@@ -147,7 +145,7 @@ void MainLoop::watch(WallTime now) {
     const std::int64_t minute = minuteIndex(now);
     const bool recording = station_.module.RecordFlg;
     const std::filesystem::path& folder = station_.panel.Dir1[0].path;
-    const bool moved = folder != watchedFolder_;
+    const bool moved = folder.native() != watchedFolder_.native(); // at every pass: as text
     if (minute == watchedMinute_ && recording == watchedRecording_ && !moved) return;
     watchedMinute_ = minute;
     watchedRecording_ = recording;

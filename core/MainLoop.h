@@ -19,7 +19,6 @@ class MainLoop {
   private:
     Task<> pass();
     Task<> recordNow(std::int64_t dueMinute);
-    Task<> setClocks(bool justCaptured);
     Task<> pause();
     void countCapture();
     void endOfWindow();

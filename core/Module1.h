@@ -18,6 +18,8 @@ struct Schedule {
     TimeOfDay EndTime{};
     TimeOfDay IntervalTime{};
     TimeOfDay NextRecTime{};
+
+    bool operator==(const Schedule&) const = default;
 };
 
 struct ThumbnailEntry {

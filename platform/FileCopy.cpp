@@ -1,6 +1,5 @@
 #include "platform/FileCopy.h"
 
-#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <memory>
@@ -14,14 +13,17 @@ constexpr std::size_t kSizeLimit = 512u << 20;
 
 enum class Access { Read, Write };
 
-// C streams: unlike file streams they promise the system's error number.
+// C streams: unlike file streams they promise the system's error number. Without their own buffer,
+// since files are read and written at one go.
 std::FILE* openFile(const std::filesystem::path& path, Access access) {
     errno = 0;
 #ifdef _WIN32
-    return ::_wfopen(path.c_str(), access == Access::Read ? L"rb" : L"wb");
+    std::FILE* file = ::_wfopen(path.c_str(), access == Access::Read ? L"rb" : L"wb");
 #else
-    return std::fopen(path.c_str(), access == Access::Read ? "rb" : "wb");
+    std::FILE* file = std::fopen(path.c_str(), access == Access::Read ? "rb" : "wb");
 #endif
+    if (file != nullptr) std::setvbuf(file, nullptr, _IONBF, 0);
+    return file;
 }
 
 std::string reason() {
@@ -34,7 +36,7 @@ std::optional<std::string> writeFile(std::string_view bytes, const std::filesyst
     std::optional<std::string> fault;
     const std::size_t written =
         bytes.empty() ? 0 : std::fwrite(bytes.data(), 1, bytes.size(), file);
-    if (written != bytes.size() || std::fflush(file) != 0) fault = reason();
+    if (written != bytes.size()) fault = reason();
     // A network drive may report a full disk only when the file is closed.
     if (std::fclose(file) != 0 && !fault) fault = reason();
     return fault;
@@ -72,14 +74,12 @@ std::optional<std::string> readWholeFile(const std::filesystem::path& from, std:
     bytes.clear();
     const std::unique_ptr<std::FILE, CloseFile> file(openFile(from, Access::Read));
     if (!file) return reason();
-    std::error_code ignored;
-    const std::uintmax_t size = std::filesystem::file_size(from, ignored);
-    if (!ignored && size <= kSizeLimit) bytes.reserve(static_cast<std::size_t>(size));
-    std::array<char, 64 * 1024> block;
-    while (const std::size_t count = std::fread(block.data(), 1, block.size(), file.get())) {
-        if (bytes.size() + count > kSizeLimit) return "File too large";
-        bytes.append(block.data(), count);
-    }
+    std::error_code error;
+    const std::uintmax_t size = std::filesystem::file_size(from, error);
+    if (error) return error.message();
+    if (size > kSizeLimit) return "File too large";
+    bytes.resize(static_cast<std::size_t>(size));
+    bytes.resize(std::fread(bytes.data(), 1, bytes.size(), file.get()));
     if (std::ferror(file.get()) != 0) return reason();
     return std::nullopt;
 }
