@@ -96,10 +96,12 @@ std::optional<std::string> PanelSettings::initOperation() {
     std::error_code error;
     const bool usable = !folder.empty() && std::filesystem::is_directory(folder, error);
     panel_.Dir1[0].path = usable ? folder : defaultDataFolder_;
+    loaded_ = true;
     return std::nullopt;
 }
 
 bool PanelSettings::writeSetup() {
+    if (!loaded_) return true;
     bool stored = true;
     const auto save = [&](const char* section, const char* key, const std::string& value) {
         stored = store_.SaveSetting(section, key, value) && stored;

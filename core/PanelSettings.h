@@ -21,7 +21,8 @@ class PanelSettings {
     /// Loads every setting. Returns which key holds which text when a number cannot be read; the
     /// settings before it are loaded then, the rest is not.
     std::optional<std::string> initOperation();
-    /// Saves every setting as it stands. False: at least one could not be stored.
+    /// Saves every setting as it stands. False: at least one could not be stored. Nothing is
+    /// saved while the stored settings could not be read: that would lose them.
     bool writeSetup();
 
     /// The data folder was chosen: shows and stores it.
@@ -43,6 +44,7 @@ class PanelSettings {
     OperationPanel& panel_;
     SettingsStore& store_;
     std::filesystem::path defaultDataFolder_;
+    bool loaded_ = false;
 };
 
 } // namespace orvane

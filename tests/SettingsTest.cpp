@@ -70,6 +70,10 @@ TEST(PanelSettings, AnUnreadableNumberEndsTheProgramWithItsKeyAndText) {
             EXPECT_NE(s.op.told[0].find('"' + std::string(text) + '"'), std::string::npos);
             EXPECT_EQ(s.exitCode, 1);
             EXPECT_TRUE(s.loopTask.done());
+            // the window is closed, the session ends: what is stored stays
+            const auto stored = s.store.values;
+            s.settings.writeSetup();
+            EXPECT_EQ(s.store.values, stored);
         }
     TestStation s(at(2006, 11, 15));
     s.store.values["Settings/Delay"] = "32768"; // beyond 16 bits
