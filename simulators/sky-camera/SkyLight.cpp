@@ -3,8 +3,8 @@
 #include "simulators/sky-camera/SkyNoise.h"
 
 #include <algorithm>
-#include <cmath>
 #include <array>
+#include <cmath>
 #include <numbers>
 
 namespace skycamera {
