@@ -59,7 +59,7 @@ Task<> Recording::Command1_Click() {
     panel_.UpDown1[kIntervalSecond].enabled = false;
     log_.write("Start Recording");
     panel_.Label7.caption = "Start Recording...";
-    settings_.writeSetup();
+    if (!settings_.writeSetup()) log_.write("writeSetup:Settings cannot be stored");
 
     if (const auto code = validate()) {
         module_.RecordFlg = false;

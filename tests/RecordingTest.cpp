@@ -103,6 +103,13 @@ TEST_F(Panel, IntervalHourAndSecondAreNeverChecked) {
     EXPECT_EQ(timeText(at(2006, 1, 1) + s.module.schedule.NextRecTime), "12:10:01");
 }
 
+TEST_F(Panel, SettingsThatCannotBeStoredAreLoggedAndRecordingStarts) {
+    s.store.readOnly = true;
+    s.press(&Recording::Command1_Click);
+    EXPECT_EQ(s.countLogged("writeSetup:Settings cannot be stored"), 1);
+    EXPECT_TRUE(s.module.RecordFlg);
+}
+
 TEST_F(Panel, FieldsAndSpinnersFollowEachOther) {
     type(0, "7");
     EXPECT_EQ(s.panel.UpDown1[0].value.get(), 7);

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <utility>
 
 namespace orvane {
 
@@ -58,13 +59,6 @@ bool below(double value, double limit) {
     return std::abs(value) < limit;
 }
 
-/// The first `Size` data bytes of a reply, if it has as many.
-template <std::size_t Size>
-std::optional<std::span<const std::uint8_t, Size>> dataOf(const Reply& reply) {
-    if (reply.lastIndex + 1 < static_cast<int>(Size)) return std::nullopt;
-    return std::span(reply.data).template first<Size>();
-}
-
 } // namespace
 
 TrackerOptions::TrackerOptions(OptionForm& form, Module1& module, TrackerCommands& commands,
@@ -113,28 +107,31 @@ void TrackerOptions::refuse(const char* name, const char* fault) {
     failures_ += (failures_.empty() ? "" : ", ") + std::string(name) + fault;
 }
 
+/// Requests a reply of at least `count` data bytes; false after logging what went wrong.
+Task<bool> TrackerOptions::read(TrackerCommand command, const char* name, int count, Reply& reply) {
+    Task<Exchange> requesting = commands_.request(command, reply);
+    const Exchange result = co_await requesting;
+    if (!succeeded(result, name, true)) co_return false;
+    if (reply.lastIndex + 1 >= count) co_return true;
+    refuse(name, ":Receive ERROR");
+    co_return false;
+}
+
 Task<> TrackerOptions::readSerial() {
     Reply reply;
-    Task<Exchange> requesting = commands_.request(TrackerCommand::ReadSerial, reply);
-    const Exchange result = co_await requesting;
-    if (!succeeded(result, kSerial, true)) co_return;
-    const auto count = std::min<std::size_t>(static_cast<std::size_t>(reply.lastIndex + 1),
-                                             static_cast<std::size_t>(kSerialCount));
-    form_.txt_sn.text = textFrom(std::span(reply.data).first(count));
+    Task<bool> reading = read(TrackerCommand::ReadSerial, kSerial, 0, reply);
+    if (!co_await reading) co_return;
+    const int count = std::min(reply.lastIndex + 1, kSerialCount);
+    form_.txt_sn.text = textFrom(std::span(reply.data).first(static_cast<std::size_t>(count)));
 }
 
 Task<> TrackerOptions::readSite() {
     Reply reply;
-    Task<Exchange> requesting = commands_.request(TrackerCommand::ReadSite, reply);
-    const Exchange result = co_await requesting;
-    if (!succeeded(result, kTimezone, true)) co_return;
-    const auto data = dataOf<kSiteCount>(reply);
-    if (!data) {
-        refuse(kTimezone, ":Receive ERROR");
-        co_return;
-    }
-    const SiteValues told{doubleFrom(data->subspan<10, 8>()), doubleFrom(data->subspan<2, 8>()),
-                          int16From(data->first<2>())};
+    Task<bool> reading = read(TrackerCommand::ReadSite, kTimezone, kSiteCount, reply);
+    if (!co_await reading) co_return;
+    const auto data = std::span(std::as_const(reply.data)).first<kSiteCount>();
+    const SiteValues told{doubleFrom(data.subspan<10, 8>()), doubleFrom(data.subspan<2, 8>()),
+                          int16From(data.first<2>())};
     showSite(told);
     if (below(told.Tz, 720) && below(told.longitude, 180) && below(told.latitude, 180)) {
         module_.site = told;
@@ -146,15 +143,9 @@ Task<> TrackerOptions::readSite() {
 
 Task<> TrackerOptions::readOrigin() {
     Reply reply;
-    Task<Exchange> requesting = commands_.request(TrackerCommand::ReadOrigin, reply);
-    const Exchange result = co_await requesting;
-    if (!succeeded(result, kOrigin, true)) co_return;
-    const auto data = dataOf<kOriginCount>(reply);
-    if (!data) {
-        refuse(kOrigin, ":Receive ERROR");
-        co_return;
-    }
-    const double origin = doubleFrom(*data);
+    Task<bool> reading = read(TrackerCommand::ReadOrigin, kOrigin, kOriginCount, reply);
+    if (!co_await reading) co_return;
+    const double origin = doubleFrom(std::span(std::as_const(reply.data)).first<kOriginCount>());
     form_.txt_org.text = twoDecimals(origin);
     if (origin >= 0 && origin < 360) {
         module_.origin = origin;

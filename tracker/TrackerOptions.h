@@ -56,6 +56,7 @@ class TrackerOptions {
     void finish(const std::string& success);
     bool succeeded(Exchange result, const char* name, bool reading);
     void refuse(const char* name, const char* fault);
+    Task<bool> read(TrackerCommand command, const char* name, int count, Reply& reply);
     Task<> readSerial();
     Task<> readSite();
     Task<> readOrigin();

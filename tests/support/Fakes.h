@@ -36,10 +36,12 @@ class FakeStore final : public SettingsStore {
     }
     bool SaveSetting(const std::string& section, const std::string& key,
                      const std::string& value) override {
+        if (readOnly) return false;
         values[section + "/" + key] = value;
         return true;
     }
 
+    bool readOnly = false;
     std::map<std::string, std::string> values;
 };
 
