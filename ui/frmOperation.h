@@ -1,6 +1,7 @@
 #pragma once
 
-#include "camera/CameraPanel.h"
+#include "camera/FolderScan.h"
+#include "camera/ImageStore.h"
 #include "core/OperationPanel.h"
 #include "core/PanelSettings.h"
 #include "core/Recording.h"
@@ -26,6 +27,8 @@ class frmOperation : public QWidget {
         Recording& recording;
         PanelSettings& settings;
         CameraPanel& camera;
+        ImageStore& store;
+        FolderScan& folderScan;
         TaskGroup& tasks;
     };
 

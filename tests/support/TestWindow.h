@@ -46,7 +46,7 @@ struct Window : TestStation {
     explicit Window(Operator& asked)
         : TestStation(at(2006, 11, 15, 8, 0)),
           shutdown(settings, store, busy, asked, [this] { ++ended; }),
-          main({{panel, recording, settings, camera, tasks},
+          main({{panel, recording, settings, camera, imageStore, folderScan, tasks},
                 module,
                 busy,
                 shutdown,
