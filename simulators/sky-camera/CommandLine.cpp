@@ -61,10 +61,10 @@ QList<QCommandLineOption> optionList() {
         {"stored", "Pictures that are in the store from the start on; default 0.", "COUNT", "0"},
         {"stored-every", "Seconds between those; default as --record-every.", "SECONDS"},
         {"stored-size", "A stored picture has at least so many bytes; default 0.", "BYTES", "0"},
-        {"stored-picture-size",
-         "Width and height of a stored picture; default as --size. A small one with --stored-size "
-         "is cheap to serve.",
-         "WxH"},
+        {"stored-picture-size", "Width and height of a stored picture; default as --size.", "WxH"},
+        {"stored-once",
+         "Renders one stored picture and serves it for all, with a comment that differs: costs "
+         "next to nothing, for measuring transfers."},
         {"list-all", "The search page ignores maxnum and lists everything."},
         {"fault", "Faults from the start on.", "NAME[:ARG][,...]"},
         {"fault-count", "For how many requests; default 0, all.", "N", "0"},
@@ -144,6 +144,7 @@ StoreOptions readStore(const QCommandLineParser& parser, Values& values) {
     store.storedSize = values.integer("stored-size", 0, 100'000'000);
     if (parser.isSet("stored-picture-size"))
         store.storedPictureSize = readSize(parser, values, "stored-picture-size");
+    store.storedOnce = parser.isSet("stored-once");
     store.listAll = parser.isSet("list-all");
     return store;
 }

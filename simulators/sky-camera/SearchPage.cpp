@@ -55,9 +55,11 @@ QByteArray records(const std::vector<Stamp>& stamps, FaultKind kind, quint64 tur
     return text.isEmpty() ? "NO_DATA\n" : text;
 }
 
-/// Copied in one go: 50 MB take some hundredths of a second and live until they are sent.
+/// Made in one go and gone when it is sent: 50 MB take some hundredths of a second.
 QByteArray repeated(const QByteArray& text, int megabytes) {
-    return text.repeated(megabytes * kMegabyte / text.size() + 1).left(megabytes * kMegabyte);
+    QByteArray all = text.repeated(megabytes * kMegabyte / text.size() + 1);
+    all.truncate(megabytes * kMegabyte);
+    return all;
 }
 
 } // namespace

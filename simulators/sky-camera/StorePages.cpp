@@ -1,7 +1,7 @@
 #include "simulators/sky-camera/StorePages.h"
 
 #include "simulators/sky-camera/CameraClock.h"
-#include "simulators/sky-camera/JpegPadding.h"
+#include "simulators/sky-camera/JpegComments.h"
 #include "simulators/sky-camera/SearchPage.h"
 #include "simulators/sky-camera/SearchQuery.h"
 
@@ -34,6 +34,7 @@ StorePages::StorePages(const StoreOptions& options, const SkyScene& look,
     if (!options.storedPictureSize.isEmpty()) look_.size = options.storedPictureSize;
     // The camera takes pictures of its own only while it records.
     look_.recording = true;
+    look_.time = clock;
     storePast(store_, options.stored,
               options.storedEvery > 0 ? options.storedEvery : options.recordEvery, clock);
 }
@@ -88,17 +89,27 @@ std::vector<Stamp> StorePages::missingFrom(const QDateTime& time, qsizetype coun
 }
 
 HttpReply StorePages::picture(Stamp stamp, const Fault& fault) {
-    if (fault.kind != FaultKind::Stale || lastPicture_.isEmpty()) {
-        SkyScene scene = look_;
-        scene.time = stamp.time();
-        scene.frame = static_cast<quint64>(stamp.frame());
-        if (fault.kind == FaultKind::Huge) scene.size = kHugeSize;
-        lastPicture_ = padded(renderer_.jpeg(scene), options_.storedSize);
-    }
+    if (fault.kind != FaultKind::Stale || lastPicture_.isEmpty())
+        lastPicture_ = jpeg(stamp, fault.kind == FaultKind::Huge ? kHugeSize : look_.size);
     HttpReply reply;
     reply.contentType = "image/jpeg";
     reply.body = lastPicture_;
     return reply;
+}
+
+QByteArray StorePages::jpeg(Stamp stamp, QSize size) {
+    if (!options_.storedOnce || size != look_.size)
+        return rendered(stamp.time(), stamp.frame(), size);
+    if (sample_.isEmpty()) sample_ = rendered(look_.time, 0, size);
+    return withComment(sample_, stamp.name());
+}
+
+QByteArray StorePages::rendered(const QDateTime& time, int frame, QSize size) const {
+    SkyScene scene = look_;
+    scene.time = time;
+    scene.frame = static_cast<quint64>(frame);
+    scene.size = size;
+    return padded(renderer_.jpeg(scene), options_.storedSize);
 }
 
 void StorePages::switchRecording(bool on, const QDateTime& clock) {

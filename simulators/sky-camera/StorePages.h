@@ -19,9 +19,11 @@ struct StoreOptions {
     int storedEvery = 0;
     /// Stored pictures have at least so many bytes; comments fill them up.
     qsizetype storedSize = 0;
-    /// Width and height of a stored picture; empty for those of the live picture. Small ones render
-    /// fast: with `storedSize`, for whoever measures transfers.
+    /// Width and height of a stored picture; empty for those of the live picture.
     QSize storedPictureSize;
+    /// One rendering serves for all stored pictures; their names in a comment tell them apart. For
+    /// whoever measures transfers: rendering takes milliseconds.
+    bool storedOnce = false;
     /// Search pages ignore "maxnum" and list everything.
     bool listAll = false;
 };
@@ -46,6 +48,8 @@ class StorePages {
   private:
     HttpReply search(const HttpRequest& request, const Fault& fault, const QDateTime& clock);
     HttpReply picture(Stamp stamp, const Fault& fault);
+    QByteArray jpeg(Stamp stamp, QSize size);
+    QByteArray rendered(const QDateTime& time, int frame, QSize size) const;
     std::vector<Stamp> lastHour(const QDateTime& clock) const;
     std::vector<Stamp> missingFrom(const QDateTime& time, qsizetype count) const;
 
@@ -55,6 +59,8 @@ class StorePages {
     Store store_;
     Recorder recorder_;
     QByteArray lastPicture_;
+    /// The one rendering of `storedOnce`; empty before the first picture.
+    QByteArray sample_;
     quint64 searches_ = 0;
 };
 
