@@ -30,6 +30,7 @@ QByteArray withComment(const QByteArray& jpeg, const QByteArray& text) {
 }
 
 QByteArray padded(const QByteArray& jpeg, qsizetype bytes) {
+    if (jpeg.size() >= bytes) return jpeg;
     QByteArray comments;
     while (jpeg.size() + comments.size() < bytes) {
         const qsizetype missing = bytes - jpeg.size() - comments.size() - kHeadBytes;
