@@ -42,8 +42,15 @@ QByteArray nameOf(const QDateTime& time, const char* frame = "00") {
     return time.toString("yyyyMMdd_HHmmss").toLatin1() + '_' + frame + ".jpg";
 }
 
-QByteArray pathOf(const QByteArray& name) {
-    return "record/" + name.left(8) + '/' + name;
+/// The markers of a JPEG file, each found where the length of the one before says; up to the scan.
+QByteArray segmentsUpToScan(const QByteArray& jpeg) {
+    QByteArray markers;
+    for (qsizetype at = 2;
+         at + 4 < jpeg.size() && jpeg[at] == '\xFF' && !markers.endsWith('\xDA');) {
+        markers += jpeg[at + 1];
+        at += 2 + jpeg.mid(at + 2, 2).toHex().toInt(nullptr, 16);
+    }
+    return markers;
 }
 
 /// A camera whose PC's clock stands until a test moves it.
@@ -213,6 +220,7 @@ TEST_F(SkyCameraStore, SettingTheClockRecordsNothing) {
     EXPECT_EQ(camera_->status().picturesHeld, 3);
     // The same minutes once more: the same seconds, other frames.
     setClock(QDateTime(QDate(2006, 11, 15), QTime(9, 30, 0)));
+    EXPECT_EQ(fetch(kSearch).body, "NO_DATA\n");
     pcTime_ = pcTime_.addSecs(60);
     const QList<QByteArray> names =
         search(QDateTime(QDate(2006, 11, 15), QTime(9, 30)), 100).names();
@@ -231,6 +239,8 @@ TEST_F(SkyCameraStore, NeverHoldsMoreThanItCan) {
     EXPECT_EQ(search(end, 2).names(), QList<QByteArray>{nameOf(end)});
     pcTime_ = end.addSecs(5);
     EXPECT_EQ(camera_->status().picturesHeld, Store::kCapacity);
+    EXPECT_EQ(search(end.addYears(-1), 1).names().front(),
+              nameOf(end.addSecs(6 - Store::kCapacity)));
 }
 
 TEST_F(SkyCameraStore, PicturesOfTheirMoment) {
@@ -277,7 +287,8 @@ TEST_F(SkyCameraStore, SizeOfStoredPictures) {
             EXPECT_LT(body.size(), bytes + 2'000);
             EXPECT_EQ(QImage::fromData(body, "JPG").size(), QSize(64, 48));
             EXPECT_EQ(body.mid(6, 4), "Exif");
-            EXPECT_TRUE(body.endsWith("\xFF\xD9"));
+            EXPECT_EQ(segmentsUpToScan(body).last(1), "\xDA");
+            start(sized);
             EXPECT_NE(fetch("/record/20061115/20061115_092807_00.jpg").body, body);
             EXPECT_EQ(fetch("/record/20061115/20061115_092907_00.jpg").body, body);
         }
@@ -328,7 +339,7 @@ TEST_F(SkyCameraStore, ListsOfMissingPicturesGoOnForEver) {
         for (const QByteArray& name : names) {
             EXPECT_GE(name, nameOf(from));
             EXPECT_EQ(name.size(), 22);
-            EXPECT_EQ(fetch('/' + pathOf(name)).status(), 404);
+            EXPECT_EQ(fetch("/record/" + name.left(8) + '/' + name).status(), 404);
         }
     }
     EXPECT_EQ(fetch(kSearch).names().size(), 100);

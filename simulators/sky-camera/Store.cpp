@@ -12,7 +12,7 @@ void Store::add(const QDateTime& time) {
         ++stamp.digits;
     }
     stamps_.insert(place, stamp);
-    if (size() > kCapacity) stamps_.erase(stamps_.begin());
+    if (size() > kCapacity) stamps_.pop_front();
 }
 
 bool Store::holds(Stamp stamp) const {

@@ -2,6 +2,7 @@
 
 #include "simulators/sky-camera/Stamp.h"
 
+#include <deque>
 #include <vector>
 
 namespace skycamera {
@@ -22,7 +23,8 @@ class Store {
     qsizetype size() const { return static_cast<qsizetype>(stamps_.size()); }
 
   private:
-    std::vector<Stamp> stamps_;
+    /// Grows at one end and, when full, shrinks at the other.
+    std::deque<Stamp> stamps_;
 };
 
 } // namespace skycamera
