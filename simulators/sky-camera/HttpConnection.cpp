@@ -12,6 +12,8 @@ using namespace std::chrono_literals;
 namespace {
 
 constexpr qint64 kReadBufferBytes = 32 * 1024;
+/// What the socket is given at a time: a large body must not lie in memory twice.
+constexpr qsizetype kSliceBytes = 256 * 1024;
 constexpr auto kIdleLimit = 60s;
 /// Time for the first half of a body to reach the client before the reset overtakes it.
 constexpr auto kResetDelay = 30ms;
@@ -109,7 +111,8 @@ void HttpConnection::sendChunk() {
     const qsizetype left = bodyBytesToSend() - sent_;
     const int rate = reply_.delivery.bytesPerSecond;
     const qsizetype chunk =
-        rate > 0 ? std::max<qsizetype>(1, rate / static_cast<int>(1s / kDripInterval)) : left;
+        rate > 0 ? std::max<qsizetype>(1, rate / static_cast<int>(1s / kDripInterval))
+                 : kSliceBytes;
     const qsizetype now = std::min(left, chunk);
     socket_->write(reply_.body.constData() + sent_, now);
     sent_ += now;
@@ -118,8 +121,11 @@ void HttpConnection::sendChunk() {
 
 void HttpConnection::answerWritten() {
     idleTimer_.start();
-    if (state_ != State::Answering || socket_->bytesToWrite() > 0 || sent_ < bodyBytesToSend())
+    if (state_ != State::Answering || socket_->bytesToWrite() > 0) return;
+    if (sent_ < bodyBytesToSend()) {
+        if (!sendTimer_.isActive()) sendChunk();
         return;
+    }
     sendTimer_.stop();
     reply_.body.clear();
     switch (reply_.delivery.end) {
