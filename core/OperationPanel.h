@@ -69,6 +69,7 @@ struct OperationPanel {
     std::array<FolderList, 2> Dir1; ///< 0 the data folder, 1 the folder that is looked through
     std::array<Frame, 2> Frame3;    ///< 1 encloses the data folder's controls
     TextBox txt_find;               ///< what to look for in file names
+    Button cmd_find;
     Value<std::vector<std::filesystem::path>> lst_found;
     Label lbl_found; ///< how many were found
 

@@ -49,6 +49,8 @@ frmMain::frmMain(Parts parts)
     parts_.views.attach(area_, strip);
     connect(strip, &ThumbnailStrip::opened, this,
             [this](const std::filesystem::path& file) { parts_.views.openImage(file); });
+    connect(operation_, &frmOperation::imageWanted, this,
+            [this](const std::filesystem::path& file) { parts_.views.openImage(file); });
     connect(operation_, &frmOperation::pictureWanted, this, [this] { parts_.views.wantLatest(); });
     connect(qGuiApp, &QGuiApplication::commitDataRequest, this,
             [this] { sessionEnd_.setRemainingTime(kSessionEnd); });

@@ -12,6 +12,7 @@
 
 class QGroupBox;
 class QHBoxLayout;
+class QTabWidget;
 
 namespace orvane {
 
@@ -40,8 +41,12 @@ class frmOperation : public QWidget {
   signals:
     /// The operator asked for the camera's picture.
     void pictureWanted();
+    /// The operator wants to see `file`.
+    void imageWanted(const std::filesystem::path& file);
 
   private:
+    static void addPage(QTabWidget& pages, const QString& title, const QString& tip,
+                        std::initializer_list<QWidget*> groups);
     QWidget* statusGroup();
     QWidget* scheduleGroup();
     QWidget* recordingButtons();
