@@ -297,7 +297,7 @@ QWidget* frmOperation::cameraGroup() {
         controls_.button({"Command7", "Camera recording &off", "Ends the camera's own recording."},
                          panel.Command7, [&camera] { camera.Command7_Click(); })));
     column->addLayout(
-        pair(controls_.button({"Command8", "Test fetc&h",
+        pair(controls_.button({"Command8", "Test fetch",
                                "Fetches the camera's picture once, to see whether it answers."},
                               panel.Command8,
                               [this] {
