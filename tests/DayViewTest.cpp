@@ -46,7 +46,8 @@ class Band : public testing::Test {
         return event.isAccepted() ? QToolTip::text() : QString(); // a tip fades slowly
     }
     QColor colourAt(const QPointF& place) {
-        return band.grab().toImage().pixelColor(place.toPoint());
+        const QImage image = band.grab().toImage();
+        return image.pixelColor((place * image.devicePixelRatio()).toPoint());
     }
 
     JumpingClock clock{at(2006, 11, 15)};

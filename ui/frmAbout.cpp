@@ -4,7 +4,7 @@
 
 #include <QApplication>
 #include <QFrame>
-#include <QGridLayout>
+#include <QHBoxLayout>
 #include <QIcon>
 #include <QLabel>
 #include <QPushButton>
@@ -71,23 +71,28 @@ frmAbout::frmAbout(Parts parts, QWidget* parent) : QDialog(parent), parts_(parts
     auto* title = heading("lblTitle", "Application", 1.8);
     title->setMinimumWidth(fontMetrics().averageCharWidth() * 44);
     auto* texts = new QVBoxLayout;
+    texts->setSpacing(4);
     texts->addWidget(title);
     texts->addWidget(heading("lblVersion", "Version", 1.0));
     texts->addWidget(label("lblDescription"));
+    auto* top = new QHBoxLayout;
+    top->setSpacing(16);
+    top->addWidget(icon(*this), 0, Qt::AlignTop);
+    top->addLayout(texts, 1);
     auto* buttons = new QHBoxLayout;
+    buttons->setSpacing(8);
     buttons->addStretch();
     buttons->addWidget(ok);
     buttons->addWidget(system);
-    auto* grid = new QGridLayout(this);
-    grid->setContentsMargins(20, 20, 20, 16);
-    grid->setHorizontalSpacing(16);
-    grid->addWidget(icon(*this), 0, 0, Qt::AlignTop);
-    grid->addLayout(texts, 0, 1);
-    grid->addWidget(line("Line1_0"), 1, 0, 1, 2);
-    grid->addWidget(label("lblDisclaimer"), 2, 0, 1, 2);
-    grid->addWidget(line("Line1_1"), 3, 0, 1, 2);
-    grid->addLayout(buttons, 4, 0, 1, 2);
-    grid->setSizeConstraint(QLayout::SetFixedSize);
+    auto* rows = new QVBoxLayout(this);
+    rows->setContentsMargins(20, 20, 20, 16);
+    rows->setSpacing(12);
+    rows->addLayout(top);
+    rows->addWidget(line("Line1_0"));
+    rows->addWidget(label("lblDisclaimer"));
+    rows->addWidget(line("Line1_1"));
+    rows->addLayout(buttons);
+    rows->setSizeConstraint(QLayout::SetFixedSize);
     Form_Load();
 }
 
