@@ -1,5 +1,6 @@
 #include "core/SystemInformation.h"
 #include "tests/support/TestWindow.h"
+#include "ui/QtOperator.h"
 #include "ui/frmAbout.h"
 
 #include <QLabel>
@@ -112,6 +113,25 @@ TEST_F(About, TheSystemButtonTellsThatThereIsNoTool) {
     QTest::keyClick(w.main.findChild<QWidget*>("frmAbout"), Qt::Key_Escape);
     clock.run(2s); // the message is closed after the about box
     EXPECT_TRUE(closed());
+}
+
+/// A window manager gives the keys back to the window that a closed box stood before; the main
+/// window is blocked and must not get them.
+TEST(AboutTest, AMessageStandsBeforeTheDialogInUse) {
+    JumpingClock clock(at(2006, 11, 15));
+    QtOperator op(clock);
+    Window w(op);
+    op.setParentWindow(&w.main);
+    w.main.findChild<QAction*>("mnuHelpAbout")->trigger();
+    auto* about = w.main.findChild<frmAbout*>("frmAbout");
+    ASSERT_TRUE(about != nullptr && QTest::qWaitForWindowActive(about));
+    click(*about, "cmdSysInfo");
+    ASSERT_NE(openBox(), nullptr);
+    EXPECT_EQ(openBox()->parentWidget(), about);
+    QTest::keyClick(openBox(), Qt::Key_Escape);
+    clock.run(1s);
+    EXPECT_EQ(openBox(), nullptr);
+    EXPECT_TRUE(about->isVisible());
 }
 
 } // namespace
