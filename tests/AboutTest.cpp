@@ -124,7 +124,9 @@ TEST(AboutTest, AMessageStandsBeforeTheDialogInUse) {
     op.setParentWindow(&w.main);
     w.main.findChild<QAction*>("mnuHelpAbout")->trigger();
     auto* about = w.main.findChild<frmAbout*>("frmAbout");
-    ASSERT_TRUE(about != nullptr && QTest::qWaitForWindowActive(about));
+    ASSERT_NE(about, nullptr);
+    about->activateWindow();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return QApplication::activeWindow() == about; }));
     click(*about, "cmdSysInfo");
     ASSERT_NE(openBox(), nullptr);
     EXPECT_EQ(openBox()->parentWidget(), about);

@@ -94,9 +94,9 @@ TEST_F(Band, EveryMarkHasItsToolTip) {
 TEST_F(Band, ArrowKeysGoFromMarkToMark) {
     band.setFocus();
     QTest::keyClick(&band, Qt::Key_Right);
-    EXPECT_EQ(QToolTip::text(), "09:00 - taken");
-    QTest::keyClick(&band, Qt::Key_Right);
-    EXPECT_EQ(QToolTip::text(), "09:30 - fetched from the camera's store");
+    EXPECT_EQ(QToolTip::text(), "10:30 - to come") << "the first after the present time, 10:10";
+    QTest::keyClick(&band, Qt::Key_Left);
+    EXPECT_EQ(QToolTip::text(), "10:00 - missed");
     EXPECT_TRUE(band.accessibleDescription().endsWith(QToolTip::text()));
     QTest::keyClick(&band, Qt::Key_End);
     QTest::keyClick(&band, Qt::Key_Right);

@@ -58,6 +58,13 @@ int DayView::selected() const {
     return found == marks_.end() ? -1 : static_cast<int>(found - marks_.begin());
 }
 
+/// How many marks lie before the line of the present time, where the keyboard starts from.
+int DayView::marksBeforeNow() const {
+    const int now = overview_.minuteOfDay();
+    return static_cast<int>(
+        std::ranges::count_if(marks_, [now](const DayMark& mark) { return mark.first <= now; }));
+}
+
 void DayView::select(int index) {
     const auto mark = static_cast<std::size_t>(index);
     selectedMinute_ = marks_[mark].first;
@@ -91,10 +98,10 @@ void DayView::keyPressEvent(QKeyEvent* event) {
     int index = present;
     switch (event->key()) {
     case Qt::Key_Left:
-        index = present < 0 ? last : std::max(present - 1, 0);
+        index = std::max((present < 0 ? marksBeforeNow() : present) - 1, 0);
         break;
     case Qt::Key_Right:
-        index = std::min(present + 1, last);
+        index = std::min(present < 0 ? marksBeforeNow() : present + 1, last);
         break;
     case Qt::Key_Home:
         index = 0;

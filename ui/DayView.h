@@ -45,6 +45,7 @@ class DayView : public QWidget {
     void describe();
     void select(int index);
     int selected() const;
+    int marksBeforeNow() const;
 
     DayOverview overview_;
     RepeatingTimer timer_;
