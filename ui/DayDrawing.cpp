@@ -176,7 +176,8 @@ void DayDrawing::drawSunTime(int minute, bool rising) {
     const QRectF place(left ? x - gap - width : x + gap, layout_.sun.top() + 1, width,
                        layout_.unit);
     painter_.setPen(colours_.ink);
-    painter_.drawText(place, Qt::AlignVCenter | (left ? Qt::AlignRight : Qt::AlignLeft), text);
+    const Qt::AlignmentFlag side = left ? Qt::AlignRight : Qt::AlignLeft;
+    painter_.drawText(place, Qt::AlignVCenter | side, text);
 }
 
 void DayDrawing::drawWindow(int begin, int end) {
