@@ -177,7 +177,7 @@ void DayDrawing::drawSunTime(int minute, bool rising) {
                        layout_.unit);
     painter_.setPen(colours_.ink);
     const Qt::AlignmentFlag side = left ? Qt::AlignRight : Qt::AlignLeft;
-    painter_.drawText(place, Qt::AlignVCenter | side, text);
+    painter_.drawText(place, static_cast<int>(Qt::AlignVCenter | side), text);
 }
 
 void DayDrawing::drawWindow(int begin, int end) {
