@@ -88,7 +88,10 @@ class Program {
             busy_,
             shutdown_,
             views_,
-            {portSelection_, timeForm_, timeSetting_, optionForm_, options_}});
+            {portSelection_, timeForm_, timeSetting_, optionForm_, options_},
+            clock_,
+            op_,
+            *systemInfo_});
         op_.setParentWindow(main_.get());
         main_->show();
         warningWindow_ = std::make_unique<Frm_massege>(warnings_, main_.get());
@@ -129,6 +132,7 @@ class Program {
     std::unique_ptr<SerialPort> MSComm1_ =
         makeSerialPort([this](int port) { return devicePath(port); });
     LibjpegImageControl imageControl_{clock_};
+    std::unique_ptr<SystemInfo> systemInfo_ = makeSystemInfo();
     QtOperator op_{clock_};
 
     Module1 module_;

@@ -1,10 +1,12 @@
 #include "ui/frmMain.h"
 
+#include "ui/DayView.h"
 #include "ui/FrmComPort.h"
 #include "ui/FrmSave.h"
 #include "ui/FrmTKRTimeAuto.h"
 #include "ui/PanelScroll.h"
 #include "ui/Text.h"
+#include "ui/frmAbout.h"
 #include "ui/frmOption.h"
 
 #include <QCloseEvent>
@@ -35,9 +37,12 @@ frmMain::frmMain(Parts parts)
     pictures->addWidget(area_, 1);
     pictures->addWidget(strip);
     auto* content = new QWidget;
-    auto* row = new QHBoxLayout(content);
-    row->setContentsMargins(0, 0, 0, 0);
-    row->setSpacing(0);
+    auto* rows = new QVBoxLayout(content);
+    rows->setContentsMargins(0, 0, 0, 0);
+    rows->setSpacing(0);
+    auto* row = new QHBoxLayout;
+    rows->addLayout(row, 1);
+    rows->addWidget(new DayView({parts_.module, parts_.operation.panel, parts_.clock}));
     row->addWidget(new PanelScroll(*operation_));
     row->addLayout(pictures, 1);
     setCentralWidget(content);
@@ -45,6 +50,7 @@ frmMain::frmMain(Parts parts)
     addFileMenu();
     addToolsMenu();
     addWindowMenu();
+    addHelpMenu();
     bindings_.follow(parts_.busy.mnuFileOpen, [this](bool on) { followBusy(on); });
     parts_.views.attach(area_, strip);
     connect(strip, &ThumbnailStrip::opened, this,
@@ -126,6 +132,14 @@ void frmMain::addWindowMenu() {
             &QAction::triggered, area_, &QMdiArea::closeAllSubWindows);
     windows->addSeparator();
     connect(windows, &QMenu::aboutToShow, this, [this, windows] { listWindows(*windows); });
+}
+
+void frmMain::addHelpMenu() {
+    QMenu* help = menuBar()->addMenu("&Help");
+    help->setObjectName("mnuHelp");
+    help->setToolTipsVisible(true);
+    connect(addAction(*help, "mnuHelpAbout", "&About...", "Shows the program's version."),
+            &QAction::triggered, this, &frmMain::mnuHelpAbout_Click);
 }
 
 void frmMain::listWindows(QMenu& menu) {
@@ -211,6 +225,12 @@ void frmMain::mnuTKROption_Click() {
     if (option_ == nullptr)
         option_ = new frmOption(tracker.optionForm, tracker.options, parts_.operation.tasks, this);
     option_->open();
+}
+
+void frmMain::mnuHelpAbout_Click() {
+    auto* dialog = new frmAbout({parts_.systemInfo, parts_.op, parts_.operation.tasks}, this);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->open();
 }
 
 void frmMain::closeEvent(QCloseEvent* event) {

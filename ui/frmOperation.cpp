@@ -309,7 +309,7 @@ QWidget* frmOperation::cameraGroup() {
         controls_.button({"Command7", "Camera recording &off", "Ends the camera's own recording."},
                          panel.Command7, [&camera] { camera.Command7_Click(); })));
     column->addLayout(sideBySide(
-        controls_.button({"Command8", "Test fetc&h",
+        controls_.button({"Command8", "T&est fetch",
                           "Fetches the camera's picture once, to see whether it answers."},
                          panel.Command8,
                          [this] {

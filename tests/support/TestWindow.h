@@ -1,5 +1,6 @@
 #pragma once
 
+#include "tests/support/FakeSystemInfo.h"
 #include "tests/support/TestStation.h"
 #include "ui/frmMain.h"
 
@@ -51,7 +52,10 @@ struct Window : TestStation {
                 busy,
                 shutdown,
                 pictures,
-                {portSelection, timeForm, timeSetting, optionForm, options}}) {
+                {portSelection, timeForm, timeSetting, optionForm, options},
+                clock,
+                asked,
+                systemInfo}) {
         settings.initOperation();
         recording.ready();
         show(main);
@@ -60,6 +64,7 @@ struct Window : TestStation {
 
     int ended = 0;
     QtImageViews pictures;
+    FakeSystemInfo systemInfo;
     Shutdown shutdown;
     frmMain main;
 };
