@@ -368,7 +368,8 @@ TEST_F(Ui, CountdownExits) {
 
 TEST_F(Ui, ThumbnailsAreDecodedOnce) {
     TempFolder folder;
-    ThumbnailStrip strip;
+    PictureLoader loader(clock);
+    ThumbnailStrip strip(loader);
     ThumbnailStrip::History history;
     const auto file = [&](int hour) {
         return folder.path() / ("20061115_" + std::to_string(hour) + "3000_00.jpg");
@@ -378,6 +379,7 @@ TEST_F(Ui, ThumbnailsAreDecodedOnce) {
         ASSERT_TRUE(writePicture(file(20 - i), Qt::red, {800, 600}));
     }
     strip.showHistory(history);
+    clock.run(1s);
     auto& newest = find<Thumbnail>(strip, "thumbnail_0");
     EXPECT_LE(newest.picture().width(), 100) << "kept small";
 
@@ -388,6 +390,8 @@ TEST_F(Ui, ThumbnailsAreDecodedOnce) {
     history[0].path = file(21);
     ASSERT_TRUE(writePicture(file(21), Qt::blue));
     strip.showHistory(history);
+    clock.run(1s);
+    EXPECT_EQ(loader.decodeCount(), 11);
     EXPECT_EQ(strip.findChildren<Thumbnail*>().size(), 10);
     EXPECT_GT(newest.picture().toImage().pixelColor(5, 5).blue(), 200);
     for (int i = 1; i < 10; ++i) {
@@ -411,10 +415,11 @@ TEST_F(Ui, PictureWindows) {
     w.pictures.showLatest(picture);
     w.pictures.showLive("no picture");
     w.pictures.showLatest(picture);
+    w.clock.run(1s);
     ASSERT_EQ(count(), 1);
     auto* latest = w.main.findChild<ImageWindow*>("frmLatest");
-    EXPECT_LE(latest->picture().width(), QGuiApplication::primaryScreen()->size().width());
-    EXPECT_FALSE(latest->picture().isNull());
+    EXPECT_LE(latest->view().picture().width(), QGuiApplication::primaryScreen()->size().width());
+    EXPECT_TRUE(latest->hasPicture());
 
     delete latest->parentWidget();
     w.pictures.showLatest(picture);

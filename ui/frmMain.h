@@ -78,7 +78,7 @@ class frmMain : public QMainWindow {
 
     Parts parts_;
     frmOperation* operation_;
-    QMdiArea* area_;
+    PictureArea* area_;
     // Each is made on first use and only hidden when it closes: a value has one observer, so no
     // second dialog may follow it before the first has gone.
     FrmComPort* comPort_ = nullptr;
