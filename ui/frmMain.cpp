@@ -41,6 +41,7 @@ frmMain::frmMain(Parts parts)
 
     addFileMenu();
     addToolsMenu();
+    addImageMenu();
     addWindowMenu();
     bindings_.follow(parts_.busy.mnuFileOpen, [this](bool on) { followBusy(on); });
     parts_.views.attach(area_, strip);
@@ -85,10 +86,13 @@ void frmMain::addFileMenu() {
     connect(options, &QAction::triggered, this, &frmMain::mnuFileSaveOptions_Click);
     connect(exit, &QAction::triggered, this, &frmMain::mnuFileExit_Click);
     idleActions_ << open;
+    saveAs_ = saveAs;
+}
 
+void frmMain::addImageMenu() {
     QMenu* image = menuBar()->addMenu("&Image");
     image->setObjectName("mnuImage");
-    new ImageMenu(*saveAs, *image, *area_, parts_.views);
+    new ImageMenu(*saveAs_, *image, *area_, parts_.views);
 }
 
 void frmMain::addToolsMenu() {
