@@ -32,7 +32,7 @@ void QtImageViews::showLive(const std::string& jpeg) {
 
 void QtImageViews::openLatest(const std::filesystem::path& file) {
     if (area_ == nullptr) return;
-    if (latestFile_.empty()) latestFile_ = file;
+    if (latestFile_.empty()) latestFile_ = file.empty() ? module_.thumbnails[0].path : file;
     const bool wasOpen = latest_ != nullptr;
     LatestWindow* window = latestWindow();
     area_->setActiveSubWindow(qobject_cast<QMdiSubWindow*>(window->parentWidget()));

@@ -32,7 +32,8 @@ class QtImageViews final : public ImageViews {
     /// pictures leave it closed until one is asked for: by `wantLatest` or `openLatest`.
     void wantLatest() { latestWanted_ = true; }
 
-    /// Brings the latest-image window to the front, with `file` when nothing was shown in it yet.
+    /// Brings the latest-image window to the front, with `file` when nothing was shown in it yet;
+    /// without a `file`, with the newest picture of an earlier run.
     void openLatest(const std::filesystem::path& file);
     /// Opens a window for each of `files`, processed as the options say, or brings the one that
     /// shows it to the front; a dated folder's file gets its processed copy anew. Beyond the

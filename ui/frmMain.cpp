@@ -90,7 +90,7 @@ void frmMain::addFileMenu() {
 }
 
 void frmMain::addImageMenu() {
-    QMenu* image = menuBar()->addMenu("&Image");
+    QMenu* image = menuBar()->addMenu("Pict&ure");
     image->setObjectName("mnuImage");
     new ImageMenu(*saveAs_, *image, *area_, parts_.views);
 }

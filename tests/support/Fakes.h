@@ -154,7 +154,10 @@ class FakeViews final : public ImageViews {
         latest = file;
         if (shown != nullptr) shown->showLatest(file);
     }
-    void showLive(const std::string&) override { ++live; }
+    void showLive(const std::string& jpeg) override {
+        ++live;
+        if (shown != nullptr) shown->showLive(jpeg);
+    }
 
     ImageViews* shown = nullptr; ///< real views that show the pictures as well
     std::filesystem::path newest;
