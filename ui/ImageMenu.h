@@ -10,8 +10,8 @@ class QMenu;
 
 namespace orvane {
 
-/// "Save As" of the menu "File" and the menu "Picture": what can be done with the picture window that
-/// is in front. An entry is enabled only when it applies.
+/// "Save As" of the menu "File" and the menu "Picture": what can be done with the picture window
+/// that is in front. An entry is enabled only when it applies.
 class ImageMenu : public QObject {
     Q_OBJECT
 

@@ -26,16 +26,6 @@ QString bytesText(qint64 bytes) {
     return QLocale::c().formattedDataSize(bytes, 1, QLocale::DataSizeTraditionalFormat);
 }
 
-std::string textOf(const std::exception_ptr& fault) {
-    try {
-        std::rethrow_exception(fault);
-    } catch (const std::exception& error) {
-        return error.what();
-    } catch (...) {
-        return "unknown fault";
-    }
-}
-
 } // namespace
 
 ImageWindow::ImageWindow(ImageServices& services, QWidget* parent)
@@ -140,7 +130,7 @@ void ImageWindow::step(bool forward) {
 }
 
 void ImageWindow::copy() {
-    if (hasPicture()) tasks_.spawn(load(Purpose::Copy, source_, view_->rectangle()));
+    if (hasPicture()) copying_.spawn(load(Purpose::Copy, source_, view_->rectangle()));
 }
 
 void ImageWindow::trim() {

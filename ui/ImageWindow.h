@@ -40,7 +40,6 @@ class ImageWindow : public QWidget {
     PictureView& view() { return *view_; }
     const PictureView& view() const { return *view_; }
     bool hasPicture() const { return view_->hasPicture(); }
-    bool isLoading() const { return tasks_.running() > 0; }
     /// Whether it shows a whole file of a folder, from which `step` can go on.
     virtual bool canStep() const;
     /// Shows the next or previous picture of the file's folder.
@@ -85,7 +84,10 @@ class ImageWindow : public QWidget {
     bool keepsJpeg_ = false;
     bool fullLoading_ = false;
     bool fullFailed_ = false;
-    TaskGroup tasks_; ///< last: its tasks use everything above
+    // Last: their tasks use everything above. The next picture ends the loading of the one before,
+    // but not the copying.
+    TaskGroup copying_;
+    TaskGroup tasks_;
 };
 
 } // namespace orvane

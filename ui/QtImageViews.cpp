@@ -9,7 +9,10 @@
 namespace orvane {
 
 QtImageViews::QtImageViews(Clock& clock, Operator& op, const Module1& module)
-    : op_(op), clock_(clock), module_(module), loader_(clock) {}
+    : op_(op), clock_(clock), module_(module), loader_(clock),
+      tasks_([this](const std::exception_ptr& fault) {
+          tasks_.spawn(op_.tell("A fault occurred: " + textOf(fault)));
+      }) {}
 
 void QtImageViews::attach(PictureArea* area, ThumbnailStrip* strip) {
     area_ = area;
