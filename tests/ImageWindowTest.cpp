@@ -1,7 +1,5 @@
-#include "platform/qt/JpegDecoder.h"
 #include "tests/support/TestPictures.h"
 #include "tests/support/TestWindow.h"
-#include "ui/PictureAge.h"
 #include "ui/PictureFolder.h"
 #include "ui/Text.h"
 
@@ -303,6 +301,24 @@ TEST_F(ImageWindows, FaultyFilesAreTold) {
     EXPECT_TRUE(op.told.empty());
 }
 
+TEST_F(ImageWindows, ClosingWhileLoadingFreesTheLoader) {
+    const auto file = write("a.jpg");
+    w.pictures.openImages({file, write("b.jpg")});
+    int steps = 0;
+    w.clock.runUntil([&] { return ++steps > 4; }, 1s); // in the middle of the first
+    EXPECT_FALSE(windows().first()->hasPicture());
+    delete windows().first()->parentWidget();
+    w.clock.run(1s);
+    ASSERT_EQ(windows().size(), 1);
+    EXPECT_TRUE(windows().first()->hasPicture());
+    windows().first()->step(false);
+    w.pictures.openFiled(file); // shown by the one that is still loading it
+    delete windows().first()->parentWidget();
+    w.clock.run(1s);
+    EXPECT_TRUE(windows().isEmpty());
+    EXPECT_TRUE(open(file).hasPicture());
+}
+
 TEST_F(ImageWindows, EntriesFollowTheWindowInFront) {
     EXPECT_FALSE(action("mnuViewZoomIn").isEnabled());
     open(write("20061115_093000_00.jpg", 64, 48));
@@ -377,25 +393,6 @@ TEST_F(ImageWindows, ArrowKeysWalkTheThumbnails) {
     QTest::keyClick(&third, Qt::Key_Return);
     w.clock.run(1s);
     EXPECT_EQ(windows().size(), 1);
-}
-
-TEST(PictureDecoder, DecodesNoMorePixelsThanTheBoundNeeds) {
-    const struct {
-        QSize picture, bound, decoded;
-    } cases[] = {
-        {{800, 600}, {400, 400}, {400, 300}}, {{800, 600}, {90, 90}, {100, 75}},
-        {{800, 600}, {101, 76}, {200, 150}},  {{800, 600}, {2000, 2000}, {800, 600}},
-        {{600, 800}, {400, 400}, {300, 400}}, {{801, 3}, {100, 100}, {101, 1}},
-    };
-    for (const auto& [picture, bound, expected] : cases) {
-        JpegDecoder decoder(encoded(gradient(picture.width(), picture.height())), bound);
-        ASSERT_TRUE(decoder.begin());
-        EXPECT_EQ(decoder.fullSize(), picture);
-        while (decoder.more())
-            ASSERT_TRUE(decoder.decodeSlice());
-        const QImage pixels = decoder.take().pixels;
-        EXPECT_EQ(pixels.size(), expected) << picture.width() << " in " << bound.width();
-    }
 }
 
 } // namespace
