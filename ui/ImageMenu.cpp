@@ -37,11 +37,11 @@ ImageMenu::ImageMenu(QAction& saveAs, QMenu& image, PictureArea& area, QtImageVi
 
 template <class Command>
 void ImageMenu::add(QMenu& menu, const char* name, const QString& caption, const QString& tip,
-                    const QKeySequence& keys, Needs needs, Command command) {
+                    const QList<QKeySequence>& keys, Needs needs, Command command) {
     QAction* action = menu.addAction(caption);
     action->setObjectName(name);
     action->setToolTip(tip);
-    action->setShortcut(keys);
+    action->setShortcuts(keys);
     connect(action, &QAction::triggered, this, [this, command] {
         if (window_ != nullptr) command(*window_);
     });
@@ -51,25 +51,27 @@ void ImageMenu::add(QMenu& menu, const char* name, const QString& caption, const
 void ImageMenu::addEntries(QMenu& image) {
     image.setToolTipsVisible(true);
     add(image, "mnuEditCopy", "&Copy", "Copies the picture, or the marked rectangle.",
-        QKeySequence::Copy, Needs::Picture, [](ImageWindow& window) { window.copy(); });
-    add(image, "mnuEditTrim", "&Trim", "Opens the marked rectangle as a picture of its own.",
-        Qt::CTRL | Qt::Key_I, Needs::Picture, [](ImageWindow& window) { window.trim(); });
+        {QKeySequence::Copy}, Needs::Picture, [](ImageWindow& window) { window.copy(); });
+    add(image, "mnuEditTrim", "&Trim",
+        "Lets a rectangle be marked, then opens it as a picture of its own.",
+        {Qt::CTRL | Qt::Key_I}, Needs::Picture, [](ImageWindow& window) { window.trim(); });
     image.addSeparator();
-    add(image, "mnuViewZoomIn", "Zoom &In", "Enlarges the picture.", Qt::CTRL | Qt::Key_Plus,
-        Needs::Picture, [](ImageWindow& window) { window.view().zoomIn(); });
+    add(image, "mnuViewZoomIn", "Zoom &In", "Enlarges the picture.",
+        {Qt::CTRL | Qt::Key_Plus, Qt::CTRL | Qt::Key_Equal}, Needs::Picture,
+        [](ImageWindow& window) { window.view().zoomIn(); });
     add(image, "mnuViewZoomOut", "Zoom &Out", "Shows more of the picture.",
-        Qt::CTRL | Qt::Key_Minus, Needs::Picture,
+        {Qt::CTRL | Qt::Key_Minus}, Needs::Picture,
         [](ImageWindow& window) { window.view().zoomOut(); });
-    add(image, "mnuViewFit", "&Fit to Window", "Shows the whole picture.", Qt::CTRL | Qt::Key_0,
+    add(image, "mnuViewFit", "&Fit to Window", "Shows the whole picture.", {Qt::CTRL | Qt::Key_0},
         Needs::Picture, [](ImageWindow& window) { window.view().zoomFit(); });
     add(image, "mnuViewActualSize", "&Actual Size", "Shows the picture's own pixels.",
-        Qt::CTRL | Qt::Key_1, Needs::Picture,
+        {Qt::CTRL | Qt::Key_1}, Needs::Picture,
         [](ImageWindow& window) { window.view().zoomActual(); });
     image.addSeparator();
     add(image, "mnuViewNext", "&Next Image", "Shows the folder's next picture.",
-        Qt::ALT | Qt::Key_Right, Needs::File, [](ImageWindow& window) { window.step(true); });
+        {Qt::ALT | Qt::Key_Right}, Needs::File, [](ImageWindow& window) { window.step(true); });
     add(image, "mnuViewPrevious", "&Previous Image", "Shows the folder's previous picture.",
-        Qt::ALT | Qt::Key_Left, Needs::File, [](ImageWindow& window) { window.step(false); });
+        {Qt::ALT | Qt::Key_Left}, Needs::File, [](ImageWindow& window) { window.step(false); });
 }
 
 /// The window in front; the active one is none while another program is in use.

@@ -24,7 +24,7 @@ class ImageMenu : public QObject {
 
     template <class Command>
     void add(QMenu& menu, const char* name, const QString& caption, const QString& tip,
-             const QKeySequence& keys, Needs needs, Command command);
+             const QList<QKeySequence>& keys, Needs needs, Command command);
     void addEntries(QMenu& image);
     void follow();
     void update();
