@@ -412,7 +412,9 @@ TEST_F(Ui, PictureWindows) {
     const auto count = [&] { return w.main.findChildren<ImageWindow*>().size(); };
     const auto picture = w.dataFolder() / "20061115_093000_00.jpg";
     ASSERT_TRUE(writePicture(picture, Qt::green, {4000, 3000}));
+    find<QLineEdit>(w.main, "txtIp").setFocus();
     w.pictures.showLatest(picture);
+    EXPECT_TRUE(find<QLineEdit>(w.main, "txtIp").hasFocus()) << "nobody is disturbed while typing";
     w.pictures.showLive("no picture");
     w.pictures.showLatest(picture);
     w.clock.run(1s);
@@ -426,6 +428,7 @@ TEST_F(Ui, PictureWindows) {
     EXPECT_EQ(count(), 0) << "a closed latest-image window stays closed";
     w.main.findChild<QAction*>("mnuFileLatest")->trigger();
     EXPECT_EQ(count(), 1);
+    EXPECT_TRUE(w.main.findChild<ImageWindow*>("frmLatest")->view().hasFocus()) << "asked for";
     w.pictures.openImage(w.dataFolder() / "gone.jpg");
     w.pictures.openImage(w.dataFolder() / "gone.jpg");
     EXPECT_EQ(count(), 2) << "one window for each file";

@@ -4,6 +4,7 @@
 #include "ui/PictureFolder.h"
 #include "ui/Text.h"
 
+#include <QApplication>
 #include <QStyle>
 
 namespace orvane {
@@ -39,6 +40,7 @@ void QtImageViews::openLatest(const std::filesystem::path& file) {
     const bool wasOpen = latest_ != nullptr;
     LatestWindow* window = latestWindow();
     area_->setActiveSubWindow(qobject_cast<QMdiSubWindow*>(window->parentWidget()));
+    window->setFocus();
     if (wasOpen) return;
     if (latestFile_.empty()) {
         window->showNone();
@@ -111,7 +113,10 @@ LatestWindow* QtImageViews::latestWindow() {
     QObject::connect(latest_, &ImageWindow::trimmed, area_,
                      [this](const PictureSource& part, const QString& name) { open(part, name); });
     latestWanted_ = false;
+    // A capture may open it: what somebody types must not end up in it.
+    const QPointer<QWidget> typedInto = QApplication::focusWidget();
     addWindow(latest_);
+    if (typedInto != nullptr) typedInto->setFocus();
     area_->fill(*qobject_cast<QMdiSubWindow*>(latest_->parentWidget()));
     return latest_;
 }
