@@ -139,7 +139,7 @@ class Program {
     OperationPanel panel_;
     Warnings warnings_;
     Busy busy_;
-    QtImageViews views_;
+    QtImageViews views_{clock_, op_, module_};
     ErrorLog log_{toPath(QCoreApplication::applicationDirPath()),
                   clock_,
                   {[this] { return panel_.Label7.caption.get(); },

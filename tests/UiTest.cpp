@@ -384,7 +384,8 @@ TEST_F(Ui, CountdownExits) {
 
 TEST_F(Ui, ThumbnailsAreDecodedOnce) {
     TempFolder folder;
-    ThumbnailStrip strip;
+    PictureLoader loader(clock);
+    ThumbnailStrip strip(loader);
     ThumbnailStrip::History history;
     const auto file = [&](int hour) {
         return folder.path() / ("20061115_" + std::to_string(hour) + "3000_00.jpg");
@@ -394,6 +395,7 @@ TEST_F(Ui, ThumbnailsAreDecodedOnce) {
         ASSERT_TRUE(writePicture(file(20 - i), Qt::red, {800, 600}));
     }
     strip.showHistory(history);
+    clock.run(1s);
     auto& newest = find<Thumbnail>(strip, "thumbnail_0");
     EXPECT_LE(newest.picture().width(), 100) << "kept small";
 
@@ -404,6 +406,8 @@ TEST_F(Ui, ThumbnailsAreDecodedOnce) {
     history[0].path = file(21);
     ASSERT_TRUE(writePicture(file(21), Qt::blue));
     strip.showHistory(history);
+    clock.run(1s);
+    EXPECT_EQ(loader.decodeCount(), 11);
     EXPECT_EQ(strip.findChildren<Thumbnail*>().size(), 10);
     EXPECT_GT(newest.picture().toImage().pixelColor(5, 5).blue(), 200);
     for (int i = 1; i < 10; ++i) {
@@ -424,19 +428,23 @@ TEST_F(Ui, PictureWindows) {
     const auto count = [&] { return w.main.findChildren<ImageWindow*>().size(); };
     const auto picture = w.dataFolder() / "20061115_093000_00.jpg";
     ASSERT_TRUE(writePicture(picture, Qt::green, {4000, 3000}));
+    find<QLineEdit>(w.main, "txtIp").setFocus();
     w.pictures.showLatest(picture);
+    EXPECT_TRUE(find<QLineEdit>(w.main, "txtIp").hasFocus()) << "nobody is disturbed while typing";
     w.pictures.showLive("no picture");
     w.pictures.showLatest(picture);
+    w.clock.run(1s);
     ASSERT_EQ(count(), 1);
     auto* latest = w.main.findChild<ImageWindow*>("frmLatest");
-    EXPECT_LE(latest->picture().width(), QGuiApplication::primaryScreen()->size().width());
-    EXPECT_FALSE(latest->picture().isNull());
+    EXPECT_LE(latest->view().picture().width(), QGuiApplication::primaryScreen()->size().width());
+    EXPECT_TRUE(latest->hasPicture());
 
     delete latest->parentWidget();
     w.pictures.showLatest(picture);
     EXPECT_EQ(count(), 0) << "a closed latest-image window stays closed";
     w.main.findChild<QAction*>("mnuFileLatest")->trigger();
     EXPECT_EQ(count(), 1);
+    EXPECT_TRUE(w.main.findChild<ImageWindow*>("frmLatest")->view().hasFocus()) << "asked for";
     w.pictures.openImage(w.dataFolder() / "gone.jpg");
     w.pictures.openImage(w.dataFolder() / "gone.jpg");
     EXPECT_EQ(count(), 2) << "one window for each file";

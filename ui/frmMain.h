@@ -65,6 +65,7 @@ class frmMain : public QMainWindow {
   private:
     void addFileMenu();
     void addToolsMenu();
+    void addImageMenu();
     void addWindowMenu();
     void addHelpMenu();
     void followBusy(bool idle);
@@ -84,7 +85,8 @@ class frmMain : public QMainWindow {
 
     Parts parts_;
     frmOperation* operation_;
-    QMdiArea* area_;
+    PictureArea* area_;
+    QAction* saveAs_ = nullptr;
     // Each is made on first use and only hidden when it closes: a value has one observer, so no
     // second dialog may follow it before the first has gone.
     FrmComPort* comPort_ = nullptr;

@@ -178,10 +178,18 @@ class FakeViews final : public ImageViews {
     void refreshThumbnails(
         const std::array<ThumbnailEntry, Module1::kThumbnailCount>& history) override {
         newest = history[0].path;
+        if (shown != nullptr) shown->refreshThumbnails(history);
     }
-    void showLatest(const std::filesystem::path& file) override { latest = file; }
-    void showLive(const std::string&) override { ++live; }
+    void showLatest(const std::filesystem::path& file) override {
+        latest = file;
+        if (shown != nullptr) shown->showLatest(file);
+    }
+    void showLive(const std::string& jpeg) override {
+        ++live;
+        if (shown != nullptr) shown->showLive(jpeg);
+    }
 
+    ImageViews* shown = nullptr; ///< real views that show the pictures as well
     std::filesystem::path newest;
     std::filesystem::path latest;
     int live = 0;

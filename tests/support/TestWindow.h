@@ -45,7 +45,7 @@ inline void show(QWidget& window) {
 /// The main window over a station whose main loop does not run.
 struct Window : TestStation {
     explicit Window(Operator& asked)
-        : TestStation(at(2006, 11, 15, 8, 0)),
+        : TestStation(at(2006, 11, 15, 8, 0)), pictures(clock, asked, module),
           shutdown(settings, store, busy, asked, [this] { ++ended; }),
           main({{panel, recording, settings, camera, imageStore, folderScan, tasks},
                 module,
