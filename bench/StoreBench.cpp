@@ -9,6 +9,9 @@
 
 #include <QCoreApplication>
 #include <QProcess>
+#include <QTcpServer>
+#include <QTcpSocket>
+#include <QThread>
 
 #include <chrono>
 
@@ -19,33 +22,38 @@ using namespace orvane::test;
 
 constexpr int kPictures = 500;
 
+std::string freePort() {
+    QTcpServer server;
+    server.listen(QHostAddress::LocalHost);
+    return std::to_string(server.serverPort());
+}
+
 /// The simulated camera in a process of its own, with 500 pictures of 100 kB that it lists on one
 /// page.
 class CameraProcess {
   public:
     CameraProcess() {
+        process_.setStandardOutputFile(QProcess::nullDevice());
         process_.start(QCoreApplication::applicationDirPath() + "/sky-camera",
-                       {"--port", "0", "--stored", QString::number(kPictures), "--list-all",
-                        "--stored-size", "100000", "--stored-once"});
-        while (process_.waitForReadyRead(5000)) {
-            output_ += process_.readAllStandardOutput();
-            const auto at = output_.indexOf("listening on http://127.0.0.1:");
-            if (at < 0 || !output_.contains('\n')) continue;
-            port = output_.mid(at + 30).split('\n')[0].trimmed().toStdString();
-            break;
+                       {"--port", QString::fromStdString(port), "--stored",
+                        QString::number(kPictures), "--list-all", "--stored-size", "100000",
+                        "--stored-once"});
+        QTcpSocket probe;
+        for (int attempt = 0; attempt < 100; ++attempt) {
+            probe.connectToHost(QHostAddress::LocalHost, static_cast<quint16>(std::stoi(port)));
+            if (probe.waitForConnected(1000)) return;
+            QThread::msleep(50);
         }
-        process_.closeReadChannel(QProcess::StandardOutput);
     }
     ~CameraProcess() {
         process_.kill();
         process_.waitForFinished();
     }
 
-    std::string port;
+    const std::string port = freePort();
 
   private:
     QProcess process_;
-    QByteArray output_;
 };
 
 struct Station {

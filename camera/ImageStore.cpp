@@ -34,6 +34,7 @@ class ImageStore::Running {
     explicit Running(ImageStore& store) : store_(store), busy_(store.parts_.busy) { set(true); }
     Running(const Running&) = delete;
     ~Running() {
+        store_.parts_.inetFileGet.expect({});
         set(false);
         // a run may end with the button locked, and recording must always be stoppable
         const Module1& module = store_.parts_.module;
@@ -219,11 +220,22 @@ Task<ImageStore::PageEnd> ImageStore::readRecords(std::string reply) {
         panel.Label7.caption = "DownLoad File : " + std::string(name) + " ...";
         ParseImageName(name, stamp_);
         if (CompareStamp(stamp_, endStamp_) == 1) co_return end(PageEnd::Completed, kComplete);
+        expectNext(rest);
         Task<bool> fetching = fetch(std::string(*path), std::string(name));
         if (co_await fetching) pageDownloaded = true;
         if (failedInARow_ >= kFailedPictures || requested_ >= kRequests)
             co_return end(PageEnd::Failed, kError);
     }
+}
+
+/// Has the next record's picture on its way while this one is being filed.
+void ImageStore::expectNext(std::string_view rest) {
+    const auto path = nextPicturePath(rest);
+    if (!path || !isPlainName(FileNameOfPath(*path))) return;
+    ImageStamp stamp = stamp_;
+    ParseImageName(FileNameOfPath(*path), stamp);
+    if (CompareStamp(stamp, endStamp_) == 1) return;
+    parts_.inetFileGet.expect(cameraBaseUrl(parts_.panel) + "/" + std::string(*path));
 }
 
 Task<bool> ImageStore::Sync_file(std::string name) {

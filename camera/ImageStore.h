@@ -76,6 +76,7 @@ class ImageStore {
     Task<> waitForReply(PageLoader& pages);
     Task<PageEnd> readPage(Chain chain, std::string reply);
     Task<PageEnd> readRecords(std::string reply);
+    void expectNext(std::string_view rest);
     Task<bool> fetch(std::string path, std::string name);
     Task<bool> download(std::string path, std::string name);
     void keep(const std::filesystem::path& image);

@@ -91,7 +91,7 @@ void HttpConnection::startAnswer() {
         return;
     }
     const bool close = !request_.keepAlive || delivery.end == Delivery::End::Close;
-    socket_->write(replyHead(reply_, close));
+    head_ = replyHead(reply_, close);
     if (delivery.bytesPerSecond > 0)
         // One byte at a time when a whole interval would bring less.
         sendTimer_.start(delivery.bytesPerSecond < 1s / kDripInterval
@@ -114,7 +114,9 @@ void HttpConnection::sendChunk() {
         rate > 0 ? std::max<qsizetype>(1, rate / static_cast<int>(1s / kDripInterval))
                  : kSliceBytes;
     const qsizetype now = std::min(left, chunk);
-    socket_->write(reply_.body.constData() + sent_, now);
+    // in one piece with the head: two would wake the reader twice
+    socket_->write(std::exchange(head_, {}) +
+                   QByteArray::fromRawData(reply_.body.constData() + sent_, now));
     sent_ += now;
     if (now == left) sendTimer_.stop();
 }
