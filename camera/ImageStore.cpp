@@ -1,7 +1,6 @@
 #include "camera/ImageStore.h"
 
 #include "camera/FolderListing.h"
-#include "imaging/ProcessImageFile.h"
 #include "platform/Conversions.h"
 #include "platform/Paths.h"
 
@@ -12,9 +11,6 @@ namespace orvane {
 namespace {
 
 constexpr int kFruitlessPages = 10;
-constexpr int kFailedPictures = 20;
-constexpr int kRequests = 20'000; // pictures of one run
-constexpr int kAttempts = 3;      // for a picture that captures cut off
 constexpr int kLoggedSkips = 10;
 constexpr int kSkipsPerTurn = 1000;
 constexpr std::int16_t kReplyTicks = 10;
@@ -34,7 +30,7 @@ class ImageStore::Running {
     explicit Running(ImageStore& store) : store_(store), busy_(store.parts_.busy) { set(true); }
     Running(const Running&) = delete;
     ~Running() {
-        store_.parts_.inetFileGet.expect({});
+        store_.download_.expect({});
         set(false);
         // a run may end with the button locked, and recording must always be stoppable
         const Module1& module = store_.parts_.module;
@@ -70,10 +66,9 @@ Task<> ImageStore::cmd_Download() {
 
 void ImageStore::Command6_Click() {
     if (!running_) return;
-    continue_ = false;
+    download_.stop();
     WbBrowser1_.cancel();
     WbBrowser2_.cancel();
-    if (transferring_) parts_.inetFileGet.cancel();
 }
 
 /// What nobody foresaw ends the run, not the program.
@@ -115,15 +110,12 @@ Task<> ImageStore::runPages(Chain chain, Start start) {
 }
 
 void ImageStore::begin(const Start& start) {
-    continue_ = true;
-    downloaded_ = 0;
-    parts_.module.filesFetched = 0;
-    failedInARow_ = requested_ = skipped_ = 0;
+    skipped_ = 0;
     if (start.lockStop) parts_.panel.Command2.enabled = false;
     fromDate_ = parts_.clock.now();
     endStamp_ = stamp_ = stampOf(fromDate_);
     makeFolders(start);
-    parts_.panel.lbl_dlcnt.caption = "0";
+    download_.begin(datedFolder_);
 }
 
 void ImageStore::makeFolders(const Start& start) {
@@ -188,7 +180,7 @@ Task<> ImageStore::waitForReply(PageLoader& pages) {
 
 Task<ImageStore::PageEnd> ImageStore::readPage(Chain chain, std::string reply) {
     if (chain == Chain::Search) parts_.panel.Command2.enabled = false;
-    if (!continue_) co_return end(PageEnd::Failed, kInterrupted);
+    if (download_.stopped()) co_return end(PageEnd::Failed, kInterrupted);
     if (reply.empty()) co_return end(PageEnd::Failed, kError);
     if (isNoData(reply)) {
         if (chain == Chain::Search) WbBrowser1_.navigate("about:blank");
@@ -207,7 +199,7 @@ Task<ImageStore::PageEnd> ImageStore::readRecords(std::string reply) {
     panel.pgb_run.maximum = static_cast<int>(recordCount(reply));
     bool pageDownloaded = false;
     while (true) {
-        if (!continue_) co_return end(PageEnd::Failed, kInterrupted);
+        if (download_.stopped()) co_return end(PageEnd::Failed, kInterrupted);
         const auto path = nextPicturePath(rest);
         if (!path) co_return pageDownloaded ? PageEnd::Completed : PageEnd::NextPage;
         const std::string_view name = FileNameOfPath(*path);
@@ -221,10 +213,11 @@ Task<ImageStore::PageEnd> ImageStore::readRecords(std::string reply) {
         ParseImageName(name, stamp_);
         if (CompareStamp(stamp_, endStamp_) == 1) co_return end(PageEnd::Completed, kComplete);
         expectNext(rest);
-        Task<bool> fetching = fetch(std::string(*path), std::string(name));
+        Task<bool> looking = Sync_file(std::string(name));
+        if (co_await looking) continue;
+        Task<bool> fetching = download_.fetch(std::string(*path), std::string(name));
         if (co_await fetching) pageDownloaded = true;
-        if (failedInARow_ >= kFailedPictures || requested_ >= kRequests)
-            co_return end(PageEnd::Failed, kError);
+        if (download_.hopeless()) co_return end(PageEnd::Failed, kError);
     }
 }
 
@@ -235,7 +228,7 @@ void ImageStore::expectNext(std::string_view rest) {
     ImageStamp stamp = stamp_;
     ParseImageName(FileNameOfPath(*path), stamp);
     if (CompareStamp(stamp, endStamp_) == 1) return;
-    parts_.inetFileGet.expect(cameraBaseUrl(parts_.panel) + "/" + std::string(*path));
+    download_.expect(*path);
 }
 
 Task<bool> ImageStore::Sync_file(std::string name) {
@@ -247,69 +240,6 @@ Task<bool> ImageStore::Sync_file(std::string name) {
         parts_.panel.Label7.caption = "ファイル同期処理エラー";
     }
     co_return false;
-}
-
-/// One record's picture: downloaded, shown, processed.
-Task<bool> ImageStore::fetch(std::string path, std::string name) {
-    Task<bool> looking = Sync_file(name);
-    if (co_await looking) co_return false;
-    ++requested_;
-    Task<bool> downloading = download(std::move(path), name);
-    if (!co_await downloading) {
-        if (!continue_) co_return false;
-        ++failedInARow_;
-        parts_.log.write("DownloadFile:" + name + ": " + parts_.camera.fault());
-        co_return false;
-    }
-    failedInARow_ = 0;
-    const std::filesystem::path image = datedFolder_ / pathFromUtf8(name);
-    keep(image);
-    std::string fault;
-    Task<bool> processing = ProcessImageFile(parts_.imageControl, image, parts_.module.image,
-                                             parts_.module.imageProcessing, fault);
-    if (!co_await processing) parts_.log.write("ProcessImageFile:" + fault);
-    co_return true;
-}
-
-Task<bool> ImageStore::download(std::string path, std::string name) {
-    const std::string url = cameraBaseUrl(parts_.panel) + "/" + path;
-    const std::filesystem::path image = datedFolder_ / pathFromUtf8(name);
-    for (int attempt = 0; attempt < kAttempts; ++attempt) {
-        while (parts_.module.capturing && continue_)
-            co_await parts_.clock.sleep(100ms);
-        if (!continue_) co_return false;
-        std::error_code error;
-        const bool wasThere = std::filesystem::exists(image, error);
-        transferring_ = true;
-        Task<bool> transfer =
-            parts_.camera.DownloadFile(url, datedFolder_, name, CameraPanel::Accept::Picture);
-        const bool arrived = co_await transfer;
-        transferring_ = false;
-        if (arrived) {
-            // an older, longer file of that name would show through behind the picture
-            std::filesystem::resize_file(image, parts_.camera.received(), error);
-            co_return true;
-        }
-        discardPart(image, wasThere);
-        if (!parts_.module.capturing) co_return false;
-    }
-    co_return false;
-}
-
-/// A disk that fills up leaves a part of a new file behind.
-void ImageStore::discardPart(const std::filesystem::path& image, bool wasThere) {
-    std::error_code ignored;
-    if (!wasThere) std::filesystem::remove(image, ignored);
-}
-
-void ImageStore::keep(const std::filesystem::path& image) {
-    Module1& module = parts_.module;
-    module.imagesArrived = true;
-    module.addThumbnail(image);
-    ++module.filesFetched;
-    ++downloaded_;
-    parts_.views.refreshThumbnails(module.thumbnails);
-    parts_.panel.lbl_dlcnt.caption = std::to_string(downloaded_);
 }
 
 /// Names come from a device: one that could lead out of the folder is never used.

@@ -1,10 +1,8 @@
 #pragma once
 
-#include "camera/CameraPanel.h"
 #include "camera/PageLoader.h"
+#include "camera/PictureDownload.h"
 #include "camera/StoreSearch.h"
-#include "platform/ImageControl.h"
-#include "tracker/ErrorLog.h"
 
 namespace orvane {
 
@@ -15,27 +13,13 @@ namespace orvane {
 /// A run asks for one small page after another and downloads each picture of a page into the dated
 /// folder of the day on which the run began. It ends with the first page that brought a picture,
 /// without a match, at a picture later than its beginning, when it is stopped, and after ten pages
-/// or twenty pictures in a row that brought nothing. Captures go first: while one is in progress no
-/// file is fetched, and a file whose transfer it cut off is fetched again.
+/// or twenty pictures in a row that brought nothing.
 class ImageStore {
   public:
-    struct Parts {
-        Module1& module;
-        OperationPanel& panel;
-        CameraPanel& camera;
-        HttpTransfer& inetFileGet;
-        WebBrowser& WbBrowser1;
-        WebBrowser& WbBrowser2;
-        ImageControl& imageControl;
-        ImageViews& views;
-        ErrorLog& log;
-        Operator& op;
-        Clock& clock;
-        Busy& busy;
-    };
+    using Parts = StoreParts;
 
     explicit ImageStore(Parts parts)
-        : parts_(parts), WbBrowser1_(parts.WbBrowser1, parts.clock),
+        : parts_(parts), download_(parts_), WbBrowser1_(parts.WbBrowser1, parts.clock),
           WbBrowser2_(parts.WbBrowser2, parts.clock) {}
 
     /// Search and download, from the panel's button.
@@ -77,10 +61,6 @@ class ImageStore {
     Task<PageEnd> readPage(Chain chain, std::string reply);
     Task<PageEnd> readRecords(std::string reply);
     void expectNext(std::string_view rest);
-    Task<bool> fetch(std::string path, std::string name);
-    Task<bool> download(std::string path, std::string name);
-    void keep(const std::filesystem::path& image);
-    void discardPart(const std::filesystem::path& image, bool wasThere);
     bool buildQuery(WallTime from);
     void skip(std::string_view name);
     void complete();
@@ -88,20 +68,15 @@ class ImageStore {
     PageLoader& pagesOf(Chain chain) { return chain == Chain::Search ? WbBrowser1_ : WbBrowser2_; }
 
     Parts parts_;
+    PictureDownload download_;
     PageLoader WbBrowser1_;
     PageLoader WbBrowser2_;
     bool running_ = false;
-    bool continue_ = false;     ///< cleared to stop the run
-    bool transferring_ = false; ///< the transfer that runs is this run's
-
     std::filesystem::path datedFolder_; ///< ends in a separator
     WallTime fromDate_{};
     ImageStamp endStamp_; ///< the moment the run began
     ImageStamp stamp_;    ///< of the last record
-    std::int32_t downloaded_ = 0;
-    int failedInARow_ = 0;
-    int requested_ = 0;
-    int skipped_ = 0;
+    int skipped_ = 0;     ///< names that cannot be used
 };
 
 } // namespace orvane

@@ -1,0 +1,60 @@
+#pragma once
+
+#include "camera/CameraPanel.h"
+#include "platform/ImageControl.h"
+#include "tracker/ErrorLog.h"
+
+namespace orvane {
+
+/// What the runs against the camera's store work with; all of it outlives them.
+struct StoreParts {
+    Module1& module;
+    OperationPanel& panel;
+    CameraPanel& camera;
+    HttpTransfer& inetFileGet;
+    WebBrowser& WbBrowser1;
+    WebBrowser& WbBrowser2;
+    ImageControl& imageControl;
+    ImageViews& views;
+    ErrorLog& log;
+    Operator& op;
+    Clock& clock;
+    Busy& busy;
+};
+
+/// Downloads the listed pictures of one run into its dated folder: fetched, filed, shown,
+/// processed. Captures go first: while one is in progress nothing is fetched, and a picture whose
+/// transfer it cut off is fetched again.
+class PictureDownload {
+  public:
+    explicit PictureDownload(const StoreParts& parts) : parts_(parts) {}
+
+    /// A run begins; `folder` ends in a separator.
+    void begin(const std::filesystem::path& folder);
+    /// Fetches the picture at `path` on the camera under `name`, a plain name. False: nothing was
+    /// filed; the reason is logged.
+    Task<bool> fetch(std::string path, std::string name);
+    /// Has the picture that will be fetched next on its way while another is being filed.
+    void expect(std::string_view path);
+    /// Ends the run's transfer; nothing more is fetched.
+    void stop();
+
+    bool stopped() const { return stopped_; }
+    /// So many pictures failed in a row, or were asked for in all, that the run had better end.
+    bool hopeless() const;
+
+  private:
+    Task<bool> download(std::string path, std::string name);
+    void keep(const std::filesystem::path& image);
+    void discardPart(const std::filesystem::path& image, bool wasThere);
+
+    const StoreParts& parts_;
+    std::filesystem::path folder_;
+    bool stopped_ = false;
+    bool transferring_ = false; ///< the transfer that runs is this run's
+    std::int32_t downloaded_ = 0;
+    int failedInARow_ = 0;
+    int requested_ = 0;
+};
+
+} // namespace orvane
