@@ -1,10 +1,12 @@
 #include "ui/frmOperation.h"
 
+#include "ui/CameraGroup.h"
 #include "ui/ElidedLabel.h"
 #include "ui/FindGroup.h"
 #include "ui/FolderView.h"
 #include "ui/NumberMark.h"
 #include "ui/PanelLayout.h"
+#include "ui/StatusGroup.h"
 #include "ui/StoreGroup.h"
 #include "ui/Text.h"
 #include "ui/UpDown.h"
@@ -67,7 +69,7 @@ frmOperation::frmOperation(Parts parts, QWidget* parent)
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(6, 4, 6, 6);
     layout->setSpacing(5);
-    layout->addWidget(statusGroup());
+    layout->addWidget(statusGroup(controls_, parts_.panel));
     layout->addWidget(recordingButtons());
     auto* pages = new QTabWidget;
     pages->setObjectName("pages");
@@ -76,7 +78,9 @@ frmOperation::frmOperation(Parts parts, QWidget* parent)
     addPage(*pages, "Recording", "When pictures are taken and where they go.",
             {scheduleGroup(), folderGroup(), siteGroup()});
     addPage(*pages, "Camera", "The camera and the pictures that it has recorded by itself.",
-            {cameraGroup(), storeGroup(controls_, parts_.panel, parts_.store, parts_.tasks)});
+            {cameraGroup(controls_, parts_.panel, parts_.camera, parts_.tasks,
+                         [this] { emit pictureWanted(); }),
+             storeGroup(controls_, parts_.panel, parts_.store, parts_.tasks)});
     addPage(*pages, "Files", "Finds files in a folder.",
             {findGroup(controls_, parts_.panel, parts_.folderScan,
                        [this](const std::filesystem::path& file) { emit imageWanted(file); })});
@@ -119,47 +123,6 @@ void frmOperation::orderTabs() {
 
 void frmOperation::focusStart() {
     start_->setFocus();
-}
-
-QWidget* frmOperation::statusGroup() {
-    OperationPanel& panel = parts_.panel;
-    ElidedLabel* status =
-        controls_.label({"Label7", "Status", "What the station is doing."}, panel.Label7);
-    QFont large = status->font();
-    QFont narrow = large; // with its own size and weight: a painter fills in what is not set
-    narrow.setPointSizeF(large.pointSizeF());
-    narrow.setBold(false);
-    status->setNarrowFont(narrow);
-    large.setPointSizeF(large.pointSizeF() * 1.6);
-    large.setBold(true);
-    status->setFont(large);
-
-    auto* grid = new QGridLayout;
-    grid->addWidget(status, 0, 0, 1, 4);
-    const auto add = [&](int row, int column, const char* caption, const Face& face, Label& model) {
-        grid->addWidget(unitLabel(caption), row, column);
-        ElidedLabel* label = controls_.label(face, model);
-        if (column == 0) label->setShortest("0000/00/00");
-        grid->addWidget(label, row, column + 1, 1, row < 3 ? 1 : 3);
-    };
-    add(1, 0, "Date", {"Label12", "Date", "Today's date."}, panel.Label12);
-    add(1, 2, "Time", {"Label13", "Time", "The PC's time."}, panel.Label13);
-    add(2, 0, "Sunrise \u2212 1 h",
-        {"lbl_sunrise", "One hour before sunrise", "One hour before today's sunrise at the site."},
-        panel.lbl_sunrise);
-    add(2, 2, "Sunset + 1 h",
-        {"lbl_sunset", "One hour after sunset", "One hour after today's sunset at the site."},
-        panel.lbl_sunset);
-    add(3, 0, "Recorded",
-        {"Label11", "Recorded pictures", "Pictures recorded since recording was started."},
-        panel.Label11);
-    add(4, 0, "Disk", {"lbl_free", "Free space", "Free space of the data folder's disk."},
-        panel.lbl_free);
-    grid->setColumnStretch(1, 1);
-    QGroupBox* box = panelGroup("Status", grid);
-    grid->setHorizontalSpacing(8);
-    grid->setVerticalSpacing(2);
-    return box;
 }
 
 QWidget* frmOperation::scheduleGroup() {
@@ -279,47 +242,6 @@ void frmOperation::selectFolder() {
     connect(dialog, &QFileDialog::fileSelected, this,
             [this](const QString& folder) { parts_.settings.selectDataFolder(toPath(folder)); });
     dialog->open();
-}
-
-QWidget* frmOperation::cameraGroup() {
-    OperationPanel& panel = parts_.panel;
-    CameraPanel& camera = parts_.camera;
-    QLineEdit* address = controls_.textBox(
-        {"txtIp", "Camera address", "The camera's address or name on the network."}, panel.txtIp,
-        {});
-    QLineEdit* port = controls_.textBox(
-        {"txtPort", "Camera port", "The port of the camera's web server, usually 80."},
-        panel.txtPort, {});
-    port->setFixedWidth(port->fontMetrics().horizontalAdvance("000000") + 12);
-    auto* addressLabel = new QLabel("&Address");
-    addressLabel->setBuddy(address);
-    auto* portLabel = new QLabel("Po&rt");
-    portLabel->setBuddy(port);
-    auto* addressRow = new QHBoxLayout;
-    addressRow->addWidget(addressLabel);
-    addressRow->addWidget(address, 1);
-    addressRow->addWidget(portLabel);
-    addressRow->addWidget(port);
-
-    auto* column = new QVBoxLayout;
-    column->addLayout(addressRow);
-    column->addLayout(sideBySide(
-        controls_.button({"Command5", "Camera recording o&n", "Has the camera record by itself."},
-                         panel.Command5, [&camera] { camera.Command5_Click(); }),
-        controls_.button({"Command7", "Camera recording &off", "Ends the camera's own recording."},
-                         panel.Command7, [&camera] { camera.Command7_Click(); })));
-    column->addLayout(sideBySide(
-        controls_.button({"Command8", "T&est fetch",
-                          "Fetches the camera's picture once, to see whether it answers."},
-                         panel.Command8,
-                         [this] {
-                             emit pictureWanted();
-                             parts_.tasks.spawn(parts_.camera.Command8_Click());
-                         }),
-        controls_.checkBox({"chkLive", "Live &view",
-                            "Shows the camera's picture every 5 seconds without keeping it."},
-                           panel.chkLive, [this] { emit pictureWanted(); })));
-    return panelGroup("Camera", column);
 }
 
 QWidget* frmOperation::siteGroup() {

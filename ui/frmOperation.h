@@ -47,11 +47,9 @@ class frmOperation : public QWidget {
   private:
     static void addPage(QTabWidget& pages, const QString& title, const QString& tip,
                         std::initializer_list<QWidget*> groups);
-    QWidget* statusGroup();
     QWidget* scheduleGroup();
     QWidget* recordingButtons();
     QWidget* folderGroup();
-    QWidget* cameraGroup();
     QWidget* siteGroup();
     QLineEdit* addTimeField(QHBoxLayout& row, std::size_t index, const QString& unit);
     QWidget* siteField(const Face& face, TextBox& model, bool (PanelSettings::*change)());
