@@ -1,9 +1,10 @@
 ; The Windows installer: for one user, without administrator rights, below
 ; %LOCALAPPDATA%\Programs, since the program writes its log and working picture beside itself.
-; scripts/package gives VERSION, OUTPUT, ICON and FILES, the script it writes with the macros
-; InstallFiles and RemoveFiles, file by file.
+; scripts/package gives VERSION, OUTPUT, ICON, SIDE (the last page's picture) and FILES, the script
+; it writes with the macros InstallFiles and RemoveFiles, file by file.
 ;
-; Silent: orvane-setup.exe /S [/AUTOSTART] [/D=folder]; uninstall.exe /S. Exit code 2: it runs.
+; Silent: orvane-setup.exe /S [/AUTOSTART] [/D=folder]; uninstall.exe /S. While the station runs
+; nothing is changed; the installer's exit code is then 2.
 
 Unicode true
 Target amd64-unicode
@@ -34,6 +35,8 @@ VIAddVersionKey LegalCopyright ""
 
 !define MUI_ICON "${ICON}"
 !define MUI_UNICON "${ICON}"
+!define MUI_WELCOMEFINISHPAGE_BITMAP "${SIDE}"
+!define MUI_WELCOMEFINISHPAGE_BITMAP_STRETCH AspectFitHeight
 !define MUI_ABORTWARNING
 !define MUI_FINISHPAGE_RUN "$INSTDIR\orvane.exe"
 !define MUI_FINISHPAGE_RUN_NOTCHECKED
