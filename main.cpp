@@ -1,3 +1,4 @@
+#include "camera/FolderScan.h"
 #include "core/AutoStart.h"
 #include "core/DailyClocks.h"
 #include "core/MainLoop.h"
@@ -89,13 +90,16 @@ class Program {
                "Orvane";
     }
     void showMainWindow() {
-        main_ = std::make_unique<frmMain>(
-            frmMain::Parts{{panel_, recording_, settings_, camera_, tasks_},
-                           module_,
-                           busy_,
-                           shutdown_,
-                           views_,
-                           {portSelection_, timeForm_, timeSetting_, optionForm_, options_}});
+        main_ = std::make_unique<frmMain>(frmMain::Parts{
+            {panel_, recording_, settings_, camera_, imageStore_, folderScan_, tasks_},
+            module_,
+            busy_,
+            shutdown_,
+            views_,
+            {portSelection_, timeForm_, timeSetting_, optionForm_, options_},
+            clock_,
+            op_,
+            *systemInfo_});
         op_.setParentWindow(main_.get());
         main_->show();
         warningWindow_ = std::make_unique<Frm_massege>(warnings_, main_.get());
@@ -131,16 +135,19 @@ class Program {
     std::unique_ptr<QtWebBrowser> wbBrowser1_ = browser();
     std::unique_ptr<QtWebBrowser> wbBrowser2_ = browser();
     std::unique_ptr<QtWebBrowser> wbSystemTm_ = browser();
+    std::unique_ptr<QtWebBrowser> gapBrowser_ = browser();
+    QtHttpTransfer gapTransfer_{manager_, clock_};
     std::unique_ptr<SerialPort> MSComm1_ =
         makeSerialPort([this](int port) { return devicePath(port); });
     LibjpegImageControl imageControl_{clock_};
+    std::unique_ptr<SystemInfo> systemInfo_ = makeSystemInfo();
     QtOperator op_{clock_};
 
     Module1 module_;
     OperationPanel panel_;
     Warnings warnings_;
     Busy busy_;
-    QtImageViews views_;
+    QtImageViews views_{clock_, op_, module_};
     ErrorLog log_{toPath(QCoreApplication::applicationDirPath()),
                   clock_,
                   {[this] { return panel_.Label7.caption.get(); },
@@ -149,6 +156,9 @@ class Program {
     PanelStatus status_{module_, panel_, clock_};
     Recording recording_{module_, panel_, settings_, status_, log_, op_, clock_};
     CameraPanel camera_{module_, panel_, http_, *webBrowserTst_, views_, busy_, op_};
+    ImageStore imageStore_{{module_, panel_, camera_, http_, *wbBrowser1_, *wbBrowser2_,
+                            imageControl_, views_, log_, op_, clock_, busy_}};
+    FolderScan folderScan_{module_, panel_};
     FrameLink link_{*MSComm1_, store_, log_, clock_, module_};
     TrackerCommands commands_{link_};
     PortSelection portSelection_{store_, *MSComm1_, log_, op_};
@@ -167,8 +177,11 @@ class Program {
                      status_,
                      recording_,
                      camera_,
+                     imageStore_,
                      http_,
                      {wbBrowser2_.get(), wbBrowser1_.get(), webBrowserTst_.get()},
+                     *gapBrowser_,
+                     gapTransfer_,
                      log_,
                      clock_,
                      op_,

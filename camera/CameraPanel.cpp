@@ -1,5 +1,8 @@
 #include "camera/CameraPanel.h"
 
+#include "imaging/JpegMarkers.h"
+#include "platform/Paths.h"
+
 #include <cerrno>
 #include <fstream>
 #include <system_error>
@@ -29,13 +32,19 @@ std::string cameraBaseUrl(const OperationPanel& panel) {
 }
 
 Task<bool> CameraPanel::DownloadFile(std::string url, std::filesystem::path folder,
-                                     std::string fileName) {
+                                     std::string fileName, Accept accept) {
     inetFileGet_.cancel();
-    const HttpReply reply = co_await inetFileGet_.get(std::move(url));
+    Task<HttpReply> get = inetFileGet_.get(std::move(url));
+    const HttpReply reply = co_await get;
     fault_ = reply.fault;
     if (!reply.ok) co_return false;
-    folder += fileName;
+    if (accept == Accept::Picture && !isWholeJpeg(reply.body)) {
+        fault_ = "not a whole picture";
+        co_return false;
+    }
+    folder += pathFromUtf8(fileName);
     fault_ = overwriteInPlace(folder, reply.body);
+    received_ = reply.body.size();
     co_return fault_.empty();
 }
 

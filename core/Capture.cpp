@@ -133,10 +133,8 @@ Task<bool> Capture::process() {
 
 void Capture::remember() {
     Module1& module = station_.module;
-    auto& history = module.thumbnails;
-    std::shift_right(history.begin(), history.end(), 1);
-    history[0] = {module.lastImage, module.filesFetched + 1};
-    station_.views.refreshThumbnails(history);
+    module.addThumbnail(module.lastImage);
+    station_.views.refreshThumbnails(module.thumbnails);
     station_.views.showLatest(module.lastImage);
     const std::filesystem::path& image = module.lastImage;
     disk_.addCapture(sizeOf(image) + sizeOf(editPathOf(image)) + sizeOf(rawPathOf(image)),

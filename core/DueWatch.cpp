@@ -56,6 +56,7 @@ void DueWatch::reset() {
 void DueWatch::judge(std::int64_t minute, const Schedule& schedule) {
     const int minuteOfDay = static_cast<int>(minute % kDayMinutes);
     if (!isDueMinute(schedule, minuteOfDay) || isFiled(minute)) return;
+    ++missedInAll_;
     if (++missed_ == 1) firstMissed_ = minute;
     // the text stays with further misses: a changed one would open the warning again every time
     if (missed_ == 2)

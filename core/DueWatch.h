@@ -27,6 +27,8 @@ class DueWatch {
     void advance(WallTime now, const Schedule& schedule);
     /// Forgets everything; recording is off.
     void reset();
+    /// How many due minutes were judged to have brought no image since recording was switched on.
+    std::int64_t missedInAll() const { return missedInAll_; }
     /// The warning since two due minutes in a row brought no image, else empty.
     const std::string& warning() const { return warning_; }
 
@@ -37,6 +39,7 @@ class DueWatch {
     std::optional<std::int64_t> lastFiled_;
     std::int64_t firstMissed_ = 0;
     int missed_ = 0;
+    std::int64_t missedInAll_ = 0;
     std::string warning_;
 };
 

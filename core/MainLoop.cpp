@@ -4,6 +4,7 @@
 #include "platform/Conversions.h"
 
 #include <limits>
+#include <utility>
 
 namespace orvane {
 
@@ -72,12 +73,15 @@ Task<> MainLoop::pass() {
         Task<> clocks = station_.dailyClocks.run();
         co_await clocks;
     }
-    startLiveView();
+    besides(station_.clock.now());
 }
 
 Task<> MainLoop::recordNow(std::int64_t dueMinute) {
     bool filed = false;
+    std::int32_t fetched = station_.module.filesFetched;
     live_.reset(); // a capture never waits for the live view
+    gaps_.standBack();
+    station_.module.capturing = true;
     try {
         Task<bool> capture = capture_.run();
         filed = co_await capture;
@@ -85,10 +89,12 @@ Task<> MainLoop::recordNow(std::int64_t dueMinute) {
         // one capture that fails in a way nobody foresaw must not end the recording
         station_.log.write(std::string("MainLoop:") + fault.what());
     }
+    station_.module.capturing = false;
     station_.panel.Command2.enabled = station_.module.RecordFlg;
     if (filed) {
         due_.filed(dueMinute);
         addCount(station_.module.filesFetched, 1);
+        fetched = station_.module.filesFetched; // a run that begins in the pause resets it
         if (station_.dailyClocks.isDue(station_.clock.now(), true)) {
             Task<> clocks = station_.dailyClocks.run();
             co_await clocks;
@@ -96,7 +102,7 @@ Task<> MainLoop::recordNow(std::int64_t dueMinute) {
         Task<> pausing = pause();
         co_await pausing;
     }
-    countCapture();
+    countCapture(fetched);
 }
 
 /// Keeps the minute of the image's name from being captured twice; the next minute may be due.
@@ -104,17 +110,19 @@ Task<> MainLoop::pause() {
     const std::int64_t minute = minuteIndex(capture_.copyTime());
     for (int step = 0; step < kPauseSteps; ++step) {
         co_await station_.clock.sleep(kPauseStep);
-        if (!station_.module.RecordFlg || minuteIndex(station_.clock.now()) != minute) co_return;
+        const WallTime now = station_.clock.now();
+        if (!station_.module.RecordFlg || minuteIndex(now) != minute) co_return;
+        besides(now);
     }
 }
 
 /// Nothing of this is shown when recording was stopped during the pause.
-void MainLoop::countCapture() {
+void MainLoop::countCapture(std::int32_t fetched) {
     Module1& module = station_.module;
     module.RecDoneFlg = true;
     if (!module.RecordFlg) return;
-    // the count of fetched files goes on within a window: the label grows by 1, 2, 3 ...
-    addCount(module.RecCount, module.filesFetched);
+    // the count of fetched files goes on between runs against the store: it grows by 1, 2, 3 ...
+    addCount(module.RecCount, fetched);
     station_.status.showCount();
     station_.panel.Command2.enabled = true;
     station_.panel.Label7.caption = "Recording Standby";
@@ -180,6 +188,27 @@ void MainLoop::watchDisk() {
     const DiskWatch::Report report = capture_.disk().report(*freeBytes, station_.module.schedule);
     station_.panel.lbl_free.caption = report.caption;
     station_.warnings.set(Warnings::Cause::DiskSpace, report.warning);
+}
+
+/// What may wait, while no due minute waits for its picture.
+void MainLoop::besides(WallTime now) {
+    const Module1& module = station_.module;
+    startLiveView();
+    if (!module.RecordFlg) return;
+    if (isDueMinute(module.schedule, minuteOfDay(now)) && !due_.isFiled(minuteIndex(now))) return;
+    startSynchronisation();
+    if (std::exchange(missedSeen_, due_.missedInAll()) != due_.missedInAll()) gaps_.lookAgain();
+    gaps_.step(now);
+}
+
+void MainLoop::startSynchronisation() {
+    Module1& module = station_.module;
+    if (!module.syncElapsed || station_.busy.active() || gaps_.filling()) return;
+    module.syncPending = true;
+    module.syncTicks = 0;
+    module.syncElapsed = false;
+    synchronisation_ = station_.store.Download_proc();
+    synchronisation_.start();
 }
 
 void MainLoop::startLiveView() {

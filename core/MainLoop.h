@@ -2,15 +2,18 @@
 
 #include "core/Capture.h"
 #include "core/DueWatch.h"
+#include "core/GapFilling.h"
 #include "core/Station.h"
 
 namespace orvane {
 
 /// The program's one polling loop: start-up, then a pass every 100 ms for the program's whole life.
 /// A pass decides whether a picture is due; a capture and the pause after it run inside the pass.
+/// What may wait (live view, synchronisation, missed minutes) runs beside it and stands back for
+/// captures.
 class MainLoop {
   public:
-    explicit MainLoop(Station& station) : station_(station), capture_(station) {}
+    explicit MainLoop(Station& station) : station_(station), capture_(station), gaps_(station) {}
 
     /// Ends only when the start-up fails; then it has told the fault and ended the program with
     /// exit code 1. Everything else ends the loop by destroying its task.
@@ -20,17 +23,21 @@ class MainLoop {
     Task<> pass();
     Task<> recordNow(std::int64_t dueMinute);
     Task<> pause();
-    void countCapture();
+    void countCapture(std::int32_t fetched);
     void endOfWindow();
     void watchDay(WallTime now);
     void watch(WallTime now);
     void watchDisk();
+    void besides(WallTime now);
+    void startSynchronisation();
     void startLiveView();
     Task<> showLivePicture();
 
     Station& station_;
     Capture capture_;
+    GapFilling gaps_;
     DueWatch due_;
+    std::int64_t missedSeen_ = 0;
     std::string missed_; ///< the warning of missed minutes, with its reason
     std::chrono::local_days sunDay_{};
     std::int64_t watchedMinute_ = -1;
@@ -38,6 +45,7 @@ class MainLoop {
     std::filesystem::path watchedFolder_;
     Ticks nextLive_{0};
     Task<> live_;
+    Task<> synchronisation_;
 };
 
 } // namespace orvane

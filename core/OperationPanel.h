@@ -5,6 +5,7 @@
 #include <array>
 #include <filesystem>
 #include <string>
+#include <vector>
 
 namespace orvane {
 
@@ -33,6 +34,11 @@ struct FolderList {
     Value<std::filesystem::path> path;
     Value<bool> enabled{true};
 };
+struct ProgressBar {
+    Value<bool> visible;
+    Value<int> maximum; ///< 0: something is going on, nobody knows how long
+    Value<int> value;
+};
 
 /// The controls of the operation panel, named as on the window. Texts are UTF-8. Routines of every
 /// subsystem read and set them; `ui/frmOperation` shows them and forwards edits.
@@ -54,8 +60,18 @@ struct OperationPanel {
     Button Command7; ///< camera recording off
     Button Command8; ///< test fetch
 
-    std::array<FolderList, 1> Dir1; ///< 0 the data folder
+    Button Command4;           ///< Search and Download
+    Button cmd_Download;       ///< Synchronise
+    Button Command6{{false}};  ///< Stop Download
+    ProgressBar pgb_run;       ///< a search or synchronisation run
+    CheckBox chk_fill{{true}}; ///< fetch missed minutes from the camera's store
+
+    std::array<FolderList, 2> Dir1; ///< 0 the data folder, 1 the folder that is looked through
     std::array<Frame, 2> Frame3;    ///< 1 encloses the data folder's controls
+    TextBox txt_find;               ///< what to look for in file names
+    Button cmd_find;
+    Value<std::vector<std::filesystem::path>> lst_found;
+    Label lbl_found; ///< how many were found
 
     TextBox txtIp;
     TextBox txtPort;
@@ -70,6 +86,8 @@ struct OperationPanel {
     Label lbl_sunrise; ///< one hour before sunrise
     Label lbl_sunset;  ///< one hour after sunset
     Label lbl_free;    ///< free space of the data folder's disk
+    Label lbl_dlcnt;   ///< files that the present or last run has downloaded
+    Label lbl_sync;    ///< span of a synchronisation, minutes
 };
 
 } // namespace orvane

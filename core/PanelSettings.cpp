@@ -89,6 +89,7 @@ std::optional<std::string> PanelSettings::initOperation() {
     module_.image.DateFlg = asFlag(reader.flag("DateFlg"));
     module_.image.RawFlg = asFlag(reader.flag("RawFlg"));
     panel_.chk_time.ticked = module_.AdjTime != 0;
+    panel_.chk_fill.ticked = reader.text("Settings", "FillGaps", "1") != "0";
     panel_.txtIp.text = reader.text("Settings", "IP", "192.168.0.10");
     panel_.txtPort.text = reader.text("Settings", "IP-Port", "80");
 
@@ -96,6 +97,7 @@ std::optional<std::string> PanelSettings::initOperation() {
     std::error_code error;
     const bool usable = !folder.empty() && std::filesystem::is_directory(folder, error);
     panel_.Dir1[0].path = usable ? folder : defaultDataFolder_;
+    panel_.Dir1[1].path = panel_.Dir1[0].path.get();
     loaded_ = true;
     return std::nullopt;
 }
@@ -118,6 +120,7 @@ bool PanelSettings::writeSetup() {
     save("Settings", "JpegTyp", std::to_string(module_.image.JpegTyp));
     save("Settings", "RawFlg", flagText(module_.image.RawFlg));
     save("Settings", "AdjTime", std::to_string(module_.AdjTime));
+    save("Settings", "FillGaps", panel_.chk_fill.ticked ? "1" : "0");
     save("Settings", "IP", panel_.txtIp.text);
     save("Settings", "IP-Port", panel_.txtPort.text);
     return stored;

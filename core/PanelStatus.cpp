@@ -2,6 +2,7 @@
 
 #include "platform/Conversions.h"
 
+#include <algorithm>
 #include <limits>
 
 namespace orvane {
@@ -9,6 +10,7 @@ namespace orvane {
 namespace {
 
 constexpr std::int16_t kSyncTicks = 180; // of ten seconds: half an hour
+constexpr std::chrono::minutes kShortestSpan{30};
 
 void countUp(std::int16_t& ticks) {
     if (ticks < std::numeric_limits<std::int16_t>::max()) ++ticks;
@@ -28,6 +30,8 @@ void PanelStatus::initStatus() {
     panel_.Label13.caption = std::string();
     panel_.Label7.caption = "Ready";
     panel_.Label12.caption = dateText(clock_.now());
+    panel_.lbl_dlcnt.caption = "0";
+    panel_.lbl_sync.caption = std::to_string(kShortestSpan.count());
     module_.plannedRecords = 0;
     module_.RecCount = 0;
     module_.statusResetTime = clock_.now();
@@ -44,6 +48,20 @@ void PanelStatus::Timer1_Timer() {
 void PanelStatus::Tim_sync_Timer() {
     countUp(module_.syncTicks);
     if (module_.syncTicks >= kSyncTicks) module_.syncElapsed = true;
+    if (!module_.lastRunEnd) return;
+    using std::chrono::minutes;
+    const minutes since = std::chrono::floor<minutes>(clock_.ticks() - *module_.lastRunEnd);
+    panel_.lbl_sync.caption = std::to_string(std::max(since, kShortestSpan).count());
+}
+
+void PanelStatus::runSync(bool enabled) {
+    module_.syncTicks = 0;
+    module_.syncElapsed = false;
+    if (enabled) {
+        Tim_sync.enable();
+    } else {
+        Tim_sync.disable();
+    }
 }
 
 void PanelStatus::NumberOfRec() {

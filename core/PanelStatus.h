@@ -20,6 +20,8 @@ class PanelStatus {
     void Tim_sync_Timer();
     /// Recomputes the planned number of records and shows `RecCount`.
     void NumberOfRec();
+    /// Starts or stops counting to the next synchronisation, from the beginning.
+    void runSync(bool enabled);
     /// Shows `RecCount` as "n sheet".
     void showCount();
 

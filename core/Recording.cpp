@@ -77,12 +77,14 @@ Task<> Recording::Command1_Click() {
     module_.RecDoneFlg = false;
     panel_.Command1.enabled = false;
     panel_.Command2.enabled = true;
+    status_.runSync(true);
     status_.NumberOfRec();
     panel_.Label7.caption = "Recording Standby";
 }
 
 void Recording::Command2_Click() {
     module_.RecordFlg = false;
+    status_.runSync(false);
     ready();
     log_.write("Stop Recording");
     module_.RecCount = 0;

@@ -32,15 +32,15 @@ std::optional<std::string> StartUp(Station& station) {
         browser->navigate("about:blank");
 
     module.imageProcessing = true;
+    module.imagesArrived = false;
+    module.syncPending = false;
     if (auto fault = computeSunTimes(station)) return fault;
     module.image.DateFlg = 0;
     module.image.LrFlg = 0;
     module.image.JpegTyp = ImageControl::kFormat444;
 
     station.status.Tim_sync.setInterval(10000ms);
-    station.status.Tim_sync.disable();
-    module.syncTicks = 0;
-    module.syncElapsed = false;
+    station.status.runSync(false);
     return std::nullopt;
 }
 

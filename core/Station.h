@@ -1,6 +1,7 @@
 #pragma once
 
 #include "camera/CameraPanel.h"
+#include "camera/ImageStore.h"
 #include "core/Busy.h"
 #include "core/DailyClocks.h"
 #include "core/ImageViews.h"
@@ -30,8 +31,11 @@ struct Station {
     PanelStatus& status;
     Recording& recording;
     CameraPanel& camera;
+    ImageStore& store;
     HttpTransfer& http;
     std::array<WebBrowser*, 3> browsers;
+    WebBrowser& gapBrowser;    ///< for the missed minutes alone
+    HttpTransfer& gapTransfer; ///< so is this
     ErrorLog& log;
     Clock& clock;
     Operator& op;

@@ -12,8 +12,9 @@ class WebBrowser {
     virtual ~WebBrowser() = default;
     virtual void navigate(std::string url) = 0;
     virtual bool busy() const = 0;
-    /// The loaded document's text, UTF-8.
-    virtual const std::string& innerText() const = 0;
+    /// The loaded document's text, UTF-8. It is handed over, since it may be large: a second call
+    /// finds it empty.
+    virtual std::string takeInnerText() = 0;
     virtual void onDocumentComplete(std::function<void()> handler) = 0;
 };
 

@@ -156,6 +156,26 @@ TEST_F(CameraTransfer, ANewTransferTakesOverAndADroppedOneEnds) {
     EXPECT_TRUE(download()) << camera.fault();
 }
 
+TEST_F(CameraTransfer, WhatWasFetchedAheadIsNotFetchedAgain) {
+    const auto served = [this] { return simulator->status().picturesServed; };
+    const std::string url = cameraBaseUrl(panel) + kLatestImagePath;
+    transfer.expect(url + "?1");
+    transfer.expect(url + "?2");
+    ASSERT_TRUE(QTest::qWaitFor([&] { return served() == 2; }, 2000));
+    ASSERT_TRUE(download(kLatestImagePath + std::string("?1")));
+    ASSERT_TRUE(download(kLatestImagePath + std::string("?2")));
+    EXPECT_TRUE(isWholeJpeg(picture()));
+    EXPECT_EQ(served(), 2U);
+    ASSERT_TRUE(download(kLatestImagePath + std::string("?2")));
+    EXPECT_EQ(served(), 3U);
+
+    simulator->setFault(QString("silent"));
+    transfer.expect(url + "?3");
+    EXPECT_FALSE(download(kLatestImagePath + std::string("?3")));
+    transfer.expect(url + "?4");
+    transfer.expect({});
+}
+
 TEST_F(CameraTransfer, RecordingSwitch) {
     int completions = 0;
     browser.onDocumentComplete([&] { ++completions; });
@@ -168,11 +188,12 @@ TEST_F(CameraTransfer, RecordingSwitch) {
     // HTML is read as a reader sees it; a failed page is empty, and completes too
     browser.navigate(cameraBaseUrl(panel) + "/");
     EXPECT_TRUE(QTest::qWaitFor([&] { return completions == 3; }, 2000));
-    EXPECT_FALSE(browser.innerText().empty());
-    EXPECT_EQ(browser.innerText().find('<'), std::string::npos);
+    const std::string text = browser.takeInnerText();
+    EXPECT_FALSE(text.empty());
+    EXPECT_EQ(text.find('<'), std::string::npos);
     browser.navigate(cameraBaseUrl(panel) + "/nothing");
     EXPECT_TRUE(QTest::qWaitFor([&] { return completions == 4; }, 2000));
-    EXPECT_TRUE(browser.innerText().empty());
+    EXPECT_TRUE(browser.takeInnerText().empty());
 }
 
 TEST_F(CameraTransfer, TestFetchShowsThePictureOrTellsWhyNot) {

@@ -80,7 +80,8 @@ TEST_F(Closing, EndsCleanlyAtAnyMoment) {
         station.clock.run(step * 100ms);
         station.loopTask.reset();
         station.status.Timer1.disable();
-        station.clock.run(2s);
+        station.status.runSync(false);
+        station.clock.run(12s);
         EXPECT_EQ(station.clock.pending(), 0U);
         EXPECT_TRUE(station.busy.mnuFileOpen);
         for (const std::string& name : station.imagesOf("20061115"))

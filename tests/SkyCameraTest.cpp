@@ -305,6 +305,25 @@ TEST(SkyCameraFaults, RandomFaultsRepeatWithTheirSeed) {
     EXPECT_NEAR(static_cast<double>(drawn.count("none")), 100.0, 30.0);
 }
 
+TEST(SkyCameraFaults, RandomFaultsSuitTheRequest) {
+    auto drawn = [](const char* path) {
+        FaultSource source;
+        source.setRule({parseFaults("random:7").faults, 0, "/"});
+        QSet<QString> kinds;
+        for (int i = 0; i < 600; ++i)
+            kinds << textOf(source.next(path)).section(':', 0, 0);
+        return kinds;
+    };
+    const QSet<QString> pictures{"huge", "stale"};
+    const QSet<QString> lists{"list-html",   "list-nocomma", "list-names", "list-paths",
+                              "list-future", "list-missing", "list-big",   "list-onefield"};
+    const QSet<QString> other = drawn("/");
+    EXPECT_EQ(drawn(kSearchPath), other + lists);
+    for (const char* path : {kPicture, "/record/20061115/20061115_092907_00.jpg"})
+        EXPECT_EQ(drawn(path), other + pictures) << path;
+    EXPECT_FALSE(other.intersects(pictures + lists));
+}
+
 TEST_F(SkyCameraTest, NonsenseIsAnsweredAndClosed) {
     struct Case {
         QByteArray bytes;

@@ -48,7 +48,7 @@ struct TrackerLink : testing::Test {
     FakeStore store;
     ErrorLog log{folder.path(), clock};
     FakeOperator op{clock};
-    FakeBrowser browser;
+    FakeBrowser browser{clock};
     Busy busy;
     OperationPanel panel;
     std::unique_ptr<SerialPort> port =

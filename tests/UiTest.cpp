@@ -13,6 +13,7 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QTabWidget>
 #include <QToolButton>
 #include <gtest/gtest.h>
 
@@ -65,15 +66,23 @@ TEST_F(Ui, LeavingAFieldEmptiesAValueOutOfRange) {
 
 TEST_F(Ui, TabFollowsTheLayout) {
     Window w(op);
-    QWidget* control = &find<QWidget>(w.main, "Text1_0");
-    control->setFocus();
-    for (const char* next :
-         {"Text1_1",  "Text1_2",  "Text1_3", "Text1_4",  "Text1_5",  "Text1_6", "chk_auto",
-          "chk_time", "Command1", "Dir1_0",  "Command3", "txtIp",    "txtPort", "Command5",
-          "Command7", "Command8", "chkLive", "txt_lat",  "txt_long", "txt_tz"}) {
-        QTest::keyClick(control, Qt::Key_Tab);
-        control = w.main.focusWidget();
-        ASSERT_EQ(control->objectName().toStdString(), next);
+    const std::vector<const char*> pages[] = {
+        {"Text1_0", "Text1_1", "Text1_2", "Text1_3", "Text1_4", "Text1_5", "Text1_6", "chk_auto",
+         "chk_time", "Dir1_0", "Command3", "txt_lat", "txt_long", "txt_tz"},
+        {"txtIp", "txtPort", "Command5", "Command7", "Command8", "chkLive", "Command4",
+         "cmd_Download", "chk_fill"},
+        {"Dir1_1", "txt_find", "cmd_find", "lst_found"}};
+    auto& tabs = find<QTabWidget>(w.main, "pages");
+    for (int page = 0; page < tabs.count(); ++page) {
+        tabs.setCurrentIndex(page);
+        QWidget* control = tabs.tabBar();
+        control->setFocus();
+        for (const char* next : pages[page]) {
+            QTest::keyClick(control, Qt::Key_Tab);
+            control = w.main.focusWidget();
+            ASSERT_EQ(control->objectName().toStdString(), next)
+                << control->metaObject()->className();
+        }
     }
 }
 
@@ -95,14 +104,20 @@ TEST_F(Ui, WidgetsFollowValues) {
 
 TEST_F(Ui, EveryControlOfThePanelIsThere) {
     Window w(op);
-    const char* names[] = {"chk_auto", "chk_time", "chkLive",     "Command1",   "Command2",
-                           "Command3", "Command5", "Command7",    "Command8",   "Dir1_0",
-                           "Frame3_1", "txtIp",    "txtPort",     "txt_lat",    "txt_long",
-                           "txt_tz",   "Label7",   "Label11",     "Label12",    "Label13",
-                           "lbl_free", "Text1_6",  "lbl_sunrise", "lbl_sunset", "UpDown1_6"};
+    const char* names[] = {
+        "chk_auto",  "chk_time", "chkLive",  "Command1",     "Command2",    "Command3",
+        "Command5",  "Command7", "Command8", "Dir1_0",       "Frame3_1",    "txtIp",
+        "txtPort",   "txt_lat",  "txt_long", "txt_tz",       "Label7",      "Label11",
+        "Label12",   "Label13",  "lbl_free", "Text1_6",      "lbl_sunrise", "lbl_sunset",
+        "UpDown1_6", "Command4", "Command6", "cmd_Download", "lbl_dlcnt",   "lbl_sync",
+        "chk_fill",  "Dir1_1",   "txt_find", "cmd_find",     "lst_found",   "lbl_found"};
+    auto& tabs = find<QTabWidget>(w.main, "pages");
     for (const char* name : names) {
         const auto found = w.main.operation().findChildren<QWidget*>(name);
         ASSERT_EQ(found.size(), 1) << name;
+        int page = 0;
+        while (page < tabs.count() && !found[0]->isVisible())
+            tabs.setCurrentIndex(page++);
         EXPECT_TRUE(found[0]->isVisible()) << name;
         EXPECT_FALSE(found[0]->toolTip().isEmpty() && found[0]->accessibleName().isEmpty()) << name;
     }
@@ -122,6 +137,7 @@ TEST_F(Ui, RecordingButtonsAndLocks) {
     EXPECT_TRUE(find<QWidget>(w.main, "Text1_6").isEnabled());
     tick(w.main, "chk_time");
     EXPECT_EQ(w.module.AdjTime, 1);
+    find<QTabWidget>(w.main, "pages").setCurrentIndex(1);
     tick(w.main, "chkLive");
     EXPECT_TRUE(w.panel.chkLive.ticked);
     click(w.main, "Command7");
@@ -368,7 +384,8 @@ TEST_F(Ui, CountdownExits) {
 
 TEST_F(Ui, ThumbnailsAreDecodedOnce) {
     TempFolder folder;
-    ThumbnailStrip strip;
+    PictureLoader loader(clock);
+    ThumbnailStrip strip(loader);
     ThumbnailStrip::History history;
     const auto file = [&](int hour) {
         return folder.path() / ("20061115_" + std::to_string(hour) + "3000_00.jpg");
@@ -378,6 +395,7 @@ TEST_F(Ui, ThumbnailsAreDecodedOnce) {
         ASSERT_TRUE(writePicture(file(20 - i), Qt::red, {800, 600}));
     }
     strip.showHistory(history);
+    clock.run(1s);
     auto& newest = find<Thumbnail>(strip, "thumbnail_0");
     EXPECT_LE(newest.picture().width(), 100) << "kept small";
 
@@ -388,6 +406,8 @@ TEST_F(Ui, ThumbnailsAreDecodedOnce) {
     history[0].path = file(21);
     ASSERT_TRUE(writePicture(file(21), Qt::blue));
     strip.showHistory(history);
+    clock.run(1s);
+    EXPECT_EQ(loader.decodeCount(), 11);
     EXPECT_EQ(strip.findChildren<Thumbnail*>().size(), 10);
     EXPECT_GT(newest.picture().toImage().pixelColor(5, 5).blue(), 200);
     for (int i = 1; i < 10; ++i) {
@@ -408,19 +428,23 @@ TEST_F(Ui, PictureWindows) {
     const auto count = [&] { return w.main.findChildren<ImageWindow*>().size(); };
     const auto picture = w.dataFolder() / "20061115_093000_00.jpg";
     ASSERT_TRUE(writePicture(picture, Qt::green, {4000, 3000}));
+    find<QLineEdit>(w.main, "txtIp").setFocus();
     w.pictures.showLatest(picture);
+    EXPECT_TRUE(find<QLineEdit>(w.main, "txtIp").hasFocus()) << "nobody is disturbed while typing";
     w.pictures.showLive("no picture");
     w.pictures.showLatest(picture);
+    w.clock.run(1s);
     ASSERT_EQ(count(), 1);
     auto* latest = w.main.findChild<ImageWindow*>("frmLatest");
-    EXPECT_LE(latest->picture().width(), QGuiApplication::primaryScreen()->size().width());
-    EXPECT_FALSE(latest->picture().isNull());
+    EXPECT_LE(latest->view().picture().width(), QGuiApplication::primaryScreen()->size().width());
+    EXPECT_TRUE(latest->hasPicture());
 
     delete latest->parentWidget();
     w.pictures.showLatest(picture);
     EXPECT_EQ(count(), 0) << "a closed latest-image window stays closed";
     w.main.findChild<QAction*>("mnuFileLatest")->trigger();
     EXPECT_EQ(count(), 1);
+    EXPECT_TRUE(w.main.findChild<ImageWindow*>("frmLatest")->view().hasFocus()) << "asked for";
     w.pictures.openImage(w.dataFolder() / "gone.jpg");
     w.pictures.openImage(w.dataFolder() / "gone.jpg");
     EXPECT_EQ(count(), 2) << "one window for each file";

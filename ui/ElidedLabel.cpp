@@ -20,8 +20,13 @@ QSize ElidedLabel::minimumSizeHint() const {
             fontMetrics().height() + margins.top() + margins.bottom()};
 }
 
+QFont ElidedLabel::drawnFont() const {
+    const bool wide = fontMetrics().horizontalAdvance(text()) > contentsRect().width();
+    return wide && narrowFont_ ? *narrowFont_ : font();
+}
+
 bool ElidedLabel::fits() const {
-    return fontMetrics().horizontalAdvance(text()) <= contentsRect().width();
+    return QFontMetrics(drawnFont()).horizontalAdvance(text()) <= contentsRect().width();
 }
 
 bool ElidedLabel::event(QEvent* event) {
@@ -32,7 +37,8 @@ bool ElidedLabel::event(QEvent* event) {
 
 void ElidedLabel::paintEvent(QPaintEvent*) {
     QPainter painter(this);
-    const QString shown = fontMetrics().elidedText(text(), mode_, contentsRect().width());
+    painter.setFont(drawnFont());
+    const QString shown = painter.fontMetrics().elidedText(text(), mode_, contentsRect().width());
     style()->drawItemText(&painter, contentsRect(), static_cast<int>(alignment()), palette(),
                           isEnabled(), shown, foregroundRole());
 }

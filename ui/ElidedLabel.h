@@ -2,6 +2,8 @@
 
 #include <QLabel>
 
+#include <optional>
+
 namespace orvane {
 
 /// A one-line label that never widens its window: text that is too long is cut with an ellipsis and
@@ -10,6 +12,8 @@ class ElidedLabel : public QLabel {
   public:
     explicit ElidedLabel(QWidget* parent = nullptr, Qt::TextElideMode mode = Qt::ElideRight);
 
+    /// Draws a text that does not fit in `font`, before it is cut.
+    void setNarrowFont(const QFont& font) { narrowFont_ = font; }
     /// Always leaves room for `text`.
     void setShortest(const QString& text) { shortest_ = text; }
 
@@ -22,8 +26,10 @@ class ElidedLabel : public QLabel {
 
   private:
     bool fits() const;
+    QFont drawnFont() const;
 
     Qt::TextElideMode mode_;
+    std::optional<QFont> narrowFont_;
     QString shortest_ = "00000000";
 };
 

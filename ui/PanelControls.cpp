@@ -115,6 +115,14 @@ UpDown* PanelControls::upDown(const Face& face, QLineEdit& field, int maximum, S
     return upDown;
 }
 
+QProgressBar* PanelControls::progressBar(const Face& face, ProgressBar& model) {
+    QProgressBar* bar = busyBar(face);
+    bindings_.follow(model.visible, [bar](bool visible) { bar->setVisible(visible); });
+    bindings_.follow(model.maximum, [bar](int maximum) { bar->setMaximum(maximum); });
+    bindings_.follow(model.value, [bar](int value) { bar->setValue(value); });
+    return bar;
+}
+
 QProgressBar* PanelControls::busyBar(const Face& face) {
     auto* bar = new QProgressBar(&owner_);
     present(*bar, face);

@@ -46,6 +46,8 @@ class PanelControls {
     /// A field; its caption is its accessible name.
     QLineEdit* textBox(const Face& face, TextBox& model, Handler change, Handler lostFocus = {});
     UpDown* upDown(const Face& face, QLineEdit& field, int maximum, Spinner& model, Handler change);
+    /// Follows the bar of the same name; its place stays free while it is hidden.
+    QProgressBar* progressBar(const Face& face, ProgressBar& model);
     /// A bar that tells that something is going on. Its place stays free while it is hidden.
     QProgressBar* busyBar(const Face& face);
     /// Has `widget` enabled as `enabled` says.

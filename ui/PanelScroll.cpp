@@ -12,6 +12,7 @@ constexpr int kUsualWidth = 330;
 
 PanelScroll::PanelScroll(QWidget& panel, QWidget* parent) : QScrollArea(parent) {
     setFrameShape(QFrame::NoFrame);
+    setFocusPolicy(Qt::NoFocus);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setWidgetResizable(true);
     setWidget(&panel);

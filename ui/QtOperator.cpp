@@ -40,15 +40,24 @@ class OpenBox {
     int result_ = QMessageBox::Cancel;
 };
 
+/// The dialog in use, which the box then stands before and gives the keys back to; else `window`.
+/// Not another box: it may go with its task while this one is still to be answered.
+QWidget* dialogInUse(QWidget* window) {
+    QWidget* active = QApplication::activeWindow();
+    const bool isDialog = active != nullptr && active->isModal();
+    return isDialog && qobject_cast<QMessageBox*>(active) == nullptr ? active : window;
+}
+
 } // namespace
 
 Task<> QtOperator::tell(std::string text) {
-    OpenBox box(clock_, window_, QMessageBox::NoIcon, text, QMessageBox::Ok);
+    OpenBox box(clock_, dialogInUse(window_), QMessageBox::NoIcon, text, QMessageBox::Ok);
     co_await box.closed;
 }
 
 Task<bool> QtOperator::ask(std::string text) {
-    OpenBox box(clock_, window_, QMessageBox::Warning, text, QMessageBox::Ok | QMessageBox::Cancel);
+    OpenBox box(clock_, dialogInUse(window_), QMessageBox::Warning, text,
+                QMessageBox::Ok | QMessageBox::Cancel);
     co_await box.closed;
     co_return box.accepted();
 }

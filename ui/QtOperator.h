@@ -14,7 +14,8 @@ class QtOperator final : public Operator {
   public:
     explicit QtOperator(Clock& clock) : clock_(clock) {}
 
-    /// The window that boxes stand before and block. Without one they stand alone.
+    /// The window that boxes stand before and block, but for a modal dialog in use, which goes
+    /// first. Without either they stand alone.
     void setParentWindow(QWidget* window) { window_ = window; }
 
     Task<> tell(std::string text) override;

@@ -1,27 +1,21 @@
 #include "ui/ThumbnailStrip.h"
 
-#include "ui/PictureReader.h"
+#include "platform/Conversions.h"
+#include "ui/PictureAge.h"
 #include "ui/Text.h"
 
 #include <QDir>
-#include <QFile>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QPainter>
-#include <QRegularExpression>
+
+#include <optional>
 
 namespace orvane {
 namespace {
 
 constexpr QSize kPictureSize(60, 45);
-
-/// "hh:mm" from a recorded picture's name, "yyyymmdd_hhmm...".
-QString timeOf(const std::filesystem::path& file) {
-    static const QRegularExpression pattern(R"(^\d{8}_(\d\d)(\d\d))");
-    const QRegularExpressionMatch match = pattern.match(toQString(file.filename()));
-    return match.hasMatch() ? match.captured(1) + ':' + match.captured(2) : QString();
-}
 
 } // namespace
 
@@ -36,19 +30,30 @@ Thumbnail::Thumbnail(QWidget* parent)
     picture_->setAlignment(Qt::AlignCenter);
     time_->setMinimumHeight(time_->fontMetrics().height());
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
-    set({}, {});
+    setFile({});
 }
 
-void Thumbnail::set(const std::filesystem::path& file, const QPixmap& picture) {
+void Thumbnail::setFile(const std::filesystem::path& file) {
     file_ = file;
+    state_ = State::Waiting;
+    picture_->clear();
+    const auto minute = recordedMinute(file);
     const QString path = QDir::toNativeSeparators(toQString(file));
-    picture_->setPixmap(picture);
-    if (picture.isNull() && !file.empty()) picture_->setText("?");
-    time_->setText(timeOf(file));
-    setToolTip(file.empty() ? QString() : path + "\nDouble-click to open.");
+    const QString date = minute ? toQString(dateText(*minute)) + "\n" : QString();
+    time_->setText(minute ? toQString(hourMinute(*minute)) : QString());
+    setToolTip(file.empty() ? QString() : date + path + "\nDouble-click to open.");
     setAccessibleName(file.empty() ? "No picture" : path);
     setFocusPolicy(file.empty() ? Qt::NoFocus : Qt::StrongFocus);
     update();
+}
+
+void Thumbnail::setPicture(const QPixmap& picture) {
+    state_ = picture.isNull() ? State::Unreadable : State::Shown;
+    if (picture.isNull()) {
+        picture_->setText("?");
+    } else {
+        picture_->setPixmap(picture);
+    }
 }
 
 QPixmap Thumbnail::picture() const {
@@ -69,10 +74,21 @@ void Thumbnail::mouseDoubleClickEvent(QMouseEvent*) {
 }
 
 void Thumbnail::keyPressEvent(QKeyEvent* event) {
-    if (event->key() != Qt::Key_Return && event->key() != Qt::Key_Enter)
-        return QFrame::keyPressEvent(event);
     const std::filesystem::path file = file_;
-    emit opened(file);
+    switch (event->key()) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        emit opened(file);
+        break;
+    case Qt::Key_Left:
+        emit moveWanted(-1);
+        break;
+    case Qt::Key_Right:
+        emit moveWanted(+1);
+        break;
+    default:
+        QFrame::keyPressEvent(event);
+    }
 }
 
 void Thumbnail::paintEvent(QPaintEvent*) {
@@ -87,7 +103,8 @@ void Thumbnail::paintEvent(QPaintEvent*) {
     if (marked) painter.drawRect(frame.adjusted(1, 1, -1, -1));
 }
 
-ThumbnailStrip::ThumbnailStrip(QWidget* parent) : QWidget(parent) {
+ThumbnailStrip::ThumbnailStrip(PictureLoader& loader, QWidget* parent)
+    : QWidget(parent), loader_(loader) {
     setObjectName("thumbnails");
     setAccessibleName("Newest pictures");
     auto* layout = new QHBoxLayout(this);
@@ -97,6 +114,7 @@ ThumbnailStrip::ThumbnailStrip(QWidget* parent) : QWidget(parent) {
         frames_[i] = new Thumbnail(this);
         frames_[i]->setObjectName(QString("thumbnail_%1").arg(i));
         connect(frames_[i], &Thumbnail::opened, this, &ThumbnailStrip::opened);
+        connect(frames_[i], &Thumbnail::moveWanted, this, [this, i](int by) { moveFocus(i, by); });
         layout->addWidget(frames_[i]);
     }
     layout->addStretch();
@@ -113,26 +131,47 @@ void ThumbnailStrip::resizeEvent(QResizeEvent*) {
     }
 }
 
+/// A capture moves every file on by one frame; what is known of each goes along.
 void ThumbnailStrip::showHistory(const History& history) {
-    std::array<QPixmap, Module1::kThumbnailCount> pictures;
+    std::array<std::optional<QPixmap>, Module1::kThumbnailCount> known;
     for (std::size_t i = 0; i < history.size(); ++i)
-        pictures[i] = pictureOf(history[i].path);
+        for (const Thumbnail* frame : frames_)
+            if (frame->file() == history[i].path && frame->state() != Thumbnail::State::Waiting)
+                known[i] = frame->picture();
     for (std::size_t i = 0; i < history.size(); ++i) {
-        frames_[i]->set(history[i].path, pictures[i]);
+        frames_[i]->setFile(history[i].path);
+        if (known[i]) frames_[i]->setPicture(*known[i]);
         frames_[i]->setNewest(i == 0 && !history[i].path.empty());
+    }
+    if (tasks_.running() == 0) tasks_.spawn(decodeWaiting());
+}
+
+Thumbnail* ThumbnailStrip::firstWaiting() const {
+    for (Thumbnail* frame : frames_)
+        if (!frame->file().empty() && frame->state() == Thumbnail::State::Waiting) return frame;
+    return nullptr;
+}
+
+/// The frames may move on while a picture is decoded: it belongs to whatever frame has its file.
+Task<> ThumbnailStrip::decodeWaiting() {
+    while (const Thumbnail* waiting = firstWaiting()) {
+        const qreal ratio = devicePixelRatioF();
+        PictureSource source;
+        source.file = waiting->file();
+        Task<LoadedPicture> loading = loader_.load(source, kPictureSize * ratio);
+        const LoadedPicture loaded = co_await loading;
+        QPixmap picture = QPixmap::fromImage(loaded.pixels);
+        picture.setDevicePixelRatio(ratio);
+        for (Thumbnail* frame : frames_)
+            if (frame->file() == source.file) frame->setPicture(picture);
     }
 }
 
-QPixmap ThumbnailStrip::pictureOf(const std::filesystem::path& file) const {
-    if (file.empty()) return {};
-    for (const Thumbnail* frame : frames_)
-        if (frame->file() == file && !frame->picture().isNull()) return frame->picture();
-    QFile source(toQString(file));
-    if (!source.open(QIODevice::ReadOnly)) return {};
-    const qreal ratio = devicePixelRatioF();
-    QPixmap picture = QPixmap::fromImage(readPicture(source, kPictureSize * ratio));
-    picture.setDevicePixelRatio(ratio);
-    return picture;
+void ThumbnailStrip::moveFocus(std::size_t from, int by) {
+    const std::size_t to = by < 0 ? from - 1 : from + 1; // below 0 wraps beyond the last
+    if (to < frames_.size() && frames_[to]->focusPolicy() != Qt::NoFocus &&
+        frames_[to]->isVisible())
+        frames_[to]->setFocus(Qt::TabFocusReason);
 }
 
 } // namespace orvane

@@ -1,6 +1,8 @@
 #pragma once
 
 #include "core/Module1.h"
+#include "platform/TaskGroup.h"
+#include "ui/PictureLoader.h"
 
 #include <QFrame>
 #include <QPixmap>
@@ -16,15 +18,21 @@ class Thumbnail : public QFrame {
   public:
     explicit Thumbnail(QWidget* parent = nullptr);
 
-    /// Shows `file` with its picture; an empty path empties the frame.
-    void set(const std::filesystem::path& file, const QPixmap& picture);
+    enum class State { Waiting, Shown, Unreadable }; ///< of a file's picture
+
+    /// Stands for `file` from now on, its picture still to come; an empty path empties the frame.
+    void setFile(const std::filesystem::path& file);
+    /// Shows what was decoded of the file; null: it cannot be read.
+    void setPicture(const QPixmap& picture);
     void setNewest(bool newest);
 
     const std::filesystem::path& file() const { return file_; }
+    State state() const { return state_; }
     QPixmap picture() const;
 
   signals:
     void opened(const std::filesystem::path& file);
+    void moveWanted(int by); ///< to the neighbour: +1 to the right
 
   protected:
     void mouseDoubleClickEvent(QMouseEvent* event) override;
@@ -33,19 +41,22 @@ class Thumbnail : public QFrame {
 
   private:
     std::filesystem::path file_;
+    State state_ = State::Waiting;
     QLabel* picture_;
     QLabel* time_;
     bool newest_ = false;
 };
 
-/// The newest pictures, newest first, each decoded once at the size it is shown in.
+/// The newest pictures, newest first, each decoded once, at the size it is shown in. A picture that
+/// was decoded moves on with its file, so a capture costs one decoding. The arrow keys go from one
+/// to the next.
 class ThumbnailStrip : public QWidget {
     Q_OBJECT
 
   public:
     using History = std::array<ThumbnailEntry, Module1::kThumbnailCount>;
 
-    explicit ThumbnailStrip(QWidget* parent = nullptr);
+    explicit ThumbnailStrip(PictureLoader& loader, QWidget* parent = nullptr);
 
     void showHistory(const History& history);
 
@@ -60,9 +71,15 @@ class ThumbnailStrip : public QWidget {
     void resizeEvent(QResizeEvent* event) override;
 
   private:
-    QPixmap pictureOf(const std::filesystem::path& file) const;
+    using Frames = std::array<Thumbnail*, Module1::kThumbnailCount>;
 
-    std::array<Thumbnail*, Module1::kThumbnailCount> frames_{};
+    Task<> decodeWaiting();
+    void moveFocus(std::size_t from, int by);
+    Thumbnail* firstWaiting() const;
+
+    PictureLoader& loader_;
+    Frames frames_{};
+    TaskGroup tasks_; ///< last: its task uses everything above
 };
 
 } // namespace orvane

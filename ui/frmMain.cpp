@@ -1,10 +1,13 @@
 #include "ui/frmMain.h"
 
+#include "ui/DayView.h"
 #include "ui/FrmComPort.h"
 #include "ui/FrmSave.h"
 #include "ui/FrmTKRTimeAuto.h"
+#include "ui/ImageMenu.h"
 #include "ui/PanelScroll.h"
 #include "ui/Text.h"
+#include "ui/frmAbout.h"
 #include "ui/frmOption.h"
 
 #include <QCloseEvent>
@@ -22,32 +25,35 @@ constexpr std::chrono::seconds kSessionEnd{30};
 } // namespace
 
 frmMain::frmMain(Parts parts)
-    : parts_(parts), operation_(new frmOperation(parts.operation)), area_(new QMdiArea) {
+    : parts_(parts), operation_(new frmOperation(parts.operation)), area_(new PictureArea) {
     setObjectName("frmMain");
     setWindowTitle("Orvane");
-    area_->setAccessibleName("Pictures");
-    area_->setBackground(palette().color(QPalette::Window).darker(125));
-    area_->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
-    area_->setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
-    auto* strip = new ThumbnailStrip;
+    auto* strip = new ThumbnailStrip(parts_.views.loader());
     auto* pictures = new QVBoxLayout;
     pictures->setSpacing(0);
     pictures->addWidget(area_, 1);
     pictures->addWidget(strip);
     auto* content = new QWidget;
-    auto* row = new QHBoxLayout(content);
-    row->setContentsMargins(0, 0, 0, 0);
-    row->setSpacing(0);
+    auto* rows = new QVBoxLayout(content);
+    rows->setContentsMargins(0, 0, 0, 0);
+    rows->setSpacing(0);
+    auto* row = new QHBoxLayout;
+    rows->addLayout(row, 1);
+    rows->addWidget(new DayView({parts_.module, parts_.operation.panel, parts_.clock}));
     row->addWidget(new PanelScroll(*operation_));
     row->addLayout(pictures, 1);
     setCentralWidget(content);
 
     addFileMenu();
     addToolsMenu();
+    addImageMenu();
     addWindowMenu();
+    addHelpMenu();
     bindings_.follow(parts_.busy.mnuFileOpen, [this](bool on) { followBusy(on); });
     parts_.views.attach(area_, strip);
     connect(strip, &ThumbnailStrip::opened, this,
+            [this](const std::filesystem::path& file) { parts_.views.openFiled(file); });
+    connect(operation_, &frmOperation::imageWanted, this,
             [this](const std::filesystem::path& file) { parts_.views.openImage(file); });
     connect(operation_, &frmOperation::pictureWanted, this, [this] { parts_.views.wantLatest(); });
     connect(qGuiApp, &QGuiApplication::commitDataRequest, this,
@@ -70,7 +76,10 @@ void frmMain::addFileMenu() {
     file->setObjectName("mnuFile");
     file->setToolTipsVisible(true);
     QAction* open =
-        addAction(*file, "mnuFileOpen", "&Open...", "Opens a stored picture.", QKeySequence::Open);
+        addAction(*file, "mnuFileOpen", "&Open...", "Opens stored pictures.", QKeySequence::Open);
+    QAction* saveAs =
+        addAction(*file, "mnuFileSaveAs", "Save &As...",
+                  "Saves the picture in front as a JPEG file.", QKeySequence("Ctrl+S"));
     QAction* latest = addAction(*file, "mnuFileLatest", "&Latest Image",
                                 "Shows the newest picture.", Qt::CTRL | Qt::Key_L);
     file->addSeparator();
@@ -85,6 +94,13 @@ void frmMain::addFileMenu() {
     connect(options, &QAction::triggered, this, &frmMain::mnuFileSaveOptions_Click);
     connect(exit, &QAction::triggered, this, &frmMain::mnuFileExit_Click);
     idleActions_ << open;
+    saveAs_ = saveAs;
+}
+
+void frmMain::addImageMenu() {
+    QMenu* image = menuBar()->addMenu("Pict&ure");
+    image->setObjectName("mnuImage");
+    new ImageMenu(*saveAs_, *image, *area_, parts_.views);
 }
 
 void frmMain::addToolsMenu() {
@@ -124,6 +140,14 @@ void frmMain::addWindowMenu() {
             &QAction::triggered, area_, &QMdiArea::closeAllSubWindows);
     windows->addSeparator();
     connect(windows, &QMenu::aboutToShow, this, [this, windows] { listWindows(*windows); });
+}
+
+void frmMain::addHelpMenu() {
+    QMenu* help = menuBar()->addMenu("&Help");
+    help->setObjectName("mnuHelp");
+    help->setToolTipsVisible(true);
+    connect(addAction(*help, "mnuHelpAbout", "&About...", "Shows the program's version."),
+            &QAction::triggered, this, &frmMain::mnuHelpAbout_Click);
 }
 
 void frmMain::listWindows(QMenu& menu) {
@@ -169,10 +193,14 @@ void frmMain::mnuFileOpen_Click() {
     auto* dialog =
         new QFileDialog(this, "Open", start, "JPEG pictures (*.jpg *.jpeg *.JPG *.JPEG)");
     dialog->setAttribute(Qt::WA_DeleteOnClose);
-    dialog->setFileMode(QFileDialog::ExistingFile);
-    connect(dialog, &QFileDialog::fileSelected, this, [this](const QString& file) {
-        openFolder_ = QFileInfo(file).absolutePath();
-        parts_.views.openImage(toPath(file));
+    dialog->setFileMode(QFileDialog::ExistingFiles);
+    connect(dialog, &QFileDialog::filesSelected, this, [this](const QStringList& files) {
+        if (files.isEmpty()) return;
+        openFolder_ = QFileInfo(files.first()).absolutePath();
+        std::vector<std::filesystem::path> paths;
+        for (const QString& file : files)
+            paths.push_back(toPath(file));
+        parts_.views.openImages(paths);
     });
     dialog->open();
 }
@@ -209,6 +237,12 @@ void frmMain::mnuTKROption_Click() {
     if (option_ == nullptr)
         option_ = new frmOption(tracker.optionForm, tracker.options, parts_.operation.tasks, this);
     option_->open();
+}
+
+void frmMain::mnuHelpAbout_Click() {
+    auto* dialog = new frmAbout({parts_.systemInfo, parts_.op, parts_.operation.tasks}, this);
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->open();
 }
 
 void frmMain::closeEvent(QCloseEvent* event) {

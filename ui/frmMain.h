@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/Shutdown.h"
+#include "platform/SystemInfo.h"
 #include "ui/QtImageViews.h"
 #include "ui/frmOperation.h"
 
@@ -23,8 +24,8 @@ struct OptionForm;
 struct TimeSettingForm;
 
 /// The main window: the operation panel at its left, the picture windows beside it, the newest
-/// pictures' strip below those. A close request starts a task that asks; the window goes when the
-/// answer allows it.
+/// pictures' strip below those, the day at a glance below all. A close request starts a task that
+/// asks; the window goes when the answer allows it.
 class frmMain : public QMainWindow {
     Q_OBJECT
 
@@ -45,6 +46,9 @@ class frmMain : public QMainWindow {
         Shutdown& shutdown;
         QtImageViews& views;
         Tracker tracker;
+        Clock& clock;
+        Operator& op;
+        SystemInfo& systemInfo;
     };
 
     explicit frmMain(Parts parts);
@@ -61,7 +65,9 @@ class frmMain : public QMainWindow {
   private:
     void addFileMenu();
     void addToolsMenu();
+    void addImageMenu();
     void addWindowMenu();
+    void addHelpMenu();
     void followBusy(bool idle);
     void listWindows(QMenu& menu);
     QAction* addAction(QMenu& menu, const char* name, const QString& caption, const QString& tip,
@@ -73,12 +79,14 @@ class frmMain : public QMainWindow {
     void mnuFileExit_Click();
     void mnuCOMSelect_Click();
     void mnuTKROption_Click();
+    void mnuHelpAbout_Click();
     static Task<> unload(QPointer<frmMain> window, UnloadMode mode);
     std::optional<WindowPlace> place() const;
 
     Parts parts_;
     frmOperation* operation_;
-    QMdiArea* area_;
+    PictureArea* area_;
+    QAction* saveAs_ = nullptr;
     // Each is made on first use and only hidden when it closes: a value has one observer, so no
     // second dialog may follow it before the first has gone.
     FrmComPort* comPort_ = nullptr;

@@ -1,8 +1,11 @@
 #include "ui/frmOperation.h"
 
 #include "ui/ElidedLabel.h"
+#include "ui/FindGroup.h"
 #include "ui/FolderView.h"
 #include "ui/NumberMark.h"
+#include "ui/PanelLayout.h"
+#include "ui/StoreGroup.h"
 #include "ui/Text.h"
 #include "ui/UpDown.h"
 
@@ -10,10 +13,11 @@
 #include <QDir>
 #include <QFileDialog>
 #include <QFormLayout>
-#include <QGroupBox>
 #include <QLineEdit>
 #include <QPainter>
 #include <QPushButton>
+#include <QTabBar>
+#include <QTabWidget>
 
 namespace orvane {
 namespace {
@@ -39,20 +43,6 @@ QString timeFieldTip(std::size_t index) {
     return tip;
 }
 
-QGroupBox* group(const QString& title, QLayout* layout) {
-    auto* box = new QGroupBox(title);
-    layout->setContentsMargins(8, 4, 8, 6);
-    layout->setSpacing(4);
-    box->setLayout(layout);
-    return box;
-}
-
-QLabel* unitLabel(const QString& unit) {
-    auto* label = new QLabel(unit);
-    label->setForegroundRole(QPalette::PlaceholderText);
-    return label;
-}
-
 /// A filled circle or square: the usual signs for recording and stopping.
 QIcon sign(const QColor& colour, bool circle) {
     QPixmap picture(64, 64);
@@ -68,15 +58,6 @@ QIcon sign(const QColor& colour, bool circle) {
     return picture;
 }
 
-/// Two widgets side by side in equal widths.
-QHBoxLayout* pair(QWidget* left, QWidget* right) {
-    auto* row = new QHBoxLayout;
-    row->setSpacing(6);
-    row->addWidget(left, 1);
-    row->addWidget(right, 1);
-    return row;
-}
-
 } // namespace
 
 frmOperation::frmOperation(Parts parts, QWidget* parent)
@@ -87,19 +68,47 @@ frmOperation::frmOperation(Parts parts, QWidget* parent)
     layout->setContentsMargins(6, 4, 6, 6);
     layout->setSpacing(5);
     layout->addWidget(statusGroup());
-    layout->addWidget(scheduleGroup());
-    layout->addWidget(folderGroup(), 1);
-    layout->addWidget(cameraGroup());
-    layout->addWidget(siteGroup());
+    layout->addWidget(recordingButtons());
+    auto* pages = new QTabWidget;
+    pages->setObjectName("pages");
+    pages->setDocumentMode(true);
+    pages->tabBar()->setObjectName("pages_bar");
+    addPage(*pages, "Recording", "When pictures are taken and where they go.",
+            {scheduleGroup(), folderGroup(), siteGroup()});
+    addPage(*pages, "Camera", "The camera and the pictures that it has recorded by itself.",
+            {cameraGroup(), storeGroup(controls_, parts_.panel, parts_.store, parts_.tasks)});
+    addPage(*pages, "Files", "Finds files in a folder.",
+            {findGroup(controls_, parts_.panel, parts_.folderScan,
+                       [this](const std::filesystem::path& file) { emit imageWanted(file); })});
+    layout->addWidget(pages, 1);
     orderTabs();
+}
+
+/// Room that is left over goes to what can use it: the lists.
+void frmOperation::addPage(QTabWidget& pages, const QString& title, const QString& tip,
+                           std::initializer_list<QWidget*> groups) {
+    auto* page = new QWidget;
+    auto* column = new QVBoxLayout(page);
+    column->setContentsMargins(2, 6, 2, 2);
+    column->setSpacing(5);
+    bool grows = false;
+    for (QWidget* box : groups) {
+        const bool growing = box->findChild<QListWidget*>() != nullptr;
+        column->addWidget(box, growing ? 1 : 0);
+        grows = grows || growing;
+    }
+    if (!grows) column->addStretch(1);
+    pages.setTabToolTip(pages.addTab(page, title), tip);
 }
 
 /// The order of the widgets' making is not the order in which they are read.
 void frmOperation::orderTabs() {
     const char* const order[] = {
-        "Text1_0",  "Text1_1",  "Text1_2",  "Text1_3", "Text1_4",  "Text1_5", "Text1_6", "chk_auto",
-        "chk_time", "Command1", "Command2", "Dir1_0",  "Command3", "txtIp",   "txtPort", "Command5",
-        "Command7", "Command8", "chkLive",  "txt_lat", "txt_long", "txt_tz"};
+        "Command1", "Command2", "pages_bar", "Text1_0",      "Text1_1",  "Text1_2",  "Text1_3",
+        "Text1_4",  "Text1_5",  "Text1_6",   "chk_auto",     "chk_time", "Dir1_0",   "Command3",
+        "txt_lat",  "txt_long", "txt_tz",    "txtIp",        "txtPort",  "Command5", "Command7",
+        "Command8", "chkLive",  "Command4",  "cmd_Download", "Command6", "chk_fill", "Dir1_1",
+        "txt_find", "cmd_find", "lst_found"};
     QWidget* previous = nullptr;
     for (const char* name : order) {
         auto* next = findChild<QWidget*>(name);
@@ -114,9 +123,13 @@ void frmOperation::focusStart() {
 
 QWidget* frmOperation::statusGroup() {
     OperationPanel& panel = parts_.panel;
-    QLabel* status =
+    ElidedLabel* status =
         controls_.label({"Label7", "Status", "What the station is doing."}, panel.Label7);
     QFont large = status->font();
+    QFont narrow = large; // with its own size and weight: a painter fills in what is not set
+    narrow.setPointSizeF(large.pointSizeF());
+    narrow.setBold(false);
+    status->setNarrowFont(narrow);
     large.setPointSizeF(large.pointSizeF() * 1.6);
     large.setBold(true);
     status->setFont(large);
@@ -143,7 +156,7 @@ QWidget* frmOperation::statusGroup() {
     add(4, 0, "Disk", {"lbl_free", "Free space", "Free space of the data folder's disk."},
         panel.lbl_free);
     grid->setColumnStretch(1, 1);
-    QGroupBox* box = group("Status", grid);
+    QGroupBox* box = panelGroup("Status", grid);
     grid->setHorizontalSpacing(8);
     grid->setVerticalSpacing(2);
     return box;
@@ -169,15 +182,14 @@ QWidget* frmOperation::scheduleGroup() {
     addTimes("Start ti&me", {0, 1});
     addTimes("&End time", {2, 3});
     addTimes("Inte&rval", {4, 5, 6});
-    form->addRow(pair(
+    form->addRow(sideBySide(
         controls_.checkBox(
             {"chk_auto", "Loc&k schedule", "Locks the schedule fields against changes by mistake."},
             parts_.panel.chk_auto, [this] { parts_.recording.chk_auto_Click(); }),
         controls_.checkBox({"chk_time", "Set &clocks daily",
                             "Sets the clocks of camera and tracker once a day while recording."},
                            parts_.panel.chk_time, [this] { parts_.settings.chk_time_Click(); })));
-    form->addRow(recordingButtons());
-    return group("Recording schedule", form);
+    return panelGroup("Recording schedule", form);
 }
 
 QWidget* frmOperation::recordingButtons() {
@@ -197,7 +209,7 @@ QWidget* frmOperation::recordingButtons() {
                               });
     start_->setIcon(sign(QColor(0xd0, 0x2f, 0x2f), true));
     stop->setIcon(sign(QColor(0x5f, 0x6b, 0x7a), false));
-    QHBoxLayout* row = pair(start_, stop);
+    QHBoxLayout* row = sideBySide(start_, stop);
     row->setContentsMargins(0, 0, 0, 0);
     buttons->setLayout(row);
     return buttons;
@@ -251,7 +263,7 @@ QWidget* frmOperation::folderGroup() {
     column->addWidget(controls_.button(
         {"Command3", "Select &Data Save Folder", "Chooses the folder that pictures are filed in."},
         panel.Command3, [this] { selectFolder(); }));
-    QGroupBox* frame = group("Data folder", column);
+    QGroupBox* frame = panelGroup("Data folder", column);
     frame->setObjectName("Frame3_1");
     frame->setAccessibleName("Data folder");
     controls_.followEnabled(*frame, panel.Frame3[1].enabled);
@@ -281,7 +293,7 @@ QWidget* frmOperation::cameraGroup() {
     port->setFixedWidth(port->fontMetrics().horizontalAdvance("000000") + 12);
     auto* addressLabel = new QLabel("&Address");
     addressLabel->setBuddy(address);
-    auto* portLabel = new QLabel("&Port");
+    auto* portLabel = new QLabel("Po&rt");
     portLabel->setBuddy(port);
     auto* addressRow = new QHBoxLayout;
     addressRow->addWidget(addressLabel);
@@ -291,23 +303,23 @@ QWidget* frmOperation::cameraGroup() {
 
     auto* column = new QVBoxLayout;
     column->addLayout(addressRow);
-    column->addLayout(pair(
+    column->addLayout(sideBySide(
         controls_.button({"Command5", "Camera recording o&n", "Has the camera record by itself."},
                          panel.Command5, [&camera] { camera.Command5_Click(); }),
         controls_.button({"Command7", "Camera recording &off", "Ends the camera's own recording."},
                          panel.Command7, [&camera] { camera.Command7_Click(); })));
-    column->addLayout(
-        pair(controls_.button({"Command8", "Test fetc&h",
-                               "Fetches the camera's picture once, to see whether it answers."},
-                              panel.Command8,
-                              [this] {
-                                  emit pictureWanted();
-                                  parts_.tasks.spawn(parts_.camera.Command8_Click());
-                              }),
-             controls_.checkBox({"chkLive", "Live &view",
-                                 "Shows the camera's picture every 5 seconds without keeping it."},
-                                panel.chkLive, [this] { emit pictureWanted(); })));
-    return group("Camera", column);
+    column->addLayout(sideBySide(
+        controls_.button({"Command8", "T&est fetch",
+                          "Fetches the camera's picture once, to see whether it answers."},
+                         panel.Command8,
+                         [this] {
+                             emit pictureWanted();
+                             parts_.tasks.spawn(parts_.camera.Command8_Click());
+                         }),
+        controls_.checkBox({"chkLive", "Live &view",
+                            "Shows the camera's picture every 5 seconds without keeping it."},
+                           panel.chkLive, [this] { emit pictureWanted(); })));
+    return panelGroup("Camera", column);
 }
 
 QWidget* frmOperation::siteGroup() {
@@ -323,7 +335,7 @@ QWidget* frmOperation::siteGroup() {
                               "Whole hours east of universal time, such as 9 for Japan."},
                              panel.txt_tz, &PanelSettings::txt_tz_Change),
                    1);
-    QGroupBox* box = group("Site", row);
+    QGroupBox* box = panelGroup("Site", row);
     row->setSpacing(8);
     return box;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
-#include "camera/CameraPanel.h"
+#include "camera/FolderScan.h"
+#include "camera/ImageStore.h"
 #include "core/OperationPanel.h"
 #include "core/PanelSettings.h"
 #include "core/Recording.h"
@@ -11,6 +12,7 @@
 
 class QGroupBox;
 class QHBoxLayout;
+class QTabWidget;
 
 namespace orvane {
 
@@ -26,6 +28,8 @@ class frmOperation : public QWidget {
         Recording& recording;
         PanelSettings& settings;
         CameraPanel& camera;
+        ImageStore& store;
+        FolderScan& folderScan;
         TaskGroup& tasks;
     };
 
@@ -37,8 +41,12 @@ class frmOperation : public QWidget {
   signals:
     /// The operator asked for the camera's picture.
     void pictureWanted();
+    /// The operator wants to see `file`.
+    void imageWanted(const std::filesystem::path& file);
 
   private:
+    static void addPage(QTabWidget& pages, const QString& title, const QString& tip,
+                        std::initializer_list<QWidget*> groups);
     QWidget* statusGroup();
     QWidget* scheduleGroup();
     QWidget* recordingButtons();

@@ -13,6 +13,7 @@ namespace orvane {
 namespace {
 
 constexpr std::uint64_t kPixelLimit = 100'000'000;
+constexpr unsigned kEighths = 8; ///< the library scales in eighths
 /// Real progressive files have about ten; every scan costs a pass over the whole picture.
 constexpr int kScanLimit = 200;
 constexpr int kExifMarker = JPEG_APP0 + 1;
@@ -22,13 +23,18 @@ constexpr std::string_view kExifSignature("Exif\0\0", 6);
 constexpr J_COLOR_SPACE kRgb32 =
     std::endian::native == std::endian::little ? JCS_EXT_BGRX : JCS_EXT_XRGB;
 
+/// The EXIF orientations that turn the picture by a quarter.
+bool isTransposed(int orientation) {
+    return orientation >= 5;
+}
+
 std::string_view contents(const jpeg_marker_struct& marker) {
     return {reinterpret_cast<const char*>(marker.data), marker.data_length};
 }
 
 } // namespace
 
-JpegDecoder::JpegDecoder(std::string bytes) : bytes_(std::move(bytes)) {
+JpegDecoder::JpegDecoder(std::string bytes, QSize bound) : bytes_(std::move(bytes)), bound_(bound) {
     info_.err = &errors_;
 }
 
@@ -40,7 +46,12 @@ bool JpegDecoder::begin() {
     if (!readHeader()) return fail(errors_.text);
     if (!acceptHeader()) return false;
     keepMarkers();
-    if (!allocate(exifOrientation(picture_.exif))) return fail("Not enough memory for the picture");
+    const int orientation = exifOrientation(picture_.exif);
+    fullSize_ = QSize(static_cast<int>(info_.image_width), static_cast<int>(info_.image_height));
+    if (isTransposed(orientation)) fullSize_.transpose();
+    chooseEighths();
+    if (!scale()) return fail(errors_.text);
+    if (!allocate(orientation)) return fail("Not enough memory for the picture");
     if (!start()) return fail(errors_.text);
     return true;
 }
@@ -98,11 +109,32 @@ bool JpegDecoder::readProfile(JOCTET** profile, unsigned* size) {
     return jpeg_read_icc_profile(&info_, profile, size) != FALSE;
 }
 
+void JpegDecoder::chooseEighths() {
+    info_.scale_denom = kEighths;
+    info_.scale_num = kEighths;
+    if (!bound_.isValid()) return;
+    const QSize fitted = fullSize_.scaled(bound_, Qt::KeepAspectRatio);
+    const auto reaches = [&](unsigned eighths) {
+        return std::int64_t{fullSize_.width()} * eighths >=
+                   std::int64_t{fitted.width()} * kEighths &&
+               std::int64_t{fullSize_.height()} * eighths >=
+                   std::int64_t{fitted.height()} * kEighths;
+    };
+    while (info_.scale_num > 1 && reaches(info_.scale_num - 1))
+        --info_.scale_num;
+}
+
+bool JpegDecoder::scale() {
+    if (setjmp(errors_.escape) != 0) return false;
+    jpeg_calc_output_dimensions(&info_);
+    return true;
+}
+
 /// The eight orientations of EXIF tag 0x0112.
 bool JpegDecoder::allocate(int orientation) {
-    const bool transposed = orientation >= 5;
-    const int width = static_cast<int>(transposed ? info_.image_height : info_.image_width);
-    const int height = static_cast<int>(transposed ? info_.image_width : info_.image_height);
+    const bool transposed = isTransposed(orientation);
+    const int width = static_cast<int>(transposed ? info_.output_height : info_.output_width);
+    const int height = static_cast<int>(transposed ? info_.output_width : info_.output_height);
     picture_.pixels = QImage(width, height, QImage::Format_RGB32);
     if (picture_.pixels.isNull()) return false;
 
@@ -116,7 +148,7 @@ bool JpegDecoder::allocate(int orientation) {
     yStep_ = transposed ? across : down;
     origin_ = reinterpret_cast<std::uint32_t*>(picture_.pixels.bits()) +
               (fromRight ? width - 1 : 0) + (fromBottom ? (height - 1) * line : 0);
-    if (xStep_ != 1) row_.resize(info_.image_width);
+    if (xStep_ != 1) row_.resize(info_.output_width);
     return true;
 }
 
@@ -145,7 +177,9 @@ bool JpegDecoder::readScans() {
 bool JpegDecoder::readRows() {
     if (setjmp(errors_.escape) != 0) return false;
     const bool inPlace = row_.empty();
-    const unsigned rows = rowsPerSlice(info_.image_width);
+    // The work is in the picture's own pixels, whatever size comes out.
+    const unsigned rows =
+        std::max(1U, rowsPerSlice(info_.image_width) * info_.scale_num / info_.scale_denom);
     for (unsigned i = 0; i < rows && info_.output_scanline < info_.output_height; ++i) {
         JSAMPROW target = reinterpret_cast<JSAMPROW>(
             inPlace ? origin_ + info_.output_scanline * yStep_ : row_.data());
@@ -161,7 +195,7 @@ bool JpegDecoder::readRows() {
 
 void JpegDecoder::scatter(const std::uint32_t* row) {
     std::uint32_t* target = origin_ + (info_.output_scanline - 1) * yStep_;
-    for (unsigned x = 0; x < info_.image_width; ++x)
+    for (unsigned x = 0; x < info_.output_width; ++x)
         target[x * xStep_] = row[x];
 }
 

@@ -14,7 +14,9 @@ namespace orvane {
 /// May be destroyed at any point. A `false` comes with a `fault`, and the decoder is then used up.
 class JpegDecoder {
   public:
-    explicit JpegDecoder(std::string bytes);
+    /// With a `bound`, in pixels of the upright picture, the picture is decoded in the smallest
+    /// eighth of its size from which it can still be fitted into `bound` without enlarging it.
+    explicit JpegDecoder(std::string bytes, QSize bound = {});
     ~JpegDecoder();
     JpegDecoder(const JpegDecoder&) = delete;
     JpegDecoder& operator=(const JpegDecoder&) = delete;
@@ -24,6 +26,8 @@ class JpegDecoder {
     bool more() const { return stage_ != Stage::Done; }
     bool decodeSlice();
     JpegPicture take() { return std::move(picture_); }
+    /// Of the whole picture, upright; after `begin`.
+    QSize fullSize() const { return fullSize_; }
     const std::string& fault() const { return fault_; }
 
   private:
@@ -33,17 +37,21 @@ class JpegDecoder {
     // Calls into the library: each sets the escape point and has only trivial locals.
     bool readHeader();
     bool readProfile(JOCTET** profile, unsigned* size);
+    bool scale();
     bool start();
     bool readScans();
     bool readRows();
 
     bool acceptHeader();
     void keepMarkers();
+    void chooseEighths();
     bool allocate(int orientation);
     void scatter(const std::uint32_t* row);
     bool fail(std::string text);
 
     std::string bytes_;
+    QSize bound_;
+    QSize fullSize_;
     JpegErrors errors_;
     jpeg_decompress_struct info_{};
     Stage stage_ = Stage::Rows;

@@ -26,16 +26,25 @@ LibjpegImageControl::~LibjpegImageControl() {
 
 Task<bool> LibjpegImageControl::load(std::filesystem::path file) {
     clear();
-    std::string bytes;
-    if (auto reason = readWholeFile(file, bytes)) co_return fail(*reason);
-    JpegDecoder decoder(std::move(bytes));
+    std::string bytes = std::exchange(nextJpeg_, {});
+    const QSize bound = std::exchange(nextBound_, QSize());
+    if (bytes.empty()) {
+        if (auto reason = readWholeFile(file, bytes)) co_return fail(*reason);
+    }
+    JpegDecoder decoder(std::move(bytes), bound);
     if (!decoder.begin()) co_return fail(decoder.fault());
     while (decoder.more()) {
         if (!decoder.decodeSlice()) co_return fail(decoder.fault());
         co_await clock_.yield();
     }
     picture_ = decoder.take();
+    fullSize_ = decoder.fullSize();
     co_return true;
+}
+
+void LibjpegImageControl::loadNext(std::string jpeg, QSize bound) {
+    nextJpeg_ = std::move(jpeg);
+    nextBound_ = bound;
 }
 
 void LibjpegImageControl::mirror() {

@@ -4,6 +4,7 @@
 #include "platform/ImageControl.h"
 #include "platform/qt/JpegPicture.h"
 
+#include <QRect>
 #include <QString>
 
 namespace orvane {
@@ -32,6 +33,14 @@ class LibjpegImageControl final : public ImageControl {
     /// For showing it; null without a picture.
     QImage picture() const { return picture_.pixels; }
 
+    /// The next `load` decodes `jpeg` and leaves the file alone. With a `bound` it decodes no more
+    /// pixels than fitting the picture into it takes (see JpegDecoder).
+    void loadNext(std::string jpeg, QSize bound);
+    /// Keeps `part` of the picture only.
+    void crop(QRect part) { picture_.pixels = picture_.pixels.copy(part); }
+    /// Of the picture as it is stored; `picture` may have been decoded smaller.
+    QSize fullSize() const { return fullSize_; }
+
   private:
     bool fail(std::string text);
 
@@ -39,6 +48,9 @@ class LibjpegImageControl final : public ImageControl {
     int fontId_;
     QString fontFamily_;
     JpegPicture picture_;
+    QSize fullSize_;
+    std::string nextJpeg_; ///< empty: `load` reads its file
+    QSize nextBound_;
     std::string fault_;
 };
 

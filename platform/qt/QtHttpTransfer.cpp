@@ -4,14 +4,22 @@
 #include <QNetworkReply>
 #include <QTimer>
 
+#include <algorithm>
+
 namespace orvane {
 
-/// One running GET. Ends with its coroutine's frame, wherever that is suspended.
+namespace {
+/// The next one, and the one after it while the next is not asked for yet.
+constexpr std::size_t kMostAhead = 2;
+} // namespace
+
+/// One GET. Ends with its owner: the frame of the coroutine that waits for it, wherever that is
+/// suspended.
 class QtHttpTransfer::Transfer {
   public:
     Transfer(QtHttpTransfer& owner, const std::string& url)
-        : finished(owner.clock_), owner_(owner), reply_(owner.manager_.get(requestFor(url))) {
-        owner_.running_ = this;
+        : finished(owner.clock_), address(url), owner_(owner),
+          reply_(owner.manager_.get(requestFor(url))) {
         QObject::connect(reply_, &QNetworkReply::readyRead, &context_, [this] { takeBytes(); });
         QObject::connect(reply_, &QNetworkReply::metaDataChanged, &idle_,
                          [this] { idle_.start(); });
@@ -46,6 +54,7 @@ class QtHttpTransfer::Transfer {
     }
 
     Signal finished;
+    const std::string address;
 
   private:
     static QNetworkRequest requestFor(const std::string& url) {
@@ -102,9 +111,25 @@ QtHttpTransfer::~QtHttpTransfer() = default;
 
 Task<HttpReply> QtHttpTransfer::get(std::string url) {
     cancel();
-    Transfer transfer(*this, url);
-    co_await transfer.finished;
-    co_return transfer.result();
+    std::unique_ptr<Transfer> transfer;
+    const auto found =
+        std::ranges::find(ahead_, url, [](const auto& ahead) { return ahead->address; });
+    if (found == ahead_.end()) {
+        transfer = std::make_unique<Transfer>(*this, url);
+    } else {
+        transfer = std::move(*found);
+        ahead_.erase(ahead_.begin(), found + 1);
+    }
+    running_ = transfer.get();
+    Signal& finished = transfer->finished;
+    co_await finished;
+    co_return transfer->result();
+}
+
+void QtHttpTransfer::expect(std::string url) {
+    if (url.empty()) return ahead_.clear();
+    if (ahead_.size() == kMostAhead) ahead_.pop_front();
+    ahead_.push_back(std::make_unique<Transfer>(*this, url));
 }
 
 void QtHttpTransfer::cancel() {

@@ -5,6 +5,9 @@
 
 #include <QNetworkAccessManager>
 
+#include <deque>
+#include <memory>
+
 namespace orvane {
 
 /// Limits of one transfer.
@@ -21,6 +24,7 @@ class QtHttpTransfer final : public HttpTransfer {
     ~QtHttpTransfer() override;
 
     Task<HttpReply> get(std::string url) override;
+    void expect(std::string url) override;
     void cancel() override;
 
   private:
@@ -30,6 +34,7 @@ class QtHttpTransfer final : public HttpTransfer {
     Clock& clock_;
     HttpLimits limits_;
     Transfer* running_ = nullptr; ///< lives in the frame of the running get()
+    std::deque<std::unique_ptr<Transfer>> ahead_;
 };
 
 /// The program's network manager: no proxy (the system's look-up blocks).

@@ -6,10 +6,14 @@ namespace orvane {
 
 namespace {
 
+/// A device's pages are small; a larger one is nonsense, and reading it would hold up the window.
+constexpr std::size_t kLargestPage = std::size_t{1} << 20;
+
 /// The document's text; a reply that does not look like HTML is its own text.
-std::string documentText(const std::string& body) {
+std::string documentText(std::string body) {
     const auto first = body.find_first_not_of(" \t\r\n");
     if (first == std::string::npos || body[first] != '<') return body;
+    if (body.size() > kLargestPage) return {};
     QTextDocument document;
     document.setHtml(QString::fromStdString(body));
     return document.toPlainText().toStdString();
@@ -34,8 +38,8 @@ Task<> QtWebBrowser::load(std::string url) {
         co_await clock_.yield();
     } else {
         Task<HttpReply> get = transfer_->get(std::move(url));
-        const HttpReply reply = co_await get;
-        if (reply.ok) text_ = documentText(reply.body);
+        HttpReply reply = co_await get;
+        if (reply.ok) text_ = documentText(std::move(reply.body));
     }
     completing_ = true;
     if (documentComplete_) documentComplete_();

@@ -5,6 +5,7 @@
 #include "platform/WebBrowser.h"
 
 #include <memory>
+#include <utility>
 #include <vector>
 
 namespace orvane {
@@ -17,7 +18,7 @@ class QtWebBrowser final : public WebBrowser {
 
     void navigate(std::string url) override;
     bool busy() const override { return !navigation_.done(); }
-    const std::string& innerText() const override { return text_; }
+    std::string takeInnerText() override { return std::exchange(text_, {}); }
     void onDocumentComplete(std::function<void()> handler) override {
         documentComplete_ = std::move(handler);
     }

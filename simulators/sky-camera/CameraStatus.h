@@ -18,6 +18,10 @@ struct CameraStatus {
     quint64 faultsServed = 0;
     /// Whole pictures, also late, slow, huge and stale ones.
     quint64 picturesServed = 0;
+    /// Pictures in the camera's store.
+    qint64 picturesHeld = 0;
+    /// Search pages that went out to their end, also late ones and such with wrong records.
+    quint64 searchesServed = 0;
 };
 
 QByteArray statusJson(const CameraStatus& status);

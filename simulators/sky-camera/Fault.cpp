@@ -1,6 +1,8 @@
 #include "simulators/sky-camera/Fault.h"
 
+#include <algorithm>
 #include <array>
+#include <vector>
 
 namespace skycamera {
 
@@ -36,12 +38,44 @@ constexpr std::array kTypes{
     FaultType{FaultKind::Stale, "stale", nullptr, 0, 0, 0, "the same bytes as the picture before"},
     FaultType{FaultKind::Delay, "delay", "MS", 5000, 1, 1000 * kMillion,
               "a proper answer, but late"},
+    FaultType{FaultKind::ListHtml, "list-html", nullptr, 0, 0, 0,
+              "search: an HTML page with the records as its text"},
+    FaultType{FaultKind::ListNoComma, "list-nocomma", nullptr, 0, 0, 0,
+              "search: the last record without its last comma"},
+    FaultType{FaultKind::ListNames, "list-names", nullptr, 0, 0, 0,
+              "search: names longer and shorter than 22 characters"},
+    FaultType{FaultKind::ListPaths, "list-paths", nullptr, 0, 0, 0,
+              "search: names with \"..\", backslashes or a drive"},
+    FaultType{FaultKind::ListFuture, "list-future", nullptr, 0, 0, 0,
+              "search: stamps of the year 2099"},
+    FaultType{FaultKind::ListMissing, "list-missing", nullptr, 0, 0, 0,
+              "search: pages without end, of pictures that are not there (404)"},
+    FaultType{FaultKind::ListBig, "list-big", "MB", 50, 1, 500,
+              "search: so many megabytes of nonsense that looks like records"},
+    FaultType{FaultKind::ListOneField, "list-onefield", "MB", 50, 1, 500,
+              "search: so many megabytes without a comma"},
     FaultType{FaultKind::Random, "random", "SEED", 0, 0, 1000 * kMillion,
-              "at each request one of the above, half of the time none"},
+              "at each request one of the above that suits it, half of the time none"},
 };
 
 static_assert(kTypes.back().kind == FaultKind::Random &&
               kTypes.size() == static_cast<std::size_t>(FaultKind::Random) + 1);
+
+bool concernsSearch(FaultKind kind) {
+    return kind >= FaultKind::ListHtml && kind <= FaultKind::ListOneField;
+}
+
+bool concernsPictures(FaultKind kind) {
+    return kind == FaultKind::Huge || kind == FaultKind::Stale;
+}
+
+/// Whether an answer to `path` can have this fault.
+bool suits(FaultKind kind, const QByteArray& path) {
+    if (concernsSearch(kind)) return path == kSearchPath;
+    if (concernsPictures(kind))
+        return path.startsWith("/Images/") || path.startsWith(kRecordPrefix);
+    return true;
+}
 
 } // namespace
 
@@ -61,6 +95,12 @@ QString FaultRule::text() const {
     return text + " below " + QString::fromUtf8(pathPrefix);
 }
 
+QByteArray defaultPathPrefix(const QList<Fault>& faults) {
+    const bool search = std::any_of(faults.begin(), faults.end(),
+                                    [](const Fault& fault) { return concernsSearch(fault.kind); });
+    return search ? kSearchPath : "/Images/";
+}
+
 FaultListResult parseFaults(const QString& list) {
     return simulation::parseFaultList(kTypes, list);
 }
@@ -78,14 +118,21 @@ void FaultSource::setRule(const FaultRule& rule) {
 Fault FaultSource::next(const QByteArray& path) {
     if (!rule_.active() || !path.startsWith(rule_.pathPrefix)) return {};
     Fault fault = rule_.faults.at(turn_++ % rule_.faults.size());
-    if (fault.kind == FaultKind::Random) fault = randomFault();
+    if (fault.kind == FaultKind::Random) fault = randomFault(path);
+    if (!suits(fault.kind, path)) fault = {};
     if (rule_.count > 0 && --rule_.count == 0) rule_ = {};
     return fault;
 }
 
-Fault FaultSource::randomFault() {
-    const auto kind = simulation::randomKind<FaultKind>(random_);
-    if (kind == FaultKind::None) return {};
+Fault FaultSource::randomFault(const QByteArray& path) {
+    // Plain remainders: a seed gives the same faults with every standard library.
+    if (random_() % 2 == 0) return {};
+    std::vector<FaultKind> kinds;
+    for (const FaultType& type : kTypes)
+        if (type.kind != FaultKind::None && type.kind != FaultKind::Random &&
+            suits(type.kind, path))
+            kinds.push_back(type.kind);
+    const FaultKind kind = kinds.at(random_() % kinds.size());
     // Ten seconds of refusal at each draw would leave little time for the other faults.
     const int arg = kind == FaultKind::Refuse ? 2 : simulation::typeOf(kTypes, kind).defaultArg;
     return {kind, arg, false};

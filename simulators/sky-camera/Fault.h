@@ -9,6 +9,10 @@
 
 namespace skycamera {
 
+/// The search page, and where the stored pictures are.
+inline constexpr auto kSearchPath = "/cgi/srch.cgi";
+inline constexpr auto kRecordPrefix = "/record/";
+
 /// What can go wrong with one answer of the camera. `Random` stands for a new choice at each
 /// request and is never the fault of an answer itself.
 enum class FaultKind {
@@ -27,12 +31,20 @@ enum class FaultKind {
     Huge,
     Stale,
     Delay,
+    ListHtml,
+    ListNoComma,
+    ListNames,
+    ListPaths,
+    ListFuture,
+    ListMissing,
+    ListBig,
+    ListOneField,
     Random,
 };
 
 /// One fault with its number: seconds (Refuse), bytes per second (Drip), HTTP status (Status),
-/// milliseconds (Delay) or seed (Random); unused by the others. `argGiven` tells a written number
-/// from the default.
+/// milliseconds (Delay), megabytes (ListBig, ListOneField) or seed (Random); unused by the others.
+/// `argGiven` tells a written number from the default.
 using Fault = simulation::Fault<FaultKind>;
 
 /// "NAME" or "NAME:ARG", as the option takes it.
@@ -51,6 +63,10 @@ struct FaultRule {
     QString text() const;
 };
 
+/// Where these faults belong when nobody says: the search page as soon as one of them is a fault of
+/// search pages, else "/Images/".
+QByteArray defaultPathPrefix(const QList<Fault>& faults);
+
 using FaultListResult = simulation::FaultListResult<FaultKind>;
 
 /// Reads "NAME[:ARG][,NAME[:ARG]...]". A lone "none" gives an empty list; within a list "none" is a
@@ -65,11 +81,12 @@ class FaultSource {
   public:
     void setRule(const FaultRule& rule);
     const FaultRule& rule() const { return rule_; }
-    /// The fault for a request to `path`; uses up one of the rule's count when the path matches.
+    /// The fault for a request to `path`; uses up one of the rule's count when the path matches. A
+    /// fault that only pictures or only search pages can have is none for anything else.
     Fault next(const QByteArray& path);
 
   private:
-    Fault randomFault();
+    Fault randomFault(const QByteArray& path);
 
     FaultRule rule_;
     qsizetype turn_ = 0;

@@ -12,6 +12,8 @@ using namespace std::chrono_literals;
 namespace {
 
 constexpr qint64 kReadBufferBytes = 32 * 1024;
+/// What the socket is given at a time: a large body must not lie in memory twice.
+constexpr qsizetype kSliceBytes = 256 * 1024;
 constexpr auto kIdleLimit = 60s;
 /// Time for the first half of a body to reach the client before the reset overtakes it.
 constexpr auto kResetDelay = 30ms;
@@ -89,7 +91,7 @@ void HttpConnection::startAnswer() {
         return;
     }
     const bool close = !request_.keepAlive || delivery.end == Delivery::End::Close;
-    socket_->write(replyHead(reply_, close));
+    head_ = replyHead(reply_, close);
     if (delivery.bytesPerSecond > 0)
         // One byte at a time when a whole interval would bring less.
         sendTimer_.start(delivery.bytesPerSecond < 1s / kDripInterval
@@ -109,17 +111,23 @@ void HttpConnection::sendChunk() {
     const qsizetype left = bodyBytesToSend() - sent_;
     const int rate = reply_.delivery.bytesPerSecond;
     const qsizetype chunk =
-        rate > 0 ? std::max<qsizetype>(1, rate / static_cast<int>(1s / kDripInterval)) : left;
+        rate > 0 ? std::max<qsizetype>(1, rate / static_cast<int>(1s / kDripInterval))
+                 : kSliceBytes;
     const qsizetype now = std::min(left, chunk);
-    socket_->write(reply_.body.constData() + sent_, now);
+    // in one piece with the head: two would wake the reader twice
+    socket_->write(std::exchange(head_, {}) +
+                   QByteArray::fromRawData(reply_.body.constData() + sent_, now));
     sent_ += now;
     if (now == left) sendTimer_.stop();
 }
 
 void HttpConnection::answerWritten() {
     idleTimer_.start();
-    if (state_ != State::Answering || socket_->bytesToWrite() > 0 || sent_ < bodyBytesToSend())
+    if (state_ != State::Answering || socket_->bytesToWrite() > 0) return;
+    if (sent_ < bodyBytesToSend()) {
+        if (!sendTimer_.isActive()) sendChunk();
         return;
+    }
     sendTimer_.stop();
     reply_.body.clear();
     switch (reply_.delivery.end) {

@@ -47,6 +47,7 @@ class HttpConnection final : public QObject {
     QByteArray input_;
     HttpRequest request_;
     HttpReply reply_;
+    QByteArray head_; ///< not sent yet
     /// Bytes of the body given to the socket so far.
     qsizetype sent_ = 0;
     QTimer idleTimer_;

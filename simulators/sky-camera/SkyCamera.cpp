@@ -1,5 +1,6 @@
 #include "simulators/sky-camera/SkyCamera.h"
 
+#include "simulators/sky-camera/FaultDelivery.h"
 #include "simulators/sky-camera/HttpConnection.h"
 
 #include <chrono>
@@ -11,65 +12,21 @@ using namespace std::chrono_literals;
 namespace {
 
 constexpr qsizetype kMaxConnections = 400;
-constexpr QSize kHugeSize(5472, 3648);
 
-bool isPicture(const HttpReply& reply) {
-    return reply.contentType == "image/jpeg";
+CameraClock startedClock(const SkyCameraOptions& options) {
+    CameraClock clock(options.pcClock);
+    if (options.startTime) clock.set(*options.startTime);
+    return clock;
 }
 
-/// Faults that leave a whole picture whole.
-bool keepsWhole(FaultKind kind) {
-    switch (kind) {
-    case FaultKind::None:
-    case FaultKind::Drip:
-    case FaultKind::Huge:
-    case FaultKind::Stale:
-    case FaultKind::Delay:
-        return true;
-    default:
-        return false;
-    }
-}
-
-Delivery deliveryOf(const Fault& fault, qsizetype bodySize) {
-    Delivery delivery;
-    const qsizetype half = bodySize / 2;
-    switch (fault.kind) {
-    case FaultKind::Refuse:
-        delivery.sendHead = false;
-        delivery.end = Delivery::End::Reset;
-        break;
-    case FaultKind::Silent:
-        delivery.sendHead = false;
-        delivery.end = Delivery::End::Hang;
-        break;
-    case FaultKind::Reset:
-        delivery.bodyBytes = half;
-        delivery.end = Delivery::End::Reset;
-        break;
-    case FaultKind::Stall:
-        delivery.bodyBytes = half;
-        delivery.end = Delivery::End::Hang;
-        break;
-    case FaultKind::Short:
-        delivery.bodyBytes = half;
-        delivery.end = Delivery::End::Close;
-        break;
-    case FaultKind::NoLengthCut:
-        delivery.bodyBytes = half;
-        delivery.announceLength = false;
-        delivery.end = Delivery::End::Close;
-        break;
-    case FaultKind::Drip:
-        delivery.bytesPerSecond = fault.arg;
-        break;
-    case FaultKind::Delay:
-        delivery.delayMs = fault.arg;
-        break;
-    default:
-        break;
-    }
-    return delivery;
+/// What all pictures have in common.
+SkyScene sceneOf(const SkyCameraOptions& options) {
+    SkyScene scene;
+    scene.seed = options.seed;
+    scene.site = options.site;
+    scene.size = options.size;
+    scene.jpegQuality = options.jpegQuality;
+    return scene;
 }
 
 QString printable(const QByteArray& target) {
@@ -82,8 +39,8 @@ QString printable(const QByteArray& target) {
 } // namespace
 
 SkyCamera::SkyCamera(const SkyCameraOptions& options, QObject* parent)
-    : QObject(parent), options_(options), clock_(options.pcClock) {
-    if (options_.startTime) clock_.set(*options_.startTime);
+    : QObject(parent), options_(options), clock_(startedClock(options)),
+      store_(options.store, sceneOf(options), renderer_, clock_.now()) {
     connect(&server_, &QTcpServer::newConnection, this, &SkyCamera::takeConnections);
     reopenTimer_.setSingleShot(true);
     connect(&reopenTimer_, &QTimer::timeout, this, &SkyCamera::reopen);
@@ -126,10 +83,15 @@ void SkyCamera::handle(HttpConnection& connection, const HttpRequest& request) {
     } else {
         log(QString("%1 -> %2, %3 bytes").arg(line).arg(reply.status).arg(reply.body.size()));
     }
-    if (isPicture(reply) && !request.head() && keepsWhole(fault.kind)) ++counts_.picturesServed;
+    if (!request.head() && sendsWhole(fault.kind)) countServed(request, reply);
     connection.send(reply);
     if (fault.kind == FaultKind::Refuse) refuseConnections(fault.arg);
     current_ = nullptr;
+}
+
+void SkyCamera::countServed(const HttpRequest& request, const HttpReply& reply) {
+    if (reply.contentType == "image/jpeg") ++counts_.picturesServed;
+    if (request.path == kSearchPath) ++counts_.searchesServed;
 }
 
 HttpReply SkyCamera::answer(const HttpRequest& request, const Fault& fault) {
@@ -153,6 +115,7 @@ HttpReply SkyCamera::answer(const HttpRequest& request, const Fault& fault) {
 
 HttpReply SkyCamera::route(const HttpRequest& request, const Fault& fault) {
     if (request.path == "/Images/full.jpg") return picture(fault);
+    if (StorePages::serves(request.path)) return store_.answer(request, fault, clock_.now());
     if (request.path == "/cgi/live_s_hide2.cgi") return switchRecording(request);
     if (request.path == "/cgi/conf_sys_inp.cgi") return setClock(request);
     if (request.path != "/") return textReply(404, "There is no such page.");
@@ -163,15 +126,12 @@ HttpReply SkyCamera::route(const HttpRequest& request, const Fault& fault) {
 
 HttpReply SkyCamera::picture(const Fault& fault) {
     if (fault.kind != FaultKind::Stale || lastPicture_.isEmpty()) {
-        lastPicture_ = renderer_.jpeg({
-            .time = clock_.now(),
-            .frame = ++frame_,
-            .seed = options_.seed,
-            .site = options_.site,
-            .size = fault.kind == FaultKind::Huge ? kHugeSize : options_.size,
-            .jpegQuality = options_.jpegQuality,
-            .recording = recording_,
-        });
+        SkyScene scene = sceneOf(options_);
+        scene.time = clock_.now();
+        scene.frame = ++frame_;
+        scene.recording = recording();
+        if (fault.kind == FaultKind::Huge) scene.size = kHugeSize;
+        lastPicture_ = renderer_.jpeg(scene);
     }
     HttpReply reply;
     reply.contentType = "image/jpeg";
@@ -182,8 +142,8 @@ HttpReply SkyCamera::picture(const Fault& fault) {
 HttpReply SkyCamera::switchRecording(const HttpRequest& request) {
     const QString rec = request.value("rec");
     if (rec != "0" && rec != "1") return textReply(400, "rec must be 0 or 1.");
-    recording_ = rec == "1";
-    const QString state = recording_ ? "on" : "off";
+    store_.switchRecording(rec == "1", clock_.now());
+    const QString state = recording() ? "on" : "off";
     log("recording " + state);
     return textReply(200, "Recording is " + state + ".");
 }
@@ -191,7 +151,9 @@ HttpReply SkyCamera::switchRecording(const HttpRequest& request) {
 HttpReply SkyCamera::setClock(const HttpRequest& request) {
     const ClockQueryResult query = parseClockQuery(request.query);
     if (!query.time) return textReply(400, "The clock was not set: " + query.error + ".");
+    const QDateTime before = clock_.now();
     clock_.set(*query.time);
+    store_.clockWasSet(before, clock_.now());
     const QString time = query.time->toString("yyyy/MM/dd HH:mm:ss");
     log(QString("clock set to %1, %2 s from the PC's")
             .arg(time)
@@ -215,7 +177,7 @@ HttpReply SkyCamera::controlFault(const HttpRequest& request) {
     FaultListResult list =
         parseFaults(arg.isEmpty() ? request.value("name") : request.value("name") + ':' + arg);
     bool countOk = true;
-    FaultRule rule{list.faults, 0, path.isEmpty() ? QByteArray("/Images/") : path.toUtf8()};
+    FaultRule rule{list.faults, 0, path.isEmpty() ? defaultPathPrefix(list.faults) : path.toUtf8()};
     if (!count.isEmpty()) rule.count = count.toInt(&countOk);
     if (!list.error.isEmpty()) return textReply(400, list.error);
     if (!countOk || rule.count < 0) return textReply(400, "count must be a number from 0 on.");
@@ -239,14 +201,16 @@ void SkyCamera::setFault(const FaultRule& rule) {
 bool SkyCamera::setFault(const QString& faults, int count, const QByteArray& pathPrefix) {
     const FaultListResult list = parseFaults(faults);
     if (!list.error.isEmpty()) return false;
-    setFault(FaultRule{list.faults, count, pathPrefix});
+    setFault(FaultRule{list.faults, count,
+                       pathPrefix.isEmpty() ? defaultPathPrefix(list.faults) : pathPrefix});
     return true;
 }
 
-CameraStatus SkyCamera::status() const {
+CameraStatus SkyCamera::status() {
     CameraStatus status = counts_;
-    status.recording = recording_;
+    status.recording = recording();
     status.clock = clock_.now();
+    status.picturesHeld = store_.picturesHeld(status.clock);
     status.clockOffsetSeconds = clock_.offsetSeconds();
     status.fault = faults_.rule().text();
     return status;

@@ -5,6 +5,7 @@
 #include "simulators/sky-camera/Fault.h"
 #include "simulators/sky-camera/HttpMessage.h"
 #include "simulators/sky-camera/SkyPicture.h"
+#include "simulators/sky-camera/StorePages.h"
 
 #include <QHostAddress>
 #include <QTcpServer>
@@ -26,16 +27,16 @@ struct SkyCameraOptions {
     /// Where the camera's clock starts; without it the clock follows the PC.
     std::optional<QDateTime> startTime;
     FaultRule fault;
+    StoreOptions store;
     /// The PC's local time; empty for the real one.
     CameraClock::PcClock pcClock;
 };
 
 /// A network camera aimed at the sky, over plain HTTP: its latest picture, its recording switch and
-/// its clock, and faults on demand. Lives in the thread and event loop of its owner, so tests can
-/// run it beside what they test. Needs a QGuiApplication.
+/// clock, its store of recorded pictures, and faults on demand. Lives in the thread and event loop
+/// of its owner, so tests can run it beside what they test. Needs a QGuiApplication.
 ///
-/// A picture is a function of its moment alone (`SkyScene`); whoever adds stored pictures needs a
-/// list of moments, not of files.
+/// A picture is a function of its moment alone (`SkyScene`), so the store is a list of moments.
 class SkyCamera final : public QObject {
     Q_OBJECT
 
@@ -52,12 +53,14 @@ class SkyCamera final : public QObject {
     /// In force from the next request on. A lone "refuse" without seconds lasts until the next
     /// call.
     void setFault(const FaultRule& rule);
-    /// As the option --fault has it; false when `faults` was not understood. "none" clears.
-    bool setFault(const QString& faults, int count = 0, const QByteArray& pathPrefix = "/Images/");
+    /// As the option --fault has it; false when `faults` was not understood. "none" clears. Without
+    /// a prefix the faults are for the requests that `defaultPathPrefix` gives.
+    bool setFault(const QString& faults, int count = 0, const QByteArray& pathPrefix = {});
 
-    bool recording() const { return recording_; }
+    bool recording() const { return store_.recording(); }
     QDateTime clock() const { return clock_.now(); }
-    CameraStatus status() const;
+    /// Looking makes the store catch up with the clock.
+    CameraStatus status();
 
   signals:
     /// One line for each request and each change of state.
@@ -68,6 +71,7 @@ class SkyCamera final : public QObject {
     void handle(HttpConnection& connection, const HttpRequest& request);
     HttpReply answer(const HttpRequest& request, const Fault& fault);
     HttpReply route(const HttpRequest& request, const Fault& fault);
+    void countServed(const HttpRequest& request, const HttpReply& reply);
     HttpReply picture(const Fault& fault);
     HttpReply switchRecording(const HttpRequest& request);
     HttpReply setClock(const HttpRequest& request);
@@ -84,7 +88,7 @@ class SkyCamera final : public QObject {
     SkyPicture renderer_;
     CameraClock clock_;
     FaultSource faults_;
-    bool recording_ = false;
+    StorePages store_;
     quint64 frame_ = 0;
     QByteArray lastPicture_;
     CameraStatus counts_;

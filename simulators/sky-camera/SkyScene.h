@@ -24,6 +24,9 @@ struct SkyScene {
     bool recording = false;
 };
 
+/// What the fault "huge" makes of a picture.
+inline constexpr QSize kHugeSize(5472, 3648);
+
 /// The camera's view: half of the horizon towards the noon sun, from a little below the horizon to
 /// almost overhead. Angles map linearly to pixels.
 class SkyView {

@@ -80,15 +80,45 @@ class FakeHttp final : public HttpTransfer {
     int served_ = 0;
 };
 
+/// Completes each navigation after `latency` with whatever `answer` gives; empty is a failure.
 class FakeBrowser final : public WebBrowser {
   public:
-    void navigate(std::string url) override { urls.push_back(std::move(url)); }
-    bool busy() const override { return false; }
-    const std::string& innerText() const override { return text; }
-    void onDocumentComplete(std::function<void()>) override {}
+    explicit FakeBrowser(Clock& clock) : clock_(clock) {}
+
+    void navigate(std::string url) override {
+        urls.push_back(url);
+        navigation_ = load(std::move(url));
+        navigation_.start();
+    }
+    bool busy() const override { return !navigation_.done(); }
+    std::string takeInnerText() override { return std::exchange(text_, {}); }
+    void onDocumentComplete(std::function<void()> handler) override {
+        complete_ = std::move(handler);
+    }
+    /// The navigations but those to the blank page.
+    std::vector<std::string> pages() const {
+        std::vector<std::string> pages;
+        for (const std::string& url : urls)
+            if (url != "about:blank") pages.push_back(url);
+        return pages;
+    }
 
     std::vector<std::string> urls;
-    std::string text;
+    std::chrono::milliseconds latency{20};
+    std::function<std::string(const std::string&)> answer;
+
+  private:
+    Task<> load(std::string url) {
+        text_.clear();
+        co_await clock_.sleep(latency);
+        if (answer && url != "about:blank") text_ = answer(url);
+        if (complete_) complete_();
+    }
+
+    Clock& clock_;
+    std::string text_;
+    std::function<void()> complete_;
+    Task<> navigation_;
 };
 
 /// An operator who reads every message for `patience` and answers every question with `answer`.
@@ -148,10 +178,18 @@ class FakeViews final : public ImageViews {
     void refreshThumbnails(
         const std::array<ThumbnailEntry, Module1::kThumbnailCount>& history) override {
         newest = history[0].path;
+        if (shown != nullptr) shown->refreshThumbnails(history);
     }
-    void showLatest(const std::filesystem::path& file) override { latest = file; }
-    void showLive(const std::string&) override { ++live; }
+    void showLatest(const std::filesystem::path& file) override {
+        latest = file;
+        if (shown != nullptr) shown->showLatest(file);
+    }
+    void showLive(const std::string& jpeg) override {
+        ++live;
+        if (shown != nullptr) shown->showLive(jpeg);
+    }
 
+    ImageViews* shown = nullptr; ///< real views that show the pictures as well
     std::filesystem::path newest;
     std::filesystem::path latest;
     int live = 0;

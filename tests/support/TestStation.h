@@ -1,5 +1,6 @@
 #pragma once
 
+#include "camera/FolderScan.h"
 #include "core/AutoStart.h"
 #include "core/MainLoop.h"
 #include "core/Shutdown.h"
@@ -80,7 +81,8 @@ class TestStation {
     OperationPanel panel;
     FakeStore store;
     FakeHttp http{clock};
-    FakeBrowser browser, browser1, browser2;
+    FakeBrowser browser{clock}, browser1{clock}, browser2{clock}, gapBrowser{clock};
+    FakeHttp gapHttp{clock};
     FakeOperator op{clock};
     FakeImageControl imageControl;
     FakeViews views;
@@ -94,8 +96,11 @@ class TestStation {
                   [this](const std::string& text) { panel.Label7.caption = text; }}};
     Recording recording{module, panel, settings, status, log, op, clock};
     CameraPanel camera{module, panel, http, browser, views, busy, op};
+    ImageStore imageStore{{module, panel, camera, http, browser1, browser2, imageControl, views,
+                           log, op, clock, busy}};
+    FolderScan folderScan{module, panel};
     FakeTracker port{clock};
-    FakeBrowser wbSystemTm;
+    FakeBrowser wbSystemTm{clock};
     FrameLink link{port, store, log, clock, module};
     TrackerCommands commands{link};
     TimeSettingForm timeForm;
@@ -116,8 +121,11 @@ class TestStation {
                     status,
                     recording,
                     camera,
+                    imageStore,
                     http,
                     {&browser, &browser1, &browser2},
+                    gapBrowser,
+                    gapHttp,
                     log,
                     clock,
                     op,

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "tests/support/FakeSystemInfo.h"
 #include "tests/support/TestStation.h"
 #include "ui/frmMain.h"
 
@@ -44,14 +45,17 @@ inline void show(QWidget& window) {
 /// The main window over a station whose main loop does not run.
 struct Window : TestStation {
     explicit Window(Operator& asked)
-        : TestStation(at(2006, 11, 15, 8, 0)),
+        : TestStation(at(2006, 11, 15, 8, 0)), pictures(clock, asked, module),
           shutdown(settings, store, busy, asked, [this] { ++ended; }),
-          main({{panel, recording, settings, camera, tasks},
+          main({{panel, recording, settings, camera, imageStore, folderScan, tasks},
                 module,
                 busy,
                 shutdown,
                 pictures,
-                {portSelection, timeForm, timeSetting, optionForm, options}}) {
+                {portSelection, timeForm, timeSetting, optionForm, options},
+                clock,
+                asked,
+                systemInfo}) {
         settings.initOperation();
         recording.ready();
         show(main);
@@ -60,6 +64,7 @@ struct Window : TestStation {
 
     int ended = 0;
     QtImageViews pictures;
+    FakeSystemInfo systemInfo;
     Shutdown shutdown;
     frmMain main;
 };

@@ -1,0 +1,148 @@
+#include "camera/ImageStore.h"
+#include "platform/qt/QtClock.h"
+#include "platform/qt/QtHttpTransfer.h"
+#include "platform/qt/QtWebBrowser.h"
+#include "tests/support/Fakes.h"
+#include "tests/support/TempFolder.h"
+
+#include <benchmark/benchmark.h>
+
+#include <QCoreApplication>
+#include <QProcess>
+#include <QTcpServer>
+#include <QTcpSocket>
+#include <QThread>
+
+#include <chrono>
+
+namespace {
+
+using namespace orvane;
+using namespace orvane::test;
+
+constexpr int kPictures = 500;
+
+std::string freePort() {
+    QTcpServer server;
+    server.listen(QHostAddress::LocalHost);
+    return std::to_string(server.serverPort());
+}
+
+/// The simulated camera in a process of its own, with 500 pictures of 100 kB that it lists on one
+/// page.
+class CameraProcess {
+  public:
+    CameraProcess() {
+        process_.setStandardOutputFile(QProcess::nullDevice());
+        process_.start(QCoreApplication::applicationDirPath() + "/sky-camera",
+                       {"--port", QString::fromStdString(port), "--stored",
+                        QString::number(kPictures), "--list-all", "--stored-size", "100000",
+                        "--stored-once"});
+        QTcpSocket probe;
+        for (int attempt = 0; attempt < 100; ++attempt) {
+            probe.connectToHost(QHostAddress::LocalHost, static_cast<quint16>(std::stoi(port)));
+            if (probe.waitForConnected(1000)) return;
+            QThread::msleep(50);
+        }
+    }
+    ~CameraProcess() {
+        process_.kill();
+        process_.waitForFinished();
+    }
+
+    const std::string port = freePort();
+
+  private:
+    QProcess process_;
+};
+
+struct Station {
+    explicit Station(const std::string& port) {
+        prepareManager(manager);
+        panel.Dir1[0].path = folder.path();
+        panel.txtIp.text = "127.0.0.1";
+        panel.txtPort.text = port;
+        panel.Text1[5].text = std::to_string(kPictures + 60);
+        module.imageProcessing = false; // the transfer is what curl does too
+    }
+    TempFolder folder;
+    QtClock clock;
+    QNetworkAccessManager manager;
+    QtHttpTransfer transfer{manager, clock};
+    QtWebBrowser browser{std::make_unique<QtHttpTransfer>(manager, clock), clock};
+    QtWebBrowser browser1{std::make_unique<QtHttpTransfer>(manager, clock), clock};
+    QtWebBrowser browser2{std::make_unique<QtHttpTransfer>(manager, clock), clock};
+    FakeOperator op{clock};
+    FakeViews views;
+    FakeImageControl imageControl;
+    Busy busy;
+    Module1 module;
+    OperationPanel panel;
+    ErrorLog log{folder.path(), clock};
+    CameraPanel camera{module, panel, transfer, browser, views, busy, op};
+    ImageStore store{{module, panel, camera, transfer, browser1, browser2, imageControl, views, log,
+                      op, clock, busy}};
+};
+
+double seconds(std::chrono::steady_clock::time_point since) {
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - since).count();
+}
+
+Task<> runAndQuit(ImageStore& store) {
+    Task<> run = store.Test_DL();
+    co_await run;
+    QCoreApplication::quit();
+}
+
+/// curl over one connection: the same files into another folder. Negative when it failed.
+double curlSeconds(const std::string& port, const std::filesystem::path& files,
+                   const std::filesystem::path& target) {
+    std::string config = "silent\nfail\n";
+    for (const auto& entry : std::filesystem::directory_iterator(files)) {
+        const std::string name = entry.path().filename().string();
+        config += "url = \"http://127.0.0.1:" + port + "/record/" + name.substr(0, 8) + "/" + name +
+                  "\"\noutput = \"" + (target / name).string() + "\"\n";
+    }
+    const auto list = target / "list";
+    if (writeToFinalName(config, list)) return -1;
+    QProcess curl;
+    const auto start = std::chrono::steady_clock::now();
+    curl.start("curl", {"-K", QString::fromStdString(list.string())});
+    if (!curl.waitForFinished(120'000) || curl.exitCode() != 0) return -1;
+    return seconds(start);
+}
+
+/// A search that brings 500 pictures of 100 kB on one page and, taking turns with it, curl fetching
+/// the same list. "ratio" is the one over the other; the time shown is the station's.
+void bulkDownload(benchmark::State& state) {
+    const CameraProcess process;
+    double ours = 0;
+    double curl = 0;
+    for ([[maybe_unused]] auto _ : state) {
+        Station station(process.port);
+        const auto start = std::chrono::steady_clock::now();
+        Task<> run = runAndQuit(station.store);
+        run.start();
+        QCoreApplication::exec();
+        const double took = seconds(start);
+        state.SetIterationTime(took);
+        if (station.panel.lbl_dlcnt.caption.get() != std::to_string(kPictures)) {
+            state.SkipWithError("not everything was downloaded");
+            return;
+        }
+        const TempFolder target;
+        const double theirs = curlSeconds(
+            process.port, station.module.thumbnails[0].path.parent_path(), target.path());
+        if (theirs < 0) {
+            state.SkipWithError("curl is missing or failed");
+            return;
+        }
+        ours += took;
+        curl += theirs;
+    }
+    state.counters["ratio"] = ours / curl;
+    state.counters["curl_s"] = curl / static_cast<double>(state.iterations());
+}
+BENCHMARK(bulkDownload)->UseManualTime()->Iterations(5)->Unit(benchmark::kMillisecond);
+
+} // namespace

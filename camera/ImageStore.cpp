@@ -1,0 +1,336 @@
+#include "camera/ImageStore.h"
+
+#include "camera/FolderListing.h"
+#include "imaging/ProcessImageFile.h"
+#include "platform/Conversions.h"
+#include "platform/Paths.h"
+
+#include <algorithm>
+
+namespace orvane {
+
+namespace {
+
+constexpr int kFruitlessPages = 10;
+constexpr int kFailedPictures = 20;
+constexpr int kRequests = 20'000; // pictures of one run
+constexpr int kAttempts = 3;      // for a picture that captures cut off
+constexpr int kLoggedSkips = 10;
+constexpr int kSkipsPerTurn = 1000;
+constexpr std::int16_t kReplyTicks = 10;
+constexpr double kPendingMinutes = 30;
+
+constexpr const char* kInvalidStart = "開始時刻が不正です";
+constexpr const char* kNoFile = "ダウンロードするファイルがありません";
+constexpr const char* kInterrupted = "ダウンロードを中断しました";
+constexpr const char* kComplete = "ダウンロードを完了しました";
+constexpr const char* kError = "DownLoad Error ?";
+
+} // namespace
+
+/// A run in progress, as the panel and the rest of the station see it.
+class ImageStore::Running {
+  public:
+    explicit Running(ImageStore& store) : store_(store), busy_(store.parts_.busy) { set(true); }
+    Running(const Running&) = delete;
+    ~Running() {
+        store_.parts_.inetFileGet.expect({});
+        set(false);
+        // a run may end with the button locked, and recording must always be stoppable
+        const Module1& module = store_.parts_.module;
+        store_.parts_.panel.Command2.enabled = module.RecordFlg && !module.capturing;
+    }
+
+  private:
+    void set(bool running) {
+        OperationPanel& panel = store_.parts_.panel;
+        store_.running_ = running;
+        panel.Command4.enabled = !running;
+        panel.cmd_Download.enabled = !running;
+        panel.Command6.enabled = running;
+        panel.pgb_run.maximum = 0;
+        panel.pgb_run.visible = running;
+    }
+
+    ImageStore& store_;
+    Busy::Hold busy_;
+};
+
+Task<> ImageStore::Test_DL() {
+    return run(Chain::Search, {});
+}
+
+Task<> ImageStore::Download_proc() {
+    return run(Chain::Search, {.lockStop = true, .editFolders = true, .tellSilence = true});
+}
+
+Task<> ImageStore::cmd_Download() {
+    return run(Chain::Synchronise, {.tellSilence = true});
+}
+
+void ImageStore::Command6_Click() {
+    if (!running_) return;
+    continue_ = false;
+    WbBrowser1_.cancel();
+    WbBrowser2_.cancel();
+    if (transferring_) parts_.inetFileGet.cancel();
+}
+
+/// What nobody foresaw ends the run, not the program.
+Task<> ImageStore::run(Chain chain, Start start) {
+    if (running_) co_return;
+    const Running running(*this);
+    try {
+        Task<> pages = runPages(chain, start);
+        co_await pages;
+    } catch (const std::exception& fault) {
+        parts_.panel.Label7.caption = kError;
+        parts_.log.write(std::string("ImageStore:") + fault.what());
+    }
+}
+
+Task<> ImageStore::runPages(Chain chain, Start start) {
+    begin(start);
+    PageLoader& pages = pagesOf(chain);
+    if (!navigate(chain)) co_return;
+    if (start.tellSilence) {
+        Task<> waiting = waitForReply(pages);
+        co_await waiting;
+    }
+    for (int fruitless = 0; fruitless < kFruitlessPages; ++fruitless) {
+        Task<std::string> loading = pages.document();
+        std::string reply = co_await loading;
+        Task<PageEnd> reading = readPage(chain, std::move(reply));
+        const PageEnd ended = co_await reading;
+        if (ended == PageEnd::Completed) complete();
+        if (ended != PageEnd::NextPage || !navigate(chain)) co_return;
+        if (chain == Chain::Search) {
+            parts_.panel.Command2.enabled = true;
+        } else {
+            parts_.module.syncPending = false;
+        }
+    }
+    pages.cancel();
+    end(PageEnd::Failed, kError);
+}
+
+void ImageStore::begin(const Start& start) {
+    continue_ = true;
+    downloaded_ = 0;
+    parts_.module.filesFetched = 0;
+    failedInARow_ = requested_ = skipped_ = 0;
+    if (start.lockStop) parts_.panel.Command2.enabled = false;
+    fromDate_ = parts_.clock.now();
+    endStamp_ = stamp_ = stampOf(fromDate_);
+    makeFolders(start);
+    parts_.panel.lbl_dlcnt.caption = "0";
+}
+
+void ImageStore::makeFolders(const Start& start) {
+    const std::filesystem::path& data = parts_.panel.Dir1[0].path;
+    const std::string day = dateDigits(fromDate_);
+    datedFolder_ = data / day / "";
+    std::error_code error; // a folder that cannot be made fails each of its files, told there
+    std::filesystem::create_directories(datedFolder_, error);
+    if (start.editFolders) std::filesystem::create_directories(data / "Edit" / day, error);
+}
+
+/// Asks for the next page. The synchronisation leaves its query in `Label7`: the camera answers the
+/// bare search with its newest pictures.
+bool ImageStore::navigate(Chain chain) {
+    std::string url = cameraBaseUrl(parts_.panel) + kSearchPath;
+    if (!(chain == Chain::Search ? BuildSearchQuery() : BuildSyncQuery())) return false;
+    const std::string& query = parts_.panel.Label7.caption;
+    if (chain == Chain::Search && !query.empty()) url += "?" + query;
+    parts_.panel.pgb_run.maximum = 0;
+    pagesOf(chain).navigate(std::move(url));
+    return true;
+}
+
+bool ImageStore::BuildSearchQuery() {
+    double extra = 0;
+    if (parts_.module.syncPending) {
+        parts_.op.beep();
+        parts_.panel.Label7.caption = "File synchronization ...";
+        extra = kPendingMinutes;
+        parts_.module.syncPending = false;
+    }
+    return buildQuery(movedBack(fromDate_, parts_.panel.Text1[5].text, extra));
+}
+
+bool ImageStore::BuildSyncQuery() {
+    return buildQuery(movedBack(fromDate_, parts_.panel.lbl_sync.caption));
+}
+
+/// The from-date stays where it was moved to: each further page of a run reaches back further.
+bool ImageStore::buildQuery(WallTime from) {
+    fromDate_ = from;
+    const FromFields fields = fromFieldsOf(stampOf(from));
+    if (!CheckStartTime(fields.hour, fields.minute, fields.second)) {
+        parts_.panel.Label7.caption = kInvalidStart;
+        return false;
+    }
+    parts_.panel.Label7.caption = searchQuery(fields);
+    return true;
+}
+
+Task<> ImageStore::waitForReply(PageLoader& pages) {
+    co_await parts_.clock.sleep(24ms);
+    parts_.module.searchTicks = 0;
+    do {
+        co_await parts_.clock.sleep(10ms);
+        if (parts_.module.searchTicks > kReplyTicks) {
+            parts_.panel.Label7.caption = kError;
+            co_return;
+        }
+    } while (pages.busy());
+}
+
+Task<ImageStore::PageEnd> ImageStore::readPage(Chain chain, std::string reply) {
+    if (chain == Chain::Search) parts_.panel.Command2.enabled = false;
+    if (!continue_) co_return end(PageEnd::Failed, kInterrupted);
+    if (reply.empty()) co_return end(PageEnd::Failed, kError);
+    if (isNoData(reply)) {
+        if (chain == Chain::Search) WbBrowser1_.navigate("about:blank");
+        co_return end(PageEnd::Completed, kNoFile);
+    }
+    Task<PageEnd> reading = readRecords(std::move(reply));
+    const PageEnd ended = co_await reading;
+    co_return ended;
+}
+
+Task<ImageStore::PageEnd> ImageStore::readRecords(std::string reply) {
+    OperationPanel& panel = parts_.panel;
+    std::string_view rest = reply;
+    int handled = 0;
+    panel.pgb_run.value = 0;
+    panel.pgb_run.maximum = static_cast<int>(recordCount(reply));
+    bool pageDownloaded = false;
+    while (true) {
+        if (!continue_) co_return end(PageEnd::Failed, kInterrupted);
+        const auto path = nextPicturePath(rest);
+        if (!path) co_return pageDownloaded ? PageEnd::Completed : PageEnd::NextPage;
+        const std::string_view name = FileNameOfPath(*path);
+        panel.pgb_run.value = handled++;
+        if (!isPlainName(name)) {
+            skip(name);
+            if (skipped_ % kSkipsPerTurn == 0) co_await parts_.clock.yield();
+            continue;
+        }
+        panel.Label7.caption = "DownLoad File : " + std::string(name) + " ...";
+        ParseImageName(name, stamp_);
+        if (CompareStamp(stamp_, endStamp_) == 1) co_return end(PageEnd::Completed, kComplete);
+        expectNext(rest);
+        Task<bool> fetching = fetch(std::string(*path), std::string(name));
+        if (co_await fetching) pageDownloaded = true;
+        if (failedInARow_ >= kFailedPictures || requested_ >= kRequests)
+            co_return end(PageEnd::Failed, kError);
+    }
+}
+
+/// Has the next record's picture on its way while this one is being filed.
+void ImageStore::expectNext(std::string_view rest) {
+    const auto path = nextPicturePath(rest);
+    if (!path || !isPlainName(FileNameOfPath(*path))) return;
+    ImageStamp stamp = stamp_;
+    ParseImageName(FileNameOfPath(*path), stamp);
+    if (CompareStamp(stamp, endStamp_) == 1) return;
+    parts_.inetFileGet.expect(cameraBaseUrl(parts_.panel) + "/" + std::string(*path));
+}
+
+Task<bool> ImageStore::Sync_file(std::string name) {
+    co_await parts_.clock.yield();
+    std::vector<std::filesystem::path> names;
+    const bool listed = SchFile(datedFolder_ / pathFromUtf8(name), "", names);
+    if (!listed) {
+        parts_.log.write("SchFile:ファイル同期処理　ファイル名バッファオーバー");
+        parts_.panel.Label7.caption = "ファイル同期処理エラー";
+    }
+    co_return false;
+}
+
+/// One record's picture: downloaded, shown, processed.
+Task<bool> ImageStore::fetch(std::string path, std::string name) {
+    Task<bool> looking = Sync_file(name);
+    if (co_await looking) co_return false;
+    ++requested_;
+    Task<bool> downloading = download(std::move(path), name);
+    if (!co_await downloading) {
+        if (!continue_) co_return false;
+        ++failedInARow_;
+        parts_.log.write("DownloadFile:" + name + ": " + parts_.camera.fault());
+        co_return false;
+    }
+    failedInARow_ = 0;
+    const std::filesystem::path image = datedFolder_ / pathFromUtf8(name);
+    keep(image);
+    std::string fault;
+    Task<bool> processing = ProcessImageFile(parts_.imageControl, image, parts_.module.image,
+                                             parts_.module.imageProcessing, fault);
+    if (!co_await processing) parts_.log.write("ProcessImageFile:" + fault);
+    co_return true;
+}
+
+Task<bool> ImageStore::download(std::string path, std::string name) {
+    const std::string url = cameraBaseUrl(parts_.panel) + "/" + path;
+    const std::filesystem::path image = datedFolder_ / pathFromUtf8(name);
+    for (int attempt = 0; attempt < kAttempts; ++attempt) {
+        while (parts_.module.capturing && continue_)
+            co_await parts_.clock.sleep(100ms);
+        if (!continue_) co_return false;
+        std::error_code error;
+        const bool wasThere = std::filesystem::exists(image, error);
+        transferring_ = true;
+        Task<bool> transfer =
+            parts_.camera.DownloadFile(url, datedFolder_, name, CameraPanel::Accept::Picture);
+        const bool arrived = co_await transfer;
+        transferring_ = false;
+        if (arrived) {
+            // an older, longer file of that name would show through behind the picture
+            std::filesystem::resize_file(image, parts_.camera.received(), error);
+            co_return true;
+        }
+        discardPart(image, wasThere);
+        if (!parts_.module.capturing) co_return false;
+    }
+    co_return false;
+}
+
+/// A disk that fills up leaves a part of a new file behind.
+void ImageStore::discardPart(const std::filesystem::path& image, bool wasThere) {
+    std::error_code ignored;
+    if (!wasThere) std::filesystem::remove(image, ignored);
+}
+
+void ImageStore::keep(const std::filesystem::path& image) {
+    Module1& module = parts_.module;
+    module.imagesArrived = true;
+    module.addThumbnail(image);
+    ++module.filesFetched;
+    ++downloaded_;
+    parts_.views.refreshThumbnails(module.thumbnails);
+    parts_.panel.lbl_dlcnt.caption = std::to_string(downloaded_);
+}
+
+/// Names come from a device: one that could lead out of the folder is never used.
+void ImageStore::skip(std::string_view name) {
+    if (++skipped_ > kLoggedSkips) return;
+    std::string shown(name.substr(0, 60));
+    for (char& c : shown)
+        if (static_cast<unsigned char>(c) < ' ') c = '?';
+    parts_.log.write("ImageStore:Name of a stored image not usable: " + shown);
+    if (skipped_ == kLoggedSkips) parts_.log.write("ImageStore:Further names are not logged");
+}
+
+void ImageStore::complete() {
+    parts_.module.lastRunEnd = parts_.clock.ticks();
+    parts_.panel.lbl_sync.caption = "30";
+}
+
+ImageStore::PageEnd ImageStore::end(PageEnd end, const char* message) {
+    parts_.panel.Label7.caption = message;
+    if (message == kError) parts_.log.write("ImageStore:No answer or nothing usable in it");
+    return end;
+}
+
+} // namespace orvane

@@ -1,0 +1,107 @@
+#pragma once
+
+#include "camera/CameraPanel.h"
+#include "camera/PageLoader.h"
+#include "camera/StoreSearch.h"
+#include "platform/ImageControl.h"
+#include "tracker/ErrorLog.h"
+
+namespace orvane {
+
+/// The runs against the camera's own store of pictures: search and download (`Test_DL`,
+/// `Download_proc`, through `WbBrowser1`) and synchronisation (`cmd_Download`, through
+/// `WbBrowser2`). One run at a time; a second start does nothing.
+///
+/// A run asks for one small page after another and downloads each picture of a page into the dated
+/// folder of the day on which the run began. It ends with the first page that brought a picture,
+/// without a match, at a picture later than its beginning, when it is stopped, and after ten pages
+/// or twenty pictures in a row that brought nothing. Captures go first: while one is in progress no
+/// file is fetched, and a file whose transfer it cut off is fetched again.
+class ImageStore {
+  public:
+    struct Parts {
+        Module1& module;
+        OperationPanel& panel;
+        CameraPanel& camera;
+        HttpTransfer& inetFileGet;
+        WebBrowser& WbBrowser1;
+        WebBrowser& WbBrowser2;
+        ImageControl& imageControl;
+        ImageViews& views;
+        ErrorLog& log;
+        Operator& op;
+        Clock& clock;
+        Busy& busy;
+    };
+
+    explicit ImageStore(Parts parts)
+        : parts_(parts), WbBrowser1_(parts.WbBrowser1, parts.clock),
+          WbBrowser2_(parts.WbBrowser2, parts.clock) {}
+
+    /// Search and download, from the panel's button.
+    Task<> Test_DL();
+    /// The same from the main loop; tells when the camera does not answer within ten seconds.
+    Task<> Download_proc();
+    /// Synchronisation over the span of `lbl_sync`.
+    Task<> cmd_Download();
+    /// Stops the run wherever it is.
+    void Command6_Click();
+    bool running() const { return running_; }
+
+    /// Moves the from-date back by the search span (half an hour more when a synchronisation is
+    /// pending) and puts the query into `Label7`. False: the start time is invalid, as it says
+    /// then.
+    bool BuildSearchQuery();
+    /// The same over the synchronisation span.
+    bool BuildSyncQuery();
+    /// Looks whether the dated folder holds `name`; always answers false, so that a run fetches
+    /// every listed picture again. A listing that fails is told in `Label7`.
+    Task<bool> Sync_file(std::string name);
+
+  private:
+    enum class Chain { Search, Synchronise };
+    enum class PageEnd { NextPage, Completed, Failed };
+    struct Start {
+        bool lockStop = false;    ///< disable Command2 until the first reply has been read
+        bool editFolders = false; ///< make the folders of the processed copies too
+        bool tellSilence = false; ///< tell when no reply comes within ten seconds
+    };
+    class Running;
+
+    Task<> run(Chain chain, Start start);
+    Task<> runPages(Chain chain, Start start);
+    void begin(const Start& start);
+    void makeFolders(const Start& start);
+    bool navigate(Chain chain);
+    Task<> waitForReply(PageLoader& pages);
+    Task<PageEnd> readPage(Chain chain, std::string reply);
+    Task<PageEnd> readRecords(std::string reply);
+    void expectNext(std::string_view rest);
+    Task<bool> fetch(std::string path, std::string name);
+    Task<bool> download(std::string path, std::string name);
+    void keep(const std::filesystem::path& image);
+    void discardPart(const std::filesystem::path& image, bool wasThere);
+    bool buildQuery(WallTime from);
+    void skip(std::string_view name);
+    void complete();
+    PageEnd end(PageEnd end, const char* message);
+    PageLoader& pagesOf(Chain chain) { return chain == Chain::Search ? WbBrowser1_ : WbBrowser2_; }
+
+    Parts parts_;
+    PageLoader WbBrowser1_;
+    PageLoader WbBrowser2_;
+    bool running_ = false;
+    bool continue_ = false;     ///< cleared to stop the run
+    bool transferring_ = false; ///< the transfer that runs is this run's
+
+    std::filesystem::path datedFolder_; ///< ends in a separator
+    WallTime fromDate_{};
+    ImageStamp endStamp_; ///< the moment the run began
+    ImageStamp stamp_;    ///< of the last record
+    std::int32_t downloaded_ = 0;
+    int failedInARow_ = 0;
+    int requested_ = 0;
+    int skipped_ = 0;
+};
+
+} // namespace orvane

@@ -1,0 +1,43 @@
+#pragma once
+
+#include "camera/ImageName.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace orvane {
+
+inline constexpr const char* kSearchPath = "/cgi/srch.cgi";
+
+/// The from-fields of a search as the camera counts them: years from 2000, months and days from 0.
+struct FromFields {
+    std::int16_t year = 0;
+    std::int16_t month = 0;
+    std::int16_t day = 0;
+    std::int16_t hour = 0;
+    std::int16_t minute = 0;
+    std::int16_t second = 0;
+    std::int16_t frame = 0;
+};
+
+FromFields fromFieldsOf(const ImageStamp& stamp);
+
+/// The query for at most two pictures recorded from that moment on, without a leading "?".
+std::string searchQuery(const FromFields& from);
+
+/// `time` moved back by the span that a field holds, in minutes: "-" and the text read as one
+/// number. More than a hundred years count as a hundred.
+WallTime movedBack(WallTime time, const std::string& span, double extraMinutes = 0);
+
+/// Whether a reply says that nothing was found.
+bool isNoData(std::string_view reply);
+
+/// Takes the next record off a search reply and answers the picture's path on the camera, the last
+/// of its three comma-terminated fields. Nothing when no complete record is left.
+std::optional<std::string_view> nextPicturePath(std::string_view& reply);
+
+/// How many complete records a reply holds.
+std::size_t recordCount(std::string_view reply);
+
+} // namespace orvane

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <QByteArray>
+
+namespace skycamera {
+
+/// The same picture with a comment behind its first segment; `text` has up to 65,533 bytes.
+QByteArray withComment(const QByteArray& jpeg, const QByteArray& text);
+
+/// The same picture with at least `bytes` bytes, by comments behind its first segment.
+QByteArray padded(const QByteArray& jpeg, qsizetype bytes);
+
+} // namespace skycamera

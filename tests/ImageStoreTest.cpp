@@ -1,0 +1,263 @@
+#include "tests/support/FakeCameraStore.h"
+#include "tests/support/TestStation.h"
+
+#include <gtest/gtest.h>
+
+namespace orvane::test {
+namespace {
+
+constexpr const char* kBase = "http://192.168.0.10:80";
+
+/// A station at 14:37:09 whose camera holds a picture a minute from 14:00 on.
+class ImageStoreTest : public testing::Test {
+  protected:
+    ImageStoreTest() {
+        camera.record("20060305", 14, 24);
+        s.settings.initOperation();
+        s.status.initStatus();
+        s.browser1.answer = [this](const std::string& url) { return camera.search(url); };
+        s.browser2.answer = s.browser1.answer;
+        s.http.answer = [this](const std::string& url) { return camera.picture(url); };
+    }
+    void run(Task<> (ImageStore::*start)(), Ticks limit = 5min) {
+        s.tasks.spawn((s.imageStore.*start)());
+        EXPECT_TRUE(s.clock.runUntil([this] { return !s.imageStore.running(); }, limit));
+        s.clock.run(1s); // a blank page may still be loading
+    }
+    static std::string queryAt(const std::string& hour, const std::string& minute) {
+        return std::string(kBase) +
+               "/cgi/srch.cgi?srch_type=0&s_mode=0&dl=1&ar0=on&from_year=6&from_mon=2&from_day=4"
+               "&from_hour=" +
+               hour + "&from_min=" + minute + "&from_sec=9&from_frame=0&maxnum=2";
+    }
+    const std::string& label() const { return s.panel.Label7.caption; }
+
+    TestStation s{at(2006, 3, 5, 14, 37, 9)};
+    FakeCameraStore camera;
+    std::vector<std::string> first{"20060305_140807_00.jpg", "20060305_140907_00.jpg"};
+};
+
+TEST_F(ImageStoreTest, SearchDownloadsTheFirstPageThatHoldsPictures) {
+    run(&ImageStore::Test_DL);
+    EXPECT_EQ(s.browser1.pages(), std::vector{queryAt("14", "7")});
+    EXPECT_EQ(s.imagesOf("20060305"), first);
+    EXPECT_EQ(s.imagesOf("20060305", "Edit"), first);
+    EXPECT_EQ(s.http.urls, (std::vector<std::string>{kBase + ("/record/" + first[0]),
+                                                     kBase + ("/record/" + first[1])}));
+    EXPECT_EQ(s.panel.lbl_dlcnt.caption.get(), "2");
+    EXPECT_EQ(label(), "DownLoad File : " + first[1] + " ...");
+    EXPECT_EQ(s.views.newest.filename(), first[1]);
+    EXPECT_FALSE(s.panel.Command2.enabled); // nothing is being recorded
+    EXPECT_TRUE(s.panel.Command4.enabled);
+    EXPECT_FALSE(s.panel.Command6.enabled);
+    EXPECT_FALSE(s.busy.active());
+}
+
+TEST_F(ImageStoreTest, EveryListedPictureIsFetchedAgain) {
+    s.tasks.spawn([](TestStation& station) -> Task<> {
+        std::string name = "20060305_140807_00.jpg";
+        EXPECT_FALSE(co_await station.imageStore.Sync_file(name));
+    }(s));
+    run(&ImageStore::Test_DL);
+    const auto image = s.dataFolder() / "20060305" / first[0];
+    ASSERT_EQ(writeToFinalName(std::string(5000, 'x'), image), std::nullopt); // longer than ours
+    run(&ImageStore::Test_DL);
+    std::string bytes;
+    readWholeFile(image, bytes);
+    EXPECT_EQ(bytes, jpegLike("stored " + first[0]));
+    EXPECT_EQ(std::ranges::count(s.module.thumbnails, image, &ThumbnailEntry::path), 1);
+}
+
+TEST_F(ImageStoreTest, NoDataEndsWithABlankPage) {
+    camera.names.clear();
+    run(&ImageStore::Test_DL);
+    EXPECT_EQ(label(), "ダウンロードするファイルがありません");
+    EXPECT_EQ(s.browser1.urls.back(), "about:blank");
+    EXPECT_EQ(s.http.requests, 0);
+    run(&ImageStore::cmd_Download);
+    EXPECT_EQ(label(), "ダウンロードするファイルがありません");
+    EXPECT_EQ(s.browser2.urls.back(), std::string(kBase) + "/cgi/srch.cgi");
+}
+
+/// The from-date stays where each page has moved it to.
+TEST_F(ImageStoreTest, FruitlessPagesReachBackFurtherAndEnd) {
+    camera.broken = true;
+    run(&ImageStore::Test_DL);
+    const std::vector<std::string> pages = s.browser1.pages();
+    ASSERT_GE(pages.size(), 3U);
+    EXPECT_EQ(pages[0], queryAt("14", "7"));
+    EXPECT_EQ(pages[1], queryAt("13", "37"));
+    EXPECT_EQ(pages[2], queryAt("13", "7"));
+    EXPECT_LE(pages.size(), 11U);
+    EXPECT_EQ(s.http.requests, 20);
+    EXPECT_EQ(label(), "DownLoad Error ?");
+    EXPECT_TRUE(s.imagesOf("20060305").empty());
+    // a page without any record is fruitless as well
+    s.browser1.urls.clear();
+    s.browser1.answer = [](const std::string&) { return "<html>"; };
+    run(&ImageStore::Test_DL);
+    EXPECT_LE(s.browser1.pages().size(), 11U);
+    EXPECT_EQ(label(), "DownLoad Error ?");
+}
+
+TEST_F(ImageStoreTest, APictureLaterThanTheStartCompletesTheRun) {
+    camera.names = {"20060305_143709_00.jpg", "20060305_143709_01.jpg"};
+    run(&ImageStore::Test_DL);
+    EXPECT_EQ(s.imagesOf("20060305"), std::vector<std::string>{"20060305_143709_00.jpg"});
+    EXPECT_EQ(label(), "ダウンロードを完了しました");
+}
+
+TEST_F(ImageStoreTest, NamesOfOtherLengthsTakeThePreviousStamp) {
+    std::string reply = "1,2,r/short.jpg,1,2,r/20060305_150000_00.jpg,1,2,r/never.jpg,";
+    s.browser1.answer = [&](const std::string&) { return reply; };
+    s.http.answer = [](const std::string& url) { return FakeHttp::picture(url); };
+    run(&ImageStore::Test_DL);
+    EXPECT_EQ(s.imagesOf("20060305"), std::vector<std::string>{"short.jpg"});
+    EXPECT_EQ(label(), "ダウンロードを完了しました");
+}
+
+TEST_F(ImageStoreTest, NothingLeavesTheDatedFolder) {
+    s.browser1.answer = [](const std::string&) {
+        return "1,2,record/..,1,2,r/..\\..\\evil.jpg,1,2,r/C:evil.jpg,1,2,evil.jpg,1,2,r/,"
+               "1,2,r/con,1,2,r/good.jpg,";
+    };
+    s.http.answer = [](const std::string& url) { return FakeHttp::picture(url); };
+    run(&ImageStore::Test_DL);
+    EXPECT_EQ(s.imagesOf("20060305"), std::vector<std::string>{"good.jpg"});
+    EXPECT_EQ(s.http.requests, 1);
+    const auto log = s.logged();
+    EXPECT_EQ(std::ranges::count_if(log,
+                                    [](const std::string& line) {
+                                        return line.starts_with(
+                                            "ImageStore:Name of a stored image not usable: ");
+                                    }),
+              6);
+}
+
+/// What is not a whole picture never replaces one.
+TEST_F(ImageStoreTest, WhatIsNoPictureIsNotFiled) {
+    run(&ImageStore::Test_DL);
+    s.http.answer = [](const std::string&) {
+        return HttpReply{true, 200, "<html>Busy</html>", ""};
+    };
+    run(&ImageStore::Test_DL);
+    std::string bytes;
+    readWholeFile(s.dataFolder() / "20060305" / first[1], bytes);
+    EXPECT_EQ(bytes, jpegLike("stored " + first[1]));
+    EXPECT_EQ(s.panel.lbl_dlcnt.caption.get(), "0");
+}
+
+TEST_F(ImageStoreTest, StopsAtAnyMoment) {
+    camera.perPage = 500;
+    for (Ticks moment = 0ms; moment < 3s; moment += 70ms) {
+        s.http.latency = 200ms;
+        s.tasks.spawn(s.imageStore.Download_proc());
+        s.clock.run(moment);
+        s.imageStore.Command6_Click();
+        s.clock.run(200ms);
+        EXPECT_FALSE(s.imageStore.running()) << moment.count();
+        EXPECT_EQ(label(), "ダウンロードを中断しました") << moment.count();
+        EXPECT_FALSE(s.busy.active());
+    }
+}
+
+TEST_F(ImageStoreTest, ASilentCameraIsTold) {
+    s.browser1.latency = s.browser2.latency = 60s;
+    s.browser1.answer = s.browser2.answer = [](const std::string&) { return std::string(); };
+    for (const auto start : {&ImageStore::Download_proc, &ImageStore::cmd_Download}) {
+        s.tasks.spawn((s.imageStore.*start)());
+        s.clock.run(10s);
+        EXPECT_TRUE(label().starts_with("srch_type=0")) << label();
+        s.clock.run(2s);
+        EXPECT_EQ(label(), "DownLoad Error ?");
+        s.clock.run(60s);
+        EXPECT_FALSE(s.imageStore.running());
+    }
+}
+
+TEST_F(ImageStoreTest, SynchronisationAsksWithoutItsQuery) {
+    s.panel.lbl_sync.caption = "95";
+    run(&ImageStore::cmd_Download);
+    EXPECT_EQ(s.browser2.pages(), std::vector{std::string(kBase) + "/cgi/srch.cgi"});
+    EXPECT_TRUE(s.browser1.pages().empty());
+    EXPECT_EQ(s.imagesOf("20060305").size(), 2U);
+    EXPECT_EQ(s.panel.lbl_sync.caption.get(), "30"); // counts from this run on
+    s.module.syncPending = true;                     // of no meaning to its query
+    s.panel.lbl_sync.caption = "95";
+    s.clock.jumpWall(at(2006, 3, 5, 14, 37, 9) - s.clock.now());
+    s.tasks.spawn(s.imageStore.cmd_Download());
+    EXPECT_NE(label().find("&from_hour=13&from_min=2&from_sec=9"), std::string::npos) << label();
+    s.clock.run(1min);
+}
+
+TEST_F(ImageStoreTest, APendingSynchronisationReachesBackHalfAnHourMore) {
+    s.module.syncPending = true;
+    run(&ImageStore::Download_proc);
+    EXPECT_EQ(s.browser1.pages(), std::vector{queryAt("13", "37")});
+    EXPECT_EQ(s.op.beeps, 1);
+    EXPECT_FALSE(s.module.syncPending);
+}
+
+TEST_F(ImageStoreTest, AReplyOfMillionsOfNamesIsBounded) {
+    std::string reply;
+    for (int i = 0; i < 300'000; ++i)
+        reply += "1,2,r/..x,";
+    s.browser1.answer = [&](const std::string&) { return reply; };
+    run(&ImageStore::Test_DL);
+    EXPECT_EQ(s.http.requests, 0);
+    EXPECT_LT(s.logged().size(), 20U);
+    s.browser1.answer = [](const std::string&) { return std::string(1 << 20, 'x'); };
+    run(&ImageStore::Test_DL);
+    EXPECT_LT(label().size(), 1000U);
+}
+
+/// A capture that falls due during a long run happens in its minute, and the run goes on.
+TEST(ImageStoreWithCaptures, CapturesGoFirst) {
+    TestStation s(at(2006, 3, 5, 9, 28));
+    FakeCameraStore camera;
+    camera.record("20060305", 0, 9);
+    camera.perPage = 200;
+    s.browser1.answer = [&](const std::string& url) { return camera.search(url); };
+    int live = 0;
+    s.http.answer = [&](const std::string& url) {
+        return url.ends_with("full.jpg") ? FakeHttp::picture(std::to_string(++live))
+                                         : camera.picture(url);
+    };
+    s.http.latency = 1500ms;
+    s.setSchedule("9", "17", "1");
+    s.store.values["Settings/FillGaps"] = "0";
+    s.start(true);
+    s.clock.run(2s);
+    s.panel.Text1[5].text = "550"; // minutes to look back over: from 0:18 on
+    s.tasks.spawn(s.imageStore.Test_DL());
+    s.clock.runUntil(at(2006, 3, 5, 9, 35));
+    const auto images = s.imagesOf("20060305");
+    for (const char* name : {"20060305_092900_00.jpg", "20060305_093000_00.jpg",
+                             "20060305_093100_00.jpg", "20060305_093400_00.jpg"})
+        EXPECT_EQ(std::ranges::count(images, name), 1) << name;
+    EXPECT_FALSE(s.imageStore.running());
+    EXPECT_EQ(std::ranges::count_if(
+                  images, [](const std::string& name) { return name.ends_with("07_00.jpg"); }),
+              200);
+    EXPECT_EQ(s.countLogged("DownLoad Error"), 0);
+    EXPECT_TRUE(s.panel.Command2.enabled);
+}
+
+TEST(ImageStoreWithCaptures, SynchronisesEveryHalfHourWhileRecording) {
+    TestStation s(at(2006, 3, 5, 8, 0));
+    s.browser1.answer = [](const std::string&) { return "NO_DATA"; };
+    s.start(true);
+    s.clock.runUntil(at(2006, 3, 5, 12, 10));
+    std::vector<std::string> pages = s.browser1.pages();
+    EXPECT_EQ(pages.size(), 8U); // 8:30 to 12:00
+    // the interval's 30 minutes and 30 more, from the moment after the capture of 12:00
+    EXPECT_NE(pages.back().find("&from_hour=11&from_min=0&"), std::string::npos) << pages.back();
+    EXPECT_EQ(s.imagesOf("20060305").size(), 7U); // 9:00 to 12:00
+    EXPECT_EQ(s.panel.lbl_sync.caption.get(), "30");
+    s.recording.Command2_Click();
+    s.clock.runUntil(at(2006, 3, 5, 14, 0));
+    EXPECT_EQ(s.browser1.pages().size(), 8U);
+}
+
+} // namespace
+} // namespace orvane::test

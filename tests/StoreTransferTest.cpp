@@ -1,0 +1,144 @@
+#include "camera/ImageStore.h"
+#include "imaging/JpegMarkers.h"
+#include "platform/qt/QtClock.h"
+#include "platform/qt/QtHttpTransfer.h"
+#include "platform/qt/QtWebBrowser.h"
+#include "simulators/sky-camera/SkyCamera.h"
+#include "tests/support/Fakes.h"
+#include "tests/support/TempFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <QCoreApplication>
+#include <QTimer>
+
+namespace orvane::test {
+namespace {
+
+/// The runs against the simulated camera's store, over real connections.
+struct StoreTransfer : testing::Test {
+    static constexpr HttpLimits kLimits{400ms, 3s, 128 * 1024 * 1024};
+
+    StoreTransfer() {
+        skycamera::SkyCameraOptions options;
+        options.size = {160, 120};
+        options.store.stored = 600;
+        options.store.storedOnce = true;
+        simulator = std::make_unique<skycamera::SkyCamera>(options);
+        EXPECT_TRUE(simulator->start());
+        prepareManager(manager);
+        module.programFolder = folder.path() / "program";
+        std::filesystem::create_directory(module.programFolder);
+        panel.Dir1[0].path = data;
+        panel.txtIp.text = "127.0.0.1";
+        panel.txtPort.text = std::to_string(simulator->port());
+        panel.Text1[5].text = "30";
+        panel.lbl_sync.caption = "30";
+    }
+    void run(Task<> (ImageStore::*start)()) {
+        Task<> task = runAndQuit((store.*start)());
+        task.start();
+        QTimer::singleShot(60s, &giveUp, [] { QCoreApplication::quit(); });
+        QCoreApplication::exec(); // waiting by turns of 10 ms would make it slow
+        EXPECT_TRUE(task.done());
+        EXPECT_FALSE(busy.active());
+    }
+    static Task<> runAndQuit(Task<> task) {
+        co_await task;
+        QCoreApplication::quit();
+    }
+    /// Every file below the data folder is one of a dated folder or its processed copies, and the
+    /// dated folder holds whole pictures only.
+    int checkedFiles() const {
+        int pictures = 0;
+        for (const auto& entry : std::filesystem::recursive_directory_iterator(folder.path())) {
+            if (!entry.is_regular_file()) continue;
+            if (entry.path() == module.programFolder / "ERROR.LOG") continue;
+            const auto dated = entry.path().parent_path();
+            EXPECT_EQ(dated.filename().string().size(), 8U) << entry.path();
+            EXPECT_TRUE(dated.parent_path() == data || dated.parent_path() == data / "Edit");
+            std::string bytes;
+            readWholeFile(entry.path(), bytes);
+            EXPECT_TRUE(isWholeJpeg(bytes)) << entry.path();
+            if (dated.parent_path() == data) ++pictures;
+        }
+        return pictures;
+    }
+
+    QObject giveUp;
+    TempFolder folder;
+    std::filesystem::path data = folder.path() / "data";
+    std::unique_ptr<skycamera::SkyCamera> simulator;
+    QtClock clock;
+    QNetworkAccessManager manager;
+    QtHttpTransfer transfer{manager, clock, kLimits};
+    QtWebBrowser browser{std::make_unique<QtHttpTransfer>(manager, clock, kLimits), clock};
+    QtWebBrowser browser1{std::make_unique<QtHttpTransfer>(manager, clock, kLimits), clock};
+    QtWebBrowser browser2{std::make_unique<QtHttpTransfer>(manager, clock, kLimits), clock};
+    FakeOperator op{clock};
+    FakeViews views;
+    FakeImageControl imageControl;
+    Busy busy;
+    Module1 module;
+    OperationPanel panel;
+    ErrorLog log{folder.path() / "program", clock};
+    CameraPanel camera{module, panel, transfer, browser, views, busy, op};
+    ImageStore store{{module, panel, camera, transfer, browser1, browser2, imageControl, views, log,
+                      op, clock, busy}};
+};
+
+TEST_F(StoreTransfer, DownloadsWhatTheCameraLists) {
+    run(&ImageStore::Test_DL);
+    EXPECT_EQ(checkedFiles(), 2);
+    EXPECT_EQ(panel.lbl_dlcnt.caption.get(), "2");
+    run(&ImageStore::cmd_Download); // the bare search lists the last hour
+    EXPECT_EQ(panel.lbl_dlcnt.caption.get(), "60");
+    EXPECT_EQ(simulator->status().searchesServed, 2U);
+}
+
+TEST_F(StoreTransfer, EveryFaultOfTheSearchEndsInBoundedTime) {
+    struct Case {
+        const char* fault;
+        int most; ///< pictures it may bring
+    };
+    const Case cases[] = {
+        {"list-html", 2},   {"list-nocomma", 2}, {"list-names", 2}, {"list-paths", 1},
+        {"list-future", 0}, {"list-missing", 0}, {"list-big:5", 0}, {"list-onefield:5", 0},
+        {"html", 0},        {"silent", 0},       {"cut", 2},        {"short", 0},
+        {"reset", 0},       {"status:500", 0},   {"empty", 0},      {"refuse", 0},
+        {"drip:20", 0}};
+    for (const auto& [fault, most] : cases) {
+        std::filesystem::remove_all(data);
+        const quint64 before = simulator->status().requestsServed;
+        ASSERT_TRUE(simulator->setFault(fault, 0, "/cgi/srch.cgi")) << fault;
+        run(&ImageStore::Test_DL);
+        EXPECT_LE(simulator->status().requestsServed - before, 11U + 20U) << fault;
+        EXPECT_LE(checkedFiles(), most) << fault;
+        EXPECT_FALSE(panel.Label7.caption.get().empty()) << fault;
+        ASSERT_TRUE(simulator->setFault(QString("none")));
+        run(&ImageStore::Test_DL);
+        EXPECT_EQ(panel.lbl_dlcnt.caption.get(), "2") << "after " << fault;
+    }
+}
+
+TEST_F(StoreTransfer, FaultsOfThePicturesFileNothingBroken) {
+    for (const char* fault : {"cut", "html", "empty", "short", "reset", "status:404", "stall"}) {
+        std::filesystem::remove_all(data);
+        ASSERT_TRUE(simulator->setFault(fault, 1, "/record/")) << fault;
+        run(&ImageStore::Test_DL);
+        EXPECT_EQ(checkedFiles(), 1) << fault; // the second of the page is sound
+    }
+}
+
+TEST_F(StoreTransfer, RandomFaults) {
+    for (const char* seed : {"random:1", "random:2"}) {
+        ASSERT_TRUE(simulator->setFault(seed, 0, "/record/"));
+        for (int i = 0; i < 4; ++i) {
+            run(i % 2 == 0 ? &ImageStore::Download_proc : &ImageStore::Test_DL);
+            checkedFiles();
+        }
+    }
+}
+
+} // namespace
+} // namespace orvane::test

@@ -1,0 +1,87 @@
+// Feeds arbitrary search replies to a run against the camera's store.
+
+#include "camera/ImageStore.h"
+#include "tests/support/Fakes.h"
+#include "tests/support/JumpingClock.h"
+#include "tests/support/TempFolder.h"
+
+#include <cstdlib>
+
+namespace {
+
+using namespace orvane;
+using namespace orvane::test;
+
+void require(bool condition) {
+    if (!condition) std::abort();
+}
+
+/// The complete records' paths, worked out apart from the reader: every third of the pieces that a
+/// comma ends.
+std::vector<std::string> pathsOf(const std::string& reply) {
+    std::vector<std::string> pieces(1);
+    for (const char c : reply) {
+        if (c == ',') {
+            pieces.emplace_back();
+        } else {
+            pieces.back() += c;
+        }
+    }
+    std::vector<std::string> paths;
+    for (std::size_t i = 2; i + 1 < pieces.size(); i += 3)
+        paths.push_back(pieces[i]);
+    return paths;
+}
+
+struct Store {
+    TempFolder folder;
+    JumpingClock clock{at(2006, 11, 15, 9, 30)};
+    Module1 module;
+    OperationPanel panel;
+    FakeHttp http{clock};
+    FakeBrowser browser{clock}, browser1{clock}, browser2{clock};
+    FakeViews views;
+    FakeOperator op{clock};
+    FakeImageControl imageControl;
+    Busy busy;
+    ErrorLog log{folder.path() / "program", clock};
+    CameraPanel camera{module, panel, http, browser, views, busy, op};
+    ImageStore store{{module, panel, camera, http, browser1, browser2, imageControl, views, log, op,
+                      clock, busy}};
+};
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const std::string reply(reinterpret_cast<const char*>(data), size);
+    const std::vector<std::string> expected = pathsOf(reply);
+    std::string_view rest = reply;
+    for (const std::string& path : expected)
+        require(nextPicturePath(rest) == path);
+    require(!nextPicturePath(rest) && recordCount(reply) == expected.size());
+
+    Store s;
+    s.panel.Dir1[0].path = s.folder.path() / "data";
+    s.module.imageProcessing = false;
+    s.browser1.answer = [&](const std::string&) { return reply; };
+    s.http.latency = 0ms;
+    s.http.answer = [](const std::string& url) {
+        return url.size() % 2 == 0 ? FakeHttp::picture(url.substr(0, 100))
+                                   : FakeHttp::failed("HTTP status 404");
+    };
+    Task<> run = s.store.Test_DL();
+    run.start();
+    require(s.clock.runUntil([&] { return run.done(); }, 1h));
+    require(!s.busy.active());
+    require(s.http.requests <= static_cast<std::int64_t>(10 * expected.size()));
+    // one dated folder, nothing in it but files, nothing beside it
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(s.folder.path())) {
+        const auto path = entry.path().lexically_relative(s.folder.path());
+        if (entry.is_directory()) {
+            require(path == "data" || path == "data/20061115");
+        } else {
+            require(path.parent_path() == "data/20061115");
+        }
+    }
+    return 0;
+}

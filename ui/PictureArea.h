@@ -1,0 +1,25 @@
+#pragma once
+
+#include <QMdiArea>
+#include <QMdiSubWindow>
+
+namespace orvane {
+
+/// The part of the main window that holds the picture windows. A picture window that fills it goes
+/// on filling it when its size changes.
+class PictureArea : public QMdiArea {
+    Q_OBJECT
+
+  public:
+    explicit PictureArea(QWidget* parent = nullptr);
+
+    void fill(QMdiSubWindow& frame) { frame.setGeometry(viewport()->rect()); }
+
+  protected:
+    void resizeEvent(QResizeEvent* event) override;
+
+  private:
+    QRect filled_; ///< what a filling window's place is
+};
+
+} // namespace orvane
