@@ -4,6 +4,7 @@
 #include "core/MainLoop.h"
 #include "core/Shutdown.h"
 #include "core/StartUp.h"
+#include "platform/KeepAwake.h"
 #include "platform/Paths.h"
 #include "platform/SerialPorts.h"
 #include "platform/TaskGroup.h"
@@ -33,6 +34,13 @@ namespace {
 
 std::filesystem::path toPath(const QString& text) {
     return pathFromUtf8(text.toStdString());
+}
+
+QIcon programIcon() {
+    QIcon icon;
+    for (const char* size : {"16", "32", "48", "256"})
+        icon.addFile(QStringLiteral(":/icons/orvane-%1.png").arg(size));
+    return icon;
 }
 
 std::string textOf(const std::exception_ptr& fault) {
@@ -183,7 +191,8 @@ class Program {
                      imageControl_,
                      dailyClocks_,
                      [this] { showMainWindow(); },
-                     [](int code) { QCoreApplication::exit(code); }};
+                     [](int code) { QCoreApplication::exit(code); },
+                     keepAwake};
     MainLoop loop_{station_};
     AutoStart autoStart_{module_,
                          store_,
@@ -227,6 +236,7 @@ int main(int argc, char** argv) {
     QCoreApplication::setApplicationName("Orvane");
     QCoreApplication::setApplicationVersion(ORVANE_VERSION);
     QApplication::setQuitOnLastWindowClosed(false);
+    QApplication::setWindowIcon(programIcon());
 
     Program program;
     application.setProgram(&program);

@@ -156,6 +156,7 @@ void MainLoop::watch(WallTime now) {
     const bool moved = folder.native() != watchedFolder_.native(); // at every pass: as text
     if (minute == watchedMinute_ && recording == watchedRecording_ && !moved) return;
     watchedMinute_ = minute;
+    if (recording != watchedRecording_ && station_.keepAwake) station_.keepAwake(recording);
     watchedRecording_ = recording;
     watchedFolder_ = folder;
     if (moved) station_.warnings.clear(Warnings::Cause::DataFolder);

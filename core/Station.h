@@ -45,7 +45,8 @@ struct Station {
     ImageControl& imageControl;
     DailyClocks& dailyClocks;
     std::function<void()> showMainWindow;
-    std::function<void(int)> endProgram; ///< with the exit code
+    std::function<void(int)> endProgram;           ///< with the exit code
+    std::function<void(bool)> keepAwake = nullptr; ///< called when recording is switched on or off
 };
 
 } // namespace orvane

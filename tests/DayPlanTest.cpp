@@ -1,5 +1,6 @@
 #include "core/DayOverview.h"
 #include "platform/FileCopy.h"
+#include "tests/support/FolderTime.h"
 #include "tests/support/JumpingClock.h"
 #include "tests/support/TempFolder.h"
 
@@ -161,7 +162,7 @@ class Overview : public testing::Test {
     void file(const std::string& name) { ASSERT_FALSE(writeToFinalName("picture", today / name)); }
     /// The folder was changed for the last time so long ago.
     void age(std::chrono::seconds by) {
-        std::filesystem::last_write_time(today, std::filesystem::file_time_type::clock::now() - by);
+        setFolderTime(today, std::filesystem::file_time_type::clock::now() - by);
     }
 
     TempFolder data;
@@ -197,7 +198,7 @@ TEST_F(Overview, SeesAFileThatLeavesTheTimeOfChangeAsItIs) {
     overview.refresh();
     const auto changed = std::filesystem::last_write_time(today);
     file("20061115_090000_00.jpg");
-    std::filesystem::last_write_time(today, changed); // a file system with coarse stamps
+    setFolderTime(today, changed); // a file system with coarse stamps
     EXPECT_TRUE(overview.refresh());
     EXPECT_EQ(overview.plan().taken, 1);
 }

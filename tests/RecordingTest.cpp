@@ -52,6 +52,23 @@ TEST_F(Panel, StartLocksAndStopUnlocksAllButTheSecondSpinner) {
               (std::vector<std::string>{"Orvane Starting", "Start Recording", "Stop Recording"}));
 }
 
+TEST_F(Panel, ThePcStaysAwakeWhileRecordingIsOnAndOnlyThen) {
+    std::string asked;
+    s.station.keepAwake = [&](bool awake) { asked += awake ? "awake " : "may sleep "; };
+    s.clock.run(2min);
+    EXPECT_EQ(asked, "");
+    s.press(&Recording::Command1_Click);
+    s.clock.run(30min); // over a capture
+    EXPECT_EQ(asked, "awake ");
+    s.recording.Command2_Click();
+    s.clock.run(1s);
+    EXPECT_EQ(asked, "awake may sleep ");
+    s.panel.Text1[0].text = std::string(); // a schedule that is refused
+    s.press(&Recording::Command1_Click);
+    s.clock.run(1min);
+    EXPECT_EQ(asked, "awake may sleep ");
+}
+
 TEST_F(Panel, RefusesAScheduleWithItsMessage) {
     struct Case {
         std::vector<std::pair<std::size_t, std::string>> typed;

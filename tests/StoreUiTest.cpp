@@ -89,20 +89,5 @@ TEST_F(StoreUi, FindsFilesAndOpensThem) {
     EXPECT_EQ(w.module.foundCount, 0);
 }
 
-/// Only an attribute word of exactly 16 marks a sub-folder.
-TEST_F(StoreUi, AReadOnlyFolderCountsAsAFile) {
-    Window w(op);
-    const auto folder = w.dataFolder() / "sky";
-    std::filesystem::create_directory(folder);
-    w.folderScan.file_check("sky");
-    EXPECT_EQ(w.module.foundCount, 1);
-    using std::filesystem::perms;
-    std::filesystem::permissions(folder, perms::owner_read | perms::owner_exec);
-    w.folderScan.file_check("sky");
-    EXPECT_EQ(w.module.foundCount, 2);
-    EXPECT_EQ(w.module.foundImages[1], folder);
-    std::filesystem::permissions(folder, perms::owner_all);
-}
-
 } // namespace
 } // namespace orvane::test

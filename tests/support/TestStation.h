@@ -5,6 +5,7 @@
 #include "core/MainLoop.h"
 #include "core/Shutdown.h"
 #include "core/Station.h"
+#include "platform/Paths.h"
 #include "platform/TaskGroup.h"
 #include "tests/support/FakeTracker.h"
 #include "tests/support/Fakes.h"
@@ -24,7 +25,7 @@ class TestStation {
     explicit TestStation(WallTime start) : clock(start) {
         module.programFolder = folder.path() / "program";
         std::filesystem::create_directory(module.programFolder);
-        store.values["DataPath/PathDataFile"] = dataFolder().string();
+        store.values["DataPath/PathDataFile"] = utf8FromPath(dataFolder());
         store.values["Settings/Delay"] = "0";
         store.values["Settings/AdjTime"] = "0"; // no daily clock setting unless a test wants it
         std::filesystem::create_directory(dataFolder());
