@@ -106,9 +106,9 @@ TEST_F(CameraTransfer, EveryFaultIsNoticedInBoundedTime) {
 }
 
 TEST_F(CameraTransfer, AHugeAnswerIsCutOff) {
-    ASSERT_TRUE(simulator->setFault(QString("huge")));
+    ASSERT_TRUE(simulator->setFault(QString("list-big:5"), 0, "/cgi/srch.cgi"));
     QtHttpTransfer small(manager, clock, {3s, 5s, 100'000});
-    const HttpReply reply = finish(small.get(cameraBaseUrl(panel) + kLatestImagePath));
+    const HttpReply reply = finish(small.get(cameraBaseUrl(panel) + "/cgi/srch.cgi"));
     EXPECT_FALSE(reply.ok);
     EXPECT_EQ(reply.fault, "the answer is too large");
 }
