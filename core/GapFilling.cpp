@@ -1,8 +1,7 @@
 #include "core/GapFilling.h"
 
 #include "camera/StoreSearch.h"
-#include "core/DayPictures.h"
-#include "core/DueWatch.h"
+#include "core/DayPlan.h"
 #include "imaging/JpegMarkers.h"
 #include "imaging/ProcessImageFile.h"
 #include "platform/Conversions.h"
@@ -74,14 +73,14 @@ void GapFilling::standBack() {
 /// The minutes to ask for now. When there are only such that are to be asked for later, it has them
 /// looked at again.
 std::vector<std::int64_t> GapFilling::gaps(WallTime now) {
-    const DayPictures pictures = picturesOfDay(folder_ / dateDigits(now), day_);
-    const std::int64_t midnight = minuteIndex(WallTime(day_));
+    const DayPlan plan = planDay(schedule_, true, picturesOfDay(folder_ / dateDigits(now), day_),
+                                 now, std::chrono::seconds(station_.module.image.Delay));
     std::vector<std::int64_t> minutes;
     bool later = false;
-    for (std::int64_t minute = midnight; minute < minuteIndex(now); ++minute) {
-        const auto ofDay = static_cast<std::size_t>(minute - midnight);
-        if (pictures[ofDay] != PictureOrigin::None) continue;
-        if (!isDueMinute(schedule_, static_cast<int>(ofDay))) continue;
+    std::int64_t minute = minuteIndex(WallTime(day_)) - 1;
+    for (const DayState state : plan.states) {
+        ++minute;
+        if (state != DayState::Missed) continue;
         const auto found = asked_.find(minute);
         const Asked asked = found == asked_.end() ? Asked{} : found->second;
         if (asked.times >= kMostAskings) continue;
