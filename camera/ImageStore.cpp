@@ -157,12 +157,12 @@ bool ImageStore::BuildSyncQuery() {
 /// The from-date stays where it was moved to: each further page of a run reaches back further.
 bool ImageStore::buildQuery(WallTime from) {
     fromDate_ = from;
-    const FromFields fields = fromFieldsOf(stampOf(from));
-    if (!CheckStartTime(fields.hour, fields.minute, fields.second)) {
+    const ImageStamp start = stampOf(from);
+    if (!CheckStartTime(start.hour, start.minute, start.second)) {
         parts_.panel.Label7.caption = kInvalidStart;
         return false;
     }
-    parts_.panel.Label7.caption = searchQuery(fields);
+    parts_.panel.Label7.caption = searchQuery(start);
     return true;
 }
 

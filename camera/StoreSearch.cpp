@@ -15,24 +15,14 @@ constexpr double kLongestSpan = 100.0 * 365.25 * 24 * 60; // minutes
 
 } // namespace
 
-FromFields fromFieldsOf(const ImageStamp& stamp) {
-    return {static_cast<std::int16_t>(stamp.year - kFirstYear),
-            static_cast<std::int16_t>(stamp.month - 1),
-            static_cast<std::int16_t>(stamp.day - 1),
-            stamp.hour,
-            stamp.minute,
-            stamp.second,
-            stamp.frame};
-}
-
-std::string searchQuery(const FromFields& from) {
+std::string searchQuery(const ImageStamp& from) {
     std::string query = "srch_type=0&s_mode=0&dl=1&ar0=on";
     const auto add = [&query](const char* name, int value) {
         query += std::string("&from_") + name + "=" + std::to_string(value);
     };
-    add("year", from.year);
-    add("mon", from.month);
-    add("day", from.day);
+    add("year", from.year - kFirstYear);
+    add("mon", from.month - 1);
+    add("day", from.day - 1);
     add("hour", from.hour);
     add("min", from.minute);
     add("sec", from.second);

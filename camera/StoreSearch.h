@@ -10,21 +10,9 @@ namespace orvane {
 
 inline constexpr const char* kSearchPath = "/cgi/srch.cgi";
 
-/// The from-fields of a search as the camera counts them: years from 2000, months and days from 0.
-struct FromFields {
-    std::int16_t year = 0;
-    std::int16_t month = 0;
-    std::int16_t day = 0;
-    std::int16_t hour = 0;
-    std::int16_t minute = 0;
-    std::int16_t second = 0;
-    std::int16_t frame = 0;
-};
-
-FromFields fromFieldsOf(const ImageStamp& stamp);
-
-/// The query for at most two pictures recorded from that moment on, without a leading "?".
-std::string searchQuery(const FromFields& from);
+/// The query for at most two pictures recorded from that moment on, without a leading "?". The
+/// camera counts its from-fields in its own way: years from 2000, months and days from 0.
+std::string searchQuery(const ImageStamp& from);
 
 /// `time` moved back by the span that a field holds, in minutes: "-" and the text read as one
 /// number. More than a hundred years count as a hundred.

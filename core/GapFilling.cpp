@@ -97,9 +97,20 @@ std::vector<std::int64_t> GapFilling::gaps(WallTime now) {
     return minutes;
 }
 
+/// What nobody foresaw ends the round, not the filling.
 Task<> GapFilling::round(std::vector<std::int64_t> minutes) {
     stoodBack_ = false;
     look_ = true; // whatever ends the round, the rest of the gaps is looked at again
+    try {
+        Task<> filling = fillAll(std::move(minutes));
+        co_await filling;
+    } catch (const std::exception& fault) {
+        station_.log.write(std::string("GapFilling:") + fault.what());
+        nextRound_ = station_.clock.ticks() + kRetry;
+    }
+}
+
+Task<> GapFilling::fillAll(std::vector<std::int64_t> minutes) {
     for (const std::int64_t minute : minutes) {
         if (!wanted()) co_return;
         Task<Outcome> filling = fill(minute);
@@ -131,8 +142,7 @@ std::string GapFilling::pathOf(std::string_view reply, std::int64_t minute) {
 
 Task<GapFilling::Outcome> GapFilling::fill(std::int64_t minute) {
     const std::string base = cameraBaseUrl(station_.panel);
-    pages_.navigate(base + kSearchPath + "?" +
-                    searchQuery(fromFieldsOf(stampOf(momentOf(minute)))));
+    pages_.navigate(base + kSearchPath + "?" + searchQuery(stampOf(momentOf(minute))));
     Task<std::string> loading = pages_.document();
     const std::string reply = co_await loading;
     if (stoodBack_) co_return Outcome::StoodBack;

@@ -46,6 +46,7 @@ class GapFilling {
     bool wanted() const;
     std::vector<std::int64_t> gaps(WallTime now);
     Task<> round(std::vector<std::int64_t> minutes);
+    Task<> fillAll(std::vector<std::int64_t> minutes);
     Task<Outcome> fill(std::int64_t minute);
     static std::string pathOf(std::string_view reply, std::int64_t minute);
     void note(std::int64_t minute, Outcome outcome);

@@ -42,7 +42,7 @@ TEST(StoreSearch, QueriesAcrossMonthYearAndMidnight) {
          "&from_year=6&from_mon=2&from_day=4&from_hour=14&from_min=6&from_sec=39"},
     };
     for (const auto& [now, span, extra, from] : cases)
-        EXPECT_EQ(searchQuery(fromFieldsOf(stampOf(movedBack(now, span, extra)))),
+        EXPECT_EQ(searchQuery(stampOf(movedBack(now, span, extra))),
                   head + from + "&from_frame=0&maxnum=2");
     EXPECT_LT(movedBack(at(2006, 1, 1), "1e300"), at(1907, 1, 1)); // and no overflow
 }
