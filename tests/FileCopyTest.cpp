@@ -5,11 +5,6 @@
 
 #include <gtest/gtest.h>
 
-#ifndef _WIN32
-#include <csignal>
-#include <sys/resource.h>
-#endif
-
 namespace orvane::test {
 namespace {
 
@@ -48,26 +43,6 @@ TEST(FileCopy, TellsTheSystemsReasonAndLeavesNothing) {
     EXPECT_TRUE(copyToFinalName(folder.path() / "taken", folder.path() / "file"));
     EXPECT_EQ(listing(folder.path()), before);
 }
-
-#ifndef _WIN32
-// A limit on the size of files fails a write half way, as a full disk does.
-TEST(FileCopy, WriteThatBreaksOffKeepsTheOlderFile) {
-    const TempFolder folder;
-    const auto file = folder.path() / "picture.jpg";
-    writeFile(file, "older");
-    rlimit limit{};
-    getrlimit(RLIMIT_FSIZE, &limit);
-    const rlimit small{100'000, limit.rlim_max};
-    const auto handler = std::signal(SIGXFSZ, SIG_IGN);
-    setrlimit(RLIMIT_FSIZE, &small);
-    const auto fault = writeToFinalName(kBytes, file);
-    setrlimit(RLIMIT_FSIZE, &limit);
-    std::signal(SIGXFSZ, handler);
-    EXPECT_EQ(fault.value_or(""), "File too large");
-    EXPECT_EQ(contentsOf(file), "older");
-    EXPECT_EQ(listing(folder.path()), std::vector<std::string>{"picture.jpg"});
-}
-#endif
 
 } // namespace
 } // namespace orvane::test
