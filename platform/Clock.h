@@ -73,7 +73,7 @@ class Clock : public WakeSource {
 
 /// A one-shot event that one coroutine can wait for: `co_await signal`. Firing it before the wait
 /// is remembered.
-class Signal : public WakeSource {
+class Signal final : public WakeSource {
   public:
     explicit Signal(Clock& clock) : clock_(clock) {}
     Signal(const Signal&) = delete;

@@ -23,7 +23,7 @@ class HttpTransfer {
     virtual Task<HttpReply> get(std::string url) = 0;
     /// Tells what will be fetched soon; it may be fetched ahead, beside the running transfer. Only
     /// for what does not change with time. An empty text drops what was fetched ahead.
-    virtual void expect(std::string url) { static_cast<void>(url); }
+    virtual void expect(const std::string& url) { static_cast<void>(url); }
     /// Ends the running transfer, whose `get` then answers a failure.
     virtual void cancel() = 0;
 };

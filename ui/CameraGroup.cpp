@@ -9,7 +9,7 @@
 namespace orvane {
 
 QGroupBox* cameraGroup(PanelControls& controls, OperationPanel& panel, CameraPanel& camera,
-                       TaskGroup& tasks, std::function<void()> pictureWanted) {
+                       TaskGroup& tasks, const std::function<void()>& pictureWanted) {
     QLineEdit* address = controls.textBox(
         {"txtIp", "Camera address", "The camera's address or name on the network."}, panel.txtIp,
         {});

@@ -11,6 +11,6 @@ namespace orvane {
 /// The panel's controls for the camera itself. `pictureWanted` is called when the operator asks for
 /// its picture.
 QGroupBox* cameraGroup(PanelControls& controls, OperationPanel& panel, CameraPanel& camera,
-                       TaskGroup& tasks, std::function<void()> pictureWanted);
+                       TaskGroup& tasks, const std::function<void()>& pictureWanted);
 
 } // namespace orvane

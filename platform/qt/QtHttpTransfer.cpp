@@ -126,7 +126,7 @@ Task<HttpReply> QtHttpTransfer::get(std::string url) {
     co_return transfer->result();
 }
 
-void QtHttpTransfer::expect(std::string url) {
+void QtHttpTransfer::expect(const std::string& url) {
     if (url.empty()) return ahead_.clear();
     if (ahead_.size() == kMostAhead) ahead_.pop_front();
     ahead_.push_back(std::make_unique<Transfer>(*this, url));

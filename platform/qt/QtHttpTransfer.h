@@ -24,7 +24,7 @@ class QtHttpTransfer final : public HttpTransfer {
     ~QtHttpTransfer() override;
 
     Task<HttpReply> get(std::string url) override;
-    void expect(std::string url) override;
+    void expect(const std::string& url) override;
     void cancel() override;
 
   private:
