@@ -22,6 +22,7 @@ QLayout* countRow(PanelControls& controls, OperationPanel& panel) {
          "How far back a synchronisation reaches: the minutes since the last run, at least 30."},
         panel.lbl_sync);
     span->setShortest("00000");
+    span->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     span->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     row->addWidget(span);
     row->addWidget(unitLabel("min"));
