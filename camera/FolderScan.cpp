@@ -3,6 +3,8 @@
 #include "platform/FileAttributes.h"
 #include "platform/Paths.h"
 
+#include <algorithm>
+
 namespace orvane {
 
 void FolderScan::file_check(const std::string& text) {
@@ -29,7 +31,9 @@ void FolderScan::cmd_find_Click() {
     file_check(panel_.txt_find.text);
     const auto first = module_.foundImages.begin() + 1;
     const auto found = std::max<std::ptrdiff_t>(module_.foundCount - 1, 0);
-    panel_.lst_found = std::vector<std::filesystem::path>(first, first + found);
+    std::vector<std::filesystem::path> shown(first, first + found);
+    std::ranges::sort(shown); // the shared list keeps the system's order
+    panel_.lst_found = std::move(shown);
     if (module_.foundCount == 0) {
         panel_.lbl_found.caption = "This folder cannot be opened.";
     } else if (found == 0) {
