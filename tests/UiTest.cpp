@@ -174,6 +174,10 @@ TEST_F(Ui, FolderListWalksAndStores) {
     QTest::mouseClick(list.viewport(), Qt::LeftButton, {}, parent);
     QTest::mouseDClick(list.viewport(), Qt::LeftButton, {}, parent);
     EXPECT_EQ(w.panel.Dir1[0].path.get(), w.dataFolder());
+    w.panel.Dir1[0].enabled = false;
+    std::filesystem::create_directory(w.dataFolder() / "20061115"); // while recording
+    w.panel.Dir1[0].enabled = true;
+    EXPECT_EQ(list.count(), 3);
     w.panel.Dir1[0].path = std::filesystem::path("/nowhere/at/all");
     ASSERT_EQ(list.count(), 2);
     EXPECT_EQ(list.item(1)->text(), "(folder not available)");

@@ -110,6 +110,12 @@ void FolderView::focusInEvent(QFocusEvent* event) {
     QListWidget::focusInEvent(event);
 }
 
+/// While recording the list stands still, and new days have got their folders meanwhile.
+void FolderView::changeEvent(QEvent* event) {
+    QListWidget::changeEvent(event);
+    if (event->type() == QEvent::EnabledChange && isEnabled() && !path_.empty()) list();
+}
+
 QSize FolderView::sizeHint() const {
     return minimumSizeHint();
 }

@@ -31,6 +31,7 @@ class FolderView : public QListWidget {
   protected:
     void keyPressEvent(QKeyEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
+    void changeEvent(QEvent* event) override;
 
   private:
     void list();
