@@ -21,6 +21,7 @@
 #include "ui/Frm_massege.h"
 #include "ui/QtImageViews.h"
 #include "ui/QtOperator.h"
+#include "ui/Text.h"
 #include "ui/frmMain.h"
 
 #include <QApplication>
@@ -32,25 +33,11 @@
 namespace orvane {
 namespace {
 
-std::filesystem::path toPath(const QString& text) {
-    return pathFromUtf8(text.toStdString());
-}
-
 QIcon programIcon() {
     QIcon icon;
     for (const char* size : {"16", "32", "48", "256"})
         icon.addFile(QStringLiteral(":/icons/orvane-%1.png").arg(size));
     return icon;
-}
-
-std::string textOf(const std::exception_ptr& fault) {
-    try {
-        std::rethrow_exception(fault);
-    } catch (const std::exception& error) {
-        return error.what();
-    } catch (...) {
-        return "unknown fault";
-    }
 }
 
 /// Every object of the program, in the order in which they depend on each other; the tasks come

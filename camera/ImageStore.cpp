@@ -92,21 +92,24 @@ Task<> ImageStore::runPages(Chain chain, Start start) {
         Task<> waiting = waitForReply(pages);
         co_await waiting;
     }
-    for (int fruitless = 0; fruitless < kFruitlessPages; ++fruitless) {
+    for (int page = 1;; ++page) {
         Task<std::string> loading = pages.document();
         std::string reply = co_await loading;
         Task<PageEnd> reading = readPage(chain, std::move(reply));
         const PageEnd ended = co_await reading;
         if (ended == PageEnd::Completed) complete();
-        if (ended != PageEnd::NextPage || !navigate(chain)) co_return;
+        if (ended != PageEnd::NextPage) co_return;
+        if (page == kFruitlessPages) {
+            end(PageEnd::Failed, kError);
+            co_return;
+        }
+        if (!navigate(chain)) co_return;
         if (chain == Chain::Search) {
             parts_.panel.Command2.enabled = true;
         } else {
             parts_.module.syncPending = false;
         }
     }
-    pages.cancel();
-    end(PageEnd::Failed, kError);
 }
 
 void ImageStore::begin(const Start& start) {

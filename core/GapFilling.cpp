@@ -167,12 +167,18 @@ Task<GapFilling::Outcome> GapFilling::file(std::string name, std::string picture
     std::filesystem::create_directories(folder, error);
     if (const auto reason = writeToFinalName(picture, image)) {
         station_.log.write("GapFilling:" + *reason);
+        station_.warnings.set(Warnings::Cause::DataFolder,
+                              "The data folder cannot be written: " + *reason + ".");
         co_return Outcome::CannotFile;
     }
     std::string fault;
     Task<bool> processing = ProcessImageFile(station_.imageControl, image, station_.module.image,
                                              station_.module.imageProcessing, fault);
-    if (!co_await processing) station_.log.write("ProcessImageFile:" + fault);
+    if (co_await processing) {
+        station_.warnings.clear(Warnings::Cause::DataFolder);
+    } else {
+        station_.log.write("ProcessImageFile:" + fault);
+    }
     station_.log.write("Gap filled:" + name);
     show(image);
     co_return Outcome::Filled;

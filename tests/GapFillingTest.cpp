@@ -150,6 +150,19 @@ TEST_F(GapFillingTest, AStoreThatDoesNotAnswerIsAskedOnceAMinute) {
     EXPECT_EQ(fetchedLater(), 1);
 }
 
+TEST_F(GapFillingTest, AFolderThatCannotBeWrittenIsTold) {
+    liveAnswers = false;
+    const auto dated = s.dataFolder() / "20061115";
+    ASSERT_EQ(writeToFinalName("in the way", dated), std::nullopt);
+    s.start(true);
+    s.clock.runUntil(at(2006, 11, 15, 9, 2));
+    EXPECT_NE(s.warnings.text.get().find("The data folder cannot be written"), std::string::npos);
+    std::filesystem::remove(dated);
+    s.clock.run(3min);
+    EXPECT_EQ(fetchedLater(), 1);
+    EXPECT_TRUE(s.warnings.text.get().empty()) << s.warnings.text.get();
+}
+
 /// Whatever the store answers: only whole pictures of missed minutes are filed, once each, below
 /// the data folder, and the captures keep their minutes.
 TEST_F(GapFillingTest, RandomStoreFaults) {
