@@ -1,7 +1,7 @@
-#include "core/RepeatingTimer.h"
 #include "platform/SerialPorts.h"
 #include "platform/qt/QtClock.h"
 #include "simulators/sun-tracker/SunTracker.h"
+#include "station/RepeatingTimer.h"
 #include "tests/support/Fakes.h"
 #include "tracker/TrackerOptions.h"
 

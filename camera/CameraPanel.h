@@ -1,11 +1,11 @@
 #pragma once
 
-#include "core/Busy.h"
-#include "core/ImageViews.h"
-#include "core/OperationPanel.h"
 #include "platform/HttpTransfer.h"
 #include "platform/Operator.h"
 #include "platform/WebBrowser.h"
+#include "station/Busy.h"
+#include "station/ImageViews.h"
+#include "station/OperationPanel.h"
 
 namespace orvane {
 

@@ -1,6 +1,6 @@
 #include "camera/ImageStore.h"
 
-#include "camera/FolderListing.h"
+#include "archive/SchFile.h"
 #include "platform/Conversions.h"
 #include "platform/Paths.h"
 

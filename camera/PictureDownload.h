@@ -2,7 +2,7 @@
 
 #include "camera/CameraPanel.h"
 #include "platform/ImageControl.h"
-#include "tracker/ErrorLog.h"
+#include "station/ErrorLog.h"
 
 namespace orvane {
 

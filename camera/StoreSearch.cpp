@@ -11,7 +11,7 @@ namespace {
 
 constexpr int kFirstYear = 2000;
 constexpr std::ptrdiff_t kFieldsPerRecord = 3;
-constexpr double kLongestSpan = 100.0 * 365.25 * 24 * 60; // minutes
+constexpr double kLongestSpan = 100.0 * 365.25 * kDayMinutes;
 
 } // namespace
 

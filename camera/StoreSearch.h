@@ -1,6 +1,6 @@
 #pragma once
 
-#include "camera/ImageName.h"
+#include "archive/ImageName.h"
 
 #include <optional>
 #include <string>

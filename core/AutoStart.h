@@ -1,9 +1,9 @@
 #pragma once
 
-#include "core/Module1.h"
-#include "core/RepeatingTimer.h"
-#include "core/Value.h"
 #include "platform/SettingsStore.h"
+#include "station/Module1.h"
+#include "station/RepeatingTimer.h"
+#include "station/Value.h"
 
 #include <functional>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/DiskWatch.h"
+#include "archive/DiskWatch.h"
 #include "core/Station.h"
 
 #include <optional>

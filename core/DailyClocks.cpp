@@ -1,17 +1,12 @@
 #include "core/DailyClocks.h"
 
-#include "core/DueWatch.h"
-
 namespace orvane {
 
 namespace {
 
-constexpr int kDayMinutes = 24 * 60;
-
 /// Whether the schedule leaves no minute that is neither due nor followed by a due one.
 bool leavesNoGap(const Schedule& schedule) {
-    const auto interval =
-        std::chrono::floor<std::chrono::minutes>(schedule.IntervalTime).count() % 60;
+    const int interval = wholeMinutes(schedule.IntervalTime) % 60;
     return interval == 1 || interval == 2;
 }
 
@@ -21,8 +16,7 @@ bool DailyClocks::isDue(WallTime now, bool justCaptured) const {
     if (!module_.RecordFlg || module_.AdjTime != 1 || busy_.active()) return false;
     const auto day = std::chrono::floor<std::chrono::days>(now);
     if (day == lastDay_) return false;
-    const auto minute =
-        static_cast<int>(std::chrono::floor<std::chrono::minutes>(now - day).count());
+    const int minute = minuteOfDay(now);
     const bool clear = !isDueMinute(module_.schedule, minute) &&
                        !isDueMinute(module_.schedule, (minute + 1) % kDayMinutes);
     return clear || (justCaptured && leavesNoGap(module_.schedule));

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "core/Module1.h"
-#include "core/Warnings.h"
+#include "station/Module1.h"
+#include "station/Warnings.h"
 #include "tracker/TimeSetting.h"
 
 #include <functional>

@@ -15,10 +15,6 @@ constexpr Ticks kPauseStep = 980ms;
 constexpr int kPauseSteps = 60;
 constexpr Ticks kLiveInterval = 5s;
 
-int minuteOfDay(WallTime time) {
-    return static_cast<int>(std::chrono::floor<std::chrono::minutes>(timeOfDay(time)).count());
-}
-
 /// The label's count stays where it is when it would leave its 32 bits.
 void addCount(std::int32_t& count, std::int32_t by) {
     const std::int64_t sum = std::int64_t{count} + by;

@@ -1,8 +1,8 @@
 #pragma once
 
+#include "archive/DueWatch.h"
+#include "camera/GapFilling.h"
 #include "core/Capture.h"
-#include "core/DueWatch.h"
-#include "core/GapFilling.h"
 #include "core/Station.h"
 
 namespace orvane {

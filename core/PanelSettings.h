@@ -1,8 +1,8 @@
 #pragma once
 
-#include "core/Module1.h"
-#include "core/OperationPanel.h"
 #include "platform/SettingsStore.h"
+#include "station/Module1.h"
+#include "station/OperationPanel.h"
 
 #include <optional>
 #include <string>

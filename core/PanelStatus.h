@@ -1,9 +1,9 @@
 #pragma once
 
-#include "core/Module1.h"
-#include "core/OperationPanel.h"
-#include "core/RepeatingTimer.h"
 #include "platform/Clock.h"
+#include "station/Module1.h"
+#include "station/OperationPanel.h"
+#include "station/RepeatingTimer.h"
 
 namespace orvane {
 

@@ -1,11 +1,11 @@
 #pragma once
 
-#include "core/Module1.h"
-#include "core/OperationPanel.h"
 #include "core/PanelSettings.h"
 #include "core/PanelStatus.h"
 #include "platform/Operator.h"
-#include "tracker/ErrorLog.h"
+#include "station/ErrorLog.h"
+#include "station/Module1.h"
+#include "station/OperationPanel.h"
 
 #include <optional>
 

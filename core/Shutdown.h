@@ -1,8 +1,8 @@
 #pragma once
 
-#include "core/Busy.h"
 #include "core/PanelSettings.h"
 #include "platform/Operator.h"
+#include "station/Busy.h"
 
 #include <functional>
 #include <optional>

@@ -2,21 +2,21 @@
 
 #include "camera/CameraPanel.h"
 #include "camera/ImageStore.h"
-#include "core/Busy.h"
 #include "core/DailyClocks.h"
-#include "core/ImageViews.h"
-#include "core/Module1.h"
-#include "core/OperationPanel.h"
 #include "core/PanelSettings.h"
 #include "core/PanelStatus.h"
 #include "core/Recording.h"
-#include "core/Warnings.h"
 #include "platform/Clock.h"
 #include "platform/HttpTransfer.h"
 #include "platform/ImageControl.h"
 #include "platform/Operator.h"
 #include "platform/WebBrowser.h"
-#include "tracker/ErrorLog.h"
+#include "station/Busy.h"
+#include "station/ErrorLog.h"
+#include "station/ImageViews.h"
+#include "station/Module1.h"
+#include "station/OperationPanel.h"
+#include "station/Warnings.h"
 
 #include <functional>
 

@@ -111,7 +111,7 @@ std::optional<ElevationTable> computeElevationByMinute(double latitude, double l
     const double dynamicalOffset = 0.5 * (static_cast<int>(date.year()) - 1980) / 3600;
     ElevationTable table{};
     double universalTime = 0; // accumulated, so that every sample has its own rounding error
-    for (std::size_t i = 1; i <= kMinutesPerDay; ++i) {
+    for (std::size_t i = 1; i < table.size() - 1; ++i) {
         const double degrees =
             elevationAt(midnight, universalTime, dynamicalOffset, phi, longitude);
         if (!std::isfinite(degrees)) return std::nullopt;

@@ -10,7 +10,6 @@ namespace orvane {
 /// The sun's elevation in degrees, cut to four decimals, for every minute of a universal day:
 /// entry i belongs to i - 1 minutes after midnight. Entries 0 and 1441 are unused.
 using ElevationTable = std::array<double, 1442>;
-inline constexpr std::size_t kMinutesPerDay = 1440;
 
 /// Latitude and longitude in degrees, north and east positive. Nothing when the calculation
 /// overflows, divides by zero or has no finite result, as for coordinates that are no numbers.

@@ -1,5 +1,7 @@
 #include "imaging/SunTimes.h"
 
+#include "platform/Conversions.h"
+
 #include <cmath>
 #include <cstdio>
 
@@ -9,7 +11,6 @@ namespace {
 
 constexpr double kThreshold = -0.5; ///< degrees
 constexpr int kShift = 60;          ///< minutes between a crossing and its text
-constexpr int kDay = 1440;          ///< minutes
 
 enum class Crossing { Rising, Setting };
 
@@ -24,8 +25,8 @@ int localHour(Crossing crossing, int universalHour, std::int16_t Tz) {
 
 /// `minutes` from midnight of day zero, 1899/12/30, from one day before to one day after it.
 std::string timeText(int minutes) {
-    const char* date = minutes < 0 ? "1899/12/29 " : minutes >= kDay ? "1899/12/31 " : "";
-    const int inDay = (minutes + kDay) % kDay;
+    const char* date = minutes < 0 ? "1899/12/29 " : minutes >= kDayMinutes ? "1899/12/31 " : "";
+    const int inDay = (minutes + kDayMinutes) % kDayMinutes;
     char text[32];
     std::snprintf(text, sizeof text, "%s%d:%02d:00", date, inDay / 60, inDay % 60);
     return text;
@@ -58,7 +59,7 @@ std::optional<Crossing> crossingBetween(double before, double after) {
 
 std::optional<std::string> scanCrossings(const ElevationTable& elevation, std::int16_t Tz,
                                          SunTimes& times) {
-    for (std::size_t i = 1; i < kMinutesPerDay; ++i) {
+    for (std::size_t i = 1; i < elevation.size() - 2; ++i) {
         const std::optional<Crossing> crossing = crossingBetween(elevation[i], elevation[i + 1]);
         if (!crossing) continue;
         if (auto fault = writeText(*crossing, static_cast<int>(i), Tz, times)) return fault;

@@ -49,7 +49,7 @@ void putDate(std::string& text, WallTime time, std::string_view separator) {
 }
 
 void putHourMinute(std::string& text, WallTime time, std::string_view separator) {
-    const auto minutes = static_cast<int>(timeOfDay(time) / 1min);
+    const int minutes = minuteOfDay(time);
     put(text, minutes / 60, 2);
     text += separator;
     put(text, minutes % 60, 2);
@@ -125,8 +125,16 @@ std::chrono::milliseconds timeOfDay(WallTime time) {
     return time - std::chrono::floor<std::chrono::days>(time);
 }
 
+int minuteOfDay(WallTime time) {
+    return static_cast<int>(timeOfDay(time) / 1min);
+}
+
 std::int64_t minuteIndex(WallTime time) {
     return std::chrono::floor<std::chrono::minutes>(time.time_since_epoch()).count();
+}
+
+WallTime momentOf(std::int64_t minute) {
+    return WallTime(std::chrono::minutes(minute));
 }
 
 } // namespace orvane

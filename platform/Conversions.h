@@ -9,6 +9,8 @@
 
 namespace orvane {
 
+inline constexpr int kDayMinutes = 24 * 60;
+
 /// The whole text as a decimal number with a point as separator, blanks around it allowed. Nothing
 /// for anything else, infinities and "nan" included.
 std::optional<double> toDouble(std::string_view text);
@@ -31,7 +33,11 @@ std::string hourMinute(WallTime time);
 std::chrono::year_month_day dayOf(WallTime time);
 /// The time since midnight.
 std::chrono::milliseconds timeOfDay(WallTime time);
+/// The minute of the day that a wall time lies in, 0 to 1439.
+int minuteOfDay(WallTime time);
 /// Whole minutes since the start of the calendar's count; equal exactly within one minute.
 std::int64_t minuteIndex(WallTime time);
+/// The first moment of a minute counted so.
+WallTime momentOf(std::int64_t minute);
 
 } // namespace orvane

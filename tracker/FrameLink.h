@@ -1,9 +1,9 @@
 #pragma once
 
-#include "core/Module1.h"
 #include "platform/SerialPort.h"
 #include "platform/SettingsStore.h"
-#include "tracker/ErrorLog.h"
+#include "station/ErrorLog.h"
+#include "station/Module1.h"
 
 #include <cstdint>
 #include <string>

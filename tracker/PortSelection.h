@@ -3,7 +3,7 @@
 #include "platform/Operator.h"
 #include "platform/SerialPort.h"
 #include "platform/SettingsStore.h"
-#include "tracker/ErrorLog.h"
+#include "station/ErrorLog.h"
 
 #include <optional>
 #include <string>

@@ -1,9 +1,9 @@
 #pragma once
 
-#include "core/Busy.h"
-#include "core/OperationPanel.h"
 #include "platform/Operator.h"
 #include "platform/WebBrowser.h"
+#include "station/Busy.h"
+#include "station/OperationPanel.h"
 #include "tracker/TrackerCommands.h"
 
 #include <array>

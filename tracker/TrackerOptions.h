@@ -1,8 +1,8 @@
 #pragma once
 
-#include "core/Busy.h"
-#include "core/OperationPanel.h"
 #include "platform/Operator.h"
+#include "station/Busy.h"
+#include "station/OperationPanel.h"
 #include "tracker/TrackerCommands.h"
 
 #include <functional>

@@ -1,14 +1,14 @@
 #include "ui/frmMain.h"
 
-#include "ui/DayView.h"
-#include "ui/FrmComPort.h"
-#include "ui/FrmSave.h"
-#include "ui/FrmTKRTimeAuto.h"
-#include "ui/ImageMenu.h"
-#include "ui/PanelScroll.h"
 #include "ui/Text.h"
-#include "ui/frmAbout.h"
-#include "ui/frmOption.h"
+#include "ui/day/DayView.h"
+#include "ui/dialogs/FrmComPort.h"
+#include "ui/dialogs/FrmSave.h"
+#include "ui/dialogs/FrmTKRTimeAuto.h"
+#include "ui/dialogs/frmAbout.h"
+#include "ui/dialogs/frmOption.h"
+#include "ui/panel/PanelScroll.h"
+#include "ui/pictures/ImageMenu.h"
 
 #include <QCloseEvent>
 #include <QFileDialog>

@@ -2,8 +2,8 @@
 
 #include "core/Shutdown.h"
 #include "platform/SystemInfo.h"
-#include "ui/QtImageViews.h"
-#include "ui/frmOperation.h"
+#include "ui/panel/frmOperation.h"
+#include "ui/pictures/QtImageViews.h"
 
 #include <QDeadlineTimer>
 #include <QMainWindow>

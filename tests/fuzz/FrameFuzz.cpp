@@ -1,6 +1,6 @@
 // Feeds arbitrary bytes, arbitrarily split in time, to the receivers of the tracker link.
 
-#include "core/RepeatingTimer.h"
+#include "station/RepeatingTimer.h"
 #include "tests/support/FakeTracker.h"
 #include "tests/support/Fakes.h"
 #include "tests/support/JumpingClock.h"

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "core/ImageViews.h"
 #include "platform/Clock.h"
 #include "platform/FileCopy.h"
 #include "platform/HttpTransfer.h"
@@ -8,6 +7,7 @@
 #include "platform/Operator.h"
 #include "platform/SettingsStore.h"
 #include "platform/WebBrowser.h"
+#include "station/ImageViews.h"
 
 #include <functional>
 #include <map>

@@ -1,12 +1,12 @@
 #pragma once
 
-#include "camera/FolderScan.h"
+#include "archive/FolderScan.h"
 #include "core/AutoStart.h"
 #include "core/MainLoop.h"
 #include "core/Shutdown.h"
 #include "core/Station.h"
 #include "platform/Paths.h"
-#include "platform/TaskGroup.h"
+#include "station/TaskGroup.h"
 #include "tests/support/FakeTracker.h"
 #include "tests/support/Fakes.h"
 #include "tests/support/JumpingClock.h"

@@ -1,0 +1,34 @@
+#pragma once
+
+#include "station/Value.h"
+
+namespace orvane {
+
+/// Counts the work during which the window must not be closed from its close box: a capture up to
+/// the end of its processing, a run against the camera's store, a clock setting, a tracker
+/// exchange. `mnuFileOpen` is disabled meanwhile.
+class Busy {
+  public:
+    /// Holds the busy state while it lives.
+    class Hold {
+      public:
+        explicit Hold(Busy& busy) : busy_(busy) { busy_.change(+1); }
+        Hold(const Hold&) = delete;
+        ~Hold() { busy_.change(-1); }
+
+      private:
+        Busy& busy_;
+    };
+
+    Value<bool> mnuFileOpen{true}; ///< the menu entry's enabled state
+    bool active() const { return count_ > 0; }
+
+  private:
+    void change(int by) {
+        count_ += by;
+        mnuFileOpen = count_ == 0;
+    }
+    int count_ = 0;
+};
+
+} // namespace orvane

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "station/Module1.h"
+
+#include <filesystem>
+#include <string>
+
+namespace orvane {
+
+/// The windows that show pictures: the thumbnail strip and the latest-image window.
+class ImageViews {
+  public:
+    virtual ~ImageViews() = default;
+    /// Shows the history again after it changed.
+    virtual void
+    refreshThumbnails(const std::array<ThumbnailEntry, Module1::kThumbnailCount>& history) = 0;
+    /// Shows a picture file in the latest-image window.
+    virtual void showLatest(const std::filesystem::path& file) = 0;
+    /// Shows a JPEG that was not filed in the latest-image window.
+    virtual void showLive(const std::string& jpeg) = 0;
+};
+
+} // namespace orvane

@@ -1,0 +1,26 @@
+#include "station/RepeatingTimer.h"
+
+#include <algorithm>
+
+namespace orvane {
+
+void RepeatingTimer::enable() {
+    if (enabled_) return;
+    enabled_ = true;
+    task_ = run(); // drops what an earlier disable() left waiting
+    task_.start();
+}
+
+Task<> RepeatingTimer::run() {
+    Ticks due = clock_.ticks() + interval_;
+    while (true) {
+        co_await clock_.sleepUntil(due);
+        if (!enabled_) co_return;
+        tick_();
+        if (!enabled_) co_return;
+        // after a suspended PC one tick is enough
+        due = std::max(due + interval_, clock_.ticks());
+    }
+}
+
+} // namespace orvane

@@ -1,0 +1,32 @@
+#pragma once
+
+#include "platform/Conversions.h"
+
+namespace orvane {
+
+using TimeOfDay = std::chrono::seconds; ///< since midnight
+
+/// The daily recording window and interval. It repeats every day; dates play no part in it.
+struct Schedule {
+    TimeOfDay StartTime{};
+    TimeOfDay EndTime{};
+    TimeOfDay IntervalTime{};
+    TimeOfDay NextRecTime{};
+
+    bool operator==(const Schedule&) const = default;
+};
+
+/// The whole minutes of a time of day or a duration.
+template <class Rep, class Period>
+int wholeMinutes(std::chrono::duration<Rep, Period> time) {
+    return static_cast<int>(std::chrono::floor<std::chrono::minutes>(time).count());
+}
+
+/// Whether a capture is due in minute `minuteOfDay` (0 to 1439): inside the window, whose end
+/// minute is not part of it, and a multiple of the interval's minutes within the hour. Never with
+/// an interval below one minute.
+bool isDueMinute(const Schedule& schedule, int minuteOfDay);
+/// How many minutes of a day are due.
+int dueMinutesPerDay(const Schedule& schedule);
+
+} // namespace orvane

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "station/Value.h"
+
+#include <map>
+#include <string>
+
+namespace orvane {
+
+/// What stands in the warning window `Frm_massege`. Each cause has one text; the window is open
+/// while any cause holds, and the operator may close it until a text changes.
+class Warnings {
+  public:
+    enum class Cause { NoImage, DataFolder, ErrorLog, DiskSpace, ClockSetting };
+
+    /// All texts, one per line; empty: nothing to warn of.
+    Value<std::string> text;
+
+    /// Sets the text of a cause; an empty one says that the cause has gone.
+    void set(Cause cause, const std::string& message);
+    void clear(Cause cause) { set(cause, {}); }
+
+  private:
+    std::map<Cause, std::string> messages_;
+};
+
+} // namespace orvane

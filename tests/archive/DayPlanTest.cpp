@@ -1,0 +1,233 @@
+#include "archive/DayOverview.h"
+#include "platform/FileCopy.h"
+#include "tests/support/FolderTime.h"
+#include "tests/support/JumpingClock.h"
+#include "tests/support/TempFolder.h"
+
+#include <algorithm>
+#include <cmath>
+#include <gtest/gtest.h>
+#include <tuple>
+
+namespace orvane::test {
+namespace {
+
+std::size_t minute(int hour, int minuteOfHour) {
+    return static_cast<std::size_t>(hour * 60 + minuteOfHour);
+}
+
+/// "0900 0930f": taken at 9:00, fetched at 9:30.
+DayPictures picturesAt(const std::string& list) {
+    DayPictures pictures{};
+    for (std::size_t from = 0; from < list.size(); ++from) {
+        const auto index =
+            minute(std::stoi(list.substr(from, 2)), std::stoi(list.substr(from + 2, 2)));
+        from += 4;
+        const bool fetched = from < list.size() && list[from] == 'f';
+        pictures[index] = fetched ? PictureOrigin::Fetched : PictureOrigin::Taken;
+        from += fetched;
+    }
+    return pictures;
+}
+
+constexpr Schedule kHalfHours{9h, 17h, 30min, {}}; // sixteen a day
+
+DayPlan planAt(int hour, int minuteOfHour, const std::string& pictures,
+               const Schedule& schedule = kHalfHours, std::chrono::seconds delay = 15s) {
+    const WallTime now = at(2006, 11, 15, hour, minuteOfHour, 59);
+    return planDay(schedule, true, picturesAt(pictures), now, delay);
+}
+
+TEST(DayPlanTest, CountsAndTells) {
+    struct Case {
+        int hour;
+        int minuteOfHour;
+        const char* pictures;
+        const char* text;
+    };
+    const Case cases[] = {
+        {8, 0, "", "taken 0 of 16, next at 09:00"},
+        {9, 0, "", "taken 0 of 16, next at 09:00"},
+        {9, 1, "", "taken 0 of 16, next at 09:30, 1 missed"},
+        {9, 0, "0900", "taken 1 of 16, next at 09:30"},
+        // an outage, and what the synchronisation brought of it
+        {12, 10, "0900 0930 1100 1130 1200", "taken 5 of 16, next at 12:30, 2 missed"},
+        {12, 10, "0900 0930 1000f 1030 1100 1130 1200",
+         "taken 6 of 16, next at 12:30, 1 fetched later"},
+        {12, 10, "0900 0930 1000f 1100 1130 1200",
+         "taken 5 of 16, next at 12:30, 1 fetched later, 1 missed"},
+        // the minute that ends the window is not due, and neither is one before it
+        {16, 31, "0830 1630 1700", "taken 1 of 16, next tomorrow at 09:00, 15 missed"},
+        // another interval in the morning
+        {9, 45, "0900 0910 0920 0930 0940f", "taken 2 of 16, next at 10:00"},
+    };
+    for (const Case& test : cases)
+        EXPECT_EQ(planAt(test.hour, test.minuteOfHour, test.pictures).text, test.text)
+            << test.hour << ":" << test.minuteOfHour << " " << test.pictures;
+}
+
+TEST(DayPlanTest, ALateCaptureBelongsToItsDueMinute) {
+    const DayPlan late = planAt(9, 45, "0900 0931");
+    EXPECT_EQ(late.text, "taken 2 of 16, next at 10:00");
+    EXPECT_EQ(late.states[minute(9, 31)], DayState::NotDue) << "it is not shown twice";
+    EXPECT_EQ(planAt(9, 45, "0900 0933").missed, 1) << "too late for a repeated fetch";
+    EXPECT_EQ(planAt(9, 45, "0900 0931f").missed, 1) << "the store's pictures have true times";
+    EXPECT_EQ(planAt(9, 45, "0900 0933", kHalfHours, 130s).missed, 0);
+    EXPECT_EQ(planAt(9, 32, "0900", kHalfHours, 130s).text, "taken 1 of 16, next at 09:30");
+    EXPECT_EQ(planAt(9, 33, "0900", kHalfHours, 130s).missed, 1);
+    const Schedule everyOther{9h, 10h, 2min, {}};
+    EXPECT_EQ(planAt(9, 3, "0902 0903", everyOther).text, "taken 1 of 30, next at 09:04, 1 missed")
+        << "a due minute's picture is its own";
+}
+
+TEST(DayPlanTest, EveryMinuteOfADay) {
+    const Schedule everyMinute{0h, 23h + 59min, 1min, {}};
+    DayPictures pictures;
+    pictures.fill(PictureOrigin::Taken);
+    const DayPlan full = planDay(everyMinute, true, pictures, at(2006, 11, 15, 23, 59), 0s);
+    EXPECT_EQ(full.text, "taken 1439 of 1439, next tomorrow at 00:00");
+    pictures[minute(10, 3)] = PictureOrigin::None;
+    pictures[minute(10, 4)] = PictureOrigin::Fetched;
+    const DayPlan plan = planDay(everyMinute, true, pictures, at(2006, 11, 15, 23, 59), 0s);
+    const std::vector<DayMark> marks = dayMarks(plan, 5);
+    ASSERT_EQ(marks.size(), 288u);
+    EXPECT_EQ(markText(marks[119]), "09:55 to 09:59 - 5 taken");
+    EXPECT_EQ(markText(marks[120]),
+              "10:00 to 10:04 - 3 taken, 1 fetched from the camera's store, 1 missed");
+    EXPECT_EQ(marks[120].state, DayState::Missed) << "the worst is what is seen";
+}
+
+TEST(DayPlanTest, WithoutRecordingOnlyWhatExistsIsShown) {
+    const DayPlan plan =
+        planDay(kHalfHours, false, picturesAt("0900 0931f"), at(2006, 11, 15, 12, 0), 0s);
+    EXPECT_EQ(plan.text, "recording is off");
+    const std::vector<DayMark> marks = dayMarks(plan, 1);
+    ASSERT_EQ(marks.size(), 2u);
+    EXPECT_EQ(marks[0].state, DayState::Taken);
+    EXPECT_EQ(marks[1].state, DayState::Fetched);
+    EXPECT_FALSE(plan.begin);
+    const Schedule halfMinute{9h, 17h, 30s, {}};
+    EXPECT_EQ(planAt(12, 0, "", halfMinute).text, "no minute is due");
+}
+
+TEST(DayPlanTest, MarksOfSingleMinutes) {
+    const std::vector<DayMark> marks = dayMarks(planAt(10, 15, "0900 0910 1000f"), 5);
+    ASSERT_EQ(marks.size(), 17u) << "sixteen due minutes and the one of another schedule";
+    EXPECT_EQ(markText(marks[0]), "09:00 - taken");
+    EXPECT_EQ(markText(marks[1]), "09:10 - taken, not on the schedule");
+    EXPECT_EQ(markText(marks[2]), "09:30 - missed");
+    EXPECT_EQ(markText(marks[3]), "10:00 - fetched from the camera's store");
+    EXPECT_EQ(markText(marks[4]), "10:30 - to come");
+    EXPECT_EQ(columnMinutes(3, 3), 1);
+    EXPECT_EQ(columnMinutes(0.68, 3), 5);
+    EXPECT_EQ(columnMinutes(0.01, 3), 60);
+}
+
+TEST(DayPlanTest, TheSunAgreesWithThePanel) {
+    using namespace std::chrono;
+    // declination -18.4 degrees, equation of time +15.4 minutes
+    const auto autumn = sunOfDay(SiteValues(), 2006y / November / 15);
+    ASSERT_TRUE(autumn);
+    const auto noon = std::ranges::max_element(autumn->elevation);
+    EXPECT_NEAR(*noon, 90 - 35.738 - 18.4, 0.3);
+    EXPECT_NEAR(static_cast<double>(noon - autumn->elevation.begin()), 11 * 60 + 27, 3);
+    for (const auto& [latitude, longitude, Tz] : {std::tuple{35.738, 139.315, 540},
+                                                  {48.0, 11.0, 60},
+                                                  {-33.9, 151.2, 600},
+                                                  {40.7, -74.0, -300}}) {
+        const SiteValues site{latitude, longitude, static_cast<std::int16_t>(Tz)};
+        const auto sun = sunOfDay(site, 2006y / June / 1);
+        SunTimes times;
+        ASSERT_TRUE(sun && !ComputeSunriseSunset(site, 2006y / June / 1, times));
+        const auto text = [](int time) {
+            return std::to_string(time / 60) + minuteText(time).substr(2) + ":00";
+        };
+        EXPECT_EQ(text(*sun->sunrise - 60), times.SunriseText) << latitude;
+        EXPECT_EQ(text(*sun->sunset + 60), times.SunsetText) << latitude;
+    }
+    const auto polarDay = sunOfDay({80, 15, 60}, 2006y / June / 21);
+    EXPECT_FALSE(polarDay->sunrise || polarDay->sunset);
+    EXPECT_FALSE(sunOfDay({std::nan(""), 15, 60}, 2006y / June / 21));
+}
+
+/// Today's plan over a real folder whose readings are counted.
+class Overview : public testing::Test {
+  protected:
+    Overview() {
+        panel.Dir1[0].path = data.path();
+        module.schedule = kHalfHours;
+        module.RecordFlg = true;
+        std::filesystem::create_directory(today);
+    }
+    void file(const std::string& name) { ASSERT_FALSE(writeToFinalName("picture", today / name)); }
+    /// The folder was changed for the last time so long ago.
+    void age(std::chrono::seconds by) {
+        setFolderTime(today, std::filesystem::file_time_type::clock::now() - by);
+    }
+
+    TempFolder data;
+    std::filesystem::path today = data.path() / "20061115";
+    Module1 module;
+    OperationPanel panel;
+    JumpingClock clock{at(2006, 11, 15, 12, 10)};
+    int reads = 0;
+    DayOverview overview{module, panel, clock, [this](const auto& folder, auto day) {
+                             ++reads;
+                             return picturesOfDay(folder, day);
+                         }};
+};
+
+TEST_F(Overview, ReadsTheFolderOnlyWhenItChanged) {
+    file("20061115_090000_00.jpg");
+    age(1h);
+    EXPECT_TRUE(overview.refresh());
+    EXPECT_EQ(overview.plan().text, "taken 1 of 16, next at 12:30, 6 missed");
+    EXPECT_FALSE(overview.refresh());
+    clock.run(10s);
+    EXPECT_FALSE(overview.refresh()) << "nothing new within the minute";
+    clock.run(1min);
+    EXPECT_TRUE(overview.refresh()) << "the line of the present time moves";
+    EXPECT_EQ(reads, 1);
+    file("20061115_093017_00.jpg"); // from the camera's store: its own seconds
+    EXPECT_TRUE(overview.refresh());
+    EXPECT_EQ(overview.plan().text, "taken 1 of 16, next at 12:30, 1 fetched later, 5 missed");
+    EXPECT_EQ(reads, 2);
+}
+
+TEST_F(Overview, SeesAFileThatLeavesTheTimeOfChangeAsItIs) {
+    overview.refresh();
+    const auto changed = std::filesystem::last_write_time(today);
+    file("20061115_090000_00.jpg");
+    setFolderTime(today, changed); // a file system with coarse stamps
+    EXPECT_TRUE(overview.refresh());
+    EXPECT_EQ(overview.plan().taken, 1);
+}
+
+TEST_F(Overview, FollowsWhatItDependsOn) {
+    file("20061115_090000_00.jpg");
+    age(1h);
+    overview.refresh();
+    module.RecordFlg = false;
+    EXPECT_TRUE(overview.refresh());
+    EXPECT_EQ(overview.plan().text, "recording is off");
+    module.RecordFlg = true;
+    module.schedule.EndTime = 10h;
+    EXPECT_TRUE(overview.refresh());
+    EXPECT_EQ(overview.plan().text, "taken 1 of 2, next tomorrow at 09:00, 1 missed");
+    module.site.latitude = 10;
+    EXPECT_TRUE(overview.refresh());
+    EXPECT_EQ(reads, 1);
+    const TempFolder other;
+    panel.Dir1[0].path = other.path();
+    EXPECT_TRUE(overview.refresh());
+    EXPECT_EQ(overview.plan().text, "taken 0 of 2, next tomorrow at 09:00, 2 missed");
+    panel.Dir1[0].path = data.path();
+    overview.refresh();
+    clock.runUntil(at(2006, 11, 16));
+    EXPECT_TRUE(overview.refresh());
+    EXPECT_EQ(overview.plan().text, "taken 0 of 2, next at 09:00") << "a new day";
+    EXPECT_EQ(overview.minuteOfDay(), 0);
+}
+
+} // namespace
+} // namespace orvane::test

@@ -1,0 +1,162 @@
+#include "camera/StoreSearch.h"
+#include "archive/DayPictures.h"
+#include "archive/SchFile.h"
+#include "tests/support/JumpingClock.h"
+#include "tests/support/TempFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+
+namespace orvane::test {
+namespace {
+
+ImageStamp stamp(const char* name) {
+    ImageStamp stamp;
+    ParseImageName(name, stamp);
+    return stamp;
+}
+
+TEST(StoreSearch, QueriesAcrossMonthYearAndMidnight) {
+    const std::string head = "srch_type=0&s_mode=0&dl=1&ar0=on";
+    struct Case {
+        WallTime now;
+        const char* span;
+        double extra;
+        const char* from;
+    };
+    const Case cases[] = {
+        {at(2006, 3, 5, 14, 37, 9), "30", 0,
+         "&from_year=6&from_mon=2&from_day=4&from_hour=14&from_min=7&from_sec=9"},
+        {at(2006, 3, 1, 0, 10, 0), "30", 0,
+         "&from_year=6&from_mon=1&from_day=27&from_hour=23&from_min=40&from_sec=0"},
+        {at(2008, 3, 1, 0, 0, 59), "1", 0, // a leap year
+         "&from_year=8&from_mon=1&from_day=28&from_hour=23&from_min=59&from_sec=59"},
+        {at(2007, 1, 1, 0, 29, 59), "30", 30,
+         "&from_year=6&from_mon=11&from_day=30&from_hour=23&from_min=29&from_sec=59"},
+        {at(2000, 1, 1, 0, 0, 0), "1", 0,
+         "&from_year=-1&from_mon=11&from_day=30&from_hour=23&from_min=59&from_sec=0"},
+        {at(2006, 3, 5, 14, 7, 9), "", 0, // an empty field is no span
+         "&from_year=6&from_mon=2&from_day=4&from_hour=14&from_min=7&from_sec=9"},
+        {at(2006, 3, 5, 14, 7, 9), "0.5", 0,
+         "&from_year=6&from_mon=2&from_day=4&from_hour=14&from_min=6&from_sec=39"},
+    };
+    for (const auto& [now, span, extra, from] : cases)
+        EXPECT_EQ(searchQuery(stampOf(movedBack(now, span, extra))),
+                  head + from + "&from_frame=0&maxnum=2");
+    EXPECT_LT(movedBack(at(2006, 1, 1), "1e300"), at(1907, 1, 1)); // and no overflow
+}
+
+TEST(StoreSearch, ReadsNamesByPosition) {
+    EXPECT_EQ(stamp("20061115_093007_42.jpg"), (ImageStamp{2006, 11, 15, 9, 30, 7, 42}));
+    EXPECT_EQ(stamp("20061115x093007x42.bmp"), (ImageStamp{2006, 11, 15, 9, 30, 7, 42}));
+    EXPECT_EQ(stamp("2006111_093007_42.jpg"), ImageStamp{});
+    EXPECT_EQ(stamp("20061115_093007_042.jpg"), ImageStamp{});
+    ImageStamp kept{1, 2, 3, 4, 5, 6, 7};
+    ParseImageName("20061115_xx30-7_42.jpg", kept);
+    EXPECT_EQ(kept, (ImageStamp{2006, 11, 15, 4, 30, 6, 42}));
+}
+
+TEST(StoreSearch, ComparesDatesBeforeTimes) {
+    struct Case {
+        const char *a, *b;
+        int order;
+    };
+    const Case cases[] = {
+        {"20061115_093007_00.jpg", "20061115_093007_00.jpg", 0},
+        {"20061115_093007_01.jpg", "20061115_093007_00.jpg", 1},
+        {"20061115_093007_99.jpg", "20061115_093008_00.jpg", -1},
+        {"20061115_235959_99.jpg", "20061116_000000_00.jpg", -1},
+        {"20070101_000000_00.jpg", "20061231_235959_99.jpg", 1},
+        {"20061201_000000_00.jpg", "20061130_235959_00.jpg", 1},
+    };
+    for (const auto& [a, b, order] : cases) {
+        EXPECT_EQ(CompareStamp(stamp(a), stamp(b)), order) << a << " " << b;
+        EXPECT_EQ(CompareStamp(stamp(b), stamp(a)), -order) << a << " " << b;
+    }
+}
+
+TEST(StoreSearch, RepliesYieldCompleteRecordsOnly) {
+    std::string_view reply = "1,2006,a/one.jpg,2,2006,b/c/two.jpg,3,2006,three.jpg";
+    EXPECT_EQ(recordCount(reply), 2U);
+    EXPECT_EQ(nextPicturePath(reply), "a/one.jpg");
+    EXPECT_EQ(FileNameOfPath(*nextPicturePath(reply)), "two.jpg");
+    EXPECT_EQ(nextPicturePath(reply), std::nullopt); // no comma after its third field
+    std::string_view odd = "a,b";
+    EXPECT_EQ(NextField(odd, ','), "a");
+    EXPECT_EQ(NextField(odd, ','), std::nullopt);
+    EXPECT_EQ(odd, "b");
+    EXPECT_EQ(FileNameOfPath("name.jpg"), "");
+    EXPECT_TRUE(CheckStartTime(-1, 59, 59) && CheckStartTime(23, 0, -5));
+    EXPECT_FALSE(CheckStartTime(24, 0, 0) || CheckStartTime(0, 60, 0) || CheckStartTime(0, 0, 60));
+}
+
+TEST(StoreSearch, OnlyPlainNamesNameFiles) {
+    for (const char* name :
+         {"20061115_093007_00.jpg", "a", ".hidden", "b c.jpg", "コン.jpg", "CONE"})
+        EXPECT_TRUE(isPlainName(name)) << name;
+    const std::string nul("a\0b", 3);
+    for (const std::string& name :
+         {std::string(), std::string("."), std::string(".."), std::string("a..b"),
+          std::string("..\\a.jpg"), std::string("a/b"), std::string("C:a.jpg"), std::string("a:b"),
+          std::string("a*.jpg"), std::string("con"), std::string("LPT1.jpg"), std::string("a."),
+          std::string("a "), std::string("a\nb"), nul, std::string(256, 'a')})
+        EXPECT_FALSE(isPlainName(name)) << name;
+}
+
+TEST(FolderListing, PatternsAndNames) {
+    EXPECT_EQ(ExtensionOf("a.b.jpg"), ".jpg");
+    EXPECT_EQ(BaseNameOf("a.b.jpg"), "a.b");
+    EXPECT_EQ(ExtensionOf("readme"), "");
+    EXPECT_EQ(BaseNameOf("readme"), "readme");
+    struct Case {
+        const char *name, *pattern;
+        bool matches;
+    };
+    const Case cases[] = {
+        {"readme", "*.*", true},  {"readme", "*", true},         {"a.jpg", "*.jpg", true},
+        {"a.jpg", "?.jpg", true}, {"ab.jpg", "?.jpg", false},    {"a.jpeg", "*.jp?g", true},
+        {"aXbXc", "a*b*c", true}, {"aXbX", "a*b*c", false},      {"abab", "*ab", true},
+        {"", "*", true},          {"a.jpg.part", "*.jpg", false}};
+    for (const auto& [name, pattern, matches] : cases)
+        EXPECT_EQ(matchesPattern(name, pattern), matches) << name << " " << pattern;
+}
+
+TEST(FolderListing, HoldsAThousandNames) {
+    const TempFolder folder;
+    std::filesystem::create_directory(folder.path() / "sub.jpg");
+    for (int i = 0; i < 1000; ++i)
+        std::ofstream(folder.path() / (std::to_string(i) + ".jpg")) << i;
+    std::vector<std::filesystem::path> names;
+    EXPECT_TRUE(SchFile(folder.path() / "", "", names));
+    EXPECT_EQ(names.size(), 1000U);
+    names.clear();
+    EXPECT_TRUE(SchFile(folder.path() / "7.jpg", "", names));
+    EXPECT_EQ(names, std::vector{folder.path() / "7.jpg"});
+    names.clear();
+    EXPECT_TRUE(SchFile(folder.path() / "gone.jpg", "", names));
+    EXPECT_TRUE(names.empty());
+    std::ofstream(folder.path() / "one more") << "x";
+    EXPECT_FALSE(SchFile(folder.path() / "", "*.*", names));
+    EXPECT_EQ(names.size(), 1000U);
+}
+
+TEST(DayPictures, TellsCapturesFromFetchedOnes) {
+    const TempFolder folder;
+    for (const char* name :
+         {"20061115_093000_00.jpg", "20061115_100007_00.jpg", "20061115_103000_00.jpg",
+          "20061115_103007_00.jpg", "20061115_110000_01.jpg", "20061116_120000_00.jpg",
+          "20061115_240000_00.jpg", "20061115_13x000_00.jpg", "20061115_140000_00.jpg.part",
+          "20061115_143000_00.txt"})
+        std::ofstream(folder.path() / name) << "x";
+    const auto day = std::chrono::floor<std::chrono::days>(at(2006, 11, 15));
+    const DayPictures pictures = picturesOfDay(folder.path(), day);
+    DayPictures expected{};
+    expected[9 * 60 + 30] = expected[10 * 60 + 30] = expected[11 * 60] = PictureOrigin::Taken;
+    expected[10 * 60] = PictureOrigin::Fetched;
+    EXPECT_EQ(pictures, expected);
+    EXPECT_EQ(picturesOfDay(folder.path() / "none", day), DayPictures{});
+}
+
+} // namespace
+} // namespace orvane::test

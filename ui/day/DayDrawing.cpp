@@ -1,0 +1,259 @@
+#include "ui/day/DayDrawing.h"
+
+#include "ui/Text.h"
+
+#include <QFontMetricsF>
+#include <QPainterPath>
+
+#include <algorithm>
+
+namespace orvane {
+namespace {
+
+constexpr double kLowestSun = -6;   ///< degrees at the lower edge: the end of civil twilight
+constexpr double kFlattestDay = 10; ///< degrees at the upper edge at least
+
+QColor mixed(const QColor& a, const QColor& b, double share) {
+    const auto mix = [share](float x, float y) { return static_cast<float>(x + (y - x) * share); };
+    return QColor::fromRgbF(mix(a.redF(), b.redF()), mix(a.greenF(), b.greenF()),
+                            mix(a.blueF(), b.blueF()));
+}
+
+struct LegendEntry {
+    const char* text;
+    DayState state;
+};
+constexpr LegendEntry kLegend[] = {{"taken", DayState::Taken},
+                                   {"missed", DayState::Missed},
+                                   {"fetched later", DayState::Fetched},
+                                   {"to come", DayState::ToCome}};
+
+} // namespace
+
+DayDrawing::DayDrawing(QPainter& painter, const DayLayout& layout, const QPalette& palette)
+    : painter_(painter), layout_(layout), colours_(coloursFor(palette)) {}
+
+/// Blue, violet and vermilion keep their difference for those who do not see red or green; on a
+/// dark ground they are lighter.
+DayDrawing::Colours DayDrawing::coloursFor(const QPalette& palette) {
+    const QColor ground = palette.color(QPalette::Base);
+    const QColor ink = palette.color(QPalette::WindowText);
+    const bool dark = palette.color(QPalette::Window).lightness() < 128;
+    Colours colours;
+    colours.ground = ground;
+    colours.ink = ink;
+    colours.faint = mixed(palette.color(QPalette::Window), ink, 0.35);
+    colours.night = mixed(ground, dark ? QColor(0, 0, 0) : QColor(70, 85, 120), dark ? 0.55 : 0.22);
+    colours.day = mixed(ground, QColor(240, 200, 60), dark ? 0.22 : 0.35);
+    colours.sun = dark ? QColor(245, 205, 90) : QColor(190, 130, 0);
+    colours.now = palette.color(QPalette::WindowText);
+    colours.taken = dark ? QColor(105, 180, 240) : QColor(0, 100, 180);
+    colours.fetched = dark ? QColor(205, 165, 250) : QColor(125, 70, 175);
+    colours.missed = dark ? QColor(255, 130, 80) : QColor(205, 70, 0);
+    colours.toCome = mixed(ground, ink, 0.55);
+    return colours;
+}
+
+void DayDrawing::draw(const Content& content) {
+    painter_.setRenderHint(QPainter::Antialiasing);
+    painter_.fillRect(layout_.plot, colours_.ground);
+    if (content.sun) {
+        drawNight(*content.sun);
+        drawCurve(*content.sun);
+    }
+    if (content.plan.begin && *content.plan.end > *content.plan.begin)
+        drawWindow(*content.plan.begin, *content.plan.end);
+    for (std::size_t i = 0; i < content.marks.size(); ++i)
+        drawMark(layout_.markRect(content.marks, i), content.marks[i].state,
+                 content.marks[i].isDue);
+    drawHours();
+    drawNow(content.now);
+    // above the line of the present time, which would strike them through
+    if (content.sun && content.sun->sunrise) drawSunTime(*content.sun->sunrise, true);
+    if (content.sun && content.sun->sunset) drawSunTime(*content.sun->sunset, false);
+    if (content.selected >= 0) {
+        painter_.setPen(QPen(colours_.ink, 1, Qt::DotLine));
+        painter_.setBrush(Qt::NoBrush);
+        painter_.drawRect(
+            layout_.markRect(content.marks, static_cast<std::size_t>(content.selected))
+                .adjusted(-3, -1, 3, 1));
+    }
+    drawText(toQString(content.plan.text), drawLegend());
+}
+
+/// From the right; answers where it begins. The text has precedence in a narrow window.
+double DayDrawing::drawLegend() {
+    const QFontMetricsF metrics(painter_.font());
+    const double symbol = layout_.unit * 0.5;
+    double width = 0;
+    for (const LegendEntry& entry : kLegend)
+        width += metrics.horizontalAdvance(entry.text) + symbol + layout_.unit * 1.2;
+    if (width > layout_.text.width() / 2) return layout_.text.right();
+    double left = layout_.text.right() - width;
+    const double begin = left;
+    for (const LegendEntry& entry : kLegend) {
+        left += layout_.unit * 0.8;
+        drawMark(
+            {left, layout_.text.center().y() - layout_.unit * 0.45, symbol, layout_.unit * 0.9},
+            entry.state, true);
+        left += symbol + layout_.unit * 0.4;
+        const double advance = metrics.horizontalAdvance(entry.text);
+        painter_.setPen(colours_.ink);
+        painter_.drawText(QRectF(left, layout_.text.top(), advance + 1, layout_.text.height()),
+                          Qt::AlignVCenter | Qt::AlignLeft, entry.text);
+        left += advance;
+    }
+    return begin;
+}
+
+void DayDrawing::drawText(const QString& text, double right) {
+    QRectF place = layout_.text;
+    place.setRight(right);
+    painter_.setPen(colours_.ink);
+    const QString shown =
+        QFontMetricsF(painter_.font()).elidedText(text, Qt::ElideRight, place.width());
+    painter_.drawText(place, Qt::AlignVCenter | Qt::AlignLeft, shown);
+}
+
+void DayDrawing::drawNight(const SunDay& sun) {
+    const auto isDark = [&](int minute) {
+        return !isSunUp(sun.elevation[static_cast<std::size_t>(minute)]);
+    };
+    for (int begin = 0; begin < kDayMinutes;) {
+        int end = begin + 1;
+        while (end < kDayMinutes && isDark(end) == isDark(begin))
+            ++end;
+        if (isDark(begin))
+            painter_.fillRect(QRectF(QPointF(layout_.x(begin), layout_.plot.top()),
+                                     QPointF(layout_.x(end), layout_.plot.bottom())),
+                              colours_.night);
+        begin = end;
+    }
+}
+
+/// The sun's height above the horizon, filled, scaled to the day's highest.
+void DayDrawing::drawCurve(const SunDay& sun) {
+    const double highest = std::max(kFlattestDay, *std::ranges::max_element(sun.elevation));
+    const auto y = [&](double degrees) {
+        const double share = (degrees - kLowestSun) / (highest * 1.08 - kLowestSun);
+        return layout_.sun.bottom() - share * layout_.sun.height();
+    };
+    QPainterPath curve;
+    for (int minute = 0; minute < kDayMinutes; ++minute) {
+        const QPointF point(layout_.x(minute), y(sun.elevation[static_cast<std::size_t>(minute)]));
+        if (minute == 0) {
+            curve.moveTo(point);
+        } else {
+            curve.lineTo(point);
+        }
+    }
+    QPainterPath sky;
+    sky.addRect(QRectF(layout_.sun.topLeft(), QPointF(layout_.sun.right(), y(0))));
+    QPainterPath below = curve;
+    below.lineTo(layout_.plot.right(), layout_.plot.bottom() * 4);
+    below.lineTo(layout_.plot.left(), layout_.plot.bottom() * 4);
+    painter_.fillPath(below.intersected(sky), colours_.day);
+    painter_.save();
+    painter_.setClipRect(layout_.sun);
+    painter_.strokePath(curve, QPen(colours_.sun, 1.5));
+    painter_.restore();
+    painter_.setPen(QPen(colours_.faint, 1, Qt::DotLine));
+    painter_.drawLine(QPointF(layout_.sun.left(), y(0)), QPointF(layout_.sun.right(), y(0)));
+}
+
+/// On the night's side of the crossing, where the curve does not run; on the other side when there
+/// is no room.
+void DayDrawing::drawSunTime(int minute, bool rising) {
+    const double x = layout_.x(minute);
+    painter_.setPen(QPen(colours_.sun, 1.5));
+    painter_.drawLine(QPointF(x, layout_.sun.top() + 2), QPointF(x, layout_.sun.bottom()));
+    const QString text = (rising ? "sunrise " : "sunset ") + toQString(minuteText(minute));
+    const double width = QFontMetricsF(painter_.font()).horizontalAdvance(text) + 2;
+    const double gap = 4;
+    bool left = rising;
+    if (left && x - gap - width < layout_.plot.left()) left = false;
+    if (!left && x + gap + width > layout_.plot.right()) left = true;
+    const QRectF place(left ? x - gap - width : x + gap, layout_.sun.top() + 1, width,
+                       layout_.unit);
+    painter_.setPen(colours_.ink);
+    const Qt::AlignmentFlag side = left ? Qt::AlignRight : Qt::AlignLeft;
+    painter_.drawText(place, static_cast<int>(Qt::AlignVCenter | side), text);
+}
+
+void DayDrawing::drawWindow(int begin, int end) {
+    const QRectF window(QPointF(layout_.x(begin), layout_.lane.top()),
+                        QPointF(layout_.x(end), layout_.lane.bottom()));
+    QColor shade = colours_.taken;
+    shade.setAlpha(40);
+    painter_.fillRect(window, shade);
+    painter_.setPen(QPen(colours_.taken, 1));
+    painter_.setBrush(Qt::NoBrush);
+    painter_.drawRect(window.adjusted(0, 0.5, 0, -0.5));
+}
+
+void DayDrawing::drawMark(const QRectF& place, DayState state, bool isDue) {
+    painter_.setPen(Qt::NoPen);
+    QRectF bar = place;
+    switch (state) {
+    case DayState::Taken:
+        painter_.setBrush(isDue ? QBrush(colours_.taken)
+                                : QBrush(mixed(colours_.ground, colours_.taken, 0.6)));
+        painter_.drawRect(bar);
+        break;
+    case DayState::Fetched:
+        bar.setTop(bar.top() + bar.height() * 0.5);
+        painter_.setBrush(colours_.fetched);
+        painter_.drawRect(bar);
+        break;
+    case DayState::Missed: {
+        bar.setBottom(bar.top() + bar.height() * 0.5);
+        painter_.setBrush(colours_.missed);
+        painter_.drawPolygon(
+            QPolygonF({bar.topLeft(), bar.topRight(), QPointF(bar.center().x(), bar.bottom())}));
+        break;
+    }
+    case DayState::ToCome:
+        bar.setTop(bar.top() + bar.height() * 0.72);
+        painter_.setBrush(Qt::NoBrush);
+        painter_.setPen(QPen(colours_.toCome, 1));
+        painter_.drawRect(bar.adjusted(0.5, 0, -0.5, -0.5));
+        break;
+    case DayState::NotDue:
+        break;
+    }
+}
+
+void DayDrawing::drawHours() {
+    const QFontMetricsF metrics(painter_.font());
+    const double label = metrics.horizontalAdvance("00:00");
+    int step = 12;
+    for (const int hours : {6, 4, 3, 2, 1})
+        if (hours * 60 * layout_.pixelsPerMinute() > label * 1.5) step = hours;
+    for (int hour = 0; hour <= 24; ++hour) {
+        const double x = layout_.x(hour * 60);
+        const bool labelled = hour % step == 0;
+        painter_.setPen(QPen(labelled ? colours_.ink : colours_.faint, 1));
+        painter_.drawLine(QPointF(x, layout_.hours.top()),
+                          QPointF(x, layout_.hours.top() + (labelled ? 4 : 2)));
+        if (!labelled) continue;
+        painter_.drawText(
+            QRectF(x - label, layout_.hours.top() + 3, 2 * label, layout_.hours.height() - 3),
+            Qt::AlignHCenter | Qt::AlignTop, toQString(minuteText(hour * 60)));
+    }
+    painter_.setPen(QPen(colours_.faint, 1));
+    painter_.drawLine(layout_.plot.bottomLeft(), layout_.plot.bottomRight());
+}
+
+void DayDrawing::drawNow(int minute) {
+    const double x = layout_.x(minute);
+    painter_.setPen(QPen(colours_.now, 1.5));
+    painter_.drawLine(QPointF(x, layout_.plot.top()), QPointF(x, layout_.plot.bottom()));
+    const double size = layout_.unit * 0.25;
+    painter_.setPen(Qt::NoPen);
+    painter_.setBrush(colours_.now);
+    painter_.drawPolygon(
+        QPolygonF({QPointF(x - size, layout_.plot.top()), QPointF(x + size, layout_.plot.top()),
+                   QPointF(x, layout_.plot.top() + size * 1.4)}));
+}
+
+} // namespace orvane

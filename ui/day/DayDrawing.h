@@ -1,0 +1,48 @@
+#pragma once
+
+#include "imaging/SunDay.h"
+#include "ui/day/DayLayout.h"
+
+#include <QPainter>
+#include <QPalette>
+
+namespace orvane {
+
+/// Draws one day. States differ in colour, height and place: a taken mark is a bar of full height,
+/// a fetched one of half, one to come a low outline, a missed one a wedge above an empty place.
+class DayDrawing {
+  public:
+    struct Content {
+        const DayPlan& plan;
+        const std::optional<SunDay>& sun;
+        const std::vector<DayMark>& marks;
+        int now;      ///< minute of the day
+        int selected; ///< mark with the keyboard's frame; -1 for none
+    };
+
+    DayDrawing(QPainter& painter, const DayLayout& layout, const QPalette& palette);
+    void draw(const Content& content);
+
+  private:
+    struct Colours {
+        QColor ground, night, day, ink, faint, sun, now, taken, fetched, missed, toCome;
+    };
+    static Colours coloursFor(const QPalette& palette);
+
+    double drawLegend();
+    void drawLegendEntry(const QRectF& symbol, DayState state, bool isDue);
+    void drawText(const QString& text, double right);
+    void drawNight(const SunDay& sun);
+    void drawCurve(const SunDay& sun);
+    void drawSunTime(int minute, bool rising);
+    void drawWindow(int begin, int end);
+    void drawMark(const QRectF& place, DayState state, bool isDue);
+    void drawHours();
+    void drawNow(int minute);
+
+    QPainter& painter_;
+    const DayLayout& layout_;
+    Colours colours_;
+};
+
+} // namespace orvane

@@ -1,0 +1,151 @@
+#include "ui/day/DayView.h"
+
+#include "ui/Text.h"
+
+#include <QHelpEvent>
+#include <QKeyEvent>
+#include <QToolTip>
+
+#include <algorithm>
+
+namespace orvane {
+namespace {
+constexpr Ticks kLookInterval = 1s;
+}
+
+DayView::DayView(Parts parts, QWidget* parent)
+    : QWidget(parent), overview_(parts.module, parts.panel, parts.clock),
+      timer_(parts.clock, kLookInterval, [this] { refresh(); }) {
+    setObjectName("dayView");
+    setFocusPolicy(Qt::StrongFocus);
+    setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+}
+
+QSize DayView::sizeHint() const {
+    return {fontMetrics().averageCharWidth() * 120, DayLayout::heightFor(font())};
+}
+
+QSize DayView::minimumSizeHint() const {
+    return {0, DayLayout::heightFor(font())};
+}
+
+void DayView::refresh() {
+    if (!overview_.refresh()) return;
+    mergeMarks();
+    update();
+}
+
+void DayView::mergeMarks() {
+    marks_ = dayMarks(overview_.plan(), dayLayout().columnMinutes());
+    describe();
+}
+
+void DayView::describe() {
+    const QString text = toQString(overview_.plan().text);
+    const int index = selected();
+    setAccessibleName("Today: " + text);
+    setAccessibleDescription(
+        index < 0 ? text
+                  : text + "; " + toQString(markText(marks_[static_cast<std::size_t>(index)])));
+}
+
+/// The index of the keyboard's mark; -1 for none.
+int DayView::selected() const {
+    if (selectedMinute_ < 0) return -1;
+    const auto found = std::ranges::find_if(marks_, [this](const DayMark& mark) {
+        return mark.first <= selectedMinute_ && selectedMinute_ <= mark.last;
+    });
+    return found == marks_.end() ? -1 : static_cast<int>(found - marks_.begin());
+}
+
+/// How many marks lie before the line of the present time, where the keyboard starts from.
+int DayView::marksBeforeNow() const {
+    const int now = overview_.minuteOfDay();
+    return static_cast<int>(
+        std::ranges::count_if(marks_, [now](const DayMark& mark) { return mark.first <= now; }));
+}
+
+void DayView::select(int index) {
+    const auto mark = static_cast<std::size_t>(index);
+    selectedMinute_ = marks_[mark].first;
+    describe();
+    update();
+    const QPointF below = markRect(mark).bottomLeft();
+    QToolTip::showText(mapToGlobal(below.toPoint()), toQString(markText(marks_[mark])), this);
+}
+
+bool DayView::event(QEvent* event) {
+    if (event->type() == QEvent::FontChange) updateGeometry();
+    if (event->type() != QEvent::ToolTip) return QWidget::event(event);
+    const auto* help = static_cast<QHelpEvent*>(event);
+    const DayLayout day = dayLayout();
+    const int index = day.markAt(marks_, help->pos());
+    if (index < 0) {
+        QToolTip::hideText();
+        event->ignore();
+        return true;
+    }
+    const auto mark = static_cast<std::size_t>(index);
+    // the tip goes as soon as the mouse leaves the mark
+    const QRect area = day.markRect(marks_, mark).adjusted(-2, 0, 2, 0).toAlignedRect();
+    QToolTip::showText(help->globalPos(), toQString(markText(marks_[mark])), this, area);
+    return true;
+}
+
+void DayView::keyPressEvent(QKeyEvent* event) {
+    const int last = static_cast<int>(marks_.size()) - 1;
+    const int present = selected();
+    int index = present;
+    switch (event->key()) {
+    case Qt::Key_Left:
+        index = std::max((present < 0 ? marksBeforeNow() : present) - 1, 0);
+        break;
+    case Qt::Key_Right:
+        index = std::min(present < 0 ? marksBeforeNow() : present + 1, last);
+        break;
+    case Qt::Key_Home:
+        index = 0;
+        break;
+    case Qt::Key_End:
+        index = last;
+        break;
+    default:
+        return QWidget::keyPressEvent(event);
+    }
+    if (last >= 0) select(index);
+}
+
+void DayView::focusOutEvent(QFocusEvent* event) {
+    QWidget::focusOutEvent(event);
+    QToolTip::hideText();
+    selectedMinute_ = -1;
+    describe();
+    update();
+}
+
+void DayView::paintEvent(QPaintEvent*) {
+    QPainter painter(this);
+    const DayLayout day = dayLayout();
+    DayDrawing(painter, day, palette())
+        .draw({overview_.plan(), overview_.sun(), marks_, overview_.minuteOfDay(), selected()});
+    if (!hasFocus()) return;
+    painter.setRenderHint(QPainter::Antialiasing, false);
+    painter.setPen(palette().color(QPalette::Highlight));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRect(rect().adjusted(0, 0, -1, -1));
+}
+
+void DayView::resizeEvent(QResizeEvent*) {
+    mergeMarks();
+}
+
+void DayView::showEvent(QShowEvent*) {
+    refresh();
+    if (!timer_.enabled()) timer_.enable();
+}
+
+void DayView::hideEvent(QHideEvent*) {
+    timer_.disable();
+}
+
+} // namespace orvane

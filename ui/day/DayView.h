@@ -1,0 +1,56 @@
+#pragma once
+
+#include "archive/DayOverview.h"
+#include "station/RepeatingTimer.h"
+#include "ui/day/DayDrawing.h"
+
+#include <QWidget>
+
+namespace orvane {
+
+/// The band with the day at a glance: hours, sun, recording window and what became of every due
+/// minute. While it is visible it looks once a second whether there is something new to show, by
+/// the injected clock. The arrow keys go from mark to mark and tell what the tool tip tells.
+class DayView : public QWidget {
+  public:
+    /// What the band shows; all of it outlives the window.
+    struct Parts {
+        const Module1& module;
+        const OperationPanel& panel;
+        Clock& clock;
+    };
+
+    explicit DayView(Parts parts, QWidget* parent = nullptr);
+
+    QSize sizeHint() const override;
+    QSize minimumSizeHint() const override;
+
+    /// The marks as drawn, and where; for the tool tips and for tests.
+    const std::vector<DayMark>& marks() const { return marks_; }
+    QRectF markRect(std::size_t index) const { return dayLayout().markRect(marks_, index); }
+
+  protected:
+    bool event(QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void showEvent(QShowEvent* event) override;
+    void hideEvent(QHideEvent* event) override;
+
+  private:
+    DayLayout dayLayout() const { return {rect(), font()}; }
+    void refresh();
+    void mergeMarks();
+    void describe();
+    void select(int index);
+    int selected() const;
+    int marksBeforeNow() const;
+
+    DayOverview overview_;
+    RepeatingTimer timer_;
+    std::vector<DayMark> marks_;
+    int selectedMinute_ = -1; ///< of the keyboard's mark, which may be merged anew; -1 for none
+};
+
+} // namespace orvane

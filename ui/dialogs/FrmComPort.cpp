@@ -1,0 +1,95 @@
+#include "ui/dialogs/FrmComPort.h"
+
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QShowEvent>
+
+namespace orvane {
+
+FrmComPort::FrmComPort(PortSelection& ports, TaskGroup& tasks, QWidget* parent)
+    : QDialog(parent), ports_(ports), tasks_(tasks) {
+    setObjectName("FrmComPort");
+    setWindowTitle("COM Port");
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(14, 14, 14, 12);
+    layout->setSpacing(12);
+    layout->addWidget(portGroup());
+    layout->addLayout(buttons());
+    layout->setSizeConstraint(QLayout::SetFixedSize);
+}
+
+QGroupBox* FrmComPort::portGroup() {
+    auto* group = new QGroupBox("Port of the sun tracker");
+    auto* column = new QVBoxLayout(group);
+    column->setContentsMargins(12, 8, 12, 10);
+    column->setSpacing(6);
+    for (int index = 0; index < static_cast<int>(Option1_.size()); ++index) {
+        auto* option = new QRadioButton(QString("COM&%1").arg(index + 1));
+        option->setObjectName(QString("Option1_%1").arg(index));
+        option->setToolTip(QString("The tracker is connected to COM%1.").arg(index + 1));
+        Option1_[static_cast<std::size_t>(index)] = option;
+        column->addWidget(option);
+    }
+    return group;
+}
+
+QLayout* FrmComPort::buttons() {
+    Command1_ = new QPushButton("OK");
+    Command1_->setObjectName("Command1");
+    Command1_->setToolTip("Tries the port, and keeps it if it can be opened.");
+    Command1_->setDefault(true);
+    connect(Command1_, &QPushButton::clicked, this, &FrmComPort::Command1_Click);
+    auto* cancel = new QPushButton("Cancel");
+    cancel->setObjectName("Command2");
+    cancel->setToolTip("Leaves the port as it is.");
+    connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
+    auto* row = new QHBoxLayout;
+    row->addStretch();
+    row->addWidget(Command1_);
+    row->addWidget(cancel);
+    return row;
+}
+
+void FrmComPort::setPortFree(bool free) {
+    Command1_->setEnabled(free);
+}
+
+void FrmComPort::showEvent(QShowEvent* event) {
+    if (!event->spontaneous()) Form_Activate();
+    QDialog::showEvent(event);
+}
+
+void FrmComPort::Form_Activate() {
+    const std::optional<int> stored = ports_.storedIndex();
+    // A group of option buttons refuses to have none selected while it is exclusive.
+    for (QRadioButton* option : Option1_) {
+        option->setAutoExclusive(false);
+        option->setChecked(false);
+    }
+    for (QRadioButton* option : Option1_)
+        option->setAutoExclusive(true);
+    if (!stored) return Command1_->setFocus();
+    QRadioButton* option = Option1_.at(static_cast<std::size_t>(*stored));
+    option->setChecked(true);
+    option->setFocus();
+}
+
+std::optional<int> FrmComPort::selected() const {
+    for (std::size_t index = 0; index < Option1_.size(); ++index)
+        if (Option1_[index]->isChecked()) return static_cast<int>(index);
+    return std::nullopt;
+}
+
+void FrmComPort::Command1_Click() {
+    tasks_.spawn(confirm(this, selected()));
+}
+
+Task<> FrmComPort::confirm(QPointer<FrmComPort> form, std::optional<int> index) {
+    Task<bool> trial = form->ports_.confirm(index);
+    const bool stored = co_await trial;
+    if (stored && form != nullptr) form->accept();
+}
+
+} // namespace orvane

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "station/TaskGroup.h"
+#include "tracker/PortSelection.h"
+
+#include <QDialog>
+#include <QPointer>
+
+#include <array>
+
+class QGroupBox;
+class QPushButton;
+class QRadioButton;
+
+namespace orvane {
+
+/// Chooses the tracker's port. OK tries the port first: the dialog stays open, with the old port
+/// stored, when it cannot be opened.
+class FrmComPort : public QDialog {
+  public:
+    /// Both outlive the dialog.
+    FrmComPort(PortSelection& ports, TaskGroup& tasks, QWidget* parent = nullptr);
+
+    /// Whether a port may be tried; not while an exchange uses it.
+    void setPortFree(bool free);
+
+  protected:
+    void showEvent(QShowEvent* event) override;
+
+  private:
+    QGroupBox* portGroup();
+    QLayout* buttons();
+
+    void Form_Activate();
+    void Command1_Click();
+    static Task<> confirm(QPointer<FrmComPort> form, std::optional<int> index);
+    std::optional<int> selected() const;
+
+    PortSelection& ports_;
+    TaskGroup& tasks_;
+    std::array<QRadioButton*, 4> Option1_{};
+    QPushButton* Command1_ = nullptr;
+};
+
+} // namespace orvane

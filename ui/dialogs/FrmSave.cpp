@@ -1,0 +1,179 @@
+#include "ui/dialogs/FrmSave.h"
+
+#include "platform/Conversions.h"
+#include "platform/ImageControl.h"
+#include "ui/panel/PanelControls.h"
+
+#include <QCheckBox>
+#include <QGroupBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QVBoxLayout>
+
+namespace orvane {
+namespace {
+
+std::int16_t asFlag(const QCheckBox* box) {
+    return box->isChecked() ? -1 : 0;
+}
+
+QGroupBox* group(const QString& title, std::initializer_list<QWidget*> widgets) {
+    auto* box = new QGroupBox(title);
+    auto* column = new QVBoxLayout(box);
+    column->setContentsMargins(12, 8, 12, 8);
+    column->setSpacing(6);
+    for (QWidget* widget : widgets)
+        column->addWidget(widget);
+    column->addStretch();
+    return box;
+}
+
+template <class Control>
+Control* control(const QString& name, const QString& caption, const QString& tip) {
+    auto* made = new Control(caption);
+    made->setObjectName(name);
+    made->setToolTip(tip);
+    return made;
+}
+
+} // namespace
+
+FrmSave::FrmSave(ImageOptions& options, QWidget* parent) : QDialog(parent), options_(options) {
+    setObjectName("FrmSave");
+    setWindowTitle("Save Options");
+    // The captions' font, and what shows them where it is not installed.
+    setFont(japaneseFont(font()));
+
+    auto* left = new QVBoxLayout;
+    left->addWidget(rawGroup());
+    left->addWidget(formatGroup());
+    auto* right = new QVBoxLayout;
+    right->addWidget(qualityGroup(), 1);
+    right->addWidget(dateGroup());
+    auto* groups = new QHBoxLayout;
+    groups->setSpacing(12);
+    groups->addLayout(left, 1);
+    groups->addLayout(right, 1);
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(14, 14, 14, 12);
+    layout->setSpacing(12);
+    layout->addLayout(groups);
+    layout->addLayout(delayRow());
+    layout->addLayout(buttons());
+    layout->setSizeConstraint(QLayout::SetFixedSize);
+    Form_Load();
+}
+
+QGroupBox* FrmSave::rawGroup() {
+    chk_save_ = control<QCheckBox>("chk_save", "保存", "Keeps the untouched picture as well.");
+    chk_lr_ = control<QCheckBox>("chk_lr", "左右反転処理", "Mirrors pictures left to right.");
+    connect(chk_lr_, &QCheckBox::clicked, this, &FrmSave::chk_lr_Click);
+    return group("画像生データ", {chk_save_, chk_lr_});
+}
+
+QGroupBox* FrmSave::dateGroup() {
+    chk_date_ = control<QCheckBox>("chk_date", "日付付加",
+                                   "Writes date and time into pictures that are mirrored.");
+    return group({}, {chk_date_});
+}
+
+QGroupBox* FrmSave::formatGroup() {
+    opt_type_[0] = control<QRadioButton>("opt_type_0", "Jpeg(EXIF)", "JPEG with an EXIF header.");
+    opt_type_[1] =
+        control<QRadioButton>("opt_type_1", "Jpeg(4.4.4)", "JPEG with colours in full resolution.");
+    return group("保存形式", {opt_type_[0], opt_type_[1]});
+}
+
+QGroupBox* FrmSave::qualityGroup() {
+    Option1_ = quality("Option1", "最高品質[低圧縮率:2]", 2);
+    Option2_ = quality("Option2", "高品質[中圧縮率:24]", 24);
+    Option3_ = quality("Option3", "低品質[高圧縮率:56]", 56);
+    return group("画質品質", {Option1_, Option2_, Option3_});
+}
+
+QRadioButton* FrmSave::quality(const char* name, const QString& caption, std::int16_t factor) {
+    auto* option = control<QRadioButton>(
+        name, caption, QString("Compression factor %1. Takes effect at once.").arg(factor));
+    connect(option, &QRadioButton::clicked, this, [this, factor] { options_.Quality = factor; });
+    return option;
+}
+
+QLayout* FrmSave::delayRow() {
+    auto* label = control<QLabel>("Label1", "画像取込遅延時間[sec] 　　 5sec以上に設定", {});
+    txt_delay_ = control<QLineEdit>("txt_delay", "15",
+                                    "Seconds to wait before a picture is fetched; 5 or more.");
+    txt_delay_->setAccessibleName(label->text());
+    txt_delay_->setAlignment(Qt::AlignRight);
+    txt_delay_->setFixedWidth(txt_delay_->fontMetrics().horizontalAdvance("0000000") + 12);
+    label->setBuddy(txt_delay_);
+    auto* row = new QHBoxLayout;
+    row->setSpacing(10);
+    row->addWidget(label);
+    row->addWidget(txt_delay_);
+    row->addStretch();
+    return row;
+}
+
+QLayout* FrmSave::buttons() {
+    auto* ok = control<QPushButton>("Command1", "OK", "Takes the options over.");
+    ok->setDefault(true);
+    connect(ok, &QPushButton::clicked, this, &FrmSave::Command1_Click);
+    auto* cancel = control<QPushButton>("Command2", "Cancel",
+                                        "Leaves the options as they are, except the quality.");
+    connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
+    auto* row = new QHBoxLayout;
+    row->addStretch();
+    row->addWidget(ok);
+    row->addWidget(cancel);
+    return row;
+}
+
+void FrmSave::Form_Load() {
+    chk_lr_->setChecked(options_.LrFlg != 0);
+    chk_date_->setChecked(options_.DateFlg == -1);
+    if (!chk_lr_->isChecked()) options_.DateFlg = 0;
+    chk_lr_Click(chk_lr_->isChecked());
+    chk_save_->setChecked(options_.RawFlg == -1);
+    txt_delay_->setText(QString::number(options_.Delay));
+    opt_type_[0]->setChecked(options_.JpegTyp == ImageControl::kFormatExif);
+    opt_type_[1]->setChecked(options_.JpegTyp == ImageControl::kFormat444);
+    QRadioButton* level = options_.Quality < 10   ? Option1_
+                          : options_.Quality < 50 ? Option2_
+                                                  : Option3_;
+    level->setChecked(true);
+}
+
+void FrmSave::chk_lr_Click(bool checked) {
+    if (!checked) chk_date_->setChecked(false);
+    chk_date_->setEnabled(checked);
+}
+
+void FrmSave::Command1_Click() {
+    // Full-width digits are what a Japanese keyboard may type.
+    const QString text = txt_delay_->text().normalized(QString::NormalizationForm_KC);
+    const std::optional<std::int16_t> delay = toInt16(text.toStdString());
+    if (!delay) {
+        auto* box = new QMessageBox(QMessageBox::NoIcon, "Orvane",
+                                    "The delay is not a usable number. Please enter whole seconds, "
+                                    "5 or more and at most 32767.",
+                                    QMessageBox::Ok, this);
+        box->setAttribute(Qt::WA_DeleteOnClose);
+        connect(box, &QMessageBox::finished, this, [this] {
+            txt_delay_->setFocus();
+            txt_delay_->selectAll();
+        });
+        return box->open();
+    }
+    options_.DateFlg = asFlag(chk_date_);
+    options_.LrFlg = asFlag(chk_lr_);
+    options_.RawFlg = asFlag(chk_save_);
+    options_.Delay = *delay;
+    if (opt_type_[0]->isChecked()) options_.JpegTyp = ImageControl::kFormatExif;
+    if (opt_type_[1]->isChecked()) options_.JpegTyp = ImageControl::kFormat444;
+    accept();
+}
+
+} // namespace orvane

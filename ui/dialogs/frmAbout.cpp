@@ -1,0 +1,113 @@
+#include "ui/dialogs/frmAbout.h"
+
+#include "core/SystemInformation.h"
+
+#include <QApplication>
+#include <QFrame>
+#include <QHBoxLayout>
+#include <QIcon>
+#include <QLabel>
+#include <QPushButton>
+#include <QVersionNumber>
+
+namespace orvane {
+namespace {
+
+constexpr int kIconSize = 48;
+
+QLabel* label(const char* name, const QString& caption = {}) {
+    auto* made = new QLabel(caption);
+    made->setObjectName(name);
+    made->setTextFormat(Qt::PlainText);
+    made->setWordWrap(true);
+    return made;
+}
+
+QLabel* heading(const char* name, const QString& caption, double scale) {
+    QLabel* made = label(name, caption);
+    QFont font = made->font();
+    font.setFamily("Arial");
+    font.setPointSizeF(font.pointSizeF() * scale);
+    made->setFont(font);
+    return made;
+}
+
+QFrame* line(const char* name) {
+    auto* made = new QFrame;
+    made->setObjectName(name);
+    made->setFrameStyle(static_cast<int>(QFrame::HLine) | static_cast<int>(QFrame::Sunken));
+    return made;
+}
+
+QPushButton* button(const char* name, const QString& caption, const QString& tip) {
+    auto* made = new QPushButton(caption);
+    made->setObjectName(name);
+    made->setToolTip(tip);
+    return made;
+}
+
+/// Empty where the application has no icon.
+QLabel* icon(const QWidget& dialog) {
+    QLabel* made = label("picIcon");
+    const QIcon shown = QApplication::windowIcon();
+    if (!shown.isNull())
+        made->setPixmap(shown.pixmap(QSize(kIconSize, kIconSize), dialog.devicePixelRatioF()));
+    made->setVisible(!shown.isNull());
+    return made;
+}
+
+} // namespace
+
+frmAbout::frmAbout(Parts parts, QWidget* parent) : QDialog(parent), parts_(parts) {
+    setObjectName("frmAbout");
+    setWindowTitle("About Orvane");
+    auto* ok = button("cmdOK", "OK", "Closes this window.");
+    auto* system = button("cmdSysInfo", "System(&S)", "Starts the system's information tool.");
+    ok->setDefault(true);
+    ok->setFocus();
+    connect(ok, &QPushButton::clicked, this, &QDialog::accept);
+    connect(system, &QPushButton::clicked, this, [this] { cmdSysInfo_Click(); });
+
+    auto* title = heading("lblTitle", "Application", 1.8);
+    title->setMinimumWidth(fontMetrics().averageCharWidth() * 44);
+    auto* texts = new QVBoxLayout;
+    texts->setSpacing(4);
+    texts->addWidget(title);
+    texts->addWidget(heading("lblVersion", "Version", 1.0));
+    texts->addWidget(label("lblDescription"));
+    auto* top = new QHBoxLayout;
+    top->setSpacing(16);
+    top->addWidget(icon(*this), 0, Qt::AlignTop);
+    top->addLayout(texts, 1);
+    auto* buttons = new QHBoxLayout;
+    buttons->setSpacing(8);
+    buttons->addStretch();
+    buttons->addWidget(ok);
+    buttons->addWidget(system);
+    auto* rows = new QVBoxLayout(this);
+    rows->setContentsMargins(20, 20, 20, 16);
+    rows->setSpacing(12);
+    rows->addLayout(top);
+    rows->addWidget(line("Line1_0"));
+    rows->addWidget(label("lblDisclaimer"));
+    rows->addWidget(line("Line1_1"));
+    rows->addLayout(buttons);
+    rows->setSizeConstraint(QLayout::SetFixedSize);
+    Form_Load();
+}
+
+void frmAbout::Form_Load() {
+    const auto version = QVersionNumber::fromString(QCoreApplication::applicationVersion());
+    findChild<QLabel*>("lblVersion")
+        ->setText(QString("Version %1.%2.%3")
+                      .arg(version.majorVersion())
+                      .arg(version.minorVersion())
+                      .arg(version.microVersion()));
+    findChild<QLabel*>("lblTitle")->setText("Orvane");
+}
+
+void frmAbout::cmdSysInfo_Click() {
+    parts_.tasks.spawn(startSystemInformation(parts_.info, parts_.op));
+}
+
+} // namespace orvane

@@ -1,0 +1,121 @@
+#include "ui/dialogs/frmOption.h"
+
+#include "ui/Text.h"
+
+#include <QFormLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QShowEvent>
+
+namespace orvane {
+namespace {
+/// Longer than the tracker keeps, so that a text which is too long can be seen and cut by hand.
+constexpr int kSerialLength = 32;
+} // namespace
+
+frmOption::frmOption(OptionForm& form, TrackerOptions& options, TaskGroup& tasks, QWidget* parent)
+    : QDialog(parent), form_(form), options_(options), tasks_(tasks), controls_(*this) {
+    setObjectName("frmOption");
+    setWindowTitle("Tracker Options");
+    fields_ = fields();
+    buttons_ = buttons();
+    bar_ = controls_.busyBar({"busy", "Exchange with the tracker", "The tracker is being asked."});
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(16, 16, 16, 12);
+    layout->setSpacing(12);
+    layout->addWidget(fields_);
+    layout->addWidget(bar_);
+    layout->addWidget(status());
+    layout->addWidget(buttons_);
+    layout->setSizeConstraint(QLayout::SetFixedSize);
+    focus_ = findChild<QWidget*>("txt_sn");
+    controls_.bindings().follow(form.working, [this](bool working) { followWorking(working); });
+}
+
+QWidget* frmOption::fields() {
+    auto* place = new QWidget(this);
+    auto* layout = new QFormLayout(place);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setHorizontalSpacing(12);
+    layout->setFieldGrowthPolicy(QFormLayout::ExpandingFieldsGrow);
+    addField(*layout,
+             {"txt_sn", "Serial &number", "Up to 16 characters. Not written when it is empty."},
+             form_.txt_sn)
+        ->setMaxLength(kSerialLength);
+    addField(*layout,
+             {"txt_tz", "Time &zone [min east of UTC]",
+              "Minutes east of universal time, such as 540 for Japan; between -720 and 720."},
+             form_.txt_tz);
+    addField(*layout,
+             {"txt_lon", "L&ongitude [\u00b0 east]", "Degrees, east is positive; below 180."},
+             form_.txt_lon);
+    addField(*layout, {"txt_lat", "L&atitude [\u00b0 north]", "Degrees, north is positive."},
+             form_.txt_lat);
+    addField(*layout,
+             {"txt_org", "O&rigin [\u00b0]",
+              "Degrees, from 0 to below 360. Not written when it is empty or outside."},
+             form_.txt_org);
+    return place;
+}
+
+QLineEdit* frmOption::addField(QFormLayout& layout, const Face& face, TextBox& model) {
+    QLineEdit* field = controls_.textBox(face, model, {});
+    field->setMinimumWidth(field->fontMetrics().averageCharWidth() * 36);
+    layout.addRow(face.caption, field);
+    return field;
+}
+
+QWidget* frmOption::buttons() {
+    QPushButton* send =
+        controls_.button({"Command1", "&Send", "Writes the values to the tracker."}, form_.Command1,
+                         [this] { tasks_.spawn(options_.Command1_Click()); });
+    send->setDefault(true);
+    auto* close = new QPushButton("&Close");
+    close->setObjectName("Command2");
+    close->setToolTip("Closes this window without writing.");
+    close->setAutoDefault(false);
+    connect(close, &QPushButton::clicked, this, &QDialog::reject);
+    auto* place = new QWidget(this);
+    auto* row = new QHBoxLayout(place);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->addStretch();
+    row->addWidget(send);
+    row->addWidget(close);
+    return place;
+}
+
+/// Several lines: it may list every exchange that failed.
+QLabel* frmOption::status() {
+    auto* label = new QLabel(this);
+    label->setObjectName("status");
+    label->setTextFormat(Qt::PlainText);
+    label->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    label->setWordWrap(true);
+    label->setAlignment(Qt::AlignTop | Qt::AlignLeft);
+    label->setMinimumHeight(2 * label->fontMetrics().lineSpacing());
+    controls_.bindings().follow(form_.status.caption, [label](const std::string& text) {
+        label->setText(toQString(text));
+    });
+    return label;
+}
+
+void frmOption::followWorking(bool working) {
+    if (working && focusWidget() != nullptr) focus_ = focusWidget();
+    fields_->setEnabled(!working);
+    buttons_->setEnabled(!working);
+    bar_->setVisible(working);
+    if (!working && focus_ != nullptr) focus_->setFocus();
+}
+
+void frmOption::showEvent(QShowEvent* event) {
+    QDialog::showEvent(event);
+    if (!event->spontaneous() && !form_.working) tasks_.spawn(options_.activate());
+}
+
+void frmOption::reject() {
+    if (!form_.working) QDialog::reject();
+}
+
+} // namespace orvane

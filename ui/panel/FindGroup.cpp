@@ -1,0 +1,86 @@
+#include "ui/panel/FindGroup.h"
+
+#include "ui/Text.h"
+#include "ui/panel/ElidedLabel.h"
+#include "ui/panel/FolderView.h"
+#include "ui/panel/PanelLayout.h"
+
+#include <QDir>
+#include <QLineEdit>
+#include <QPushButton>
+
+namespace orvane {
+namespace {
+
+/// The folder's path and its sub-folders, to walk through.
+void addFolder(QVBoxLayout& column, PanelControls& controls, OperationPanel& panel) {
+    auto* path = new ElidedLabel(nullptr, Qt::ElideMiddle);
+    path->setObjectName("Dir1_1_path");
+    path->setAccessibleName("Folder to look through");
+    auto* folders = new FolderView;
+    folders->setObjectName("Dir1_1");
+    folders->setAccessibleName("Sub-folders of the folder to look through");
+    folders->setToolTip("The sub-folders of the folder that is looked through. Double-click one, "
+                        "or press Enter, to look through it.");
+    controls.bindings().follow(panel.Dir1[1].path, [=](const std::filesystem::path& folder) {
+        path->setText(QDir::toNativeSeparators(toQString(folder)));
+        folders->setPath(folder);
+    });
+    QObject::connect(
+        folders, &FolderView::entered, folders,
+        [&panel](const std::filesystem::path& folder) { panel.Dir1[1].path = folder; });
+    column.addWidget(path);
+    column.addWidget(folders, 1);
+}
+
+QListWidget* foundList(PanelControls& controls, OperationPanel& panel,
+                       std::function<void(const std::filesystem::path&)> open) {
+    auto* list = new QListWidget;
+    list->setObjectName("lst_found");
+    list->setAccessibleName("Files found");
+    list->setToolTip("The files found. Double-click one, or press Enter, to open it.");
+    list->setTextElideMode(Qt::ElideMiddle);
+    list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    controls.bindings().follow(panel.lst_found,
+                               [list](const std::vector<std::filesystem::path>& files) {
+                                   list->clear();
+                                   for (const auto& file : files)
+                                       list->addItem(toQString(file.filename()));
+                               });
+    QObject::connect(list, &QListWidget::itemActivated, list,
+                     [&panel, list, open = std::move(open)](QListWidgetItem* item) {
+                         const auto row = static_cast<std::size_t>(list->row(item));
+                         const auto& files = panel.lst_found.get();
+                         if (row < files.size()) open(files[row]);
+                     });
+    return list;
+}
+
+} // namespace
+
+QGroupBox* findGroup(PanelControls& controls, OperationPanel& panel, FolderScan& scan,
+                     std::function<void(const std::filesystem::path&)> open) {
+    QLineEdit* text = controls.textBox(
+        {"txt_find", "Part of the name",
+         "What the names of the files hold, such as 20061115_09; empty finds every file. "
+         "Capital and small letters differ."},
+        panel.txt_find, {});
+    text->setPlaceholderText("part of the name");
+    QPushButton* button = controls.button(
+        {"cmd_find", "Fin&d", "Looks through the folder; at most 24 files are listed."},
+        panel.cmd_find, [&scan] { scan.cmd_find_Click(); });
+    QObject::connect(text, &QLineEdit::returnPressed, button, &QPushButton::click);
+    auto* row = new QHBoxLayout;
+    row->addWidget(text, 1);
+    row->addWidget(button);
+
+    auto* column = new QVBoxLayout;
+    addFolder(*column, controls, panel);
+    column->addLayout(row);
+    column->addWidget(foundList(controls, panel, std::move(open)), 2);
+    column->addWidget(
+        controls.label({"lbl_found", "Result", "How many files were found."}, panel.lbl_found));
+    return panelGroup("Find files in a folder", column);
+}
+
+} // namespace orvane

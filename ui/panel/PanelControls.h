@@ -1,0 +1,64 @@
+#pragma once
+
+#include "station/OperationPanel.h"
+#include "ui/panel/Bindings.h"
+
+#include <QFont>
+#include <QString>
+
+#include <functional>
+
+class QCheckBox;
+class QLineEdit;
+class QProgressBar;
+class QPushButton;
+class QWidget;
+
+namespace orvane {
+
+class ElidedLabel;
+class UpDown;
+
+/// How a control presents itself: its name, what stands on it, its tool tip and what a screen
+/// reader calls it when nothing stands on it.
+struct Face {
+    QString name;
+    QString caption;
+    QString tip;
+};
+
+/// `font` with families that show Japanese captions: their own one first, and what stands in where
+/// it is not installed.
+QFont japaneseFont(QFont font);
+
+/// Makes the panel's widgets. Each follows the value of the same name; what the operator does goes
+/// into the value first and then to the handler.
+class PanelControls {
+  public:
+    using Handler = std::function<void()>;
+
+    explicit PanelControls(QWidget& owner) : owner_(owner) {}
+
+    ElidedLabel* label(const Face& face, Label& model) { return label(face, model.caption); }
+    ElidedLabel* label(const Face& face, Value<std::string>& caption);
+    QPushButton* button(const Face& face, Button& model, Handler click);
+    QCheckBox* checkBox(const Face& face, CheckBox& model, Handler click);
+    /// A field; its caption is its accessible name.
+    QLineEdit* textBox(const Face& face, TextBox& model, Handler change, Handler lostFocus = {});
+    UpDown* upDown(const Face& face, QLineEdit& field, int maximum, Spinner& model, Handler change);
+    /// Follows the bar of the same name; its place stays free while it is hidden.
+    QProgressBar* progressBar(const Face& face, ProgressBar& model);
+    /// A bar that tells that something is going on. Its place stays free while it is hidden.
+    QProgressBar* busyBar(const Face& face);
+    /// Has `widget` enabled as `enabled` says.
+    void followEnabled(QWidget& widget, Value<bool>& enabled);
+    Bindings& bindings() { return bindings_; }
+
+  private:
+    void present(QWidget& widget, const Face& face) const;
+
+    QWidget& owner_;
+    Bindings bindings_;
+};
+
+} // namespace orvane

@@ -1,0 +1,288 @@
+#include "ui/panel/frmOperation.h"
+
+#include "ui/Text.h"
+#include "ui/panel/CameraGroup.h"
+#include "ui/panel/ElidedLabel.h"
+#include "ui/panel/FindGroup.h"
+#include "ui/panel/FolderView.h"
+#include "ui/panel/NumberMark.h"
+#include "ui/panel/PanelLayout.h"
+#include "ui/panel/StatusGroup.h"
+#include "ui/panel/StoreGroup.h"
+#include "ui/panel/UpDown.h"
+
+#include <QCheckBox>
+#include <QDir>
+#include <QFileDialog>
+#include <QFormLayout>
+#include <QLineEdit>
+#include <QPainter>
+#include <QPushButton>
+#include <QTabBar>
+#include <QTabWidget>
+
+namespace orvane {
+namespace {
+
+struct TimeField {
+    const char* what;
+    int maximum;
+};
+constexpr std::array<TimeField, OperationPanel::kFieldCount> kTimeFields{{{"Start hour", 23},
+                                                                          {"Start minute", 59},
+                                                                          {"End hour", 23},
+                                                                          {"End minute", 59},
+                                                                          {"Interval hour", 23},
+                                                                          {"Interval minute", 59},
+                                                                          {"Interval second", 59}}};
+
+QString timeFieldTip(std::size_t index) {
+    const auto& [what, maximum] = kTimeFields[index];
+    QString tip = QString("%1, 0 to %2.").arg(what).arg(maximum);
+    if (index == 4)
+        tip += " The interval is always shorter than an hour: this field has no effect.";
+    if (index == 5) tip += " A picture is taken at every minute that is a multiple of it.";
+    return tip;
+}
+
+/// A filled circle or square: the usual signs for recording and stopping.
+QIcon sign(const QColor& colour, bool circle) {
+    QPixmap picture(64, 64);
+    picture.fill(Qt::transparent);
+    QPainter painter(&picture);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(colour);
+    if (circle)
+        painter.drawEllipse(10, 10, 44, 44);
+    else
+        painter.drawRect(14, 14, 36, 36);
+    return picture;
+}
+
+} // namespace
+
+frmOperation::frmOperation(Parts parts, QWidget* parent)
+    : QWidget(parent), parts_(parts), controls_(*this) {
+    setObjectName("frmOperation");
+    setAccessibleName("Operation panel");
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(6, 4, 6, 6);
+    layout->setSpacing(5);
+    layout->addWidget(statusGroup(controls_, parts_.panel));
+    layout->addWidget(recordingButtons());
+    auto* pages = new QTabWidget;
+    pages->setObjectName("pages");
+    pages->setDocumentMode(true);
+    pages->tabBar()->setObjectName("pages_bar");
+    addPage(*pages, "Recording", "When pictures are taken and where they go.",
+            {scheduleGroup(), folderGroup(), siteGroup()});
+    addPage(*pages, "Camera", "The camera and the pictures that it has recorded by itself.",
+            {cameraGroup(controls_, parts_.panel, parts_.camera, parts_.tasks,
+                         [this] { emit pictureWanted(); }),
+             storeGroup(controls_, parts_.panel, parts_.store, parts_.tasks)});
+    addPage(*pages, "Files", "Finds files in a folder.",
+            {findGroup(controls_, parts_.panel, parts_.folderScan,
+                       [this](const std::filesystem::path& file) { emit imageWanted(file); })});
+    layout->addWidget(pages, 1);
+    orderTabs();
+}
+
+/// Room that is left over goes to what can use it: the lists.
+void frmOperation::addPage(QTabWidget& pages, const QString& title, const QString& tip,
+                           std::initializer_list<QWidget*> groups) {
+    auto* page = new QWidget;
+    auto* column = new QVBoxLayout(page);
+    column->setContentsMargins(2, 6, 2, 2);
+    column->setSpacing(5);
+    bool grows = false;
+    for (QWidget* box : groups) {
+        const bool growing = box->findChild<QListWidget*>() != nullptr;
+        column->addWidget(box, growing ? 1 : 0);
+        grows = grows || growing;
+    }
+    if (!grows) column->addStretch(1);
+    pages.setTabToolTip(pages.addTab(page, title), tip);
+}
+
+/// The order of the widgets' making is not the order in which they are read.
+void frmOperation::orderTabs() {
+    const char* const order[] = {
+        "Command1", "Command2", "pages_bar", "Text1_0",      "Text1_1",  "Text1_2",  "Text1_3",
+        "Text1_4",  "Text1_5",  "Text1_6",   "chk_auto",     "chk_time", "Dir1_0",   "Command3",
+        "txt_lat",  "txt_long", "txt_tz",    "txtIp",        "txtPort",  "Command5", "Command7",
+        "Command8", "chkLive",  "Command4",  "cmd_Download", "Command6", "chk_fill", "Dir1_1",
+        "txt_find", "cmd_find", "lst_found"};
+    QWidget* previous = nullptr;
+    for (const char* name : order) {
+        auto* next = findChild<QWidget*>(name);
+        if (previous != nullptr) setTabOrder(previous, next);
+        previous = next;
+    }
+}
+
+void frmOperation::focusStart() {
+    start_->setFocus();
+}
+
+QWidget* frmOperation::scheduleGroup() {
+    auto* form = new QFormLayout;
+    form->setFieldGrowthPolicy(QFormLayout::ExpandingFieldsGrow);
+    const auto addTimes = [&](const char* caption, std::initializer_list<std::size_t> indices) {
+        auto* row = new QHBoxLayout;
+        row->setSpacing(3);
+        QLineEdit* first = nullptr;
+        for (const std::size_t index : indices) {
+            const bool hour = index == 0 || index == 2 || index == 4;
+            QLineEdit* field = addTimeField(*row, index, hour ? "h" : index == 6 ? "s" : "min");
+            if (first == nullptr) first = field;
+        }
+        row->addStretch();
+        auto* label = new QLabel(caption);
+        label->setBuddy(first);
+        form->addRow(label, row);
+    };
+    addTimes("Start ti&me", {0, 1});
+    addTimes("&End time", {2, 3});
+    addTimes("Inte&rval", {4, 5, 6});
+    form->addRow(sideBySide(
+        controls_.checkBox(
+            {"chk_auto", "Loc&k schedule", "Locks the schedule fields against changes by mistake."},
+            parts_.panel.chk_auto, [this] { parts_.recording.chk_auto_Click(); }),
+        controls_.checkBox({"chk_time", "Set &clocks daily",
+                            "Sets the clocks of camera and tracker once a day while recording."},
+                           parts_.panel.chk_time, [this] { parts_.settings.chk_time_Click(); })));
+    return panelGroup("Recording schedule", form);
+}
+
+QWidget* frmOperation::recordingButtons() {
+    auto* buttons = new QWidget;
+    QPushButton* stop = controls_.button({"Command2", "S&top Recording", "Stops recording."},
+                                         parts_.panel.Command2, [this] {
+                                             parts_.recording.Command2_Click();
+                                             if (start_->isEnabled()) start_->setFocus();
+                                         });
+    start_ = controls_.button({"Command1", "&Start Recording",
+                               "Checks the schedule and records at its times, every day."},
+                              parts_.panel.Command1, [this, stop] {
+                                  parts_.tasks.spawn(parts_.recording.Command1_Click());
+                                  // The pressed button is disabled now: without this the focus
+                                  // would fall on whatever control comes next.
+                                  if (stop->isEnabled()) stop->setFocus();
+                              });
+    start_->setIcon(sign(QColor(0xd0, 0x2f, 0x2f), true));
+    stop->setIcon(sign(QColor(0x5f, 0x6b, 0x7a), false));
+    QHBoxLayout* row = sideBySide(start_, stop);
+    row->setContentsMargins(0, 0, 0, 0);
+    buttons->setLayout(row);
+    return buttons;
+}
+
+QLineEdit* frmOperation::addTimeField(QHBoxLayout& row, std::size_t index, const QString& unit) {
+    const auto& [what, maximum] = kTimeFields[index];
+    const QString number = QString::number(index);
+    Recording& recording = parts_.recording;
+    QLineEdit* field = controls_.textBox(
+        {"Text1_" + number, what, timeFieldTip(index)}, parts_.panel.Text1[index],
+        [&recording, index] { recording.Text1_Change(index); },
+        [&recording, index] { recording.Text1_LostFocus(index); });
+    field->setMaxLength(4);
+    field->setAlignment(Qt::AlignRight);
+    field->setFixedWidth(field->fontMetrics().horizontalAdvance("0000") + 10);
+    UpDown* upDown = controls_.upDown({"UpDown1_" + number, what, timeFieldTip(index)}, *field,
+                                      maximum, parts_.panel.UpDown1[index],
+                                      [&recording, index] { recording.UpDown1_Change(index); });
+    row.addWidget(field);
+    row.addWidget(upDown);
+    row.addWidget(unitLabel(unit));
+    row.addSpacing(4);
+    return field;
+}
+
+QWidget* frmOperation::folderGroup() {
+    OperationPanel& panel = parts_.panel;
+    auto* path = new ElidedLabel(this, Qt::ElideMiddle);
+    path->setObjectName("Dir1_0_path");
+    path->setAccessibleName("Data folder");
+    auto* folders = new FolderView(this);
+    folders->setObjectName("Dir1_0");
+    folders->setAccessibleName("Sub-folders of the data folder");
+    folders->setToolTip("The data folder's sub-folders. Double-click one, or press Enter, to make "
+                        "it the data folder.");
+    controls_.bindings().follow(panel.Dir1[0].path, [=](const std::filesystem::path& folder) {
+        const QString text = QDir::toNativeSeparators(toQString(folder));
+        path->setText(text);
+        path->setToolTip("Pictures are filed below " + text);
+        folders->setPath(folder);
+    });
+    controls_.followEnabled(*folders, panel.Dir1[0].enabled);
+    connect(folders, &FolderView::entered, this, [this](const std::filesystem::path& folder) {
+        parts_.panel.Dir1[0].path = folder;
+        parts_.settings.Dir1_Change();
+    });
+    auto* column = new QVBoxLayout;
+    column->addWidget(path);
+    column->addWidget(folders, 1);
+    column->addWidget(controls_.button(
+        {"Command3", "Select &Data Save Folder", "Chooses the folder that pictures are filed in."},
+        panel.Command3, [this] { selectFolder(); }));
+    QGroupBox* frame = panelGroup("Data folder", column);
+    frame->setObjectName("Frame3_1");
+    frame->setAccessibleName("Data folder");
+    controls_.followEnabled(*frame, panel.Frame3[1].enabled);
+    return frame;
+}
+
+void frmOperation::selectFolder() {
+    auto* dialog = new QFileDialog(this, "Select Data Save Folder",
+                                   toQString(parts_.panel.Dir1[0].path.get()));
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setFileMode(QFileDialog::Directory);
+    dialog->setOption(QFileDialog::ShowDirsOnly);
+    connect(dialog, &QFileDialog::fileSelected, this,
+            [this](const QString& folder) { parts_.settings.selectDataFolder(toPath(folder)); });
+    dialog->open();
+}
+
+QWidget* frmOperation::siteGroup() {
+    OperationPanel& panel = parts_.panel;
+    auto* row = new QHBoxLayout;
+    row->addWidget(siteField({"txt_lat", "Lat&itude", "Degrees, north is positive."}, panel.txt_lat,
+                             &PanelSettings::txt_lat_Change),
+                   1);
+    row->addWidget(siteField({"txt_long", "Lon&gitude", "Degrees, east is positive."},
+                             panel.txt_long, &PanelSettings::txt_long_Change),
+                   1);
+    row->addWidget(siteField({"txt_tz", "Time &zone",
+                              "Whole hours east of universal time, such as 9 for Japan."},
+                             panel.txt_tz, &PanelSettings::txt_tz_Change),
+                   1);
+    QGroupBox* box = panelGroup("Site", row);
+    row->setSpacing(8);
+    return box;
+}
+
+QWidget* frmOperation::siteField(const Face& face, TextBox& model,
+                                 bool (PanelSettings::*change)()) {
+    auto* place = new QWidget;
+    auto* column = new QVBoxLayout(place);
+    column->setContentsMargins(0, 0, 0, 0);
+    column->setSpacing(1);
+    auto* mark = new NumberMark(face.tip, place);
+    PanelSettings& settings = parts_.settings;
+    QLineEdit* field = controls_.textBox(
+        face, model, [&settings, change, mark] { mark->setValid((settings.*change)()); },
+        [&settings, mark] {
+            settings.showSite();
+            mark->setValid(true);
+        });
+    mark->watch(*field);
+    field->setMinimumWidth(field->fontMetrics().horizontalAdvance("000.000") + 12);
+    auto* caption = new QLabel(face.caption);
+    caption->setBuddy(field);
+    column->addWidget(caption);
+    column->addWidget(field);
+    return place;
+}
+
+} // namespace orvane

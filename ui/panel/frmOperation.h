@@ -1,0 +1,64 @@
+#pragma once
+
+#include "archive/FolderScan.h"
+#include "camera/ImageStore.h"
+#include "core/PanelSettings.h"
+#include "core/Recording.h"
+#include "station/OperationPanel.h"
+#include "station/TaskGroup.h"
+#include "ui/panel/PanelControls.h"
+
+#include <QWidget>
+
+class QGroupBox;
+class QHBoxLayout;
+class QTabWidget;
+
+namespace orvane {
+
+/// The operation panel. It holds no logic: it shows the values of `OperationPanel` in widgets of
+/// the same names and forwards what the operator does.
+class frmOperation : public QWidget {
+    Q_OBJECT
+
+  public:
+    /// What the panel shows and drives; all of it outlives the window.
+    struct Parts {
+        OperationPanel& panel;
+        Recording& recording;
+        PanelSettings& settings;
+        CameraPanel& camera;
+        ImageStore& store;
+        FolderScan& folderScan;
+        TaskGroup& tasks;
+    };
+
+    explicit frmOperation(Parts parts, QWidget* parent = nullptr);
+
+    /// Gives the focus to "Start Recording".
+    void focusStart();
+
+  signals:
+    /// The operator asked for the camera's picture.
+    void pictureWanted();
+    /// The operator wants to see `file`.
+    void imageWanted(const std::filesystem::path& file);
+
+  private:
+    static void addPage(QTabWidget& pages, const QString& title, const QString& tip,
+                        std::initializer_list<QWidget*> groups);
+    QWidget* scheduleGroup();
+    QWidget* recordingButtons();
+    QWidget* folderGroup();
+    QWidget* siteGroup();
+    QLineEdit* addTimeField(QHBoxLayout& row, std::size_t index, const QString& unit);
+    QWidget* siteField(const Face& face, TextBox& model, bool (PanelSettings::*change)());
+    void orderTabs();
+    void selectFolder();
+
+    Parts parts_;
+    QPushButton* start_ = nullptr;
+    PanelControls controls_;
+};
+
+} // namespace orvane

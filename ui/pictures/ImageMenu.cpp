@@ -1,0 +1,110 @@
+#include "ui/pictures/ImageMenu.h"
+
+#include "ui/Text.h"
+#include "ui/pictures/QtImageViews.h"
+
+#include <QAction>
+#include <QFileDialog>
+#include <QKeySequence>
+#include <QMenu>
+#include <QStandardPaths>
+
+namespace orvane {
+namespace {
+
+/// What the dialog offers: the picture's own name, marked when it is a part.
+QString nameFor(const PictureSource& source) {
+    QString name = source.file.empty() ? QString("live") : toQString(source.file.stem());
+    if (!source.part.isNull()) name += "_trimmed";
+    return name + ".jpg";
+}
+
+QString folderFor(const PictureSource& source, const QString& lastFolder) {
+    if (!lastFolder.isEmpty()) return lastFolder;
+    if (!source.file.empty()) return toQString(source.file.parent_path());
+    return QStandardPaths::writableLocation(QStandardPaths::PicturesLocation);
+}
+
+} // namespace
+
+ImageMenu::ImageMenu(QAction& saveAs, QMenu& image, PictureArea& area, QtImageViews& views)
+    : QObject(&area), area_(area), views_(views) {
+    entries_.append({&saveAs, Needs::Picture});
+    connect(&saveAs, &QAction::triggered, this, &ImageMenu::mnuFileSaveAs_Click);
+    addEntries(image);
+    connect(&area_, &QMdiArea::subWindowActivated, this, &ImageMenu::follow);
+    follow();
+}
+
+template <class Command>
+void ImageMenu::add(QMenu& menu, const char* name, const QString& caption, const QString& tip,
+                    const QList<QKeySequence>& keys, Needs needs, Command command) {
+    QAction* action = menu.addAction(caption);
+    action->setObjectName(name);
+    action->setToolTip(tip);
+    action->setShortcuts(keys);
+    connect(action, &QAction::triggered, this, [this, command] {
+        if (window_ != nullptr) command(*window_);
+    });
+    entries_.append({action, needs});
+}
+
+void ImageMenu::addEntries(QMenu& image) {
+    image.setToolTipsVisible(true);
+    add(image, "mnuEditCopy", "&Copy", "Copies the picture, or the marked rectangle.",
+        {QKeySequence::Copy}, Needs::Picture, [](ImageWindow& window) { window.copy(); });
+    add(image, "mnuEditTrim", "&Trim",
+        "Lets a rectangle be marked, then opens it as a picture of its own.",
+        {Qt::CTRL | Qt::Key_I}, Needs::Picture, [](ImageWindow& window) { window.trim(); });
+    image.addSeparator();
+    add(image, "mnuViewZoomIn", "Zoom &In", "Enlarges the picture.",
+        {Qt::CTRL | Qt::Key_Plus, Qt::CTRL | Qt::Key_Equal}, Needs::Picture,
+        [](ImageWindow& window) { window.view().zoomIn(); });
+    add(image, "mnuViewZoomOut", "Zoom &Out", "Shows more of the picture.",
+        {Qt::CTRL | Qt::Key_Minus}, Needs::Picture,
+        [](ImageWindow& window) { window.view().zoomOut(); });
+    add(image, "mnuViewFit", "&Fit to Window", "Shows the whole picture.", {Qt::CTRL | Qt::Key_0},
+        Needs::Picture, [](ImageWindow& window) { window.view().zoomFit(); });
+    add(image, "mnuViewActualSize", "&Actual Size", "Shows the picture's own pixels.",
+        {Qt::CTRL | Qt::Key_1}, Needs::Picture,
+        [](ImageWindow& window) { window.view().zoomActual(); });
+    image.addSeparator();
+    add(image, "mnuViewNext", "&Next Image", "Shows the folder's next picture.",
+        {Qt::ALT | Qt::Key_Right}, Needs::File, [](ImageWindow& window) { window.step(true); });
+    add(image, "mnuViewPrevious", "&Previous Image", "Shows the folder's previous picture.",
+        {Qt::ALT | Qt::Key_Left}, Needs::File, [](ImageWindow& window) { window.step(false); });
+}
+
+/// The window in front; the active one is none while another program is in use.
+void ImageMenu::follow() {
+    QMdiSubWindow* frame = area_.currentSubWindow();
+    window_ = frame == nullptr ? nullptr : qobject_cast<ImageWindow*>(frame->widget());
+    disconnect(following_);
+    if (window_ != nullptr)
+        following_ = connect(window_, &ImageWindow::changed, this, &ImageMenu::update);
+    update();
+}
+
+void ImageMenu::update() {
+    for (const auto& [action, needs] : entries_)
+        action->setEnabled(window_ != nullptr &&
+                           (needs == Needs::Picture ? window_->hasPicture() : window_->canStep()));
+}
+
+void ImageMenu::mnuFileSaveAs_Click() {
+    if (window_ == nullptr || !window_->hasPicture()) return;
+    const PictureSource source = window_->source();
+    auto* dialog = new QFileDialog(area_.window(), "Save As", folderFor(source, saveFolder_),
+                                   "JPEG pictures (*.jpg *.jpeg *.JPG *.JPEG)");
+    dialog->setAttribute(Qt::WA_DeleteOnClose);
+    dialog->setAcceptMode(QFileDialog::AcceptSave); // asks before it replaces a file
+    dialog->setDefaultSuffix("jpg");
+    dialog->selectFile(nameFor(source));
+    connect(dialog, &QFileDialog::fileSelected, this, [this, source](const QString& file) {
+        saveFolder_ = QFileInfo(file).absolutePath();
+        views_.saveAs(source, toPath(file));
+    });
+    dialog->open();
+}
+
+} // namespace orvane

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <QList>
+#include <QObject>
+#include <QPointer>
+#include <QString>
+
+#include <utility>
+
+class QAction;
+class QKeySequence;
+class QMenu;
+
+namespace orvane {
+
+class ImageWindow;
+class PictureArea;
+class QtImageViews;
+
+/// "Save As" of the menu "File" and the menu "Picture": what can be done with the picture window
+/// that is in front. An entry is enabled only when it applies.
+class ImageMenu : public QObject {
+    Q_OBJECT
+
+  public:
+    /// `saveAs` and `image` are filled and followed; the rest outlives this.
+    ImageMenu(QAction& saveAs, QMenu& image, PictureArea& area, QtImageViews& views);
+
+  private:
+    enum class Needs { Picture, File };
+
+    template <class Command>
+    void add(QMenu& menu, const char* name, const QString& caption, const QString& tip,
+             const QList<QKeySequence>& keys, Needs needs, Command command);
+    void addEntries(QMenu& image);
+    void follow();
+    void update();
+    void mnuFileSaveAs_Click();
+
+    PictureArea& area_;
+    QtImageViews& views_;
+    QPointer<ImageWindow> window_;
+    QMetaObject::Connection following_;
+    QList<std::pair<QAction*, Needs>> entries_;
+    QString saveFolder_; ///< where a picture was saved last
+};
+
+} // namespace orvane

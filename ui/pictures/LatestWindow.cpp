@@ -1,0 +1,70 @@
+#include "ui/pictures/LatestWindow.h"
+
+#include "platform/Conversions.h"
+#include "ui/Text.h"
+#include "ui/pictures/PictureAge.h"
+
+#include <QLabel>
+
+namespace orvane {
+
+LatestWindow::LatestWindow(ImageServices& services, Clock& clock, const Module1& module)
+    : ImageWindow(services), clock_(clock), module_(module), age_(new QLabel) {
+    setObjectName("frmLatest");
+    age_->setObjectName("imageAge");
+    statusLine()->addWidget(age_);
+    keepJpeg();
+    ageTask_ = followAge();
+    ageTask_.start();
+}
+
+void LatestWindow::showFile(const std::filesystem::path& file) {
+    // A name has no seconds: a picture of this very minute has just come.
+    const WallTime now = clock_.now();
+    const std::optional<WallTime> named = recordedMinute(file);
+    taken_ = named && minuteIndex(*named) != minuteIndex(now) ? *named : now;
+    updateAge();
+    PictureSource source;
+    source.file = file;
+    showPicture(source, "Latest Image: " + toQString(file.filename()));
+}
+
+void LatestWindow::showLive(const std::string& jpeg) {
+    taken_ = clock_.now();
+    updateAge();
+    PictureSource source;
+    source.jpeg = QByteArray::fromStdString(jpeg);
+    showPicture(source, "Live Picture");
+}
+
+void LatestWindow::showNone() {
+    taken_.reset();
+    updateAge();
+    setWindowTitle("Latest Image");
+    showText("No picture has been recorded yet.");
+}
+
+Task<> LatestWindow::followAge() {
+    for (;;) {
+        updateAge();
+        co_await clock_.sleep(1s);
+    }
+}
+
+void LatestWindow::updateAge() {
+    if (!taken_) return age_->clear();
+    const WallTime now = clock_.now();
+    const bool overdue = module_.RecordFlg && isOverdue(module_.schedule, *taken_, now);
+    QString text = toQString(ageText(now - *taken_));
+    if (overdue) text += ", overdue";
+    if (text == age_->text()) return;
+    age_->setText(text);
+    QPalette colours = palette();
+    const bool dark = colours.color(QPalette::Window).lightness() < 128;
+    if (overdue)
+        colours.setColor(QPalette::WindowText, dark ? QColor("#ff8080") : QColor("#b00000"));
+    age_->setPalette(colours);
+    age_->setToolTip(overdue ? "Two or more pictures that were due have not come." : "");
+}
+
+} // namespace orvane

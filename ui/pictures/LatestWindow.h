@@ -1,0 +1,39 @@
+#pragma once
+
+#include "station/Module1.h"
+#include "ui/pictures/ImageWindow.h"
+
+#include <optional>
+
+class QLabel;
+
+namespace orvane {
+
+/// The window that follows the captures. At its lower right it tells the age of its picture, and
+/// whether the next ones are overdue.
+class LatestWindow : public ImageWindow {
+    Q_OBJECT
+
+  public:
+    LatestWindow(ImageServices& services, Clock& clock, const Module1& module);
+
+    /// A recorded file's age counts from the minute in its name, another's from now.
+    void showFile(const std::filesystem::path& file);
+    /// Shows a JPEG that was not filed.
+    void showLive(const std::string& jpeg);
+    void showNone();
+
+    bool canStep() const override { return false; }
+
+  private:
+    Task<> followAge();
+    void updateAge();
+
+    Clock& clock_;
+    const Module1& module_;
+    QLabel* age_;
+    std::optional<WallTime> taken_; ///< nothing: there is no picture
+    Task<> ageTask_;
+};
+
+} // namespace orvane

@@ -1,0 +1,164 @@
+#include "ui/pictures/QtImageViews.h"
+
+#include "archive/DataFolder.h"
+#include "platform/Paths.h"
+#include "ui/Text.h"
+
+#include <QApplication>
+#include <QStyle>
+
+namespace orvane {
+
+QtImageViews::QtImageViews(Clock& clock, Operator& op, const Module1& module)
+    : op_(op), clock_(clock), module_(module), loader_(clock),
+      tasks_([this](const std::exception_ptr& fault) {
+          tasks_.spawn(op_.tell("A fault occurred: " + textOf(fault)));
+      }) {}
+
+void QtImageViews::attach(PictureArea* area, ThumbnailStrip* strip) {
+    area_ = area;
+    strip_ = strip;
+}
+
+void QtImageViews::refreshThumbnails(
+    const std::array<ThumbnailEntry, Module1::kThumbnailCount>& history) {
+    if (strip_ != nullptr) strip_->showHistory(history);
+}
+
+void QtImageViews::showLatest(const std::filesystem::path& file) {
+    latestFile_ = file;
+    if (area_ != nullptr && (latest_ != nullptr || latestWanted_)) latestWindow()->showFile(file);
+}
+
+void QtImageViews::showLive(const std::string& jpeg) {
+    if (area_ != nullptr && (latest_ != nullptr || latestWanted_)) latestWindow()->showLive(jpeg);
+}
+
+void QtImageViews::openLatest(const std::filesystem::path& file) {
+    if (area_ == nullptr) return;
+    if (latestFile_.empty()) latestFile_ = file.empty() ? module_.thumbnails[0].path : file;
+    const bool wasOpen = latest_ != nullptr;
+    LatestWindow* window = latestWindow();
+    area_->setActiveSubWindow(qobject_cast<QMdiSubWindow*>(window->parentWidget()));
+    window->setFocus();
+    if (wasOpen) return;
+    if (latestFile_.empty()) {
+        window->showNone();
+    } else {
+        window->showFile(latestFile_);
+    }
+}
+
+void QtImageViews::openImages(const std::vector<std::filesystem::path>& files) {
+    for (const std::filesystem::path& file : files) {
+        PictureSource source;
+        source.file = file;
+        if (module_.imageProcessing) source.processing = module_.image;
+        if (!open(source, toQString(file.filename()))) return;
+        if (isInDatedFolder(file)) tasks_.spawn(writeCopy(file));
+    }
+}
+
+void QtImageViews::openFiled(const std::filesystem::path& file) {
+    PictureSource source;
+    source.file = file;
+    open(source, toQString(file.filename()));
+}
+
+bool QtImageViews::open(const PictureSource& source, const QString& title) {
+    if (area_ == nullptr) return false;
+    if (ImageWindow* shown = find(source)) {
+        area_->setActiveSubWindow(qobject_cast<QMdiSubWindow*>(shown->parentWidget()));
+        return true;
+    }
+    if (!hasRoom()) {
+        tellNoRoom();
+        return false;
+    }
+    auto* window = new ImageWindow(services_);
+    QObject::connect(window, &ImageWindow::trimmed, area_,
+                     [this](const PictureSource& part, const QString& name) { open(part, name); });
+    addWindow(window);
+    window->showPicture(source, title);
+    return true;
+}
+
+/// The window that shows the same file in the same way; a part is always a new picture.
+ImageWindow* QtImageViews::find(const PictureSource& source) const {
+    if (!source.part.isNull()) return nullptr;
+    for (QMdiSubWindow* frame : area_->subWindowList()) {
+        auto* window = qobject_cast<ImageWindow*>(frame->widget());
+        if (window == nullptr || window == latest_) continue;
+        const PictureSource& shown = window->source();
+        if (shown.file == source.file && shown.part.isNull() &&
+            shown.processing.LrFlg == source.processing.LrFlg &&
+            shown.processing.DateFlg == source.processing.DateFlg)
+            return window;
+    }
+    return nullptr;
+}
+
+bool QtImageViews::hasRoom() const {
+    return area_->subWindowList().size() - (latest_ != nullptr ? 1 : 0) < kMaxWindows;
+}
+
+void QtImageViews::tellNoRoom() {
+    tasks_.spawn(op_.tell("No more than " + std::to_string(kMaxWindows) +
+                          " pictures can be open at a time.\nPlease close some of them."));
+}
+
+LatestWindow* QtImageViews::latestWindow() {
+    if (latest_ != nullptr) return latest_;
+    latest_ = new LatestWindow(services_, clock_, module_);
+    QObject::connect(latest_, &ImageWindow::trimmed, area_,
+                     [this](const PictureSource& part, const QString& name) { open(part, name); });
+    latestWanted_ = false;
+    // A capture may open it: what somebody types must not end up in it.
+    const QPointer<QWidget> typedInto = QApplication::focusWidget();
+    addWindow(latest_);
+    if (typedInto != nullptr) typedInto->setFocus();
+    area_->fill(*qobject_cast<QMdiSubWindow*>(latest_->parentWidget()));
+    return latest_;
+}
+
+void QtImageViews::addWindow(ImageWindow* window) {
+    constexpr int kStep = 26;
+    constexpr int kSteps = 7;
+    const int offset = static_cast<int>(area_->subWindowList().size()) % kSteps * kStep;
+    QMdiSubWindow* frame = area_->addSubWindow(window);
+    frame->setAttribute(Qt::WA_DeleteOnClose);
+    // The default pictogram of a sub-window says nothing about a picture.
+    frame->setWindowIcon(area_->style()->standardIcon(QStyle::SP_FileDialogContentsView));
+    frame->setGeometry(QRect({offset, offset}, area_->viewport()->size() * 3 / 4));
+    frame->show();
+}
+
+void QtImageViews::saveAs(const PictureSource& source, const std::filesystem::path& target) {
+    tasks_.spawn(save(source, target));
+}
+
+Task<> QtImageViews::save(PictureSource source, std::filesystem::path target) {
+    const std::string name = utf8FromPath(target.filename());
+    Task<std::string> saving = loader_.save(std::move(source), std::move(target), module_.image);
+    const std::string fault = co_await saving;
+    if (fault.empty()) co_return;
+    Task<> telling = op_.tell(name + " was not saved.\n" + fault);
+    co_await telling;
+}
+
+/// Whether the picture can be read at all is told in its window.
+Task<> QtImageViews::writeCopy(std::filesystem::path file) {
+    Task<std::string> writing =
+        loader_.writeProcessedCopy(file, module_.image, module_.imageProcessing);
+    const std::string fault = co_await writing;
+    if (fault.empty() || area_ == nullptr) co_return;
+    for (QMdiSubWindow* frame : area_->subWindowList()) {
+        const auto* window = qobject_cast<ImageWindow*>(frame->widget());
+        if (window != nullptr && window->source().file == file && !window->hasPicture()) co_return;
+    }
+    Task<> telling =
+        op_.tell("No processed copy of " + utf8FromPath(file.filename()) + ".\n" + fault);
+    co_await telling;
+}
+
+} // namespace orvane
