@@ -127,6 +127,7 @@ class Program {
     std::unique_ptr<SerialPort> MSComm1_ =
         makeSerialPort([this](int port) { return devicePath(port); });
     LibjpegImageControl imageControl_{clock_};
+    LibjpegImageControl viewsControl_{clock_}; ///< holds what the windows decode, over waits
     std::unique_ptr<SystemInfo> systemInfo_ = makeSystemInfo();
     QtOperator op_{clock_};
 
@@ -134,7 +135,7 @@ class Program {
     OperationPanel panel_;
     Warnings warnings_;
     Busy busy_;
-    QtImageViews views_{clock_, op_, module_};
+    QtImageViews views_{clock_, op_, module_, viewsControl_};
     ErrorLog log_{toPath(QCoreApplication::applicationDirPath()),
                   clock_,
                   {[this] { return panel_.Label7.caption.get(); },

@@ -117,11 +117,10 @@ double secondsSince(std::chrono::steady_clock::time_point start) {
 
 bool process(LibjpegImageControl& control, test::JumpingClock& clock,
              const std::filesystem::path& image, const ImageOptions& options) {
-    std::string fault;
-    Task<bool> task = ProcessImageFile(control, image, options, true, fault);
+    Task<Fault> task = ProcessImageFile(control, image, options, true);
     task.start();
     clock.runUntil([&] { return task.done(); }, std::chrono::hours(1));
-    return task.result();
+    return !task.result();
 }
 
 /// `ProcessImageFile` (read, decode, mirror, stamp, encode, write) and, taking turns with it in the
@@ -175,9 +174,7 @@ void longestSlice(benchmark::State& state) {
     LibjpegImageControl control(clock);
     double longest = 0;
     for (auto _ : state) {
-        std::string fault;
-        Task<bool> task =
-            ProcessImageFile(control, image, {.LrFlg = -1, .DateFlg = -1}, true, fault);
+        Task<Fault> task = ProcessImageFile(control, image, {.LrFlg = -1, .DateFlg = -1}, true);
         auto start = std::chrono::steady_clock::now();
         task.start();
         const auto sliceEnded = [&] {

@@ -110,7 +110,8 @@ bool openPicture(const std::filesystem::path& file) {
     FakeOperator op(clock);
     Module1 module;
     module.image = {.Quality = 2, .LrFlg = -1, .DateFlg = -1, .JpegTyp = 98};
-    QtImageViews views(clock, op, module);
+    LibjpegImageControl control(clock);
+    QtImageViews views(clock, op, module, control);
     PictureArea area;
     area.resize(1024, 768);
     area.show();

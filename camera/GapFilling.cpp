@@ -167,13 +167,13 @@ Task<GapFilling::Outcome> GapFilling::file(std::string name, std::string picture
                               "The data folder cannot be written: " + *reason + ".");
         co_return Outcome::CannotFile;
     }
-    std::string fault;
-    Task<bool> processing = ProcessImageFile(station_.imageControl, image, station_.module.image,
-                                             station_.module.imageProcessing, fault);
-    if (co_await processing) {
-        station_.warnings.clear(Warnings::Cause::DataFolder);
+    Task<Fault> processing = ProcessImageFile(station_.imageControl, image, station_.module.image,
+                                              station_.module.imageProcessing);
+    const Fault fault = co_await processing;
+    if (fault) {
+        station_.log.write("ProcessImageFile:" + *fault);
     } else {
-        station_.log.write("ProcessImageFile:" + fault);
+        station_.warnings.clear(Warnings::Cause::DataFolder);
     }
     station_.log.write("Gap filled:" + name);
     show(image);

@@ -49,10 +49,10 @@ Task<bool> PictureDownload::fetch(std::string path, std::string name) {
     failedInARow_ = 0;
     const std::filesystem::path image = folder_ / pathFromUtf8(name);
     keep(image);
-    std::string fault;
-    Task<bool> processing = ProcessImageFile(parts_.imageControl, image, parts_.module.image,
-                                             parts_.module.imageProcessing, fault);
-    if (!co_await processing) parts_.log.write("ProcessImageFile:" + fault);
+    Task<Fault> processing = ProcessImageFile(parts_.imageControl, image, parts_.module.image,
+                                              parts_.module.imageProcessing);
+    const Fault fault = co_await processing;
+    if (fault) parts_.log.write("ProcessImageFile:" + *fault);
     co_return true;
 }
 

@@ -118,17 +118,16 @@ Capture::Fault Capture::file() {
 
 Task<bool> Capture::process() {
     const Module1& module = station_.module;
-    std::string fault;
-    Task<bool> processing = ProcessImageFile(station_.imageControl, module.lastImage, module.image,
-                                             module.imageProcessing, fault);
-    const bool processed = co_await processing;
-    if (!processed) {
-        station_.log.write("ProcessImageFile:" + fault);
+    Task<Fault> processing = ProcessImageFile(station_.imageControl, module.lastImage, module.image,
+                                              module.imageProcessing);
+    const Fault fault = co_await processing;
+    if (fault) {
+        station_.log.write("ProcessImageFile:" + *fault);
         const std::string name = utf8FromPath(module.lastImage.filename());
         station_.warnings.set(Warnings::Cause::DataFolder,
-                              "No processed copy of " + name + ": " + fault + ".");
+                              "No processed copy of " + name + ": " + *fault + ".");
     }
-    co_return processed;
+    co_return !fault;
 }
 
 void Capture::remember() {

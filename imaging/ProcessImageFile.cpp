@@ -49,7 +49,7 @@ class NameTail {
     std::vector<std::string> characters_;
 };
 
-std::optional<std::string> makeFolderFor(const std::filesystem::path& file) {
+Fault makeFolderFor(const std::filesystem::path& file) {
     std::error_code error;
     std::filesystem::create_directories(file.parent_path(), error);
     if (error) return error.message();
@@ -82,44 +82,32 @@ std::string exifStampOf(const std::filesystem::path& image) {
            tail.part(10, 2) + ":" + tail.part(12, 2) + ":" + tail.part(14, 2);
 }
 
-Task<bool> LoadProcessedImage(ImageControl& control, std::filesystem::path image,
-                              ImageOptions options, std::string& fault) {
-    Task<bool> loading = control.load(image);
-    const bool loaded = co_await loading;
-    if (!loaded) {
-        fault = control.fault();
-        co_return false;
-    }
-    if (options.LrFlg == kSet) control.mirror();
-    if (options.LrFlg == kSet && options.DateFlg == kSet) control.drawText(stampTextOf(image));
-    co_return true;
+void applyOptions(ImageControl& control, const ImageOptions& options,
+                  const std::filesystem::path& image) {
+    if (options.LrFlg != kSet) return;
+    control.mirror();
+    if (options.DateFlg == kSet) control.drawText(stampTextOf(image));
 }
 
-Task<bool> ProcessImageFile(ImageControl& control, std::filesystem::path image,
-                            ImageOptions options, bool processingOn, std::string& fault) {
-    if (!processingOn) co_return true;
-    Task<bool> loading = LoadProcessedImage(control, image, options, fault);
-    const bool loaded = co_await loading;
-    if (!loaded) co_return false;
+Task<Fault> ProcessImageFile(ImageControl& control, std::filesystem::path image,
+                             ImageOptions options, bool processingOn) {
+    if (!processingOn) co_return std::nullopt;
+    Task<Fault> loading = control.load(image);
+    Fault fault = co_await loading;
+    if (fault) co_return fault;
 
     // From here to the call of `save` there is no wait: the picture in the control is still ours.
+    applyOptions(control, options, image);
     const std::filesystem::path edited = editPathOf(image);
-    if (auto reason = makeFolderFor(edited)) {
-        control.clear();
-        fault = *reason;
-        co_return false;
+    fault = makeFolderFor(edited);
+    if (!fault) {
+        Task<Fault> saving =
+            control.save(edited, options.JpegTyp, options.Quality, exifStampOf(image));
+        fault = co_await saving;
     }
-    Task<bool> saving = control.save(edited, options.JpegTyp, options.Quality, exifStampOf(image));
-    const bool saved = co_await saving;
-    if (!saved) fault = control.fault();
     control.clear();
-    if (saved && options.RawFlg == kSet) {
-        if (auto reason = copyToFinalName(image, rawPathOf(image))) {
-            fault = *reason;
-            co_return false;
-        }
-    }
-    co_return saved;
+    if (!fault && options.RawFlg == kSet) fault = copyToFinalName(image, rawPathOf(image));
+    co_return fault;
 }
 
 } // namespace orvane

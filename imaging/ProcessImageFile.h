@@ -11,14 +11,14 @@ namespace orvane {
 
 /// Applies the image options to one picture of a dated folder: mirrors and stamps it and saves it
 /// below "Edit" (see `editPathOf`), whose folders are created. `image` itself is only read. With
-/// `processingOn` false nothing is done at all. False: `fault` tells why, and no part of a file
-/// is left. `control` and `fault` must outlive the task.
-Task<bool> ProcessImageFile(ImageControl& control, std::filesystem::path image,
-                            ImageOptions options, bool processingOn, std::string& fault);
+/// `processingOn` false nothing is done at all. A fault leaves no part of a file. `control` must
+/// outlive the task.
+Task<Fault> ProcessImageFile(ImageControl& control, std::filesystem::path image,
+                             ImageOptions options, bool processingOn);
 
-/// The same without saving: leaves the processed picture in `control`.
-Task<bool> LoadProcessedImage(ImageControl& control, std::filesystem::path image,
-                              ImageOptions options, std::string& fault);
+/// What it does to the picture in `control`, loaded from `image`: mirrors and stamps it.
+void applyOptions(ImageControl& control, const ImageOptions& options,
+                  const std::filesystem::path& image);
 
 /// D/yyyymmdd/name becomes D/Edit/yyyymmdd/name.
 std::filesystem::path editPathOf(const std::filesystem::path& image);

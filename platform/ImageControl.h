@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/Fault.h"
 #include "platform/Task.h"
 
 #include <cstdint>
@@ -9,8 +10,7 @@
 namespace orvane {
 
 /// One picture in memory: load, change, save. Long work is cut into slices between which the
-/// window stays alive. Failures are `false`, with `fault()` telling why; a failed call leaves no
-/// file behind.
+/// window stays alive. A failed call leaves no file behind.
 class ImageControl {
   public:
     static constexpr std::int16_t kFormatExif = 10; ///< EXIF header, 4:2:0
@@ -18,17 +18,16 @@ class ImageControl {
 
     virtual ~ImageControl() = default;
     /// Decodes a JPEG file, turned upright by its EXIF orientation.
-    virtual Task<bool> load(std::filesystem::path file) = 0;
+    virtual Task<Fault> load(std::filesystem::path file) = 0;
     virtual void mirror() = 0; ///< left to right
     /// Draws `text` into the lower left corner, white with a thin dark outline.
     virtual void drawText(const std::string& text) = 0;
     /// Writes the picture as a JPEG file under its final name, replacing an older one at once or
     /// not at all. `factor` is the compression factor: JPEG quality is 100 - factor, within 1..100.
     /// `stamp`, "yyyy:mm:dd hh:mm:ss", becomes EXIF DateTimeOriginal when the format has one.
-    virtual Task<bool> save(std::filesystem::path file, std::int16_t format, std::int16_t factor,
-                            std::string stamp) = 0;
+    virtual Task<Fault> save(std::filesystem::path file, std::int16_t format, std::int16_t factor,
+                             std::string stamp) = 0;
     virtual void clear() = 0; ///< frees the pixels
-    virtual const std::string& fault() const = 0;
 };
 
 } // namespace orvane

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <bit>
 #include <cstdlib>
-#include <string_view>
 #include <utility>
 
 namespace orvane {
@@ -34,7 +33,7 @@ std::string_view contents(const jpeg_marker_struct& marker) {
 
 } // namespace
 
-JpegDecoder::JpegDecoder(std::string bytes, QSize bound) : bytes_(std::move(bytes)), bound_(bound) {
+JpegDecoder::JpegDecoder(std::string_view jpeg, QSize bound) : jpeg_(jpeg), bound_(bound) {
     info_.err = &errors_;
 }
 
@@ -42,33 +41,32 @@ JpegDecoder::~JpegDecoder() {
     jpeg_destroy_decompress(&info_);
 }
 
-bool JpegDecoder::begin() {
-    if (!readHeader()) return fail(errors_.text);
-    if (!acceptHeader()) return false;
+Fault JpegDecoder::begin() {
+    if (!readHeader()) return errors_.text;
+    if (Fault reason = refusal()) return reason;
     keepMarkers();
     const int orientation = exifOrientation(picture_.exif);
     fullSize_ = QSize(static_cast<int>(info_.image_width), static_cast<int>(info_.image_height));
     if (isTransposed(orientation)) fullSize_.transpose();
     chooseEighths();
-    if (!scale()) return fail(errors_.text);
-    if (!allocate(orientation)) return fail("Not enough memory for the picture");
-    if (!start()) return fail(errors_.text);
-    return true;
+    if (!scale()) return errors_.text;
+    if (!allocate(orientation)) return "Not enough memory for the picture";
+    if (!start()) return errors_.text;
+    return std::nullopt;
 }
 
-bool JpegDecoder::decodeSlice() {
+Fault JpegDecoder::decodeSlice() {
     const bool ok = stage_ == Stage::Scans ? readScans() : readRows();
-    if (!ok || errors_.corrupt) return fail(errors_.text);
-    if (stage_ == Stage::Scans && info_.input_scan_number > kScanLimit)
-        return fail("Too many scans");
-    return true;
+    if (!ok || errors_.corrupt) return errors_.text;
+    if (info_.input_scan_number > kScanLimit) return "Too many scans";
+    return std::nullopt;
 }
 
 bool JpegDecoder::readHeader() {
     if (setjmp(errors_.escape) != 0) return false;
     jpeg_create_decompress(&info_);
-    jpeg_mem_src(&info_, reinterpret_cast<const unsigned char*>(bytes_.data()),
-                 static_cast<unsigned long>(bytes_.size()));
+    jpeg_mem_src(&info_, reinterpret_cast<const unsigned char*>(jpeg_.data()),
+                 static_cast<unsigned long>(jpeg_.size()));
     jpeg_save_markers(&info_, kExifMarker, 0xFFFF);
     jpeg_save_markers(&info_, kIccMarker, 0xFFFF);
     jpeg_save_markers(&info_, JPEG_COM, 0xFFFF);
@@ -76,12 +74,12 @@ bool JpegDecoder::readHeader() {
     return true;
 }
 
-bool JpegDecoder::acceptHeader() {
+Fault JpegDecoder::refusal() const {
     if (std::uint64_t{info_.image_width} * info_.image_height > kPixelLimit)
-        return fail("Picture of " + std::to_string(info_.image_width) + " x " +
-                    std::to_string(info_.image_height) + " pixels is too large");
-    if (info_.num_components == 4) return fail("CMYK pictures are not supported");
-    return true;
+        return "Picture of " + std::to_string(info_.image_width) + " x " +
+               std::to_string(info_.image_height) + " pixels is too large";
+    if (info_.num_components == 4) return "CMYK pictures are not supported";
+    return std::nullopt;
 }
 
 void JpegDecoder::keepMarkers() {
@@ -197,11 +195,6 @@ void JpegDecoder::scatter(const std::uint32_t* row) {
     std::uint32_t* target = origin_ + (info_.output_scanline - 1) * yStep_;
     for (unsigned x = 0; x < info_.output_width; ++x)
         target[x * xStep_] = row[x];
-}
-
-bool JpegDecoder::fail(std::string text) {
-    fault_ = std::move(text);
-    return false;
 }
 
 } // namespace orvane

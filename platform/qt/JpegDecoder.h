@@ -1,34 +1,35 @@
 #pragma once
 
+#include "platform/Fault.h"
 #include "platform/qt/JpegErrors.h"
 #include "platform/qt/JpegPicture.h"
 
 #include <cstddef>
 #include <cstdint>
-#include <string>
+#include <string_view>
 #include <vector>
 
 namespace orvane {
 
 /// Decodes one JPEG held in memory: `begin`, then `decodeSlice` while there is `more`, then `take`.
-/// May be destroyed at any point. A `false` comes with a `fault`, and the decoder is then used up.
+/// May be destroyed at any point. After a fault it is used up.
 class JpegDecoder {
   public:
-    /// With a `bound`, in pixels of the upright picture, the picture is decoded in the smallest
-    /// eighth of its size from which it can still be fitted into `bound` without enlarging it.
-    explicit JpegDecoder(std::string bytes, QSize bound = {});
+    /// `jpeg` outlives the decoder. With a `bound`, in pixels of the upright picture, the picture
+    /// is decoded in the smallest eighth of its size from which it can still be fitted into `bound`
+    /// without enlarging it.
+    explicit JpegDecoder(std::string_view jpeg, QSize bound = {});
     ~JpegDecoder();
     JpegDecoder(const JpegDecoder&) = delete;
     JpegDecoder& operator=(const JpegDecoder&) = delete;
 
     /// Reads the header and refuses what cannot be decoded: more than 100 megapixels, CMYK.
-    bool begin();
+    Fault begin();
     bool more() const { return stage_ != Stage::Done; }
-    bool decodeSlice();
+    Fault decodeSlice();
     JpegPicture take() { return std::move(picture_); }
     /// Of the whole picture, upright; after `begin`.
     QSize fullSize() const { return fullSize_; }
-    const std::string& fault() const { return fault_; }
 
   private:
     /// Files with several scans are read to their end before the first row comes out.
@@ -42,21 +43,19 @@ class JpegDecoder {
     bool readScans();
     bool readRows();
 
-    bool acceptHeader();
+    Fault refusal() const;
     void keepMarkers();
     void chooseEighths();
     bool allocate(int orientation);
     void scatter(const std::uint32_t* row);
-    bool fail(std::string text);
 
-    std::string bytes_;
+    std::string_view jpeg_;
     QSize bound_;
     QSize fullSize_;
     JpegErrors errors_;
     jpeg_decompress_struct info_{};
     Stage stage_ = Stage::Rows;
     JpegPicture picture_;
-    std::string fault_;
 
     // Where source pixel (x, y) goes: origin_ + x * xStep_ + y * yStep_. Turning the picture
     // upright costs no pass of its own.

@@ -33,13 +33,13 @@ JpegEncoder::~JpegEncoder() {
     jpeg_destroy_compress(&info_);
 }
 
-bool JpegEncoder::begin() {
-    if (setjmp(errors_.escape) != 0) return false;
+Fault JpegEncoder::begin() {
+    if (setjmp(errors_.escape) != 0) return errors_.text;
     jpeg_create_compress(&info_);
     setUp();
     jpeg_start_compress(&info_, TRUE);
     writeMarkers();
-    return true;
+    return std::nullopt;
 }
 
 void JpegEncoder::setUp() {
@@ -68,8 +68,8 @@ void JpegEncoder::writeMarkers() {
         jpeg_write_marker(&info_, JPEG_COM, octets(comment), static_cast<unsigned>(comment.size()));
 }
 
-bool JpegEncoder::encodeSlice() {
-    if (setjmp(errors_.escape) != 0) return false;
+Fault JpegEncoder::encodeSlice() {
+    if (setjmp(errors_.escape) != 0) return errors_.text;
     const QImage& pixels = picture_.pixels;
     unsigned rows = rowsPerSlice(info_.image_width);
     for (; rows > 0 && info_.next_scanline < info_.image_height; --rows) {
@@ -77,10 +77,10 @@ bool JpegEncoder::encodeSlice() {
         JSAMPROW row = const_cast<JSAMPROW>(line); // the library only reads it
         jpeg_write_scanlines(&info_, &row, 1);
     }
-    if (info_.next_scanline < info_.image_height) return true;
+    if (info_.next_scanline < info_.image_height) return std::nullopt;
     jpeg_finish_compress(&info_);
     done_ = true;
-    return true;
+    return std::nullopt;
 }
 
 /// Doubles the buffer and offers its new half. No exception may pass through the library.

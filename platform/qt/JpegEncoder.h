@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/Fault.h"
 #include "platform/qt/JpegErrors.h"
 #include "platform/qt/JpegPicture.h"
 
@@ -8,7 +9,7 @@
 namespace orvane {
 
 /// Encodes one picture into memory: `begin`, then `encodeSlice` while there is `more`, then `take`.
-/// May be destroyed at any point. A `false` comes with a `fault`, and the encoder is then used up.
+/// May be destroyed at any point. After a fault it is used up.
 class JpegEncoder {
   public:
     /// Exif: EXIF header, the picture's `exif` as it stands, 4:2:0. Jfif444: JFIF header, 4:4:4.
@@ -20,11 +21,10 @@ class JpegEncoder {
     JpegEncoder(const JpegEncoder&) = delete;
     JpegEncoder& operator=(const JpegEncoder&) = delete;
 
-    bool begin();
+    Fault begin();
     bool more() const { return !done_; }
-    bool encodeSlice();
+    Fault encodeSlice();
     std::string take() { return std::move(target_.bytes); }
-    std::string fault() const { return errors_.text; }
 
   private:
     /// Collects the output; the library has no growing target that survives being abandoned.

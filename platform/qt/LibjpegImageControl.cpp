@@ -10,7 +10,6 @@
 #include <QGuiApplication>
 
 #include <algorithm>
-#include <utility>
 #include <vector>
 
 namespace orvane {
@@ -24,27 +23,34 @@ LibjpegImageControl::~LibjpegImageControl() {
     if (qGuiApp != nullptr) QFontDatabase::removeApplicationFont(fontId_);
 }
 
-Task<bool> LibjpegImageControl::load(std::filesystem::path file) {
+Task<Fault> LibjpegImageControl::load(std::filesystem::path file) {
     clear();
-    std::string bytes = std::exchange(nextJpeg_, {});
-    const QSize bound = std::exchange(nextBound_, QSize());
-    if (bytes.empty()) {
-        if (auto reason = readWholeFile(file, bytes)) co_return fail(*reason);
-    }
-    JpegDecoder decoder(std::move(bytes), bound);
-    if (!decoder.begin()) co_return fail(decoder.fault());
-    while (decoder.more()) {
-        if (!decoder.decodeSlice()) co_return fail(decoder.fault());
-        co_await clock_.yield();
-    }
-    picture_ = decoder.take();
-    fullSize_ = decoder.fullSize();
-    co_return true;
+    std::string bytes;
+    if (auto reason = readWholeFile(file, bytes)) co_return reason;
+    Task<Fault> decoding = decode(bytes);
+    Fault fault = co_await decoding;
+    co_return fault;
 }
 
-void LibjpegImageControl::loadNext(std::string jpeg, QSize bound) {
-    nextJpeg_ = std::move(jpeg);
-    nextBound_ = bound;
+Task<Fault> LibjpegImageControl::decode(std::string_view jpeg, QSize bound) {
+    clear();
+    JpegDecoder decoder(jpeg, bound);
+    Task<Fault> running = run(decoder);
+    Fault fault = co_await running;
+    if (fault) co_return fault;
+    picture_ = decoder.take();
+    fullSize_ = decoder.fullSize();
+    co_return fault;
+}
+
+/// From the header to the last row.
+Task<Fault> LibjpegImageControl::run(JpegDecoder& decoder) {
+    Fault fault = decoder.begin();
+    while (!fault && decoder.more()) {
+        fault = decoder.decodeSlice();
+        if (!fault) co_await clock_.yield();
+    }
+    co_return fault;
 }
 
 void LibjpegImageControl::mirror() {
@@ -64,33 +70,27 @@ void LibjpegImageControl::drawText(const std::string& text) {
     drawStamp(picture_.pixels, QString::fromStdString(text), fontFamily_);
 }
 
-Task<bool> LibjpegImageControl::save(std::filesystem::path file, std::int16_t format,
-                                     std::int16_t factor, std::string stamp) {
-    if (picture_.pixels.isNull()) co_return fail("No picture to save");
+Task<Fault> LibjpegImageControl::save(std::filesystem::path file, std::int16_t format,
+                                      std::int16_t factor, std::string stamp) {
+    if (picture_.pixels.isNull()) co_return "No picture to save";
     if (format != kFormatExif && format != kFormat444)
-        co_return fail("Unknown picture format " + std::to_string(format));
+        co_return "Unknown picture format " + std::to_string(format);
     JpegPicture picture = picture_;
     if (format == kFormatExif)
         picture.exif =
             exifForUpright(picture.exif, stamp, picture.pixels.width(), picture.pixels.height());
     const auto form = format == kFormatExif ? JpegEncoder::Form::Exif : JpegEncoder::Form::Jfif444;
     JpegEncoder encoder(std::move(picture), form, std::clamp(100 - factor, 1, 100));
-    if (!encoder.begin()) co_return fail(encoder.fault());
+    if (Fault fault = encoder.begin()) co_return fault;
     while (encoder.more()) {
         co_await clock_.yield(); // first: mirroring and drawing have just had a slice
-        if (!encoder.encodeSlice()) co_return fail(encoder.fault());
+        if (Fault fault = encoder.encodeSlice()) co_return fault;
     }
-    if (auto reason = writeToFinalName(encoder.take(), file)) co_return fail(*reason);
-    co_return true;
+    co_return writeToFinalName(encoder.take(), file);
 }
 
 void LibjpegImageControl::clear() {
     picture_ = {};
-}
-
-bool LibjpegImageControl::fail(std::string text) {
-    fault_ = std::move(text);
-    return false;
 }
 
 } // namespace orvane

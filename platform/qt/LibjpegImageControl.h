@@ -7,7 +7,11 @@
 #include <QRect>
 #include <QString>
 
+#include <string_view>
+
 namespace orvane {
+
+class JpegDecoder;
 
 /// The imaging control on libjpeg-turbo, libexif and QPainter. Needs a QGuiApplication.
 ///
@@ -22,36 +26,32 @@ class LibjpegImageControl final : public ImageControl {
     LibjpegImageControl(const LibjpegImageControl&) = delete;
     LibjpegImageControl& operator=(const LibjpegImageControl&) = delete;
 
-    Task<bool> load(std::filesystem::path file) override;
+    Task<Fault> load(std::filesystem::path file) override;
     void mirror() override;
     void drawText(const std::string& text) override;
-    Task<bool> save(std::filesystem::path file, std::int16_t format, std::int16_t factor,
-                    std::string stamp) override;
+    Task<Fault> save(std::filesystem::path file, std::int16_t format, std::int16_t factor,
+                     std::string stamp) override;
     void clear() override;
-    const std::string& fault() const override { return fault_; }
 
+    /// Loads the picture from the bytes of a JPEG file, which outlive the task. With a `bound` it
+    /// decodes no more pixels than fitting the picture into it takes (see JpegDecoder).
+    Task<Fault> decode(std::string_view jpeg, QSize bound = {});
     /// For showing it; null without a picture.
     QImage picture() const { return picture_.pixels; }
 
-    /// The next `load` decodes `jpeg` and leaves the file alone. With a `bound` it decodes no more
-    /// pixels than fitting the picture into it takes (see JpegDecoder).
-    void loadNext(std::string jpeg, QSize bound);
     /// Keeps `part` of the picture only.
     void crop(QRect part) { picture_.pixels = picture_.pixels.copy(part); }
     /// Of the picture as it is stored; `picture` may have been decoded smaller.
     QSize fullSize() const { return fullSize_; }
 
   private:
-    bool fail(std::string text);
+    Task<Fault> run(JpegDecoder& decoder);
 
     Clock& clock_;
     int fontId_;
     QString fontFamily_;
     JpegPicture picture_;
     QSize fullSize_;
-    std::string nextJpeg_; ///< empty: `load` reads its file
-    QSize nextBound_;
-    std::string fault_;
 };
 
 } // namespace orvane

@@ -32,11 +32,12 @@ TEST(PictureDecoder, DecodesNoMorePixelsThanTheBoundNeeds) {
         {{600, 800}, {400, 400}, {300, 400}}, {{801, 3}, {100, 100}, {101, 1}},
     };
     for (const auto& [picture, bound, expected] : cases) {
-        JpegDecoder decoder(encoded(gradient(picture.width(), picture.height())), bound);
-        ASSERT_TRUE(decoder.begin());
+        const std::string jpeg = encoded(gradient(picture.width(), picture.height()));
+        JpegDecoder decoder(jpeg, bound);
+        ASSERT_EQ(decoder.begin(), std::nullopt);
         EXPECT_EQ(decoder.fullSize(), picture);
         while (decoder.more())
-            ASSERT_TRUE(decoder.decodeSlice());
+            ASSERT_EQ(decoder.decodeSlice(), std::nullopt);
         const QImage pixels = decoder.take().pixels;
         EXPECT_EQ(pixels.size(), expected) << picture.width() << " in " << bound.width();
     }

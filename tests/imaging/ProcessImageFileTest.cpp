@@ -14,8 +14,8 @@ constexpr int kDateTimeOriginal = 0x9003;
 
 class ProcessImageFileTest : public testing::Test {
   protected:
-    bool process(const ImageOptions& options, bool processingOn = true) {
-        return finish(clock_, ProcessImageFile(control_, image_, options, processingOn, fault_));
+    Fault process(const ImageOptions& options, bool processingOn = true) {
+        return finish(clock_, ProcessImageFile(control_, image_, options, processingOn));
     }
     std::vector<std::string> edited() const {
         const auto edit = folder_.path() / "Edit";
@@ -28,7 +28,6 @@ class ProcessImageFileTest : public testing::Test {
     std::string source_ = encoded(gradient(320, 240));
     JumpingClock clock_{at(2025, 6, 21, 9, 30)};
     LibjpegImageControl control_{clock_};
-    std::string fault_;
 };
 
 /// Whether anything but the gradient stands in the lower left corner.
@@ -47,9 +46,9 @@ TEST_F(ProcessImageFileTest, AppliesMirrorAndStamp) {
     for (const Case& test : {Case{0, 0, false, false}, Case{0, kOn, false, false},
                              Case{kOn, 0, true, false}, Case{kOn, kOn, true, true}}) {
         writeFile(image_, source_);
-        ASSERT_TRUE(
-            process({.Quality = 2, .LrFlg = test.LrFlg, .DateFlg = test.DateFlg, .JpegTyp = 98}))
-            << fault_;
+        ASSERT_EQ(
+            process({.Quality = 2, .LrFlg = test.LrFlg, .DateFlg = test.DateFlg, .JpegTyp = 98}),
+            std::nullopt);
         const QImage plain = gradient(320, 240).mirrored(test.mirrored, false);
         const QImage result = decoded(copy_);
         const QRect upper(0, 0, 320, 200);
@@ -63,20 +62,20 @@ TEST_F(ProcessImageFileTest, AppliesMirrorAndStamp) {
 
 TEST_F(ProcessImageFileTest, SavesInTheChosenForm) {
     writeFile(image_, source_);
-    ASSERT_TRUE(process({.Quality = 56, .JpegTyp = 10}));
+    ASSERT_EQ(process({.Quality = 56, .JpegTyp = 10}), std::nullopt);
     const JpegParts exif = partsOf(contentsOf(copy_));
     EXPECT_EQ(exif.sampling.front(), 0x22);
     EXPECT_EQ(textOf(tiffEntries(exif.tiff()), Ifd::Exif, kDateTimeOriginal),
               "2025:06:21 09:30:00");
     const auto small = std::filesystem::file_size(copy_);
-    ASSERT_TRUE(process({.Quality = 2, .JpegTyp = 98}));
+    ASSERT_EQ(process({.Quality = 2, .JpegTyp = 98}), std::nullopt);
     EXPECT_EQ(partsOf(contentsOf(copy_)).sampling.front(), 0x11);
     EXPECT_GT(std::filesystem::file_size(copy_), 2 * small);
 }
 
 TEST_F(ProcessImageFileTest, KeepsTheRawFileBesideTheProcessedOne) {
     writeFile(image_, source_);
-    ASSERT_TRUE(process({.LrFlg = kOn, .RawFlg = kOn}));
+    ASSERT_EQ(process({.LrFlg = kOn, .RawFlg = kOn}), std::nullopt);
     EXPECT_EQ(contentsOf(folder_.path() / "Edit" / "20250621" / "20250621_093000_00_raw.jpg"),
               source_);
     EXPECT_EQ(edited().size(), 3u);
@@ -84,7 +83,7 @@ TEST_F(ProcessImageFileTest, KeepsTheRawFileBesideTheProcessedOne) {
 
 TEST_F(ProcessImageFileTest, DoesNothingWhileSwitchedOff) {
     writeFile(image_, source_);
-    EXPECT_TRUE(process({.LrFlg = kOn, .RawFlg = kOn}, false));
+    EXPECT_EQ(process({.LrFlg = kOn, .RawFlg = kOn}, false), std::nullopt);
     EXPECT_EQ(edited(), std::vector<std::string>());
 }
 
@@ -92,28 +91,22 @@ TEST_F(ProcessImageFileTest, FailureLeavesNoFile) {
     const std::string damaged[] = {"<html>busy</html>", source_.substr(0, source_.size() / 2), ""};
     for (const std::string& bytes : damaged) {
         writeFile(image_, bytes);
-        fault_.clear();
-        EXPECT_FALSE(process({.RawFlg = kOn}));
-        EXPECT_NE(fault_, "");
+        EXPECT_NE(process({.RawFlg = kOn}).value_or(""), "");
         EXPECT_EQ(edited(), std::vector<std::string>());
         EXPECT_EQ(contentsOf(image_), bytes);
     }
     std::filesystem::remove(image_);
-    EXPECT_FALSE(process({}));
-    EXPECT_EQ(fault_, "No such file or directory");
+    EXPECT_EQ(process({}), "No such file or directory");
 
     writeFile(image_, source_);
-    fault_.clear();
-    EXPECT_FALSE(process({.JpegTyp = 11}));
-    EXPECT_EQ(fault_, "Unknown picture format 11");
+    EXPECT_EQ(process({.JpegTyp = 11}), "Unknown picture format 11");
     EXPECT_EQ(edited(), std::vector<std::string>{"20250621"});
 }
 
 TEST_F(ProcessImageFileTest, FolderThatCannotBeMadeIsAFault) {
     writeFile(image_, source_);
     writeFile(folder_.path() / "Edit", "a file of the user's");
-    EXPECT_FALSE(process({.RawFlg = kOn}));
-    EXPECT_NE(fault_, "");
+    EXPECT_NE(process({.RawFlg = kOn}).value_or(""), "");
     EXPECT_TRUE(control_.picture().isNull());
     EXPECT_EQ(contentsOf(folder_.path() / "Edit"), "a file of the user's");
 }
@@ -122,7 +115,7 @@ TEST_F(ProcessImageFileTest, MayBeDestroyedAtAnyWait) {
     writeFile(image_, encoded(gradient(1500, 1000)));
     for (int waits = 1;; ++waits) {
         const ImageOptions options{.LrFlg = kOn, .DateFlg = kOn, .RawFlg = kOn};
-        Task<bool> task = ProcessImageFile(control_, image_, options, true, fault_);
+        Task<Fault> task = ProcessImageFile(control_, image_, options, true);
         task.start();
         int left = waits;
         clock_.runUntil([&] { return task.done() || --left == 0; }, std::chrono::hours(1));

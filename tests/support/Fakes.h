@@ -150,27 +150,21 @@ class FakeOperator final : public Operator {
 /// Processes by copying the loaded bytes.
 class FakeImageControl final : public ImageControl {
   public:
-    Task<bool> load(std::filesystem::path file) override {
-        const std::optional<std::string> reason =
-            failure.empty() ? readWholeFile(file, bytes_) : failure;
-        fault_ = reason.value_or("");
-        co_return !reason;
+    Task<Fault> load(std::filesystem::path file) override {
+        if (!failure.empty()) co_return failure;
+        co_return readWholeFile(file, bytes_);
     }
     void mirror() override { bytes_ += "mirrored"; }
     void drawText(const std::string& text) override { bytes_ += text; }
-    Task<bool> save(std::filesystem::path file, std::int16_t, std::int16_t, std::string) override {
-        const auto reason = writeToFinalName(bytes_, file);
-        fault_ = reason.value_or("");
-        co_return !reason;
+    Task<Fault> save(std::filesystem::path file, std::int16_t, std::int16_t, std::string) override {
+        co_return writeToFinalName(bytes_, file);
     }
     void clear() override { bytes_.clear(); }
-    const std::string& fault() const override { return fault_; }
 
     std::string failure; ///< not empty: loading fails with it
 
   private:
     std::string bytes_;
-    std::string fault_;
 };
 
 class FakeViews final : public ImageViews {

@@ -45,7 +45,7 @@ inline void show(QWidget& window) {
 /// The main window over a station whose main loop does not run.
 struct Window : TestStation {
     explicit Window(Operator& asked)
-        : TestStation(at(2006, 11, 15, 8, 0)), pictures(clock, asked, module),
+        : TestStation(at(2006, 11, 15, 8, 0)), pictures(clock, asked, module, control),
           shutdown(settings, store, busy, asked, [this] { ++ended; }),
           main({{panel, recording, settings, camera, imageStore, folderScan, tasks},
                 module,
@@ -63,6 +63,7 @@ struct Window : TestStation {
     ~Window() { tasks.clear(); }
 
     int ended = 0;
+    LibjpegImageControl control{clock};
     QtImageViews pictures;
     FakeSystemInfo systemInfo;
     Shutdown shutdown;

@@ -313,7 +313,8 @@ TEST_F(Ui, CountdownExits) {
 
 TEST_F(Ui, ThumbnailsAreDecodedOnce) {
     TempFolder folder;
-    PictureLoader loader(clock);
+    LibjpegImageControl control(clock);
+    PictureLoader loader(clock, control);
     ThumbnailStrip strip(loader);
     ThumbnailStrip::History history;
     const auto file = [&](int hour) {

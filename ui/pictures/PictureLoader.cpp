@@ -70,18 +70,18 @@ Task<std::string> PictureLoader::read(std::filesystem::path file, QByteArray& jp
 /// Leaves the processed picture, or its part, in `control_`.
 Task<std::string> PictureLoader::decode(PictureSource source, QSize bound) {
     ++decodeCount_;
-    std::string fault;
     // A part is cut out of the whole picture: in a smaller one its edges would not be the same.
-    control_.loadNext(source.jpeg.toStdString(), source.part.isNull() ? bound : QSize());
-    Task<bool> loading = LoadProcessedImage(control_, source.file, source.processing, fault);
-    const bool loaded = co_await loading;
-    if (!loaded) co_return sentence(kNoPicture, fault);
+    Task<Fault> decoding =
+        control_.decode(bytesOf(source.jpeg), source.part.isNull() ? bound : QSize());
+    const Fault fault = co_await decoding;
+    if (fault) co_return sentence(kNoPicture, *fault);
+    applyOptions(control_, source.processing, source.file);
     if (!source.part.isNull()) {
         co_await clock_.yield();
         control_.crop(source.part & QRect({}, control_.fullSize()));
     }
-    if (control_.picture().isNull()) fault = sentence(kNoPicture, "It has no such part");
-    co_return fault;
+    if (control_.picture().isNull()) co_return sentence(kNoPicture, "It has no such part");
+    co_return std::string();
 }
 
 Task<LoadedPicture> PictureLoader::load(PictureSource source, QSize bound) {
@@ -120,10 +120,10 @@ Task<std::string> PictureLoader::save(PictureSource source, std::filesystem::pat
     Task<std::string> decoding = decode(source, {});
     fault = co_await decoding;
     if (fault.empty()) {
-        Task<bool> saving =
+        Task<Fault> saving =
             control_.save(target, form.JpegTyp, form.Quality, exifStampOf(source.file));
-        const bool saved = co_await saving;
-        if (!saved) fault = control_.fault();
+        const Fault unsaved = co_await saving;
+        fault = unsaved.value_or("");
     }
     co_return fault;
 }
@@ -133,10 +133,9 @@ Task<std::string> PictureLoader::writeProcessedCopy(std::filesystem::path image,
     while (taken_)
         co_await clock_.sleep(kTurnPoll);
     const Turn turn(*this);
-    std::string fault;
-    Task<bool> processing = ProcessImageFile(control_, image, options, processingOn, fault);
-    const bool processed = co_await processing;
-    co_return processed ? std::string() : fault;
+    Task<Fault> processing = ProcessImageFile(control_, image, options, processingOn);
+    const Fault fault = co_await processing;
+    co_return fault.value_or("");
 }
 
 } // namespace orvane

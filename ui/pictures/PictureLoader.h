@@ -32,10 +32,10 @@ struct LoadedPicture {
 
 /// Decodes and saves the pictures of all windows, one at a time, so that no more than one picture
 /// is ever held whole for it, and in slices, so that the windows stay alive. Whoever awaits its
-/// tasks may destroy them at any point; it must outlive them.
+/// tasks may destroy them at any point; it must outlive them. Nobody else uses its `control`.
 class PictureLoader {
   public:
-    explicit PictureLoader(Clock& clock) : clock_(clock), control_(clock) {}
+    PictureLoader(Clock& clock, LibjpegImageControl& control) : clock_(clock), control_(control) {}
 
     /// The picture no larger than `bound`, or whole without one.
     Task<LoadedPicture> load(PictureSource source, QSize bound);
@@ -69,7 +69,7 @@ class PictureLoader {
     Task<std::string> decode(PictureSource source, QSize bound);
 
     Clock& clock_;
-    LibjpegImageControl control_;
+    LibjpegImageControl& control_;
     bool taken_ = false;
     int decodeCount_ = 0;
 };

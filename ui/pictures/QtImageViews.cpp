@@ -9,8 +9,9 @@
 
 namespace orvane {
 
-QtImageViews::QtImageViews(Clock& clock, Operator& op, const Module1& module)
-    : op_(op), clock_(clock), module_(module), loader_(clock),
+QtImageViews::QtImageViews(Clock& clock, Operator& op, const Module1& module,
+                           LibjpegImageControl& control)
+    : op_(op), clock_(clock), module_(module), loader_(clock, control),
       tasks_([this](const std::exception_ptr& fault) {
           tasks_.spawn(op_.tell("A fault occurred: " + textOf(fault)));
       }) {}

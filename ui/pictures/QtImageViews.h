@@ -12,12 +12,12 @@ namespace orvane {
 
 /// The picture windows inside the main window: one for the latest picture, one for each picture
 /// that the operator opened, up to `kMaxWindows`. Exists before the main window does; until
-/// `attach` nothing is shown.
+/// `attach` nothing is shown. `control` is theirs alone.
 class QtImageViews final : public ImageViews {
   public:
     static constexpr int kMaxWindows = 24; ///< bounds the memory: each keeps a screenful of pixels
 
-    QtImageViews(Clock& clock, Operator& op, const Module1& module);
+    QtImageViews(Clock& clock, Operator& op, const Module1& module, LibjpegImageControl& control);
 
     void attach(PictureArea* area, ThumbnailStrip* strip);
     /// Decodes for every view.
