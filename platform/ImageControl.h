@@ -19,6 +19,11 @@ class ImageControl {
     virtual ~ImageControl() = default;
     /// Decodes a JPEG file, turned upright by its EXIF orientation.
     virtual Task<Fault> load(std::filesystem::path file) = 0;
+    /// Judges the JPEG file in `jpeg`, which outlives the task. A sound one decodes to its end
+    /// without an error, lost data or a part that never came; kinds that `load` refuses, such as
+    /// CMYK, may be sound, but none beyond 100 megapixels or 200 scans, or coded in a way that
+    /// cannot be decoded at all. The picture in the control stays as it is.
+    virtual Task<Fault> check(const std::string& jpeg) = 0;
     virtual void mirror() = 0; ///< left to right
     /// Draws `text` into the lower left corner, white with a thin dark outline.
     virtual void drawText(const std::string& text) = 0;

@@ -33,7 +33,8 @@ std::string_view contents(const jpeg_marker_struct& marker) {
 
 } // namespace
 
-JpegDecoder::JpegDecoder(std::string_view jpeg, QSize bound) : jpeg_(jpeg), bound_(bound) {
+JpegDecoder::JpegDecoder(std::string_view jpeg, QSize bound, Purpose purpose)
+    : jpeg_(jpeg), bound_(bound), purpose_(purpose) {
     info_.err = &errors_;
 }
 
@@ -56,9 +57,11 @@ Fault JpegDecoder::begin() {
 }
 
 Fault JpegDecoder::decodeSlice() {
-    const bool ok = stage_ == Stage::Scans ? readScans() : readRows();
+    const bool scans = stage_ == Stage::Scans;
+    const bool ok = scans ? readScans() : readRows();
     if (!ok || errors_.corrupt) return errors_.text;
     if (info_.input_scan_number > kScanLimit) return "Too many scans";
+    if (scans && stage_ == Stage::Done && !isComplete()) return "Parts of the picture are missing";
     return std::nullopt;
 }
 
@@ -67,9 +70,11 @@ bool JpegDecoder::readHeader() {
     jpeg_create_decompress(&info_);
     jpeg_mem_src(&info_, reinterpret_cast<const unsigned char*>(jpeg_.data()),
                  static_cast<unsigned long>(jpeg_.size()));
-    jpeg_save_markers(&info_, kExifMarker, 0xFFFF);
-    jpeg_save_markers(&info_, kIccMarker, 0xFFFF);
-    jpeg_save_markers(&info_, JPEG_COM, 0xFFFF);
+    if (purpose_ == Purpose::Picture) {
+        jpeg_save_markers(&info_, kExifMarker, 0xFFFF);
+        jpeg_save_markers(&info_, kIccMarker, 0xFFFF);
+        jpeg_save_markers(&info_, JPEG_COM, 0xFFFF);
+    }
     jpeg_read_header(&info_, TRUE);
     return true;
 }
@@ -78,7 +83,8 @@ Fault JpegDecoder::refusal() const {
     if (std::uint64_t{info_.image_width} * info_.image_height > kPixelLimit)
         return "Picture of " + std::to_string(info_.image_width) + " x " +
                std::to_string(info_.image_height) + " pixels is too large";
-    if (info_.num_components == 4) return "CMYK pictures are not supported";
+    if (purpose_ == Purpose::Picture && info_.num_components == 4)
+        return "CMYK pictures are not supported";
     return std::nullopt;
 }
 
@@ -109,7 +115,7 @@ bool JpegDecoder::readProfile(JOCTET** profile, unsigned* size) {
 
 void JpegDecoder::chooseEighths() {
     info_.scale_denom = kEighths;
-    info_.scale_num = kEighths;
+    info_.scale_num = purpose_ == Purpose::Check ? 1 : kEighths;
     if (!bound_.isValid()) return;
     const QSize fitted = fullSize_.scaled(bound_, Qt::KeepAspectRatio);
     const auto reaches = [&](unsigned eighths) {
@@ -130,6 +136,10 @@ bool JpegDecoder::scale() {
 
 /// The eight orientations of EXIF tag 0x0112.
 bool JpegDecoder::allocate(int orientation) {
+    if (purpose_ == Purpose::Check) {
+        row_.resize(std::size_t{info_.output_width} * static_cast<unsigned>(info_.num_components));
+        return true;
+    }
     const bool transposed = isTransposed(orientation);
     const int width = static_cast<int>(transposed ? info_.output_height : info_.output_width);
     const int height = static_cast<int>(transposed ? info_.output_width : info_.output_height);
@@ -152,7 +162,7 @@ bool JpegDecoder::allocate(int orientation) {
 
 bool JpegDecoder::start() {
     if (setjmp(errors_.escape) != 0) return false;
-    info_.out_color_space = kRgb32;
+    info_.out_color_space = purpose_ == Purpose::Check ? info_.jpeg_color_space : kRgb32;
     info_.buffered_image = jpeg_has_multiple_scans(&info_);
     if (info_.buffered_image) stage_ = Stage::Scans;
     jpeg_start_decompress(&info_);
@@ -165,8 +175,8 @@ bool JpegDecoder::readScans() {
     const unsigned step = static_cast<unsigned>(info_.max_v_samp_factor) * DCTSIZE;
     for (unsigned done = 0; done < rows; done += step) {
         if (jpeg_consume_input(&info_) != JPEG_REACHED_EOI) continue;
-        jpeg_start_output(&info_, info_.input_scan_number);
-        stage_ = Stage::Rows;
+        stage_ = purpose_ == Purpose::Check ? Stage::Done : Stage::Rows;
+        if (stage_ == Stage::Rows) jpeg_start_output(&info_, info_.input_scan_number);
         break;
     }
     return true;
@@ -182,12 +192,25 @@ bool JpegDecoder::readRows() {
         JSAMPROW target = reinterpret_cast<JSAMPROW>(
             inPlace ? origin_ + info_.output_scanline * yStep_ : row_.data());
         jpeg_read_scanlines(&info_, &target, 1);
-        if (!inPlace) scatter(row_.data());
+        if (!inPlace && purpose_ == Purpose::Picture) scatter(row_.data());
     }
     if (info_.output_scanline < info_.output_height) return true;
     if (info_.buffered_image) jpeg_finish_output(&info_);
     jpeg_finish_decompress(&info_);
     stage_ = Stage::Done;
+    return true;
+}
+
+/// Whether a file with several scans brought every component and every bit of it: one that was cut
+/// between two scans is read without a warning.
+bool JpegDecoder::isComplete() const {
+    for (int i = 0; i < info_.num_components; ++i) {
+        if (info_.comp_info[i].quant_table == nullptr) return false; // set by its first scan
+        if (info_.coef_bits == nullptr) continue;                    // not progressive
+        const int* missingBits = info_.coef_bits[i];
+        if (std::any_of(missingBits, missingBits + DCTSIZE2, [](int bits) { return bits != 0; }))
+            return false;
+    }
     return true;
 }
 

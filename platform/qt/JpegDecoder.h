@@ -15,15 +15,22 @@ namespace orvane {
 /// May be destroyed at any point. After a fault it is used up.
 class JpegDecoder {
   public:
+    enum class Purpose {
+        Picture, ///< its pixels and markers; what cannot be shown in colour is refused
+        Check,   ///< whether the data are sound and whole, of any kind; no pixel is kept
+    };
+
     /// `jpeg` outlives the decoder. With a `bound`, in pixels of the upright picture, the picture
     /// is decoded in the smallest eighth of its size from which it can still be fitted into `bound`
-    /// without enlarging it.
-    explicit JpegDecoder(std::string_view jpeg, QSize bound = {});
+    /// without enlarging it. A check is made at an eighth of the size.
+    explicit JpegDecoder(std::string_view jpeg, QSize bound = {},
+                         Purpose purpose = Purpose::Picture);
     ~JpegDecoder();
     JpegDecoder(const JpegDecoder&) = delete;
     JpegDecoder& operator=(const JpegDecoder&) = delete;
 
-    /// Reads the header and refuses what cannot be decoded: more than 100 megapixels, CMYK.
+    /// Reads the header and refuses what will not be decoded: more than 100 megapixels, and CMYK
+    /// unless it is only checked.
     Fault begin();
     bool more() const { return stage_ != Stage::Done; }
     Fault decodeSlice();
@@ -32,7 +39,8 @@ class JpegDecoder {
     QSize fullSize() const { return fullSize_; }
 
   private:
-    /// Files with several scans are read to their end before the first row comes out.
+    /// Files with several scans are read to their end before the first row comes out. A check ends
+    /// there: their rows would tell nothing new.
     enum class Stage { Scans, Rows, Done };
 
     // Calls into the library: each sets the escape point and has only trivial locals.
@@ -44,6 +52,7 @@ class JpegDecoder {
     bool readRows();
 
     Fault refusal() const;
+    bool isComplete() const;
     void keepMarkers();
     void chooseEighths();
     bool allocate(int orientation);
@@ -51,6 +60,7 @@ class JpegDecoder {
 
     std::string_view jpeg_;
     QSize bound_;
+    Purpose purpose_;
     QSize fullSize_;
     JpegErrors errors_;
     jpeg_decompress_struct info_{};
@@ -62,7 +72,7 @@ class JpegDecoder {
     std::uint32_t* origin_ = nullptr;
     std::ptrdiff_t xStep_ = 1;
     std::ptrdiff_t yStep_ = 0;
-    std::vector<std::uint32_t> row_; ///< used unless the rows can be decoded in place
+    std::vector<std::uint32_t> row_; ///< used unless the rows are decoded in place
 };
 
 } // namespace orvane

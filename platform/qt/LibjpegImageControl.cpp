@@ -43,6 +43,13 @@ Task<Fault> LibjpegImageControl::decode(std::string_view jpeg, QSize bound) {
     co_return fault;
 }
 
+Task<Fault> LibjpegImageControl::check(const std::string& jpeg) {
+    JpegDecoder decoder(jpeg, {}, JpegDecoder::Purpose::Check);
+    Task<Fault> running = run(decoder);
+    Fault fault = co_await running;
+    co_return fault;
+}
+
 /// From the header to the last row.
 Task<Fault> LibjpegImageControl::run(JpegDecoder& decoder) {
     Fault fault = decoder.begin();

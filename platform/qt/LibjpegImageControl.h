@@ -27,6 +27,7 @@ class LibjpegImageControl final : public ImageControl {
     LibjpegImageControl& operator=(const LibjpegImageControl&) = delete;
 
     Task<Fault> load(std::filesystem::path file) override;
+    Task<Fault> check(const std::string& jpeg) override;
     void mirror() override;
     void drawText(const std::string& text) override;
     Task<Fault> save(std::filesystem::path file, std::int16_t format, std::int16_t factor,

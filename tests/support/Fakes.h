@@ -154,6 +154,10 @@ class FakeImageControl final : public ImageControl {
         if (!failure.empty()) co_return failure;
         co_return readWholeFile(file, bytes_);
     }
+    Task<Fault> check(const std::string&) override {
+        if (unsound.empty()) co_return std::nullopt;
+        co_return unsound;
+    }
     void mirror() override { bytes_ += "mirrored"; }
     void drawText(const std::string& text) override { bytes_ += text; }
     Task<Fault> save(std::filesystem::path file, std::int16_t, std::int16_t, std::string) override {
@@ -162,6 +166,7 @@ class FakeImageControl final : public ImageControl {
     void clear() override { bytes_.clear(); }
 
     std::string failure; ///< not empty: loading fails with it
+    std::string unsound; ///< not empty: what is checked is damaged so
 
   private:
     std::string bytes_;
