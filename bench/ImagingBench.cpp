@@ -192,6 +192,37 @@ BENCHMARK(longestSlice)
     ->Args({4000, 3000})
     ->Unit(benchmark::kMillisecond);
 
+/// The soundness check and, taking turns with it in the same loop, the full decoding of the same
+/// bytes. "ratio" is the one over the other; the time shown is that of the check alone.
+void soundnessCheck(benchmark::State& state) {
+    const std::string& jpeg = cameraPicture(state);
+    test::JumpingClock clock(test::at(2025, 6, 21, 9, 30));
+    LibjpegImageControl control(clock);
+    const auto seconds = [&](Task<Fault> task) {
+        const auto start = std::chrono::steady_clock::now();
+        task.start();
+        clock.runUntil([&] { return task.done(); }, std::chrono::hours(1));
+        if (task.result()) state.SkipWithError("the picture is refused");
+        return secondsSince(start);
+    };
+    double checking = 0;
+    double decoding = 0;
+    for (auto _ : state) {
+        const double taken = seconds(control.check(jpeg));
+        state.SetIterationTime(taken);
+        checking += taken;
+        decoding += seconds(control.decode(jpeg));
+    }
+    state.counters["ratio"] = checking / decoding;
+    state.counters["decode_ms"] = 1000 * decoding / static_cast<double>(state.iterations());
+}
+BENCHMARK(soundnessCheck)
+    ->ArgNames({"w", "h"})
+    ->Args({1280, 960})
+    ->Args({4000, 3000})
+    ->UseManualTime()
+    ->Unit(benchmark::kMillisecond);
+
 void wholeJpegCheck(benchmark::State& state) {
     const std::string& jpeg = cameraPicture(state);
     for (auto _ : state)
