@@ -213,9 +213,8 @@ void frmMain::mnuFileSaveOptions_Click() {
 
 void frmMain::mnuFileExit_Click() {
     parts_.shutdown.mnuFileExit_Click();
-    exiting_ = true;
+    const Scope exiting(exiting_);
     close();
-    exiting_ = false;
 }
 
 void frmMain::mnuCOMSelect_Click() {
