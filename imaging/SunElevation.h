@@ -2,7 +2,6 @@
 
 #include <array>
 #include <chrono>
-#include <cstddef>
 #include <optional>
 
 namespace orvane {

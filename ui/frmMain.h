@@ -8,8 +8,6 @@
 #include <QDeadlineTimer>
 #include <QMainWindow>
 
-#include <filesystem>
-
 class QMenu;
 
 namespace orvane {
