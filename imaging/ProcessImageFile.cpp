@@ -10,8 +10,6 @@ namespace orvane {
 
 namespace {
 
-constexpr std::int16_t kSet = -1;
-
 /// The last 22 characters of a path, the length of an image name, addressed from 1. A character is
 /// a UTF-8 sequence; bytes that are no UTF-8 stay with the character before them.
 class NameTail {
@@ -90,8 +88,8 @@ Task<bool> LoadProcessedImage(ImageControl& control, std::filesystem::path image
         fault = control.fault();
         co_return false;
     }
-    if (options.LrFlg == kSet) control.mirror();
-    if (options.LrFlg == kSet && options.DateFlg == kSet) control.drawText(stampTextOf(image));
+    if (isSet(options.LrFlg)) control.mirror();
+    if (isSet(options.LrFlg) && isSet(options.DateFlg)) control.drawText(stampTextOf(image));
     co_return true;
 }
 
@@ -113,7 +111,7 @@ Task<bool> ProcessImageFile(ImageControl& control, std::filesystem::path image,
     const bool saved = co_await saving;
     if (!saved) fault = control.fault();
     control.clear();
-    if (saved && options.RawFlg == kSet) {
+    if (saved && isSet(options.RawFlg)) {
         if (auto reason = copyToFinalName(image, rawPathOf(image))) {
             fault = *reason;
             co_return false;

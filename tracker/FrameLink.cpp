@@ -45,8 +45,8 @@ std::vector<std::uint8_t> MakeFrame(std::uint8_t cmd, const std::string& data) {
 
 bool FrameLink::initCommunication() {
     module_.replyTicks = 0;
-    portNumber_ = toInt16(store_.GetSetting("Communication", "Port", "1")).value_or(0);
-    if (MSComm1_.open(portNumber_, kLineSettings)) return true;
+    const std::int16_t port = toInt16(storedPort(store_)).value_or(0);
+    if (MSComm1_.open(port, kLineSettings)) return true;
     return fail("initCommunication:COM Port EEROR");
 }
 

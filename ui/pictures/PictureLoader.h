@@ -20,7 +20,7 @@ struct PictureSource {
     QRect part;                 ///< of the upright, processed picture; null: all
 
     /// Whether what is shown differs from the JPEG's own bytes.
-    bool isAltered() const { return processing.LrFlg == -1 || !part.isNull(); }
+    bool isAltered() const { return isSet(processing.LrFlg) || !part.isNull(); }
 };
 
 struct LoadedPicture {
