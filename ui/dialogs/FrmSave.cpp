@@ -27,14 +27,6 @@ QGroupBox* group(const QString& title, std::initializer_list<QWidget*> widgets) 
     return box;
 }
 
-template <class Control>
-Control* control(const QString& name, const QString& caption, const QString& tip) {
-    auto* made = new Control(caption);
-    made->setObjectName(name);
-    made->setToolTip(tip);
-    return made;
-}
-
 } // namespace
 
 FrmSave::FrmSave(ImageOptions& options, QWidget* parent) : QDialog(parent), options_(options) {
@@ -98,7 +90,7 @@ QRadioButton* FrmSave::quality(const char* name, const QString& caption, std::in
 }
 
 QLayout* FrmSave::delayRow() {
-    auto* label = control<QLabel>("Label1", "画像取込遅延時間[sec] 　　 5sec以上に設定", {});
+    auto* label = control<QLabel>("Label1", "画像取込遅延時間[sec] 　　 5sec以上に設定");
     txt_delay_ = control<QLineEdit>("txt_delay", "15",
                                     "Seconds to wait before a picture is fetched; 5 or more.");
     txt_delay_->setAccessibleName(label->text());
