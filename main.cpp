@@ -151,8 +151,7 @@ class Program {
     TrackerCommands commands_{link_};
     PortSelection portSelection_{store_, *MSComm1_, log_, op_};
     TimeSettingForm timeForm_;
-    TimeSetting timeSetting_{timeForm_, module_, panel_, commands_, *wbSystemTm_,
-                             log_,      op_,     clock_, busy_};
+    TimeSetting timeSetting_{timeForm_, panel_, commands_, *wbSystemTm_, log_, op_, clock_, busy_};
     OptionForm optionForm_;
     TrackerOptions options_{optionForm_,           module_, commands_, log_, op_, busy_,
                             [this] { takeSite(); }};

@@ -24,34 +24,6 @@ constexpr const char* kError = "DownLoad Error ?";
 
 } // namespace
 
-/// A run in progress, as the panel and the rest of the station see it.
-class ImageStore::Running {
-  public:
-    explicit Running(ImageStore& store) : store_(store), busy_(store.parts_.busy) { set(true); }
-    Running(const Running&) = delete;
-    ~Running() {
-        store_.download_.expect({});
-        set(false);
-        // a run may end with the button locked, and recording must always be stoppable
-        const Module1& module = store_.parts_.module;
-        store_.parts_.panel.Command2.enabled = module.RecordFlg && !module.capturing;
-    }
-
-  private:
-    void set(bool running) {
-        OperationPanel& panel = store_.parts_.panel;
-        store_.running_ = running;
-        panel.Command4.enabled = !running;
-        panel.cmd_Download.enabled = !running;
-        panel.Command6.enabled = running;
-        panel.pgb_run.maximum = 0;
-        panel.pgb_run.visible = running;
-    }
-
-    ImageStore& store_;
-    Busy::Hold busy_;
-};
-
 Task<> ImageStore::Test_DL() {
     return run(Chain::Search, {});
 }
@@ -74,7 +46,8 @@ void ImageStore::Command6_Click() {
 /// What nobody foresaw ends the run, not the program.
 Task<> ImageStore::run(Chain chain, Start start) {
     if (running_) co_return;
-    const Running running(*this);
+    const Busy::Hold busy(parts_.busy);
+    const Scope running([this](bool on) { setRunning(on); });
     try {
         Task<> pages = runPages(chain, start);
         co_await pages;
@@ -82,6 +55,21 @@ Task<> ImageStore::run(Chain chain, Start start) {
         parts_.panel.Label7.caption = kError;
         parts_.log.write(std::string("ImageStore:") + fault.what());
     }
+}
+
+/// A run in progress, as the panel and the rest of the station see it.
+void ImageStore::setRunning(bool running) {
+    OperationPanel& panel = parts_.panel;
+    running_ = running;
+    panel.Command4.enabled = !running;
+    panel.cmd_Download.enabled = !running;
+    panel.Command6.enabled = running;
+    panel.pgb_run.maximum = 0;
+    panel.pgb_run.visible = running;
+    if (running) return;
+    download_.expect({});
+    // a run may end with the button locked, and recording must always be stoppable
+    panel.Command2.enabled = parts_.module.RecordFlg && !parts_.module.capturing;
 }
 
 Task<> ImageStore::runPages(Chain chain, Start start) {

@@ -50,8 +50,8 @@ class ImageStore {
         bool editFolders = false; ///< make the folders of the processed copies too
         bool tellSilence = false; ///< tell when no reply comes within ten seconds
     };
-    class Running;
 
+    void setRunning(bool running);
     Task<> run(Chain chain, Start start);
     Task<> runPages(Chain chain, Start start);
     void begin(const Start& start);

@@ -27,11 +27,11 @@ Task<> DailyClocks::run() {
     showDialog_(true);
     Task<> camera = setting_.activate();
     co_await camera;
-    Task<bool> tracker = setting_.setTrackerClock(true);
-    const bool confirmed = co_await tracker;
+    Task<std::optional<std::string>> tracker = setting_.setTrackerClock(true);
+    const std::optional<std::string> fault = co_await tracker;
     showDialog_(false);
     warnings_.set(Warnings::Cause::ClockSetting,
-                  confirmed ? "" : "The daily clock setting failed: " + setting_.lastMessage());
+                  fault ? "The daily clock setting failed: " + *fault : "");
 }
 
 } // namespace orvane

@@ -3,97 +3,122 @@
 #include "platform/Conversions.h"
 #include "platform/Paths.h"
 
-#include <array>
-#include <cmath>
-#include <utility>
+#include <algorithm>
+#include <variant>
+#include <vector>
 
 namespace orvane {
 
 namespace {
 
-/// The schedule fields that are stored, in the order of loading and saving.
-struct StoredField {
-    std::size_t index;
-    const char* key;
-    const char* fallback;
-};
-constexpr std::array<StoredField, 6> kStoredFields{{{0, "StartHour", "9"},
-                                                    {1, "StartMinute", "0"},
-                                                    {2, "EndHour", "17"},
-                                                    {3, "EndMinute", "0"},
-                                                    {5, "IntervalMinute", "30"},
-                                                    {6, "IntervalSecond", "00"}}};
+constexpr const char* kFolderSection = "DataPath";
+constexpr const char* kFolderKey = "PathDataFile";
 
-/// Reads typed values from the store; remembers the first text that could not be read.
-class Reader {
-  public:
-    explicit Reader(const SettingsStore& store) : store_(store) {}
-
-    std::string text(const char* section, const char* key, const char* fallback) const {
-        return store_.GetSetting(section, key, fallback);
-    }
-    bool flag(const char* key) const { return text("Settings", key, "0") != "0"; }
-    void number(const char* section, const char* key, const char* fallback, double& value) {
-        convert(section, key, fallback, value, toDouble);
-    }
-    void number(const char* section, const char* key, const char* fallback, std::int16_t& value) {
-        convert(section, key, fallback, value, toInt16);
-    }
-    const std::optional<std::string>& fault() const { return fault_; }
-
-  private:
-    template <class T>
-    void convert(const char* section, const char* key, const char* fallback, T& value,
-                 std::optional<T> (*read)(std::string_view)) {
-        if (fault_) return;
-        const std::string stored = text(section, key, fallback);
-        if (const std::optional<T> converted = read(stored)) {
-            value = *converted;
-            return;
-        }
-        fault_ = std::string("The stored setting ") + section + " / " + key + " holds \"" + stored +
-                 "\", which is not a usable number.";
-    }
-
-    const SettingsStore& store_;
-    std::optional<std::string> fault_;
-};
-
-std::int16_t asFlag(bool set) {
-    return set ? -1 : 0;
+/// Replaces `value` by what was read; false when nothing was.
+template <class Number>
+bool take(std::optional<Number> read, Number& value) {
+    if (read) value = *read;
+    return read.has_value();
 }
-const char* flagText(std::int16_t flag) {
-    return flag != 0 ? "1" : "0";
+
+/// A schedule field and the spinner beside it.
+struct Field {
+    TextBox* box;
+    Spinner* spinner;
+};
+struct Flag {
+    std::int16_t* value;
+};
+/// What a stored text stands for, in the order of loading: all that may be no number comes before
+/// the flags and texts, which a fault leaves as they are.
+using Target = std::variant<Field, double*, std::int16_t*, Flag, Value<bool>*, Value<std::string>*>;
+
+struct Setting {
+    const char* section;
+    const char* key;
+    const char* fallback; ///< its text while nothing is stored
+    Target target;
+};
+
+/// Takes a setting's text; false: it is not usable.
+struct Load {
+    const std::string& text;
+
+    bool operator()(Field field) const {
+        field.box->text = text;
+        const double value = leadingNumber(text);
+        if (value >= 0 && value <= 59) field.spinner->value = static_cast<int>(value);
+        return true;
+    }
+    bool operator()(double* value) const { return take(toDouble(text), *value); }
+    bool operator()(std::int16_t* value) const { return take(toInt16(text), *value); }
+    bool operator()(Flag flag) const {
+        *flag.value = asFlag(text != "0");
+        return true;
+    }
+    bool operator()(Value<bool>* ticked) const {
+        *ticked = text != "0";
+        return true;
+    }
+    bool operator()(Value<std::string>* value) const {
+        *value = text;
+        return true;
+    }
+};
+
+/// A setting as it stands, as the text to store.
+struct Save {
+    std::string operator()(Field field) const { return field.box->text; }
+    std::string operator()(const double* value) const { return toText(*value); }
+    std::string operator()(const std::int16_t* value) const { return std::to_string(*value); }
+    std::string operator()(Flag flag) const { return isSet(*flag.value) ? "1" : "0"; }
+    std::string operator()(const Value<bool>* ticked) const { return *ticked ? "1" : "0"; }
+    std::string operator()(const Value<std::string>* value) const { return *value; }
+};
+
+/// Every setting that `writeSetup` saves, in the order of saving.
+std::vector<Setting> settingsOf(Module1& module, OperationPanel& panel) {
+    SiteValues& site = module.site;
+    ImageOptions& image = module.image;
+    const auto field = [&](std::size_t index) {
+        return Field{&panel.Text1[index], &panel.UpDown1[index]};
+    };
+    return {{"Operation", "StartHour", "9", field(0)},
+            {"Operation", "StartMinute", "0", field(1)},
+            {"Operation", "EndHour", "17", field(2)},
+            {"Operation", "EndMinute", "0", field(3)},
+            {"Operation", "IntervalMinute", "30", field(5)},
+            {"Operation", "IntervalSecond", "00", field(6)},
+            {"Operation", "Latitude", "35.738", &site.latitude},
+            {"Operation", "Longitude", "139.315", &site.longitude},
+            {"Operation", "Tz", "540", &site.Tz},
+            {"Settings", "Quality", "24", &image.Quality},
+            {"Settings", "LrFlg", "0", Flag{&image.LrFlg}},
+            {"Settings", "DateFlg", "0", Flag{&image.DateFlg}},
+            {"Settings", "Delay", "15", &image.Delay},
+            {"Settings", "JpegTyp", "10", &image.JpegTyp},
+            {"Settings", "RawFlg", "0", Flag{&image.RawFlg}},
+            {"Settings", "AdjTime", "1", &module.AdjTime},
+            {"Settings", "FillGaps", "1", &panel.chk_fill.ticked},
+            {"Settings", "IP", "192.168.0.10", &panel.txtIp.text},
+            {"Settings", "IP-Port", "80", &panel.txtPort.text}};
 }
 
 } // namespace
 
 std::optional<std::string> PanelSettings::initOperation() {
-    Reader reader(store_);
-    for (const auto& [index, key, fallback] : kStoredFields) {
-        panel_.Text1[index].text = reader.text("Operation", key, fallback);
-        const double value = leadingNumber(panel_.Text1[index].text.get());
-        if (value >= 0 && value <= 59) panel_.UpDown1[index].value = static_cast<int>(value);
+    std::vector<Setting> settings = settingsOf(module_, panel_);
+    std::ranges::stable_sort(settings, {}, [](const Setting& s) { return s.target.index(); });
+    for (const auto& [section, key, fallback, target] : settings) {
+        const std::string text = store_.GetSetting(section, key, fallback);
+        if (!std::visit(Load{text}, target))
+            return std::string("The stored setting ") + section + " / " + key + " holds \"" + text +
+                   "\", which is not a usable number.";
     }
-    reader.number("Operation", "Latitude", "35.738", module_.site.latitude);
-    reader.number("Operation", "Longitude", "139.315", module_.site.longitude);
-    reader.number("Operation", "Tz", "540", module_.site.Tz);
-    reader.number("Settings", "Quality", "24", module_.image.Quality);
-    reader.number("Settings", "Delay", "15", module_.image.Delay);
-    reader.number("Settings", "JpegTyp", "10", module_.image.JpegTyp);
-    reader.number("Settings", "AdjTime", "1", module_.AdjTime);
-    if (reader.fault()) return reader.fault();
-
     showSite();
-    module_.image.LrFlg = asFlag(reader.flag("LrFlg"));
-    module_.image.DateFlg = asFlag(reader.flag("DateFlg"));
-    module_.image.RawFlg = asFlag(reader.flag("RawFlg"));
     panel_.chk_time.ticked = module_.AdjTime != 0;
-    panel_.chk_fill.ticked = reader.text("Settings", "FillGaps", "1") != "0";
-    panel_.txtIp.text = reader.text("Settings", "IP", "192.168.0.10");
-    panel_.txtPort.text = reader.text("Settings", "IP-Port", "80");
 
-    const auto folder = pathFromUtf8(reader.text("DataPath", "PathDataFile", ""));
+    const auto folder = pathFromUtf8(store_.GetSetting(kFolderSection, kFolderKey, ""));
     std::error_code error;
     const bool usable = !folder.empty() && std::filesystem::is_directory(folder, error);
     panel_.Dir1[0].path = usable ? folder : defaultDataFolder_;
@@ -105,24 +130,8 @@ std::optional<std::string> PanelSettings::initOperation() {
 bool PanelSettings::writeSetup() {
     if (!loaded_) return true;
     bool stored = true;
-    const auto save = [&](const char* section, const char* key, const std::string& value) {
-        stored = store_.SaveSetting(section, key, value) && stored;
-    };
-    for (const auto& [index, key, fallback] : kStoredFields)
-        save("Operation", key, panel_.Text1[index].text);
-    save("Operation", "Latitude", toText(module_.site.latitude));
-    save("Operation", "Longitude", toText(module_.site.longitude));
-    save("Operation", "Tz", std::to_string(module_.site.Tz));
-    save("Settings", "Quality", std::to_string(module_.image.Quality));
-    save("Settings", "LrFlg", flagText(module_.image.LrFlg));
-    save("Settings", "DateFlg", flagText(module_.image.DateFlg));
-    save("Settings", "Delay", std::to_string(module_.image.Delay));
-    save("Settings", "JpegTyp", std::to_string(module_.image.JpegTyp));
-    save("Settings", "RawFlg", flagText(module_.image.RawFlg));
-    save("Settings", "AdjTime", std::to_string(module_.AdjTime));
-    save("Settings", "FillGaps", panel_.chk_fill.ticked ? "1" : "0");
-    save("Settings", "IP", panel_.txtIp.text);
-    save("Settings", "IP-Port", panel_.txtPort.text);
+    for (const auto& [section, key, fallback, target] : settingsOf(module_, panel_))
+        stored = store_.SaveSetting(section, key, std::visit(Save{}, target)) && stored;
     return stored;
 }
 
@@ -132,7 +141,7 @@ void PanelSettings::selectDataFolder(const std::filesystem::path& folder) {
 }
 
 void PanelSettings::Dir1_Change() {
-    store_.SaveSetting("DataPath", "PathDataFile", utf8FromPath(panel_.Dir1[0].path));
+    store_.SaveSetting(kFolderSection, kFolderKey, utf8FromPath(panel_.Dir1[0].path));
 }
 
 void PanelSettings::chk_time_Click() {
@@ -140,15 +149,11 @@ void PanelSettings::chk_time_Click() {
 }
 
 bool PanelSettings::txt_lat_Change() {
-    const auto value = toDouble(panel_.txt_lat.text.get());
-    if (value) module_.site.latitude = *value;
-    return value.has_value();
+    return take(toDouble(panel_.txt_lat.text.get()), module_.site.latitude);
 }
 
 bool PanelSettings::txt_long_Change() {
-    const auto value = toDouble(panel_.txt_long.text.get());
-    if (value) module_.site.longitude = *value;
-    return value.has_value();
+    return take(toDouble(panel_.txt_long.text.get()), module_.site.longitude);
 }
 
 bool PanelSettings::txt_tz_Change() {

@@ -24,7 +24,6 @@ PanelStatus::PanelStatus(Module1& module, OperationPanel& panel, Clock& clock)
       clock_(clock) {}
 
 void PanelStatus::initStatus() {
-    Timer1.setInterval(1000ms);
     Timer1.enable();
     panel_.Label11.caption = std::string();
     panel_.Label13.caption = std::string();
@@ -34,7 +33,6 @@ void PanelStatus::initStatus() {
     panel_.lbl_sync.caption = std::to_string(kShortestSpan.count());
     module_.plannedRecords = 0;
     module_.RecCount = 0;
-    module_.statusResetTime = clock_.now();
 }
 
 void PanelStatus::Timer1_Timer() {

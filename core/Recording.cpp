@@ -29,13 +29,9 @@ constexpr int kSameTime = 8;
 constexpr int kStartAfterEnd = 9;
 constexpr int kNoInterval = 7;
 
-double upperLimit(std::size_t field) {
-    return field == 0 || field == 2 || field == 4 ? 23 : 59;
-}
-
 bool inRange(const TextBox& field, std::size_t index) {
     const double value = leadingNumber(field.text.get());
-    return value >= 0 && value <= upperLimit(index);
+    return value >= 0 && value <= OperationPanel::kFieldLimits[index];
 }
 
 /// The field's value in whole units. An interval's seconds come here unchecked, so what no clock
@@ -68,9 +64,7 @@ Task<> Recording::Command1_Click() {
         op_.beep();
         co_await op_.tell(message);
         panel_.Label7.caption = "Ready";
-        panel_.Command1.enabled = true;
-        panel_.Command2.enabled = false;
-        enableInputs(true);
+        ready();
         co_return;
     }
     module_.RecordFlg = true;

@@ -19,10 +19,9 @@ Task<bool> Shutdown::MDIForm_QueryUnload(UnloadMode mode) {
         co_return !refused;
     }
     if (asking_) co_return false;
-    asking_ = true;
+    const Scope asking(asking_);
     std::string question = "Program End ? ";
     const bool mayClose = co_await op_.ask(std::move(question));
-    asking_ = false;
     co_return mayClose;
 }
 

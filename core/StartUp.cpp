@@ -20,7 +20,6 @@ bool isImage(const std::filesystem::directory_entry& entry) {
 
 std::optional<std::string> StartUp(Station& station) {
     Module1& module = station.module;
-    module.startTime = station.clock.now();
     station.showMainWindow();
     module.thumbnails = {};
     module.lastImage.clear();
@@ -39,7 +38,6 @@ std::optional<std::string> StartUp(Station& station) {
     module.image.LrFlg = 0;
     module.image.JpegTyp = ImageControl::kFormat444;
 
-    station.status.Tim_sync.setInterval(10000ms);
     station.status.runSync(false);
     return std::nullopt;
 }

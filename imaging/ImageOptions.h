@@ -4,7 +4,15 @@
 
 namespace orvane {
 
-/// How captured images are processed. The flags hold -1 for set and 0 for clear.
+/// Flags are 16-bit integers in memory: -1 for set, 0 for clear.
+constexpr std::int16_t asFlag(bool set) {
+    return set ? -1 : 0;
+}
+constexpr bool isSet(std::int16_t flag) {
+    return flag == asFlag(true);
+}
+
+/// How captured images are processed. Those that end in "Flg" are flags.
 struct ImageOptions {
     std::int16_t Quality = 24; ///< compression factor, lower is better: 2, 24 or 56
     std::int16_t LrFlg = 0;    ///< mirror left to right

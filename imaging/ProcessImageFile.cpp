@@ -1,6 +1,6 @@
 #include "imaging/ProcessImageFile.h"
 
-#include "platform/FileCopy.h"
+#include "platform/Files.h"
 
 #include <algorithm>
 #include <system_error>
@@ -9,8 +9,6 @@
 namespace orvane {
 
 namespace {
-
-constexpr std::int16_t kSet = -1;
 
 /// The last 22 characters of a path, the length of an image name, addressed from 1. A character is
 /// a UTF-8 sequence; bytes that are no UTF-8 stay with the character before them.
@@ -84,9 +82,9 @@ std::string exifStampOf(const std::filesystem::path& image) {
 
 void applyOptions(ImageControl& control, const ImageOptions& options,
                   const std::filesystem::path& image) {
-    if (options.LrFlg != kSet) return;
+    if (!isSet(options.LrFlg)) return;
     control.mirror();
-    if (options.DateFlg == kSet) control.drawText(stampTextOf(image));
+    if (isSet(options.DateFlg)) control.drawText(stampTextOf(image));
 }
 
 Task<Fault> ProcessImageFile(ImageControl& control, std::filesystem::path image,
@@ -106,7 +104,7 @@ Task<Fault> ProcessImageFile(ImageControl& control, std::filesystem::path image,
         fault = co_await saving;
     }
     control.clear();
-    if (!fault && options.RawFlg == kSet) fault = copyToFinalName(image, rawPathOf(image));
+    if (!fault && isSet(options.RawFlg)) fault = copyToFinalName(image, rawPathOf(image));
     co_return fault;
 }
 

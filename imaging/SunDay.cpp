@@ -2,16 +2,6 @@
 
 namespace orvane {
 
-namespace {
-
-constexpr double kThreshold = -0.5; ///< degrees
-
-} // namespace
-
-bool isSunUp(double elevation) {
-    return elevation > kThreshold;
-}
-
 std::optional<SunDay> sunOfDay(const SiteValues& site, std::chrono::year_month_day date) {
     const auto table = computeElevationByMinute(site.latitude, site.longitude, date);
     if (!table) return std::nullopt;

@@ -17,9 +17,6 @@ struct SunDay {
     std::optional<int> sunset;
 };
 
-/// Whether the sun counts as up.
-bool isSunUp(double elevation);
-
 /// Uses the table that the panel's sun times come from: that of the universal day with the local
 /// day's date, turned by the time zone. Where the two days differ, the sun is that of a day before
 /// or after, which nobody sees in a drawing, and the times agree with the panel's to the minute

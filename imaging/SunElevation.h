@@ -2,7 +2,6 @@
 
 #include <array>
 #include <chrono>
-#include <cstddef>
 #include <optional>
 
 namespace orvane {
@@ -19,5 +18,10 @@ using ElevationTable = std::array<double, 1442>;
 /// ahead of the calendar.
 std::optional<ElevationTable> computeElevationByMinute(double latitude, double longitude,
                                                        std::chrono::year_month_day date);
+
+/// Whether the sun counts as up: above -0.5 degrees, and not at it.
+constexpr bool isSunUp(double elevation) {
+    return elevation > -0.5;
+}
 
 } // namespace orvane

@@ -9,8 +9,7 @@ namespace orvane {
 
 namespace {
 
-constexpr double kThreshold = -0.5; ///< degrees
-constexpr int kShift = 60;          ///< minutes between a crossing and its text
+constexpr int kShift = 60; ///< minutes between a crossing and its text
 
 enum class Crossing { Rising, Setting };
 
@@ -50,9 +49,8 @@ std::optional<std::string> writeText(Crossing crossing, int minuteIndex, std::in
 }
 
 std::optional<Crossing> crossingBetween(double before, double after) {
-    if (before <= kThreshold && after > kThreshold) return Crossing::Rising;
-    if (before > kThreshold && after <= kThreshold) return Crossing::Setting;
-    return std::nullopt;
+    if (isSunUp(before) == isSunUp(after)) return std::nullopt;
+    return isSunUp(after) ? Crossing::Rising : Crossing::Setting;
 }
 
 } // namespace

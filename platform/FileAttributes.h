@@ -9,7 +9,6 @@ namespace orvane {
 // Bits of a directory entry's attribute word, as Windows' FILE_ATTRIBUTE_ constants have them.
 inline constexpr std::uint32_t kAttributeReadOnly = 1;
 inline constexpr std::uint32_t kAttributeHidden = 2;
-inline constexpr std::uint32_t kAttributeSystem = 4;
 inline constexpr std::uint32_t kAttributeFolder = 16;
 inline constexpr std::uint32_t kAttributeArchive = 32;
 

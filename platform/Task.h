@@ -115,10 +115,7 @@ class [[nodiscard]] Task {
 
     /// Runs up to the first wait. For a task that its owner keeps and nobody awaits.
     void start() { handle_.resume(); }
-    bool valid() const { return static_cast<bool>(handle_); }
     bool done() const { return !handle_ || handle_.done(); }
-    /// The exception that ended the task, or null.
-    std::exception_ptr fault() const { return handle_ ? handle_.promise().fault : nullptr; }
     /// The result of a task that is done; throws what the task threw.
     T result() {
         if (handle_.promise().fault) std::rethrow_exception(handle_.promise().fault);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "station/Scope.h"
 #include "station/Value.h"
 
 namespace orvane {
@@ -10,14 +11,9 @@ namespace orvane {
 class Busy {
   public:
     /// Holds the busy state while it lives.
-    class Hold {
+    class Hold : public Scope {
       public:
-        explicit Hold(Busy& busy) : busy_(busy) { busy_.change(+1); }
-        Hold(const Hold&) = delete;
-        ~Hold() { busy_.change(-1); }
-
-      private:
-        Busy& busy_;
+        explicit Hold(Busy& busy) : Scope([&busy](bool on) { busy.change(on ? +1 : -1); }) {}
     };
 
     Value<bool> mnuFileOpen{true}; ///< the menu entry's enabled state

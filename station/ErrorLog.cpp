@@ -1,24 +1,18 @@
 #include "station/ErrorLog.h"
 
-#include <cstdio>
+#include "platform/Conversions.h"
+
 #include <fstream>
 
 namespace orvane {
 
 namespace {
 
+/// Date and time are two readings: at midnight the old date may go with the new day's time.
 std::string logStamp(const Clock& clock) {
-    using namespace std::chrono;
-    const year_month_day date{floor<days>(clock.now())};
-    const WallTime now = clock.now(); // read after the date, as two readings
-    const hh_mm_ss time{floor<seconds>(now - floor<days>(now))};
-    char text[48];
-    const int length = std::snprintf(
-        text, sizeof text, "%04d/%02u/%02u %02d:%02d:%02d ", static_cast<int>(date.year()),
-        static_cast<unsigned>(date.month()), static_cast<unsigned>(date.day()),
-        static_cast<int>(time.hours().count()), static_cast<int>(time.minutes().count()),
-        static_cast<int>(time.seconds().count()));
-    return {text, static_cast<std::size_t>(length)};
+    std::string stamp = dateText(clock.now()) + " ";
+    stamp += timeText(clock.now()) + " ";
+    return stamp;
 }
 
 } // namespace

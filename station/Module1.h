@@ -10,7 +10,6 @@
 #include <cstdint>
 #include <filesystem>
 #include <optional>
-#include <string>
 
 namespace orvane {
 
@@ -32,8 +31,6 @@ struct Module1 {
     std::int32_t RecCount = 0;
     std::int32_t filesFetched = 0;
     std::int32_t plannedRecords = 0;
-    WallTime statusResetTime{};
-    WallTime startTime{};
 
     SiteValues site;
     SunTimes sun;
@@ -63,7 +60,6 @@ struct Module1 {
         thumbnails.front() = {file, filesFetched + 1};
     }
 
-    std::int16_t linkState = 0;   ///< 4 while the tracker's clock is being set; nothing reads it
     std::int16_t replyTicks = 0;  ///< seconds, bounds the serial waits
     std::int16_t searchTicks = 0; ///< seconds, bounds the search waits
     std::int16_t syncTicks = 0;   ///< ten-second steps

@@ -44,6 +44,8 @@ struct ProgressBar {
 /// subsystem read and set them; `ui/frmOperation` shows them and forwards edits.
 struct OperationPanel {
     static constexpr std::size_t kFieldCount = 7;
+    /// The largest value of each field of `Text1`; the least is 0.
+    static constexpr std::array<int, kFieldCount> kFieldLimits{23, 59, 23, 59, 23, 59, 59};
 
     /// 0 start hour, 1 start minute, 2 end hour, 3 end minute, 4 interval hour, 5 interval minute,
     /// 6 interval second.

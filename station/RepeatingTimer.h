@@ -13,7 +13,6 @@ class RepeatingTimer {
         : clock_(clock), interval_(interval), tick_(std::move(tick)) {}
 
     bool enabled() const { return enabled_; }
-    void setInterval(Ticks interval) { interval_ = interval; }
     /// May not be called from the handler itself.
     void enable();
     /// May be called from the handler itself.

@@ -3,7 +3,7 @@
 #include "platform/Conversions.h"
 #include "tracker/PortSelection.h"
 
-#include <charconv>
+#include <cstdio>
 #include <numeric>
 
 namespace orvane {
@@ -18,12 +18,9 @@ constexpr Ticks kPollInterval = 2ms;
 constexpr Ticks kEchoTime = 5ms;
 
 std::string hex(std::uint8_t byte) {
-    char digits[2];
-    const auto end = std::to_chars(digits, digits + sizeof digits, byte, 16).ptr;
-    std::string text(digits, end);
-    for (char& digit : text)
-        if (digit >= 'a') digit = static_cast<char>(digit - 'a' + 'A');
-    return text;
+    char digits[3];
+    std::snprintf(digits, sizeof digits, "%X", static_cast<unsigned>(byte));
+    return digits;
 }
 
 } // namespace
@@ -45,8 +42,8 @@ std::vector<std::uint8_t> MakeFrame(std::uint8_t cmd, const std::string& data) {
 
 bool FrameLink::initCommunication() {
     module_.replyTicks = 0;
-    portNumber_ = toInt16(store_.GetSetting("Communication", "Port", "1")).value_or(0);
-    if (MSComm1_.open(portNumber_, kLineSettings)) return true;
+    const std::int16_t port = toInt16(storedPort(store_)).value_or(0);
+    if (MSComm1_.open(port, kLineSettings)) return true;
     return fail("initCommunication:COM Port EEROR");
 }
 

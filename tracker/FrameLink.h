@@ -62,7 +62,6 @@ class FrameLink {
     ErrorLog& log_;
     Clock& clock_;
     Module1& module_;
-    std::int16_t portNumber_ = 1;
 };
 
 } // namespace orvane

@@ -6,11 +6,14 @@ namespace orvane {
 
 namespace {
 
-std::string storedPort(const SettingsStore& store) {
-    return store.GetSetting("Communication", "Port", "1");
-}
+constexpr const char* kSection = "Communication";
+constexpr const char* kKey = "Port";
 
 } // namespace
+
+std::string storedPort(const SettingsStore& store) {
+    return store.GetSetting(kSection, kKey, "1");
+}
 
 std::optional<int> PortSelection::storedIndex() const {
     const std::string port = storedPort(store_);
@@ -24,7 +27,7 @@ Task<bool> PortSelection::confirm(std::optional<int> index) {
     const bool usable = !port_.isOpen() && port_.open(toInt16(chosen).value_or(0), kLineSettings);
     if (usable) {
         port_.close();
-        store_.SaveSetting("Communication", "Port", chosen);
+        store_.SaveSetting(kSection, kKey, chosen);
         co_return true;
     }
     log_.write("ComPORT Setup ERROR");

@@ -12,6 +12,9 @@ namespace orvane {
 
 inline constexpr const char* kLineSettings = "38400,N,8,1";
 
+/// The stored number of the tracker's COM port, as text.
+std::string storedPort(const SettingsStore& store);
+
 /// The choice of the tracker's COM port behind `FrmComPort`. A port is stored only after it could
 /// be opened.
 class PortSelection {

@@ -7,29 +7,12 @@ namespace orvane {
 
 namespace {
 
-constexpr std::int16_t kClockSetLink = 4;
 constexpr int kClockDigits = 12;
+/// What the operator hears of a refusal that only ERROR.LOG tells in full; no box shows it.
+constexpr const char* kNotTaken = "The tracker did not take the time. See ERROR.LOG.";
 
 std::string dateAndTime(WallTime time) {
     return dateText(time) + " " + timeText(time);
-}
-
-/// What an exchange that switches the sun tracking is logged as. The text of a missing answer says
-/// OFF for both directions.
-void logSunRunning(ErrorLog& log, Exchange result, const std::string& name) {
-    switch (result) {
-    case Exchange::Done:
-        return;
-    case Exchange::NoReply:
-        log.write("SunRunning OFF:Recive[ACK]");
-        return;
-    case Exchange::NotAcknowledged:
-        log.write(name + ":Except[ACK]");
-        return;
-    case Exchange::WrongEcho:
-        log.write(name + ":Except[CMD]");
-        return;
-    }
 }
 
 } // namespace
@@ -50,14 +33,15 @@ std::string clockQuery(WallTime target) {
     return query;
 }
 
-TimeSetting::TimeSetting(TimeSettingForm& form, Module1& module, OperationPanel& panel,
-                         TrackerCommands& commands, WebBrowser& wbSystemTm, ErrorLog& log,
-                         Operator& op, Clock& clock, Busy& busy)
-    : form_(form), module_(module), panel_(panel), commands_(commands), wbSystemTm_(wbSystemTm),
-      log_(log), op_(op), clock_(clock), busy_(busy) {}
+TimeSetting::TimeSetting(TimeSettingForm& form, OperationPanel& panel, TrackerCommands& commands,
+                         WebBrowser& wbSystemTm, ErrorLog& log, Operator& op, Clock& clock,
+                         Busy& busy)
+    : form_(form), panel_(panel), commands_(commands), wbSystemTm_(wbSystemTm), log_(log), op_(op),
+      clock_(clock), busy_(busy) {}
 
 Task<> TimeSetting::activate() {
-    const Running running(*this);
+    const Busy::Hold busy(busy_);
+    const Scope running([this](bool on) { setRunning(on); });
     for (TimeSettingForm::StatusLabel& label : form_.Label2) {
         label.caption = std::string();
         label.blue = false;
@@ -77,62 +61,68 @@ Task<> TimeSetting::activate() {
     co_await clock_.sleep(3000ms);
 }
 
-Task<bool> TimeSetting::setTrackerClock(bool automatic) {
+Task<std::optional<std::string>> TimeSetting::setTrackerClock(bool automatic) {
     if (target_ == WallTime{}) target_ = clock_.now();
-    bool confirmed = false;
+    std::optional<std::string> fault;
     {
-        const Running running(*this);
-        Task<bool> exchanging = exchangeClock();
-        confirmed = co_await exchanging;
+        const Busy::Hold busy(busy_);
+        const Scope running([this](bool on) { setRunning(on); });
+        Task<std::optional<std::string>> exchanging = exchangeClock();
+        fault = co_await exchanging;
     }
-    form_.Label2[1].caption =
-        confirmed ? "トラッカー時刻校正:" + dateAndTime(target_) : lastMessage_;
-    form_.Label2[1].blue = confirmed;
+    form_.Label2[1].caption = fault ? *fault : "トラッカー時刻校正:" + dateAndTime(target_);
+    form_.Label2[1].blue = !fault;
     // told when the port is closed: a box may stay open for days
-    std::string message = told_;
-    if (!automatic && !message.empty()) co_await op_.tell(std::move(message));
-    co_return confirmed;
+    if (!automatic && fault && *fault != kNotTaken) {
+        std::string message = *fault;
+        co_await op_.tell(std::move(message));
+    }
+    co_return fault;
 }
 
 /// Stops the sun tracking, sets the clock and starts the tracking again, whatever came of it.
-Task<bool> TimeSetting::exchangeClock() {
-    told_.clear();
-    lastMessage_ = "The tracker did not take the time. See ERROR.LOG.";
+Task<std::optional<std::string>> TimeSetting::exchangeClock() {
     putClock(std::span(commands_.buffer).subspan<1, kClockDigits>(), target_);
-    module_.linkState = kClockSetLink;
-    if (!commands_.open()) {
-        lastMessage_ = told_ = "Initialization of a communication port went wrong.";
-        co_return false;
-    }
-    commands_.buffer[1] = 0;
-    Task<Exchange> stopping = commands_.exchange(TrackerCommand::SunRunning, 1);
-    const Exchange stopped = co_await stopping;
-    logSunRunning(log_, stopped, "SunRunning OFF");
+    if (!commands_.open()) co_return "Initialization of a communication port went wrong.";
+    Task<> stopping = switchTracking(false);
+    co_await stopping;
 
     putClock(std::span(commands_.buffer).subspan<1, kClockDigits>(), target_);
     Task<Exchange> setting = commands_.exchange(TrackerCommand::ClockSet, kClockDigits);
     const Exchange set = co_await setting;
-    noteClockSet(set);
+    std::optional<std::string> fault = faultOf(set);
 
-    commands_.buffer[1] = 1;
-    Task<Exchange> starting = commands_.exchange(TrackerCommand::SunRunning, 1);
-    const Exchange started = co_await starting;
-    logSunRunning(log_, started, "SunRunning ON");
+    Task<> starting = switchTracking(true);
+    co_await starting;
     commands_.close();
-    co_return set == Exchange::Done;
+    co_return fault;
 }
 
-void TimeSetting::noteClockSet(Exchange result) {
-    if (result == Exchange::Done) return;
-    if (result == Exchange::NoReply) told_ = "Communication is unusual. Please check connection.";
-    if (result == Exchange::WrongEcho) told_ = "A time setup at the appointed time went wrong.";
-    if (!told_.empty()) lastMessage_ = told_;
-    log_.write(result == Exchange::NoReply ? "CLOCK SET:Racive Error" : "CLOCK SET:Except[ACK]");
+/// Starts or stops the sun tracking; a failure is only logged. The text of a missing answer says
+/// OFF for both directions.
+Task<> TimeSetting::switchTracking(bool on) {
+    const std::string name = on ? "SunRunning ON" : "SunRunning OFF";
+    commands_.buffer[1] = on ? 1 : 0;
+    Task<Exchange> exchanging = commands_.exchange(TrackerCommand::SunRunning, 1);
+    const Exchange result = co_await exchanging;
+    if (result == Exchange::NoReply) log_.write("SunRunning OFF:Recive[ACK]");
+    if (result == Exchange::NotAcknowledged) log_.write(name + ":Except[ACK]");
+    if (result == Exchange::WrongEcho) log_.write(name + ":Except[CMD]");
+}
+
+/// Why the tracker did not take the time, logged; nothing when it did.
+std::optional<std::string> TimeSetting::faultOf(Exchange clockSet) {
+    if (clockSet == Exchange::Done) return std::nullopt;
+    const bool silent = clockSet == Exchange::NoReply;
+    log_.write(silent ? "CLOCK SET:Racive Error" : "CLOCK SET:Except[ACK]");
+    if (silent) return "Communication is unusual. Please check connection.";
+    if (clockSet == Exchange::WrongEcho) return "A time setup at the appointed time went wrong.";
+    return kNotTaken;
 }
 
 Task<> TimeSetting::Command1_Click() {
     target_ = clock_.now();
-    Task<bool> setting = setTrackerClock(false);
+    Task<std::optional<std::string>> setting = setTrackerClock(false);
     co_await setting;
 }
 

@@ -7,6 +7,7 @@
 #include "tracker/TrackerCommands.h"
 
 #include <array>
+#include <optional>
 #include <string>
 
 namespace orvane {
@@ -28,44 +29,28 @@ struct TimeSettingForm {
 /// station is busy.
 class TimeSetting {
   public:
-    TimeSetting(TimeSettingForm& form, Module1& module, OperationPanel& panel,
-                TrackerCommands& commands, WebBrowser& wbSystemTm, ErrorLog& log, Operator& op,
-                Clock& clock, Busy& busy);
+    TimeSetting(TimeSettingForm& form, OperationPanel& panel, TrackerCommands& commands,
+                WebBrowser& wbSystemTm, ErrorLog& log, Operator& op, Clock& clock, Busy& busy);
 
     /// The camera's clock, when the dialog is activated. Ends when both requests are out. The
     /// camera's answers are not looked at.
     Task<> activate();
     /// Runs the tracker clock procedure for the target time taken at the last `activate` (now, when
-    /// there was none). True: the tracker confirmed. With `automatic` nothing is shown in boxes;
-    /// `lastMessage` says what went wrong.
-    Task<bool> setTrackerClock(bool automatic);
+    /// there was none). Answers why the tracker did not confirm, or nothing. With `automatic`
+    /// nothing is shown in boxes.
+    Task<std::optional<std::string>> setTrackerClock(bool automatic);
     /// "Set Tracker Clock": the target time is the moment of the click.
     Task<> Command1_Click();
 
     bool running() const { return running_; }
-    const std::string& lastMessage() const { return lastMessage_; }
 
   private:
-    /// Marks a procedure as running while it lives.
-    class Running {
-      public:
-        explicit Running(TimeSetting& owner) : owner_(owner), busy_(owner.busy_) {
-            owner_.setRunning(true);
-        }
-        Running(const Running&) = delete;
-        ~Running() { owner_.setRunning(false); }
-
-      private:
-        TimeSetting& owner_;
-        Busy::Hold busy_;
-    };
-
-    Task<bool> exchangeClock();
-    void noteClockSet(Exchange result);
+    Task<std::optional<std::string>> exchangeClock();
+    Task<> switchTracking(bool on);
+    std::optional<std::string> faultOf(Exchange clockSet);
     void setRunning(bool running);
 
     TimeSettingForm& form_;
-    Module1& module_;
     OperationPanel& panel_;
     TrackerCommands& commands_;
     WebBrowser& wbSystemTm_;
@@ -75,8 +60,6 @@ class TimeSetting {
     Busy& busy_;
     WallTime target_{};
     bool running_ = false;
-    std::string lastMessage_;
-    std::string told_; ///< what a box says about the last procedure; empty: nothing
 };
 
 /// "?i_year=2006&i_mon=7..." for the camera's clock page; no leading zeros.

@@ -2,7 +2,6 @@
 
 #include "platform/Conversions.h"
 
-#include <algorithm>
 #include <bit>
 
 namespace orvane {

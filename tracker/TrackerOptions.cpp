@@ -68,8 +68,9 @@ TrackerOptions::TrackerOptions(OptionForm& form, Module1& module, TrackerCommand
       siteChanged_(std::move(siteChanged)) {}
 
 Task<> TrackerOptions::activate() {
-    const Working working(*this, "Reading the tracker's options ...");
-    if (!open()) co_return;
+    const Busy::Hold busy(busy_);
+    const Scope working([this](bool on) { setWorking(on); });
+    if (!open("Reading the tracker's options ...")) co_return;
     Task<> serial = readSerial();
     co_await serial;
     Task<> site = readSite();
@@ -80,7 +81,9 @@ Task<> TrackerOptions::activate() {
     finish("Read from the tracker.");
 }
 
-bool TrackerOptions::open() {
+/// Shows `status` while the exchange goes on.
+bool TrackerOptions::open(const char* status) {
+    form_.status.caption = status;
     failures_.clear();
     if (commands_.open()) return true;
     form_.status.caption = "The tracker's port cannot be opened, or is in use.";
@@ -163,8 +166,9 @@ void TrackerOptions::showSite(const SiteValues& site) {
 Task<> TrackerOptions::Command1_Click() {
     std::string message;
     {
-        const Working working(*this, "Sending to the tracker ...");
-        if (!open()) co_return;
+        const Busy::Hold busy(busy_);
+        const Scope working([this](bool on) { setWorking(on); });
+        if (!open("Sending to the tracker ...")) co_return;
         Task<> serial = writeSerial();
         co_await serial;
         message = siteFault();

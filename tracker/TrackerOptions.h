@@ -37,22 +37,7 @@ class TrackerOptions {
     Task<> Command1_Click();
 
   private:
-    /// Marks an exchange as running while it lives.
-    class Working {
-      public:
-        Working(TrackerOptions& owner, const char* status) : owner_(owner), busy_(owner.busy_) {
-            owner_.form_.status.caption = status;
-            owner_.setWorking(true);
-        }
-        Working(const Working&) = delete;
-        ~Working() { owner_.setWorking(false); }
-
-      private:
-        TrackerOptions& owner_;
-        Busy::Hold busy_;
-    };
-
-    bool open();
+    bool open(const char* status);
     void finish(const std::string& success);
     bool succeeded(Exchange result, const char* name, bool reading);
     void refuse(const char* name, const char* fault);

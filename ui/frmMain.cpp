@@ -62,6 +62,13 @@ frmMain::frmMain(Parts parts)
     operation_->focusStart();
 }
 
+QMenu* frmMain::addMenu(const char* name, const QString& caption) {
+    QMenu* menu = menuBar()->addMenu(caption);
+    menu->setObjectName(name);
+    menu->setToolTipsVisible(true);
+    return menu;
+}
+
 QAction* frmMain::addAction(QMenu& menu, const char* name, const QString& caption,
                             const QString& tip, const QKeySequence& keys) {
     QAction* action = menu.addAction(caption);
@@ -72,9 +79,7 @@ QAction* frmMain::addAction(QMenu& menu, const char* name, const QString& captio
 }
 
 void frmMain::addFileMenu() {
-    QMenu* file = menuBar()->addMenu("&File");
-    file->setObjectName("mnuFile");
-    file->setToolTipsVisible(true);
+    QMenu* file = addMenu("mnuFile", "&File");
     QAction* open =
         addAction(*file, "mnuFileOpen", "&Open...", "Opens stored pictures.", QKeySequence::Open);
     QAction* saveAs =
@@ -98,15 +103,11 @@ void frmMain::addFileMenu() {
 }
 
 void frmMain::addImageMenu() {
-    QMenu* image = menuBar()->addMenu("Pict&ure");
-    image->setObjectName("mnuImage");
-    new ImageMenu(*saveAs_, *image, *area_, parts_.views);
+    new ImageMenu(*saveAs_, *addMenu("mnuImage", "Pict&ure"), *area_, parts_.views);
 }
 
 void frmMain::addToolsMenu() {
-    QMenu* tools = menuBar()->addMenu("Too&ls");
-    tools->setObjectName("mnuTools");
-    tools->setToolTipsVisible(true);
+    QMenu* tools = addMenu("mnuTools", "Too&ls");
     QAction* port =
         addAction(*tools, "mnuCOMSelect", "&COM Port...",
                   "Chooses the port that the tracker is connected to.", Qt::CTRL | Qt::Key_M);
@@ -129,9 +130,7 @@ void frmMain::followBusy(bool idle) {
 }
 
 void frmMain::addWindowMenu() {
-    QMenu* windows = menuBar()->addMenu("&Window");
-    windows->setObjectName("mnuWindow");
-    windows->setToolTipsVisible(true);
+    QMenu* windows = addMenu("mnuWindow", "&Window");
     connect(addAction(*windows, "mnuWindowCascade", "&Cascade", "Lays the pictures on each other."),
             &QAction::triggered, area_, &QMdiArea::cascadeSubWindows);
     connect(addAction(*windows, "mnuWindowTile", "&Tile", "Lays the pictures side by side."),
@@ -143,9 +142,7 @@ void frmMain::addWindowMenu() {
 }
 
 void frmMain::addHelpMenu() {
-    QMenu* help = menuBar()->addMenu("&Help");
-    help->setObjectName("mnuHelp");
-    help->setToolTipsVisible(true);
+    QMenu* help = addMenu("mnuHelp", "&Help");
     connect(addAction(*help, "mnuHelpAbout", "&About...", "Shows the program's version."),
             &QAction::triggered, this, &frmMain::mnuHelpAbout_Click);
 }
@@ -213,9 +210,8 @@ void frmMain::mnuFileSaveOptions_Click() {
 
 void frmMain::mnuFileExit_Click() {
     parts_.shutdown.mnuFileExit_Click();
-    exiting_ = true;
+    const Scope exiting(exiting_);
     close();
-    exiting_ = false;
 }
 
 void frmMain::mnuCOMSelect_Click() {

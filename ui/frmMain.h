@@ -8,8 +8,6 @@
 #include <QDeadlineTimer>
 #include <QMainWindow>
 
-#include <filesystem>
-
 class QMenu;
 
 namespace orvane {
@@ -70,6 +68,7 @@ class frmMain : public QMainWindow {
     void addHelpMenu();
     void followBusy(bool idle);
     void listWindows(QMenu& menu);
+    QMenu* addMenu(const char* name, const QString& caption);
     QAction* addAction(QMenu& menu, const char* name, const QString& caption, const QString& tip,
                        const QKeySequence& keys = {});
 

@@ -82,6 +82,54 @@ TEST(PanelSettings, AnUnreadableNumberEndsTheProgramWithItsKeyAndText) {
     EXPECT_EQ(s.exitCode, 1);
 }
 
+/// An empty store that notes what it is asked and given, in its order.
+class NotingStore final : public SettingsStore {
+  public:
+    std::string GetSetting(const std::string& section, const std::string& key,
+                           const std::string& fallback) const override {
+        asked.push_back(section + "/" + key);
+        return fallback;
+    }
+    bool SaveSetting(const std::string& section, const std::string& key,
+                     const std::string& value) override {
+        saved.push_back(section + "/" + key + "=" + value);
+        return true;
+    }
+
+    mutable std::vector<std::string> asked;
+    std::vector<std::string> saved;
+};
+
+TEST(PanelSettings, LoadsAndSavesInTheirOrders) {
+    NotingStore store;
+    Module1 module;
+    OperationPanel panel;
+    PanelSettings settings(module, panel, store, "pictures");
+    EXPECT_EQ(settings.initOperation(), std::nullopt);
+    EXPECT_EQ(store.asked,
+              (std::vector<std::string>{
+                  "Operation/StartHour", "Operation/StartMinute",    "Operation/EndHour",
+                  "Operation/EndMinute", "Operation/IntervalMinute", "Operation/IntervalSecond",
+                  "Operation/Latitude",  "Operation/Longitude",      "Operation/Tz",
+                  "Settings/Quality",    "Settings/Delay",           "Settings/JpegTyp",
+                  "Settings/AdjTime",    "Settings/LrFlg",           "Settings/DateFlg",
+                  "Settings/RawFlg",     "Settings/FillGaps",        "Settings/IP",
+                  "Settings/IP-Port",    "DataPath/PathDataFile"}));
+    EXPECT_EQ(module.image.LrFlg, 0);
+    module.image.LrFlg = -1;
+    panel.chk_fill.ticked = false;
+    EXPECT_TRUE(settings.writeSetup());
+    EXPECT_EQ(
+        store.saved,
+        (std::vector<std::string>{
+            "Operation/StartHour=9", "Operation/StartMinute=0", "Operation/EndHour=17",
+            "Operation/EndMinute=0", "Operation/IntervalMinute=30", "Operation/IntervalSecond=00",
+            "Operation/Latitude=35.738", "Operation/Longitude=139.315", "Operation/Tz=540",
+            "Settings/Quality=24", "Settings/LrFlg=1", "Settings/DateFlg=0", "Settings/Delay=15",
+            "Settings/JpegTyp=10", "Settings/RawFlg=0", "Settings/AdjTime=1", "Settings/FillGaps=0",
+            "Settings/IP=192.168.0.10", "Settings/IP-Port=80"}));
+}
+
 TEST(PanelSettings, SiteFieldsTakeEffectAsTheyAreTyped) {
     TestStation s(at(2006, 11, 15));
     s.start(false);

@@ -59,6 +59,18 @@ TEST_F(Closing, OneQuestionAtATime) {
     EXPECT_TRUE(first.result());
 }
 
+/// A question that goes with its task does not keep the next one from being asked.
+TEST_F(Closing, AnAbandonedQuestionIsNoQuestion) {
+    s.start(false);
+    {
+        Task<bool> abandoned = shutdown.MDIForm_QueryUnload(UnloadMode::User);
+        abandoned.start();
+        EXPECT_FALSE(abandoned.done());
+    }
+    EXPECT_TRUE(query(UnloadMode::User));
+    EXPECT_EQ(s.op.asked.size(), 2U);
+}
+
 TEST_F(Closing, StoresThePlaceInTwipsUnlessMinimised) {
     s.start(false);
     shutdown.MDIForm_Unload(std::nullopt);

@@ -104,7 +104,7 @@ class TestStation {
     FrameLink link{port, store, log, clock, module};
     TrackerCommands commands{link};
     TimeSettingForm timeForm;
-    TimeSetting timeSetting{timeForm, module, panel, commands, wbSystemTm, log, op, clock, busy};
+    TimeSetting timeSetting{timeForm, panel, commands, wbSystemTm, log, op, clock, busy};
     std::string timeDialog; ///< a trace of the dialog's openings
     DailyClocks dailyClocks{
         module, timeSetting, warnings,

@@ -56,7 +56,7 @@ struct TrackerLink : testing::Test {
     FrameLink link{*port, store, log, clock, module};
     TrackerCommands commands{link};
     TimeSettingForm timeForm;
-    TimeSetting timeSetting{timeForm, module, panel, commands, browser, log, op, clock, busy};
+    TimeSetting timeSetting{timeForm, panel, commands, browser, log, op, clock, busy};
     OptionForm optionForm;
     TrackerOptions options{optionForm, module, commands, log, op, busy, [] {}};
     RepeatingTimer panelTimer{clock, 20ms, [this] { ++module.replyTicks; }};
@@ -64,7 +64,7 @@ struct TrackerLink : testing::Test {
 
 TEST_F(TrackerLink, SetsTheClockAndReadsAndWritesAllOptions) {
     op.patience = 0ms;
-    EXPECT_TRUE(finish(timeSetting.setTrackerClock(false)));
+    EXPECT_EQ(finish(timeSetting.setTrackerClock(false)), std::nullopt);
     finish(options.activate());
     EXPECT_EQ(logged(), Messages{});
     EXPECT_EQ(optionForm.txt_tz.text.get(), std::to_string(simulator.values().timeZone));
@@ -108,7 +108,8 @@ TEST_F(TrackerLink, FaultMatrix) {
         ASSERT_TRUE(simulator.setFault(QString(fault)));
         QElapsedTimer took;
         took.start();
-        EXPECT_EQ(finish(timeSetting.setTrackerClock(false)), clockLog == nullptr) << fault;
+        EXPECT_EQ(finish(timeSetting.setTrackerClock(false)).has_value(), clockLog != nullptr)
+            << fault;
         const Messages clockMessages = logged();
         const auto has = [](const Messages& messages, const std::string& start) {
             return std::ranges::any_of(messages,
@@ -132,29 +133,29 @@ TEST_F(TrackerLink, FaultMatrix) {
 
         ASSERT_TRUE(simulator.setFault(QString("none")));
         QTest::qWait(rest);
-        EXPECT_TRUE(finish(timeSetting.setTrackerClock(false))) << "after " << fault;
+        EXPECT_EQ(finish(timeSetting.setTrackerClock(false)), std::nullopt) << "after " << fault;
     }
 }
 
 TEST_F(TrackerLink, AnUnpluggedAdapterIsToldAndComesBack) {
     op.patience = 0ms;
     ASSERT_TRUE(simulator.setFault(QString("hangup:100"), 1));
-    EXPECT_FALSE(finish(timeSetting.setTrackerClock(false)));
+    EXPECT_NE(finish(timeSetting.setTrackerClock(false)), std::nullopt);
     EXPECT_FALSE(port->isOpen());
     EXPECT_FALSE(logged().empty());
     EXPECT_TRUE(QTest::qWaitFor([&] { return !simulator.portPath().isEmpty(); }, 3000));
-    EXPECT_TRUE(finish(timeSetting.setTrackerClock(false)));
+    EXPECT_EQ(finish(timeSetting.setTrackerClock(false)), std::nullopt);
 }
 
 TEST_F(TrackerLink, APortHeldByAnotherProgramIsTold) {
     op.patience = 0ms;
     const auto other = makeSerialPort([this](int) { return simulator.portPath().toStdString(); });
     ASSERT_TRUE(other->open(1, "38400,N,8,1")) << other->fault();
-    EXPECT_FALSE(finish(timeSetting.setTrackerClock(false)));
+    EXPECT_NE(finish(timeSetting.setTrackerClock(false)), std::nullopt);
     EXPECT_EQ(logged(), Messages{"initCommunication:COM Port EEROR"});
     EXPECT_EQ(op.told, Messages{"Initialization of a communication port went wrong."});
     other->close();
-    EXPECT_TRUE(finish(timeSetting.setTrackerClock(false)));
+    EXPECT_EQ(finish(timeSetting.setTrackerClock(false)), std::nullopt);
 }
 
 } // namespace

@@ -58,7 +58,7 @@ TEST(TrackerValues, ByteExamples) {
 }
 
 TEST_F(Tracker, SetsItsClockFrameByFrame) {
-    EXPECT_TRUE(finish(s.timeSetting.setTrackerClock(false)));
+    EXPECT_EQ(finish(s.timeSetting.setTrackerClock(false)), std::nullopt);
     const std::vector<Bytes> expected{
         {0x02, 0x01, 0xA8, 0x31, 0xD9, 0x03},       {0x06},  // sun tracking off
         {0x02, 0x02, 0x48, 0x31, 0x32, 0xAB, 0x03}, {0x06},  // clock
@@ -113,7 +113,10 @@ TEST_F(Tracker, ClockSettingFaults) {
         s.port.answer = [&](const Bytes& frame) {
             s.port.send(c.spoil(s.port.goodAnswer(frame[2])));
         };
-        EXPECT_FALSE(finish(s.timeSetting.setTrackerClock(false), 30s)) << c.name;
+        const std::string fault =
+            c.told ? c.told : "The tracker did not take the time. See ERROR.LOG.";
+        EXPECT_EQ(finish(s.timeSetting.setTrackerClock(false), 30s), fault) << c.name;
+        EXPECT_EQ(s.timeForm.Label2[1].caption.get(), fault) << c.name;
         Messages messages = s.logged();
         messages.erase(messages.begin(), messages.begin() + static_cast<std::ptrdiff_t>(logged));
         EXPECT_EQ(messages, c.log) << c.name;
@@ -136,24 +139,24 @@ TEST_F(Tracker, AReplyThatNeverComesFailsAtTheThirdTick) {
 
 TEST_F(Tracker, PortFailures) {
     s.port.openable = false;
-    EXPECT_FALSE(finish(s.timeSetting.setTrackerClock(false)));
+    EXPECT_NE(finish(s.timeSetting.setTrackerClock(false)), std::nullopt);
     EXPECT_EQ(s.logged(), Messages{"initCommunication:COM Port EEROR"});
     EXPECT_EQ(s.op.told, Messages{"Initialization of a communication port went wrong."});
 
     s.port.openable = true;
     s.port.unplugAfterInput = true; // in the middle of the first exchange
     s.port.answer = [&](const Bytes&) { s.port.send({0x06}); };
-    EXPECT_FALSE(finish(s.timeSetting.setTrackerClock(false), 30s));
+    EXPECT_NE(finish(s.timeSetting.setTrackerClock(false), 30s), std::nullopt);
     EXPECT_FALSE(s.port.isOpen());
     EXPECT_GT(s.countLogged("get1charERROR:Input/output error"), 0);
 
     s.port.unplugAfterInput = false;
     s.port.answer = [&](const Bytes& frame) { s.port.send(s.port.goodAnswer(frame[2])); };
     s.port.stuckOutput = 7; // a line that takes nothing off
-    EXPECT_TRUE(finish(s.timeSetting.setTrackerClock(false), 1min));
+    EXPECT_EQ(finish(s.timeSetting.setTrackerClock(false), 1min), std::nullopt);
     s.store.values["Communication/Port"] = "3";
     s.port.stuckOutput = 0;
-    EXPECT_TRUE(finish(s.timeSetting.setTrackerClock(false)));
+    EXPECT_EQ(finish(s.timeSetting.setTrackerClock(false)), std::nullopt);
     EXPECT_EQ(s.port.lastPort, 3);
 }
 
@@ -330,7 +333,7 @@ TEST_F(Tracker, OneProcedureAtATimeUsesThePort) {
     s.port.answer = [](const Bytes&) {};
     Task<> reading = s.options.activate();
     reading.start();
-    EXPECT_FALSE(finish(s.timeSetting.setTrackerClock(true)));
+    EXPECT_NE(finish(s.timeSetting.setTrackerClock(true)), std::nullopt);
     EXPECT_FALSE(finish(s.portSelection.confirm(1)));
     EXPECT_TRUE(s.port.isOpen());
     EXPECT_FALSE(s.dailyClocks.isDue(s.clock.now(), false));

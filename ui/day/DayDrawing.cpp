@@ -1,6 +1,7 @@
 #include "ui/day/DayDrawing.h"
 
 #include "ui/Text.h"
+#include "ui/panel/PanelControls.h"
 
 #include <QFontMetricsF>
 #include <QPainterPath>
@@ -38,7 +39,7 @@ DayDrawing::DayDrawing(QPainter& painter, const DayLayout& layout, const QPalett
 DayDrawing::Colours DayDrawing::coloursFor(const QPalette& palette) {
     const QColor ground = palette.color(QPalette::Base);
     const QColor ink = palette.color(QPalette::WindowText);
-    const bool dark = palette.color(QPalette::Window).lightness() < 128;
+    const bool dark = isDark(palette);
     Colours colours;
     colours.ground = ground;
     colours.ink = ink;

@@ -30,7 +30,6 @@ class DayDrawing {
     static Colours coloursFor(const QPalette& palette);
 
     double drawLegend();
-    void drawLegendEntry(const QRectF& symbol, DayState state, bool isDue);
     void drawText(const QString& text, double right);
     void drawNight(const SunDay& sun);
     void drawCurve(const SunDay& sun);

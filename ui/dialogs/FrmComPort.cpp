@@ -1,5 +1,7 @@
 #include "ui/dialogs/FrmComPort.h"
 
+#include "ui/panel/PanelControls.h"
+
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QPushButton>
@@ -26,9 +28,9 @@ QGroupBox* FrmComPort::portGroup() {
     column->setContentsMargins(12, 8, 12, 10);
     column->setSpacing(6);
     for (int index = 0; index < static_cast<int>(Option1_.size()); ++index) {
-        auto* option = new QRadioButton(QString("COM&%1").arg(index + 1));
-        option->setObjectName(QString("Option1_%1").arg(index));
-        option->setToolTip(QString("The tracker is connected to COM%1.").arg(index + 1));
+        auto* option = control<QRadioButton>(
+            QString("Option1_%1").arg(index), QString("COM&%1").arg(index + 1),
+            QString("The tracker is connected to COM%1.").arg(index + 1));
         Option1_[static_cast<std::size_t>(index)] = option;
         column->addWidget(option);
     }
@@ -36,14 +38,11 @@ QGroupBox* FrmComPort::portGroup() {
 }
 
 QLayout* FrmComPort::buttons() {
-    Command1_ = new QPushButton("OK");
-    Command1_->setObjectName("Command1");
-    Command1_->setToolTip("Tries the port, and keeps it if it can be opened.");
+    Command1_ =
+        control<QPushButton>("Command1", "OK", "Tries the port, and keeps it if it can be opened.");
     Command1_->setDefault(true);
     connect(Command1_, &QPushButton::clicked, this, &FrmComPort::Command1_Click);
-    auto* cancel = new QPushButton("Cancel");
-    cancel->setObjectName("Command2");
-    cancel->setToolTip("Leaves the port as it is.");
+    auto* cancel = control<QPushButton>("Command2", "Cancel", "Leaves the port as it is.");
     connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
     auto* row = new QHBoxLayout;
     row->addStretch();

@@ -16,10 +16,6 @@
 namespace orvane {
 namespace {
 
-std::int16_t asFlag(const QCheckBox* box) {
-    return box->isChecked() ? -1 : 0;
-}
-
 QGroupBox* group(const QString& title, std::initializer_list<QWidget*> widgets) {
     auto* box = new QGroupBox(title);
     auto* column = new QVBoxLayout(box);
@@ -29,14 +25,6 @@ QGroupBox* group(const QString& title, std::initializer_list<QWidget*> widgets) 
         column->addWidget(widget);
     column->addStretch();
     return box;
-}
-
-template <class Control>
-Control* control(const QString& name, const QString& caption, const QString& tip) {
-    auto* made = new Control(caption);
-    made->setObjectName(name);
-    made->setToolTip(tip);
-    return made;
 }
 
 } // namespace
@@ -102,7 +90,7 @@ QRadioButton* FrmSave::quality(const char* name, const QString& caption, std::in
 }
 
 QLayout* FrmSave::delayRow() {
-    auto* label = control<QLabel>("Label1", "画像取込遅延時間[sec] 　　 5sec以上に設定", {});
+    auto* label = control<QLabel>("Label1", "画像取込遅延時間[sec] 　　 5sec以上に設定");
     txt_delay_ = control<QLineEdit>("txt_delay", "15",
                                     "Seconds to wait before a picture is fetched; 5 or more.");
     txt_delay_->setAccessibleName(label->text());
@@ -132,11 +120,11 @@ QLayout* FrmSave::buttons() {
 }
 
 void FrmSave::Form_Load() {
-    chk_lr_->setChecked(options_.LrFlg != 0);
-    chk_date_->setChecked(options_.DateFlg == -1);
-    if (!chk_lr_->isChecked()) options_.DateFlg = 0;
+    chk_lr_->setChecked(isSet(options_.LrFlg));
+    chk_date_->setChecked(isSet(options_.DateFlg));
+    if (!chk_lr_->isChecked()) options_.DateFlg = asFlag(false);
     chk_lr_Click(chk_lr_->isChecked());
-    chk_save_->setChecked(options_.RawFlg == -1);
+    chk_save_->setChecked(isSet(options_.RawFlg));
     txt_delay_->setText(QString::number(options_.Delay));
     opt_type_[0]->setChecked(options_.JpegTyp == ImageControl::kFormatExif);
     opt_type_[1]->setChecked(options_.JpegTyp == ImageControl::kFormat444);
@@ -167,9 +155,9 @@ void FrmSave::Command1_Click() {
         });
         return box->open();
     }
-    options_.DateFlg = asFlag(chk_date_);
-    options_.LrFlg = asFlag(chk_lr_);
-    options_.RawFlg = asFlag(chk_save_);
+    options_.DateFlg = asFlag(chk_date_->isChecked());
+    options_.LrFlg = asFlag(chk_lr_->isChecked());
+    options_.RawFlg = asFlag(chk_save_->isChecked());
     options_.Delay = *delay;
     if (opt_type_[0]->isChecked()) options_.JpegTyp = ImageControl::kFormatExif;
     if (opt_type_[1]->isChecked()) options_.JpegTyp = ImageControl::kFormat444;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "station/Module1.h"
+#include "imaging/ImageOptions.h"
 
 #include <QDialog>
 

@@ -89,7 +89,7 @@ QLayout* FrmTKRTimeAuto::buttons() {
 }
 
 void FrmTKRTimeAuto::applyColours() {
-    const bool dark = palette().color(QPalette::Window).lightness() < 128;
+    const bool dark = isDark(palette());
     const QColor blue = dark ? QColor(0x8a, 0xb4, 0xff) : QColor(0x00, 0x00, 0xff);
     for (std::size_t index = 0; index < Label2_.size(); ++index) {
         if (Label2_[index] == nullptr) continue;

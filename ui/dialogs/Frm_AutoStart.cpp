@@ -1,5 +1,7 @@
 #include "ui/dialogs/Frm_AutoStart.h"
 
+#include "ui/panel/PanelControls.h"
+
 #include <QCloseEvent>
 #include <QLabel>
 #include <QProgressBar>
@@ -36,13 +38,12 @@ QLayout* Frm_AutoStart::message() {
     auto* icon = new QLabel(this);
     const int size = style()->pixelMetric(QStyle::PM_MessageBoxIconSize);
     icon->setPixmap(style()->standardIcon(QStyle::SP_MessageBoxWarning).pixmap(size));
-    auto* caution = new QLabel("/_/_/ Cautions /_/_/ Start in automatic recording mode.", this);
-    caution->setObjectName("Label2");
+    auto* caution =
+        control<QLabel>("Label2", "/_/_/ Cautions /_/_/ Start in automatic recording mode.");
     QFont bold = caution->font();
     bold.setBold(true);
     caution->setFont(bold);
-    auto* text = new QLabel("It starts automatically after about 10 seconds.", this);
-    text->setObjectName("Label1");
+    auto* text = control<QLabel>("Label1", "It starts automatically after about 10 seconds.");
 
     auto* texts = new QVBoxLayout;
     texts->setSpacing(6);
@@ -56,14 +57,11 @@ QLayout* Frm_AutoStart::message() {
 }
 
 QLayout* Frm_AutoStart::buttons() {
-    auto* cancel = new QPushButton("&Cancel", this);
-    cancel->setObjectName("Command1");
-    cancel->setToolTip("Starts the program without recording.");
+    auto* cancel =
+        control<QPushButton>("Command1", "&Cancel", "Starts the program without recording.", this);
     cancel->setDefault(true);
     connect(cancel, &QPushButton::clicked, this, [this] { autoStart_.Command1_Click(); });
-    auto* end = new QPushButton("&End", this);
-    end->setObjectName("Command2");
-    end->setToolTip("Ends the program.");
+    auto* end = control<QPushButton>("Command2", "&End", "Ends the program.", this);
     end->setAutoDefault(false);
     connect(end, &QPushButton::clicked, this, [this] { autoStart_.Command2_Click(); });
 

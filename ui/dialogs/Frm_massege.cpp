@@ -1,6 +1,7 @@
 #include "ui/dialogs/Frm_massege.h"
 
 #include "ui/Text.h"
+#include "ui/panel/PanelControls.h"
 
 #include <QGridLayout>
 #include <QLabel>
@@ -22,9 +23,8 @@ Frm_massege::Frm_massege(Warnings& warnings, QWidget* parent)
     text_->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     text_->setWordWrap(true);
     text_->setMinimumWidth(text_->fontMetrics().averageCharWidth() * 48);
-    auto* close = new QPushButton("&Close", this);
-    close->setObjectName("Command1");
-    close->setToolTip("Closes this window until there is a new warning.");
+    auto* close = control<QPushButton>("Command1", "&Close",
+                                       "Closes this window until there is a new warning.", this);
     close->setDefault(true);
     close->setFocus();
     connect(close, &QPushButton::clicked, this, &QDialog::hide);

@@ -1,6 +1,7 @@
 #include "ui/dialogs/frmAbout.h"
 
 #include "core/SystemInformation.h"
+#include "ui/panel/PanelControls.h"
 
 #include <QApplication>
 #include <QFrame>
@@ -16,8 +17,7 @@ namespace {
 constexpr int kIconSize = 48;
 
 QLabel* label(const char* name, const QString& caption = {}) {
-    auto* made = new QLabel(caption);
-    made->setObjectName(name);
+    auto* made = control<QLabel>(name, caption);
     made->setTextFormat(Qt::PlainText);
     made->setWordWrap(true);
     return made;
@@ -39,13 +39,6 @@ QFrame* line(const char* name) {
     return made;
 }
 
-QPushButton* button(const char* name, const QString& caption, const QString& tip) {
-    auto* made = new QPushButton(caption);
-    made->setObjectName(name);
-    made->setToolTip(tip);
-    return made;
-}
-
 /// Empty where the application has no icon.
 QLabel* icon(const QWidget& dialog) {
     QLabel* made = label("picIcon");
@@ -61,8 +54,9 @@ QLabel* icon(const QWidget& dialog) {
 frmAbout::frmAbout(Parts parts, QWidget* parent) : QDialog(parent), parts_(parts) {
     setObjectName("frmAbout");
     setWindowTitle("About Orvane");
-    auto* ok = button("cmdOK", "OK", "Closes this window.");
-    auto* system = button("cmdSysInfo", "System(&S)", "Starts the system's information tool.");
+    auto* ok = control<QPushButton>("cmdOK", "OK", "Closes this window.");
+    auto* system =
+        control<QPushButton>("cmdSysInfo", "System(&S)", "Starts the system's information tool.");
     ok->setDefault(true);
     ok->setFocus();
     connect(ok, &QPushButton::clicked, this, &QDialog::accept);

@@ -72,9 +72,7 @@ QWidget* frmOption::buttons() {
         controls_.button({"Command1", "&Send", "Writes the values to the tracker."}, form_.Command1,
                          [this] { tasks_.spawn(options_.Command1_Click()); });
     send->setDefault(true);
-    auto* close = new QPushButton("&Close");
-    close->setObjectName("Command2");
-    close->setToolTip("Closes this window without writing.");
+    auto* close = control<QPushButton>("Command2", "&Close", "Closes this window without writing.");
     close->setAutoDefault(false);
     connect(close, &QPushButton::clicked, this, &QDialog::reject);
     auto* place = new QWidget(this);

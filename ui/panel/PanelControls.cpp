@@ -43,6 +43,10 @@ QFont japaneseFont(QFont font) {
     return font;
 }
 
+bool isDark(const QPalette& palette) {
+    return palette.color(QPalette::Window).lightness() < 128;
+}
+
 void PanelControls::present(QWidget& widget, const Face& face) const {
     widget.setObjectName(face.name);
     widget.setToolTip(face.tip);

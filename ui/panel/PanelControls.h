@@ -4,6 +4,7 @@
 #include "ui/panel/Bindings.h"
 
 #include <QFont>
+#include <QPalette>
 #include <QString>
 
 #include <functional>
@@ -30,6 +31,19 @@ struct Face {
 /// `font` with families that show Japanese captions: their own one first, and what stands in where
 /// it is not installed.
 QFont japaneseFont(QFont font);
+
+/// Whether windows are dark, so that what is coloured on them must be light.
+bool isDark(const QPalette& palette);
+
+/// A dialog's own control: one that follows no value.
+template <class Control>
+Control* control(const QString& name, const QString& caption, const QString& tip = {},
+                 QWidget* parent = nullptr) {
+    auto* made = new Control(caption, parent);
+    made->setObjectName(name);
+    made->setToolTip(tip);
+    return made;
+}
 
 /// Makes the panel's widgets. Each follows the value of the same name; what the operator does goes
 /// into the value first and then to the handler.

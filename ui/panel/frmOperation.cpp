@@ -24,21 +24,13 @@
 namespace orvane {
 namespace {
 
-struct TimeField {
-    const char* what;
-    int maximum;
-};
-constexpr std::array<TimeField, OperationPanel::kFieldCount> kTimeFields{{{"Start hour", 23},
-                                                                          {"Start minute", 59},
-                                                                          {"End hour", 23},
-                                                                          {"End minute", 59},
-                                                                          {"Interval hour", 23},
-                                                                          {"Interval minute", 59},
-                                                                          {"Interval second", 59}}};
+constexpr std::array<const char*, OperationPanel::kFieldCount> kTimeFields{
+    "Start hour",    "Start minute",    "End hour",       "End minute",
+    "Interval hour", "Interval minute", "Interval second"};
 
 QString timeFieldTip(std::size_t index) {
-    const auto& [what, maximum] = kTimeFields[index];
-    QString tip = QString("%1, 0 to %2.").arg(what).arg(maximum);
+    QString tip =
+        QString("%1, 0 to %2.").arg(kTimeFields[index]).arg(OperationPanel::kFieldLimits[index]);
     if (index == 4)
         tip += " The interval is always shorter than an hour: this field has no effect.";
     if (index == 5) tip += " A picture is taken at every minute that is a multiple of it.";
@@ -179,7 +171,7 @@ QWidget* frmOperation::recordingButtons() {
 }
 
 QLineEdit* frmOperation::addTimeField(QHBoxLayout& row, std::size_t index, const QString& unit) {
-    const auto& [what, maximum] = kTimeFields[index];
+    const char* what = kTimeFields[index];
     const QString number = QString::number(index);
     Recording& recording = parts_.recording;
     QLineEdit* field = controls_.textBox(
@@ -189,9 +181,10 @@ QLineEdit* frmOperation::addTimeField(QHBoxLayout& row, std::size_t index, const
     field->setMaxLength(4);
     field->setAlignment(Qt::AlignRight);
     field->setFixedWidth(field->fontMetrics().horizontalAdvance("0000") + 10);
-    UpDown* upDown = controls_.upDown({"UpDown1_" + number, what, timeFieldTip(index)}, *field,
-                                      maximum, parts_.panel.UpDown1[index],
-                                      [&recording, index] { recording.UpDown1_Change(index); });
+    UpDown* upDown =
+        controls_.upDown({"UpDown1_" + number, what, timeFieldTip(index)}, *field,
+                         OperationPanel::kFieldLimits[index], parts_.panel.UpDown1[index],
+                         [&recording, index] { recording.UpDown1_Change(index); });
     row.addWidget(field);
     row.addWidget(upDown);
     row.addWidget(unitLabel(unit));

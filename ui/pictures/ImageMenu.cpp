@@ -50,7 +50,6 @@ void ImageMenu::add(QMenu& menu, const char* name, const QString& caption, const
 }
 
 void ImageMenu::addEntries(QMenu& image) {
-    image.setToolTipsVisible(true);
     add(image, "mnuEditCopy", "&Copy", "Copies the picture, or the marked rectangle.",
         {QKeySequence::Copy}, Needs::Picture, [](ImageWindow& window) { window.copy(); });
     add(image, "mnuEditTrim", "&Trim",

@@ -2,6 +2,7 @@
 
 #include "platform/Conversions.h"
 #include "ui/Text.h"
+#include "ui/panel/PanelControls.h"
 #include "ui/pictures/PictureAge.h"
 
 #include <QLabel>
@@ -60,7 +61,7 @@ void LatestWindow::updateAge() {
     if (text == age_->text()) return;
     age_->setText(text);
     QPalette colours = palette();
-    const bool dark = colours.color(QPalette::Window).lightness() < 128;
+    const bool dark = isDark(colours);
     if (overdue)
         colours.setColor(QPalette::WindowText, dark ? QColor("#ff8080") : QColor("#b00000"));
     age_->setPalette(colours);

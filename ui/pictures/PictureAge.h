@@ -1,7 +1,8 @@
 #pragma once
 
-#include "station/Module1.h"
+#include "station/Schedule.h"
 
+#include <filesystem>
 #include <optional>
 #include <string>
 

@@ -1,7 +1,7 @@
 #include "ui/pictures/PictureLoader.h"
 
 #include "imaging/ProcessImageFile.h"
-#include "platform/FileCopy.h"
+#include "platform/Files.h"
 
 #include <fstream>
 #include <system_error>
@@ -44,6 +44,13 @@ QImage fittedInto(const QImage& picture, QSize bound) {
 }
 
 } // namespace
+
+Scope PictureLoader::takeTurn() {
+    return Scope([this](bool taken) {
+        taken_ = taken;
+        if (!taken) control_.clear();
+    });
+}
 
 Task<std::string> PictureLoader::read(std::filesystem::path file, QByteArray& jpeg) {
     std::string fault = refusal(file);
@@ -93,7 +100,7 @@ Task<LoadedPicture> PictureLoader::load(PictureSource source, QSize bound) {
     }
     while (taken_)
         co_await clock_.sleep(kTurnPoll);
-    const Turn turn(*this);
+    const Scope turn = takeTurn();
     loaded.jpeg = source.jpeg;
     Task<std::string> decoding = decode(source, bound);
     loaded.fault = co_await decoding;
@@ -116,7 +123,7 @@ Task<std::string> PictureLoader::save(PictureSource source, std::filesystem::pat
     if (!source.isAltered()) co_return writeToFinalName(bytesOf(source.jpeg), target).value_or("");
     while (taken_)
         co_await clock_.sleep(kTurnPoll);
-    const Turn turn(*this);
+    const Scope turn = takeTurn();
     Task<std::string> decoding = decode(source, {});
     fault = co_await decoding;
     if (fault.empty()) {
@@ -132,7 +139,7 @@ Task<std::string> PictureLoader::writeProcessedCopy(std::filesystem::path image,
                                                     ImageOptions options, bool processingOn) {
     while (taken_)
         co_await clock_.sleep(kTurnPoll);
-    const Turn turn(*this);
+    const Scope turn = takeTurn();
     Task<Fault> processing = ProcessImageFile(control_, image, options, processingOn);
     const Fault fault = co_await processing;
     co_return fault.value_or("");

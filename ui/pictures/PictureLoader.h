@@ -2,6 +2,7 @@
 
 #include "imaging/ImageOptions.h"
 #include "platform/qt/LibjpegImageControl.h"
+#include "station/Scope.h"
 
 #include <QByteArray>
 #include <QImage>
@@ -20,7 +21,7 @@ struct PictureSource {
     QRect part;                 ///< of the upright, processed picture; null: all
 
     /// Whether what is shown differs from the JPEG's own bytes.
-    bool isAltered() const { return processing.LrFlg == -1 || !part.isNull(); }
+    bool isAltered() const { return isSet(processing.LrFlg) || !part.isNull(); }
 };
 
 struct LoadedPicture {
@@ -51,20 +52,7 @@ class PictureLoader {
 
   private:
     /// Keeps `control_` for one task and empties it afterwards, also when the task is destroyed.
-    class Turn {
-      public:
-        explicit Turn(PictureLoader& loader) : loader_(loader) { loader_.taken_ = true; }
-        Turn(const Turn&) = delete;
-        Turn& operator=(const Turn&) = delete;
-        ~Turn() {
-            loader_.control_.clear();
-            loader_.taken_ = false;
-        }
-
-      private:
-        PictureLoader& loader_;
-    };
-
+    Scope takeTurn();
     Task<std::string> read(std::filesystem::path file, QByteArray& jpeg);
     Task<std::string> decode(PictureSource source, QSize bound);
 
