@@ -117,6 +117,12 @@ std::string hourMinute(WallTime time) {
     return text;
 }
 
+std::string twoDigits(int value) {
+    std::string text;
+    put(text, value, 2);
+    return text;
+}
+
 std::chrono::year_month_day dayOf(WallTime time) {
     return std::chrono::year_month_day{std::chrono::floor<std::chrono::days>(time)};
 }

@@ -29,6 +29,9 @@ std::string dateDigits(WallTime time);
 std::string minuteStamp(WallTime time);
 std::string hourMinute(WallTime time);
 
+/// 0 to 99 with a leading zero.
+std::string twoDigits(int value);
+
 /// The calendar day of a wall time.
 std::chrono::year_month_day dayOf(WallTime time);
 /// The time since midnight.

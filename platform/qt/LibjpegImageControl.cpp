@@ -1,6 +1,6 @@
 #include "platform/qt/LibjpegImageControl.h"
 
-#include "platform/FileCopy.h"
+#include "platform/Files.h"
 #include "platform/qt/ExifHeader.h"
 #include "platform/qt/JpegDecoder.h"
 #include "platform/qt/JpegEncoder.h"

@@ -1,4 +1,4 @@
-#include "platform/FileCopy.h"
+#include "platform/Files.h"
 
 #include "tests/support/TempFolder.h"
 #include "tests/support/TestPictures.h"
