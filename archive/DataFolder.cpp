@@ -1,10 +1,22 @@
 #include "archive/DataFolder.h"
 
+#include "imaging/JpegMarkers.h"
+#include "platform/Files.h"
+
 #include <algorithm>
+#include <array>
+#include <fstream>
 #include <system_error>
 
 namespace orvane {
+
 namespace {
+
+bool isDatedName(const std::filesystem::path& folder) {
+    const std::u8string name = folder.filename().u8string();
+    return name.size() == 8 &&
+           std::ranges::all_of(name, [](char8_t c) { return c >= u8'0' && c <= u8'9'; });
+}
 
 bool isJpegName(const std::filesystem::path& file) {
     std::u8string extension = file.extension().u8string();
@@ -16,26 +28,74 @@ bool isJpegName(const std::filesystem::path& file) {
 
 } // namespace
 
-std::filesystem::path neighbourOf(const std::filesystem::path& file, bool forward) {
-    const std::filesystem::path own = file.filename();
-    std::filesystem::path nearest;
-    std::error_code error;
-    std::filesystem::directory_iterator entry(file.parent_path(), error);
-    for (; !error && entry != std::filesystem::directory_iterator(); entry.increment(error)) {
-        const std::filesystem::path name = entry->path().filename();
-        if (!isJpegName(name) || (forward ? name <= own : name >= own)) continue;
-        if (nearest.empty() || (forward ? name < nearest : name > nearest)) nearest = name;
-    }
-    return nearest.empty() ? nearest : file.parent_path() / nearest;
+std::filesystem::path datedFolderOf(const std::filesystem::path& dataFolder, WallTime time) {
+    return dataFolder / dateDigits(time);
 }
 
 bool isInDatedFolder(const std::filesystem::path& file) {
     const std::filesystem::path folder = file.parent_path();
-    const std::u8string name = folder.filename().u8string();
-    const bool dated = name.size() == 8 && std::ranges::all_of(name, [](char8_t c) {
-                           return c >= u8'0' && c <= u8'9';
-                       });
-    return dated && folder.parent_path().filename() != "Edit";
+    return isDatedName(folder) && folder.parent_path().filename() != "Edit";
+}
+
+FolderListing listFolder(const std::filesystem::path& folder) {
+    FolderListing listing;
+    std::error_code error;
+    // a for loop over the folder would throw on a failing increment
+    for (std::filesystem::directory_iterator entry(folder, error), end; !error && entry != end;
+         entry.increment(error))
+        listing.entries.push_back(entry->path());
+    if (error && error != std::errc::no_such_file_or_directory) listing.fault = error.message();
+    std::ranges::sort(listing.entries, {}, &std::filesystem::path::native);
+    return listing;
+}
+
+DayListing listDay(const std::filesystem::path& datedFolder) {
+    FolderListing folder = listFolder(datedFolder);
+    DayListing day{{}, std::move(folder.fault)};
+    for (std::filesystem::path& entry : folder.entries)
+        if (const auto name = ImageName::ofFile(entry))
+            day.pictures.push_back({*name, std::move(entry)});
+    return day;
+}
+
+bool isWholePicture(const std::filesystem::path& file) {
+    std::array<char, 2> start{};
+    std::array<char, 2> end{};
+    std::ifstream stream(file, std::ios::binary);
+    stream.read(start.data(), start.size());
+    if (!stream || std::string_view(start.data(), 2) != "\xFF\xD8") return false;
+    stream.seekg(-2, std::ios::end);
+    stream.read(end.data(), end.size());
+    if (stream && std::string_view(end.data(), 2) == "\xFF\xD9") return true;
+    std::string bytes; // there may be something behind the end
+    return !readWholeFile(file, bytes) && isWholeJpeg(bytes);
+}
+
+std::vector<std::filesystem::path> newestCaptures(const std::filesystem::path& dataFolder,
+                                                  std::size_t count) {
+    std::vector<std::filesystem::path> newest;
+    const FolderListing days = listFolder(dataFolder);
+    for (auto day = days.entries.rbegin(); day != days.entries.rend(); ++day) {
+        if (!isDatedName(*day)) continue;
+        const DayListing listing = listDay(*day);
+        for (auto picture = listing.pictures.rbegin(); picture != listing.pictures.rend();
+             ++picture) {
+            if (newest.size() == count) return newest;
+            if (picture->name.isCapture()) newest.push_back(picture->file);
+        }
+    }
+    return newest;
+}
+
+std::filesystem::path neighbourOf(const std::filesystem::path& file, bool forward) {
+    std::filesystem::path nearest;
+    for (std::filesystem::path& entry : listFolder(file.parent_path()).entries) {
+        if (!isJpegName(entry) || entry.filename() == file.filename()) continue;
+        const bool after = entry.filename() > file.filename();
+        if (after && forward) return entry;
+        if (!after) nearest = std::move(entry);
+    }
+    return forward ? std::filesystem::path() : nearest;
 }
 
 } // namespace orvane

@@ -1,15 +1,50 @@
 #pragma once
 
+#include "archive/ImageName.h"
+#include "platform/Fault.h"
+
 #include <filesystem>
+#include <vector>
 
 namespace orvane {
+
+/// D/yyyymmdd, the folder of a day's pictures below the data folder D.
+std::filesystem::path datedFolderOf(const std::filesystem::path& dataFolder, WallTime time);
+/// Whether `file` lies in a dated folder, one named by eight digits, outside the tree of processed
+/// copies ("Edit").
+bool isInDatedFolder(const std::filesystem::path& file);
+
+/// The entries of a folder in the order of their names. There are three answers: these, none (also
+/// when there is no such folder), or a fault, and then `entries` tell nothing.
+struct FolderListing {
+    std::vector<std::filesystem::path> entries;
+    Fault fault;
+};
+FolderListing listFolder(const std::filesystem::path& folder);
+
+/// A picture of a dated folder.
+struct FiledPicture {
+    ImageName name;
+    std::filesystem::path file;
+};
+/// The pictures of a dated folder in the order of their names; answers as `FolderListing` does.
+struct DayListing {
+    std::vector<FiledPicture> pictures;
+    Fault fault;
+};
+DayListing listDay(const std::filesystem::path& datedFolder);
+
+/// Whether a file holds a whole picture: it has a JPEG's start and end. A file that a power cut has
+/// left empty, cut or full of zeros has not.
+bool isWholePicture(const std::filesystem::path& file);
+
+/// The newest captures below a data folder, newest first, whatever their days; `count` at most.
+/// What cannot be read is passed over.
+std::vector<std::filesystem::path> newestCaptures(const std::filesystem::path& dataFolder,
+                                                  std::size_t count);
 
 /// The JPEG file that comes after (`forward`) or before `file` in its folder, in the order of their
 /// names; empty where there is none. `file` itself need not exist any more.
 std::filesystem::path neighbourOf(const std::filesystem::path& file, bool forward);
-
-/// Whether `file` lies in a dated folder, one named by eight digits, outside the tree of processed
-/// copies ("Edit").
-bool isInDatedFolder(const std::filesystem::path& file);
 
 } // namespace orvane

@@ -7,6 +7,15 @@
 
 namespace orvane {
 
+std::string ExtensionOf(const std::string& name) {
+    const std::size_t dot = name.rfind('.');
+    return dot == std::string::npos ? std::string() : name.substr(dot);
+}
+
+std::string BaseNameOf(const std::string& name) {
+    return name.substr(0, name.rfind('.'));
+}
+
 void FolderScan::file_check(const std::string& text) {
     const std::filesystem::path& folder = panel_.Dir1[1].path;
     auto& list = module_.foundImages;

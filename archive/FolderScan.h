@@ -3,7 +3,14 @@
 #include "station/Module1.h"
 #include "station/OperationPanel.h"
 
+#include <string>
+
 namespace orvane {
+
+/// The trailing part from the last "." on, dot included; empty without one.
+std::string ExtensionOf(const std::string& name);
+/// The part before the last "."; the whole name without one.
+std::string BaseNameOf(const std::string& name);
 
 /// Looks through the folder of `Dir1(1)`, not its sub-folders, for files whose names hold a text.
 class FolderScan {

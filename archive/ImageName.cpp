@@ -1,109 +1,59 @@
 #include "archive/ImageName.h"
 
-#include <algorithm>
-#include <charconv>
+#include "platform/Paths.h"
+
+#include <cctype>
 
 namespace orvane {
 
 namespace {
 
-constexpr std::size_t kImageNameLength = 22;
-constexpr std::size_t kLongestName = 255;
-
-/// Characters are counted from 1, as the name's layout is written down.
-void readNumber(std::string_view name, std::size_t first, std::size_t count, std::int16_t& number) {
-    const std::string_view digits = name.substr(first - 1, count);
-    if (std::ranges::all_of(digits, [](char c) { return c >= '0' && c <= '9'; }))
-        std::from_chars(digits.data(), digits.data() + digits.size(), number);
+/// Letters of the form stand for digits, any other character for itself.
+bool fits(std::string_view text) {
+    if (text.size() != ImageName::kForm.size()) return false;
+    const std::size_t extension = ImageName::kForm.rfind('.');
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const auto is = static_cast<unsigned char>(text[i]);
+        const auto want = static_cast<unsigned char>(ImageName::kForm[i]);
+        const bool digit = i < extension && std::isalpha(want) != 0;
+        if (digit ? std::isdigit(is) == 0 : std::tolower(is) != want) return false;
+    }
+    return true;
 }
 
-std::int64_t dateKey(const ImageStamp& stamp) {
-    return std::int64_t{stamp.year} * 65536 + stamp.month * 256 + stamp.day;
-}
-
-std::int64_t timeKey(const ImageStamp& stamp) {
-    return std::int64_t{stamp.hour} * 16777216 + stamp.minute * 65536 + stamp.second * 256 +
-           stamp.frame;
-}
-
-int compare(std::int64_t a, std::int64_t b) {
-    return a > b ? 1 : a < b ? -1 : 0;
-}
-
-bool isDevice(std::string_view name) {
-    std::string base(name.substr(0, name.find('.')));
-    for (char& c : base)
-        if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
-    const bool numbered = base.size() == 4 && base[3] >= '0' && base[3] <= '9';
-    return base == "CON" || base == "PRN" || base == "AUX" || base == "NUL" ||
-           (numbered && (base.starts_with("COM") || base.starts_with("LPT")));
+int number(std::string_view text, std::size_t first, std::size_t count) {
+    int value = 0;
+    for (const char c : text.substr(first, count))
+        value = value * 10 + (c - '0');
+    return value;
 }
 
 } // namespace
 
-ImageStamp stampOf(WallTime time) {
-    const auto midnight = std::chrono::floor<std::chrono::days>(time);
-    const std::chrono::year_month_day date(midnight);
-    const std::chrono::hh_mm_ss clock(std::chrono::floor<std::chrono::seconds>(time - midnight));
-    return {static_cast<std::int16_t>(int(date.year())),
-            static_cast<std::int16_t>(unsigned(date.month())),
-            static_cast<std::int16_t>(unsigned(date.day())),
-            static_cast<std::int16_t>(clock.hours().count()),
-            static_cast<std::int16_t>(clock.minutes().count()),
-            static_cast<std::int16_t>(clock.seconds().count()),
-            0};
+std::optional<ImageName> ImageName::parse(std::string_view text) {
+    if (!fits(text)) return std::nullopt;
+    const std::chrono::year_month_day date{
+        std::chrono::year(number(text, 0, 4)),
+        std::chrono::month(static_cast<unsigned>(number(text, 4, 2))),
+        std::chrono::day(static_cast<unsigned>(number(text, 6, 2)))};
+    const std::chrono::hours hour(number(text, 9, 2));
+    const std::chrono::minutes minute(number(text, 11, 2));
+    const std::chrono::seconds second(number(text, 13, 2));
+    if (!date.ok() || hour >= 24h || minute >= 60min || second >= 60s) return std::nullopt;
+    return ImageName(std::chrono::local_days(date) + hour + minute + second, number(text, 16, 2));
 }
 
-void ParseImageName(std::string_view name, ImageStamp& stamp) {
-    if (name.size() != kImageNameLength) return;
-    readNumber(name, 1, 4, stamp.year);
-    readNumber(name, 5, 2, stamp.month);
-    readNumber(name, 7, 2, stamp.day);
-    readNumber(name, 10, 2, stamp.hour);
-    readNumber(name, 12, 2, stamp.minute);
-    readNumber(name, 14, 2, stamp.second);
-    readNumber(name, 17, 2, stamp.frame);
+std::optional<ImageName> ImageName::ofFile(const std::filesystem::path& file) {
+    return parse(utf8FromPath(file.filename()));
 }
 
-int CompareStamp(const ImageStamp& a, const ImageStamp& b) {
-    const int dates = compare(dateKey(a), dateKey(b));
-    return dates != 0 ? dates : compare(timeKey(a), timeKey(b));
+ImageName ImageName::ofCapture(WallTime time) {
+    return {std::chrono::floor<std::chrono::minutes>(time), 0};
 }
 
-bool CheckStartTime(int hour, int minute, int second) {
-    return hour < 24 && minute < 60 && second < 60;
-}
-
-std::optional<std::string_view> NextField(std::string_view& text, char separator) {
-    const std::size_t end = text.find(separator);
-    if (end == std::string_view::npos) return std::nullopt;
-    const std::string_view field = text.substr(0, end);
-    text.remove_prefix(end + 1);
-    return field;
-}
-
-std::string_view FileNameOfPath(std::string_view path) {
-    const std::size_t slash = path.rfind('/');
-    return slash == std::string_view::npos ? std::string_view() : path.substr(slash + 1);
-}
-
-std::string ExtensionOf(const std::string& name) {
-    const std::size_t dot = name.rfind('.');
-    return dot == std::string::npos ? std::string() : name.substr(dot);
-}
-
-std::string BaseNameOf(const std::string& name) {
-    return name.substr(0, name.rfind('.'));
-}
-
-bool isPlainName(std::string_view name) {
-    if (name.empty() || name.size() > kLongestName) return false;
-    if (name.find("..") != std::string_view::npos) return false;
-    if (name.back() == '.' || name.back() == ' ' || isDevice(name)) return false;
-    return std::ranges::none_of(name, [](char c) {
-        return static_cast<unsigned char>(c) < ' ' || c == '\x7F' ||
-               std::string_view("/\\:*?\"<>|").find(c) != std::string_view::npos;
-    });
+std::string ImageName::text() const {
+    const auto seconds = static_cast<int>(timeOfDay(time()) / 1s % 60);
+    return minuteStamp(time()) + twoDigits(seconds) + "_" + twoDigits(frame_) + ".jpg";
 }
 
 } // namespace orvane

@@ -1,55 +1,46 @@
 #pragma once
 
-#include "platform/Clock.h"
+#include "platform/Conversions.h"
 
-#include <cstdint>
+#include <compare>
+#include <filesystem>
 #include <optional>
 #include <string>
 #include <string_view>
 
 namespace orvane {
 
-/// The moment in a picture's name. Month and day count from 1.
-struct ImageStamp {
-    std::int16_t year = 0;
-    std::int16_t month = 0;
-    std::int16_t day = 0;
-    std::int16_t hour = 0;
-    std::int16_t minute = 0;
-    std::int16_t second = 0;
-    std::int16_t frame = 0; ///< counts the pictures of one second
+/// The name of a recorded picture, "yyyymmdd_hhmmss_ff.jpg": the local second it was taken in and
+/// the frame, which counts the pictures of one second from 00. In order of time. Captures have the
+/// second 00; another second tells that a picture comes from the camera's own store.
+class ImageName {
+  public:
+    static constexpr std::string_view kForm = "yyyymmdd_hhmmss_ff.jpg";
+    static constexpr int kFrames = 100; ///< of one second
 
-    bool operator==(const ImageStamp&) const = default;
+    /// Nothing for a text of another form and for a day or time that no calendar or clock knows.
+    /// The extension may be written in capital letters.
+    static std::optional<ImageName> parse(std::string_view text);
+    static std::optional<ImageName> ofFile(const std::filesystem::path& file);
+    /// The name of a capture in the minute of `time`.
+    static ImageName ofCapture(WallTime time);
+
+    std::string text() const;
+    WallTime time() const { return WallTime(second_); }
+    /// Days, minutes and seconds as the calendar and clock show them.
+    std::chrono::local_days day() const { return std::chrono::floor<std::chrono::days>(second_); }
+    std::int64_t minute() const { return minuteIndex(time()); }
+    bool isCapture() const { return second_ == std::chrono::floor<std::chrono::minutes>(second_); }
+    int frame() const { return frame_; } ///< 0 to 99
+    ImageName withFrame(int frame) const { return {second_, frame}; }
+
+    auto operator<=>(const ImageName&) const = default;
+
+  private:
+    ImageName(std::chrono::local_seconds second, int frame) : second_(second), frame_(frame) {}
+
+    std::chrono::local_seconds second_;
+    int frame_;
 };
-
-/// The stamp of a moment, to the second, with frame 0.
-ImageStamp stampOf(WallTime time);
-
-/// Reads "yyyymmdd_hhmmss_ff.jpg" by position; separators and extension are not looked at. A name
-/// of another length leaves the stamp untouched, a part that is no number leaves that part.
-void ParseImageName(std::string_view name, ImageStamp& stamp);
-
-/// 1 when `a` is later, -1 when earlier, 0 when equal.
-int CompareStamp(const ImageStamp& a, const ImageStamp& b);
-
-/// Whether the numbers stay below 24, 60 and 60. Nothing else is checked.
-bool CheckStartTime(int hour, int minute, int second);
-
-/// Takes the text before the first `separator` off `text`, and the separator with it. Without one
-/// `text` stays as it is.
-std::optional<std::string_view> NextField(std::string_view& text, char separator);
-
-/// The part after the last "/"; empty when there is none.
-std::string_view FileNameOfPath(std::string_view path);
-
-/// The trailing part from the last "." on, dot included; empty without one.
-std::string ExtensionOf(const std::string& name);
-/// The part before the last "."; the whole name without one.
-std::string BaseNameOf(const std::string& name);
-
-/// Whether a name that a device sent may name a file in a folder: no separator, drive or "..",
-/// nothing that a file system of an operator's PC refuses or gives a meaning of its own, 1 to 255
-/// bytes.
-bool isPlainName(std::string_view name);
 
 } // namespace orvane

@@ -1,5 +1,6 @@
 #include "archive/SchFile.h"
 
+#include "archive/DataFolder.h"
 #include "platform/FileAttributes.h"
 #include "platform/Paths.h"
 
@@ -52,13 +53,12 @@ bool SchFile(const std::filesystem::path& path, std::string pattern,
     if (pattern.find_first_of("*?") == std::string::npos) // no need to look at the whole folder
         return !isFile(folder / pathFromUtf8(pattern)) ||
                store(folder / pathFromUtf8(pattern), buffer);
-    std::error_code error;
-    for (std::filesystem::directory_iterator entry(folder, error), end; !error && entry != end;
-         entry.increment(error)) {
-        if (!matchesPattern(utf8FromPath(entry->path().filename()), pattern)) continue;
-        if (isFile(entry->path()) && !store(entry->path(), buffer)) return false;
+    const FolderListing listing = listFolder(folder);
+    for (const std::filesystem::path& entry : listing.entries) {
+        if (!matchesPattern(utf8FromPath(entry.filename()), pattern)) continue;
+        if (isFile(entry) && !store(entry, buffer)) return false;
     }
-    return true;
+    return !listing.fault;
 }
 
 } // namespace orvane

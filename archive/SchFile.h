@@ -15,9 +15,9 @@ inline constexpr std::size_t kNameBufferSize = 1000;
 /// name.
 bool matchesPattern(std::string_view name, std::string_view pattern);
 
-/// Lists the files, not the folders, that `path` names: a folder and, behind its last separator, a
-/// name or pattern; `pattern` (empty: "*.*") where the path ends in a separator. False when the
-/// buffer is full before the listing ends.
+/// Lists the files, not the folders, that `path` names, in the order of their names: a folder and,
+/// behind its last separator, a name or pattern; `pattern` (empty: "*.*") where the path ends in a
+/// separator. False when the buffer is full before the listing ends, or the folder cannot be read.
 bool SchFile(const std::filesystem::path& path, std::string pattern,
              std::vector<std::filesystem::path>& buffer);
 

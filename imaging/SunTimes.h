@@ -13,6 +13,8 @@ struct SiteValues {
     double latitude = 35.738;   ///< degrees, north positive
     double longitude = 139.315; ///< degrees, east positive
     std::int16_t Tz = 540;      ///< minutes east of universal time
+
+    bool operator==(const SiteValues&) const = default;
 };
 
 /// The day's two texts as time of day, hours without a leading zero ("3:53:00"); one that falls on

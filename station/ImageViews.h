@@ -12,8 +12,7 @@ class ImageViews {
   public:
     virtual ~ImageViews() = default;
     /// Shows the history again after it changed.
-    virtual void
-    refreshThumbnails(const std::array<ThumbnailEntry, Module1::kThumbnailCount>& history) = 0;
+    virtual void refreshThumbnails(const ThumbnailHistory& history) = 0;
     /// Shows a picture file in the latest-image window.
     virtual void showLatest(const std::filesystem::path& file) = 0;
     /// Shows a JPEG that was not filed in the latest-image window.

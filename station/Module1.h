@@ -13,15 +13,11 @@
 
 namespace orvane {
 
-struct ThumbnailEntry {
-    std::filesystem::path path; ///< empty: no image
-    std::int32_t number = 0;
-};
+/// The newest images, newest first; an empty path: no image.
+using ThumbnailHistory = std::array<std::filesystem::path, 10>;
 
 /// The process-wide state. `main` owns the only one and hands it down.
 struct Module1 {
-    static constexpr std::size_t kThumbnailCount = 10;
-
     std::filesystem::path programFolder; ///< holds ERROR.LOG and the working picture full.jpg
 
     Schedule schedule;
@@ -40,7 +36,7 @@ struct Module1 {
     bool imageProcessing = true; ///< off: files are kept as they come
 
     std::filesystem::path lastImage; ///< newest image written; empty at start
-    std::array<ThumbnailEntry, kThumbnailCount> thumbnails; ///< newest first
+    ThumbnailHistory thumbnails;
 
     /// Indices from 1 hold the paths that `file_check` found; `foundCount` is one more than their
     /// number, 0 when the folder could not be opened.
@@ -48,16 +44,21 @@ struct Module1 {
     std::int16_t foundCount = 0;
 
     bool capturing = false;          ///< from "Recording Now..." to the end of the processing
-    bool imagesArrived = false;      ///< a run has downloaded pictures; cleared by who looked
     bool syncPending = false;        ///< the next search reaches back half an hour more
     std::optional<Ticks> lastRunEnd; ///< of the last run that came to its end by itself
 
-    /// Puts an image into the first place of the history; one that is in it already moves there.
-    void addThumbnail(const std::filesystem::path& file) {
-        auto last = std::ranges::find(thumbnails, file, &ThumbnailEntry::path);
-        if (last == thumbnails.end()) --last;
-        std::rotate(thumbnails.begin(), last, last + 1);
-        thumbnails.front() = {file, filesFetched + 1};
+    /// Puts an image into the history: a capture (`isNewest`) into the first place, another one
+    /// into the place of its time, that is of its name. One that is in it already moves there.
+    void addThumbnail(const std::filesystem::path& file, bool isNewest) {
+        const auto known = std::ranges::find(thumbnails, file);
+        const auto last = known == thumbnails.end() ? std::prev(known) : known;
+        const auto place = isNewest ? thumbnails.begin()
+                                    : std::ranges::find_if(thumbnails, [&](const auto& entry) {
+                                          return entry.filename() <= file.filename();
+                                      });
+        if (place > last) return; // older than all of them
+        std::rotate(place, last, last + 1);
+        *place = file;
     }
 
     std::int16_t replyTicks = 0;  ///< seconds, bounds the serial waits

@@ -11,7 +11,7 @@ namespace orvane {
 /// while any cause holds, and the operator may close it until a text changes.
 class Warnings {
   public:
-    enum class Cause { NoImage, DataFolder, ErrorLog, DiskSpace, ClockSetting };
+    enum class Cause { NoImage, DataFolder, Unreadable, ErrorLog, DiskSpace, ClockSetting };
 
     /// All texts, one per line; empty: nothing to warn of.
     Value<std::string> text;

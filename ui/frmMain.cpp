@@ -39,7 +39,7 @@ frmMain::frmMain(Parts parts)
     rows->setSpacing(0);
     auto* row = new QHBoxLayout;
     rows->addLayout(row, 1);
-    rows->addWidget(new DayView({parts_.module, parts_.operation.panel, parts_.clock}));
+    rows->addWidget(new DayView({parts_.days, parts_.module, parts_.clock}));
     row->addWidget(new PanelScroll(*operation_));
     row->addLayout(pictures, 1);
     setCentralWidget(content);

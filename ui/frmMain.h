@@ -43,6 +43,7 @@ class frmMain : public QMainWindow {
         Busy& busy;
         Shutdown& shutdown;
         QtImageViews& views;
+        DayWatch& days;
         Tracker tracker;
         Clock& clock;
         Operator& op;

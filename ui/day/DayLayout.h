@@ -1,6 +1,6 @@
 #pragma once
 
-#include "archive/DayPlan.h"
+#include "ui/day/DayMarks.h"
 
 #include <QFont>
 #include <QPointF>

@@ -14,8 +14,7 @@ constexpr Ticks kLookInterval = 1s;
 }
 
 DayView::DayView(Parts parts, QWidget* parent)
-    : QWidget(parent), overview_(parts.module, parts.panel, parts.clock),
-      timer_(parts.clock, kLookInterval, [this] { refresh(); }) {
+    : QWidget(parent), parts_(parts), timer_(parts.clock, kLookInterval, [this] { refresh(); }) {
     setObjectName("dayView");
     setFocusPolicy(Qt::StrongFocus);
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
@@ -30,18 +29,30 @@ QSize DayView::minimumSizeHint() const {
 }
 
 void DayView::refresh() {
-    if (!overview_.refresh()) return;
+    parts_.days.refresh();
+    const bool newSun = computeSun();
+    if (std::exchange(shown_, parts_.days.revision()) == parts_.days.revision() && !newSun) return;
     mergeMarks();
     update();
 }
 
+/// Nothing when the site's sun cannot be computed. Whether it has been computed anew.
+bool DayView::computeSun() {
+    const auto day = parts_.days.folder().day();
+    if (day == sunDay_ && site_ == parts_.module.site) return false;
+    sunDay_ = day;
+    site_ = parts_.module.site;
+    sun_ = sunOfDay(*site_, dayOf(WallTime(day)));
+    return true;
+}
+
 void DayView::mergeMarks() {
-    marks_ = dayMarks(overview_.plan(), dayLayout().columnMinutes());
+    marks_ = dayMarks(parts_.days.plan(), dayLayout().columnMinutes());
     describe();
 }
 
 void DayView::describe() {
-    const QString text = toQString(overview_.plan().text);
+    const QString text = toQString(parts_.days.plan().text);
     const int index = selected();
     setAccessibleName("Today: " + text);
     setAccessibleDescription(
@@ -60,7 +71,7 @@ int DayView::selected() const {
 
 /// How many marks lie before the line of the present time, where the keyboard starts from.
 int DayView::marksBeforeNow() const {
-    const int now = overview_.minuteOfDay();
+    const int now = parts_.days.minuteOfDay();
     return static_cast<int>(
         std::ranges::count_if(marks_, [now](const DayMark& mark) { return mark.first <= now; }));
 }
@@ -127,7 +138,7 @@ void DayView::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     const DayLayout day = dayLayout();
     DayDrawing(painter, day, palette())
-        .draw({overview_.plan(), overview_.sun(), marks_, overview_.minuteOfDay(), selected()});
+        .draw({parts_.days.plan(), sun_, marks_, parts_.days.minuteOfDay(), selected()});
     if (!hasFocus()) return;
     painter.setRenderHint(QPainter::Antialiasing, false);
     painter.setPen(palette().color(QPalette::Highlight));

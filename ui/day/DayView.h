@@ -1,6 +1,7 @@
 #pragma once
 
-#include "archive/DayOverview.h"
+#include "archive/DayWatch.h"
+#include "imaging/SunDay.h"
 #include "station/RepeatingTimer.h"
 #include "ui/day/DayDrawing.h"
 
@@ -15,8 +16,8 @@ class DayView : public QWidget {
   public:
     /// What the band shows; all of it outlives the window.
     struct Parts {
-        const Module1& module;
-        const OperationPanel& panel;
+        DayWatch& days;
+        const Module1& module; ///< for the site
         Clock& clock;
     };
 
@@ -41,14 +42,19 @@ class DayView : public QWidget {
   private:
     DayLayout dayLayout() const { return {rect(), font()}; }
     void refresh();
+    bool computeSun();
     void mergeMarks();
     void describe();
     void select(int index);
     int selected() const;
     int marksBeforeNow() const;
 
-    DayOverview overview_;
+    Parts parts_;
     RepeatingTimer timer_;
+    std::int64_t shown_ = -1; ///< the revision of what is shown
+    std::optional<SunDay> sun_;
+    std::chrono::local_days sunDay_{};
+    std::optional<SiteValues> site_; ///< of which `sun_` is
     std::vector<DayMark> marks_;
     int selectedMinute_ = -1; ///< of the keyboard's mark, which may be merged anew; -1 for none
 };

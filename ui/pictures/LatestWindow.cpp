@@ -9,8 +9,8 @@
 
 namespace orvane {
 
-LatestWindow::LatestWindow(ImageServices& services, Clock& clock, const Module1& module)
-    : ImageWindow(services), clock_(clock), module_(module), age_(new QLabel) {
+LatestWindow::LatestWindow(ImageServices& services, Clock& clock, const DayWatch& days)
+    : ImageWindow(services), clock_(clock), days_(days), age_(new QLabel) {
     setObjectName("frmLatest");
     age_->setObjectName("imageAge");
     statusLine()->addWidget(age_);
@@ -22,8 +22,8 @@ LatestWindow::LatestWindow(ImageServices& services, Clock& clock, const Module1&
 void LatestWindow::showFile(const std::filesystem::path& file) {
     // A name has no seconds: a picture of this very minute has just come.
     const WallTime now = clock_.now();
-    const std::optional<WallTime> named = recordedMinute(file);
-    taken_ = named && minuteIndex(*named) != minuteIndex(now) ? *named : now;
+    const auto name = ImageName::ofFile(file);
+    taken_ = name && name->minute() != minuteIndex(now) ? name->time() : now;
     updateAge();
     PictureSource source;
     source.file = file;
@@ -55,7 +55,7 @@ Task<> LatestWindow::followAge() {
 void LatestWindow::updateAge() {
     if (!taken_) return age_->clear();
     const WallTime now = clock_.now();
-    const bool overdue = module_.RecordFlg && isOverdue(module_.schedule, *taken_, now);
+    const bool overdue = days_.isOverdue(*taken_);
     QString text = toQString(ageText(now - *taken_));
     if (overdue) text += ", overdue";
     if (text == age_->text()) return;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "station/Module1.h"
+#include "archive/DayWatch.h"
 #include "ui/pictures/ImageWindow.h"
 
 #include <optional>
@@ -15,7 +15,7 @@ class LatestWindow : public ImageWindow {
     Q_OBJECT
 
   public:
-    LatestWindow(ImageServices& services, Clock& clock, const Module1& module);
+    LatestWindow(ImageServices& services, Clock& clock, const DayWatch& days);
 
     /// A recorded file's age counts from the minute in its name, another's from now.
     void showFile(const std::filesystem::path& file);
@@ -30,7 +30,7 @@ class LatestWindow : public ImageWindow {
     void updateAge();
 
     Clock& clock_;
-    const Module1& module_;
+    const DayWatch& days_;
     QLabel* age_;
     std::optional<WallTime> taken_; ///< nothing: there is no picture
     Task<> ageTask_;

@@ -9,9 +9,9 @@
 
 namespace orvane {
 
-QtImageViews::QtImageViews(Clock& clock, Operator& op, const Module1& module,
+QtImageViews::QtImageViews(Clock& clock, Operator& op, const Module1& module, const DayWatch& days,
                            LibjpegImageControl& control)
-    : op_(op), clock_(clock), module_(module), loader_(clock, control),
+    : op_(op), clock_(clock), module_(module), days_(days), loader_(clock, control),
       tasks_([this](const std::exception_ptr& fault) {
           tasks_.spawn(op_.tell("A fault occurred: " + textOf(fault)));
       }) {}
@@ -21,8 +21,7 @@ void QtImageViews::attach(PictureArea* area, ThumbnailStrip* strip) {
     strip_ = strip;
 }
 
-void QtImageViews::refreshThumbnails(
-    const std::array<ThumbnailEntry, Module1::kThumbnailCount>& history) {
+void QtImageViews::refreshThumbnails(const ThumbnailHistory& history) {
     if (strip_ != nullptr) strip_->showHistory(history);
 }
 
@@ -37,7 +36,7 @@ void QtImageViews::showLive(const std::string& jpeg) {
 
 void QtImageViews::openLatest(const std::filesystem::path& file) {
     if (area_ == nullptr) return;
-    if (latestFile_.empty()) latestFile_ = file.empty() ? module_.thumbnails[0].path : file;
+    if (latestFile_.empty()) latestFile_ = file.empty() ? module_.thumbnails[0] : file;
     const bool wasOpen = latest_ != nullptr;
     LatestWindow* window = latestWindow();
     area_->setActiveSubWindow(qobject_cast<QMdiSubWindow*>(window->parentWidget()));
@@ -110,7 +109,7 @@ void QtImageViews::tellNoRoom() {
 
 LatestWindow* QtImageViews::latestWindow() {
     if (latest_ != nullptr) return latest_;
-    latest_ = new LatestWindow(services_, clock_, module_);
+    latest_ = new LatestWindow(services_, clock_, days_);
     QObject::connect(latest_, &ImageWindow::trimmed, area_,
                      [this](const PictureSource& part, const QString& name) { open(part, name); });
     latestWanted_ = false;

@@ -17,14 +17,14 @@ class QtImageViews final : public ImageViews {
   public:
     static constexpr int kMaxWindows = 24; ///< bounds the memory: each keeps a screenful of pixels
 
-    QtImageViews(Clock& clock, Operator& op, const Module1& module, LibjpegImageControl& control);
+    QtImageViews(Clock& clock, Operator& op, const Module1& module, const DayWatch& days,
+                 LibjpegImageControl& control);
 
     void attach(PictureArea* area, ThumbnailStrip* strip);
     /// Decodes for every view.
     PictureLoader& loader() { return loader_; }
 
-    void
-    refreshThumbnails(const std::array<ThumbnailEntry, Module1::kThumbnailCount>& history) override;
+    void refreshThumbnails(const ThumbnailHistory& history) override;
     void showLatest(const std::filesystem::path& file) override;
     void showLive(const std::string& jpeg) override;
 
@@ -58,6 +58,7 @@ class QtImageViews final : public ImageViews {
     Operator& op_;
     Clock& clock_;
     const Module1& module_;
+    const DayWatch& days_;
     PictureLoader loader_;
     ImageServices services_{loader_, {}};
     QPointer<PictureArea> area_;

@@ -1,8 +1,9 @@
 #include "ui/pictures/ThumbnailStrip.h"
 
+#include "archive/ImageName.h"
+
 #include "platform/Conversions.h"
 #include "ui/Text.h"
-#include "ui/pictures/PictureAge.h"
 
 #include <QDir>
 #include <QHBoxLayout>
@@ -37,10 +38,10 @@ void Thumbnail::setFile(const std::filesystem::path& file) {
     file_ = file;
     state_ = State::Waiting;
     picture_->clear();
-    const auto minute = recordedMinute(file);
+    const auto name = ImageName::ofFile(file);
     const QString path = QDir::toNativeSeparators(toQString(file));
-    const QString date = minute ? toQString(dateText(*minute)) + "\n" : QString();
-    time_->setText(minute ? toQString(hourMinute(*minute)) : QString());
+    const QString date = name ? toQString(dateText(name->time())) + "\n" : QString();
+    time_->setText(name ? toQString(hourMinute(name->time())) : QString());
     setToolTip(file.empty() ? QString() : date + path + "\nDouble-click to open.");
     setAccessibleName(file.empty() ? "No picture" : path);
     setFocusPolicy(file.empty() ? Qt::NoFocus : Qt::StrongFocus);
@@ -133,15 +134,15 @@ void ThumbnailStrip::resizeEvent(QResizeEvent*) {
 
 /// A capture moves every file on by one frame; what is known of each goes along.
 void ThumbnailStrip::showHistory(const History& history) {
-    std::array<std::optional<QPixmap>, Module1::kThumbnailCount> known;
+    std::array<std::optional<QPixmap>, std::tuple_size_v<ThumbnailHistory>> known;
     for (std::size_t i = 0; i < history.size(); ++i)
         for (const Thumbnail* frame : frames_)
-            if (frame->file() == history[i].path && frame->state() != Thumbnail::State::Waiting)
+            if (frame->file() == history[i] && frame->state() != Thumbnail::State::Waiting)
                 known[i] = frame->picture();
     for (std::size_t i = 0; i < history.size(); ++i) {
-        frames_[i]->setFile(history[i].path);
+        frames_[i]->setFile(history[i]);
         if (known[i]) frames_[i]->setPicture(*known[i]);
-        frames_[i]->setNewest(i == 0 && !history[i].path.empty());
+        frames_[i]->setNewest(i == 0 && !history[i].empty());
     }
     if (tasks_.running() == 0) tasks_.spawn(decodeWaiting());
 }

@@ -54,7 +54,7 @@ class ThumbnailStrip : public QWidget {
     Q_OBJECT
 
   public:
-    using History = std::array<ThumbnailEntry, Module1::kThumbnailCount>;
+    using History = ThumbnailHistory;
 
     explicit ThumbnailStrip(PictureLoader& loader, QWidget* parent = nullptr);
 
@@ -71,7 +71,7 @@ class ThumbnailStrip : public QWidget {
     void resizeEvent(QResizeEvent* event) override;
 
   private:
-    using Frames = std::array<Thumbnail*, Module1::kThumbnailCount>;
+    using Frames = std::array<Thumbnail*, std::tuple_size_v<ThumbnailHistory>>;
 
     Task<> decodeWaiting();
     void moveFocus(std::size_t from, int by);

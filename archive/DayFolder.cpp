@@ -1,0 +1,80 @@
+#include "archive/DayFolder.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace orvane {
+
+namespace {
+
+/// The coarsest time stamps of a file system that pictures may be kept on are two seconds apart.
+constexpr std::chrono::seconds kCoarseStamp{3};
+
+/// The same value for every folder that is not there.
+std::filesystem::file_time_type changeTime(const std::filesystem::path& folder) {
+    std::error_code error;
+    const auto time = std::filesystem::last_write_time(folder, error);
+    return error ? std::filesystem::file_time_type::min() : time;
+}
+
+bool isRecent(std::filesystem::file_time_type time) {
+    if (time == std::filesystem::file_time_type::min()) return false;
+    const auto age = std::filesystem::file_time_type::clock::now() - time;
+    return age >= age.zero() && age < kCoarseStamp;
+}
+
+} // namespace
+
+void DayFolder::turnTo(const std::filesystem::path& folder, std::chrono::local_days day) {
+    if (day == day_ && folder.native() == folder_.native()) return;
+    day_ = day;
+    folder_ = folder;
+    readAgain_ = true;
+    pictures_.clear();
+    origins_ = {};
+    fault_.reset();
+}
+
+bool DayFolder::refresh() {
+    const auto changed = changeTime(folder_);
+    // a folder that could not be read may have been given back without a change in it
+    if (changed == changed_ && !readAgain_ && !fault_) return false;
+    changed_ = changed;
+    readAgain_ = isRecent(changed);
+    DayListing listing = reader_(folder_);
+    const bool wasUnreadable = fault_.has_value();
+    fault_ = std::move(listing.fault);
+    if (fault_) return !wasUnreadable;
+    std::erase_if(listing.pictures, [this](const FiledPicture& picture) {
+        return !isKnown(picture.name) && !isWholePicture(picture.file);
+    });
+    pictures_ = std::move(listing.pictures);
+    const DayPictures before = std::exchange(origins_, {});
+    for (const FiledPicture& picture : pictures_)
+        count(picture.name);
+    return wasUnreadable || origins_ != before;
+}
+
+void DayFolder::add(const std::filesystem::path& file) {
+    const auto name = ImageName::ofFile(file);
+    if (!name || file.parent_path() != folder_) return;
+    const auto place = std::ranges::lower_bound(pictures_, *name, {}, &FiledPicture::name);
+    if (place == pictures_.end() || place->name != *name) pictures_.insert(place, {*name, file});
+    count(*name);
+}
+
+bool DayFolder::isKnown(const ImageName& name) const {
+    return std::ranges::binary_search(pictures_, name, {}, &FiledPicture::name);
+}
+
+void DayFolder::count(const ImageName& name) {
+    if (name.day() != day_) return;
+    PictureOrigin& origin = origins_[static_cast<std::size_t>(minuteOfDay(name.time()))];
+    if (name.isCapture()) {
+        origin = PictureOrigin::Taken;
+    } else if (origin == PictureOrigin::None) {
+        origin = PictureOrigin::Fetched;
+    }
+}
+
+} // namespace orvane

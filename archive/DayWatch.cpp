@@ -1,0 +1,172 @@
+#include "archive/DayWatch.h"
+
+#include <algorithm>
+
+namespace orvane {
+
+namespace {
+
+/// The two clocks of a PC do not run quite alike.
+constexpr auto kClockError = 1s;
+
+std::int64_t firstMinuteOf(std::chrono::local_days day) {
+    return minuteIndex(WallTime(day));
+}
+
+} // namespace
+
+/// The folder's path is compared as text: comparing paths part by part is slow.
+bool DayWatch::Seen::operator==(const Seen& other) const {
+    return minute == other.minute && recording == other.recording && schedule == other.schedule &&
+           delay == other.delay && dataFolder.native() == other.dataFolder.native();
+}
+
+DayWatch::DayWatch(const Module1& module, const OperationPanel& panel, const Clock& clock,
+                   const DayFolder::Reader& reader)
+    : module_(module), panel_(panel), clock_(clock), today_{DayFolder(reader)},
+      yesterday_{DayFolder(reader)} {}
+
+void DayWatch::follow() {
+    const WallTime now = clock_.now();
+    noteJump(now);
+    Seen seen{minuteIndex(now), module_.RecordFlg, module_.schedule,
+              wholeMinutes(std::chrono::seconds(std::max<int>(module_.image.Delay, 0))),
+              panel_.Dir1[0].path};
+    if (seen == seen_) return;
+    ++revision_;
+    if (seen.recording && !seen_.recording) since_ = seen.minute;
+    std::swap(seen, seen_);
+    const auto today = std::chrono::floor<std::chrono::days>(now);
+    if (today != today_.folder.day() || seen.dataFolder.native() != seen_.dataFolder.native()) {
+        turn(today);
+    } else if (seen.schedule != seen_.schedule) {
+        findDue();
+    }
+}
+
+/// A clock that is put forward skips the minutes between; one that is set back has them come again,
+/// and what is missed counts from there.
+void DayWatch::noteJump(WallTime now) {
+    const Ticks ticks = clock_.ticks();
+    const WallTime expected = lastTime_ == WallTime() ? now : lastTime_ + (ticks - lastTicks_);
+    lastTime_ = now;
+    lastTicks_ = ticks;
+    const std::int64_t minute = minuteIndex(now);
+    const std::int64_t first = minuteIndex(expected) + 1;
+    if (minute > first) {
+        neverWere_.emplace_back(first, minute - 1);
+    } else if (now < expected - kClockError) {
+        since_ = minute;
+        std::erase_if(neverWere_, [=](const auto& range) { return range.first >= minute; });
+        if (!neverWere_.empty())
+            neverWere_.back().second = std::min(neverWere_.back().second, minute - 1);
+    } else {
+        return;
+    }
+    findDue();
+}
+
+/// A picture of yesterday still counts when it is looked for since when none has come.
+void DayWatch::turn(std::chrono::local_days today) {
+    const auto yesterday = today - std::chrono::days(1);
+    const auto folderOf = [this](std::chrono::local_days day) {
+        return datedFolderOf(seen_.dataFolder, WallTime(day));
+    };
+    std::swap(today_, yesterday_);
+    yesterday_.folder.turnTo(folderOf(yesterday), yesterday);
+    today_.folder.turnTo(folderOf(today), today);
+    std::erase_if(neverWere_,
+                  [=](const auto& range) { return range.second < firstMinuteOf(yesterday); });
+    findDue();
+}
+
+void DayWatch::findDue() {
+    findDue(today_);
+    findDue(yesterday_);
+    ++revision_;
+}
+
+void DayWatch::findDue(Day& day) const {
+    day.isDue = dueMinutes(seen_.schedule);
+    const std::int64_t begin = firstMinuteOf(day.folder.day());
+    for (const auto& [first, last] : neverWere_)
+        for (auto minute = std::max(first, begin);
+             minute <= std::min(last, begin + kDayMinutes - 1); ++minute)
+            day.isDue[static_cast<std::size_t>(minute - begin)] = false;
+}
+
+void DayWatch::refresh() {
+    follow();
+    if (today_.folder.refresh()) ++revision_;
+}
+
+const DayPlan& DayWatch::plan() {
+    if (planned_ == revision_) return plan_;
+    planned_ = revision_;
+    const DayPictures& pictures = today_.folder.origins();
+    plan_ = seen_.recording
+                ? planDay(seen_.schedule, today_.isDue, pictures, minuteOfDay(), seen_.delay)
+                : planWithoutRecording(pictures);
+    if (today_.folder.fault()) plan_.text = "today's folder cannot be read";
+    return plan_;
+}
+
+void DayWatch::add(const std::filesystem::path& file) {
+    today_.folder.add(file);
+    yesterday_.folder.add(file);
+    ++revision_;
+}
+
+const DayWatch::Day* DayWatch::dayOf(std::int64_t minute) const {
+    for (const Day* day : {&today_, &yesterday_}) {
+        const std::int64_t begin = firstMinuteOf(day->folder.day());
+        if (minute >= begin && minute < begin + kDayMinutes) return day;
+    }
+    return nullptr;
+}
+
+bool DayWatch::isDue(std::int64_t minute) const {
+    return dayOf(minute)->isDue[static_cast<std::size_t>(minute % kDayMinutes)];
+}
+
+bool DayWatch::isTaken(std::int64_t minute) const {
+    const Day& day = *dayOf(minute);
+    return captureOf(day.isDue, day.folder.origins(), static_cast<int>(minute % kDayMinutes),
+                     seen_.delay)
+        .has_value();
+}
+
+/// The due minutes without a capture after the newest one, and the first two of them.
+DayWatch::Missed DayWatch::missedInARow() const {
+    Missed missed;
+    for (std::int64_t minute = seen_.minute; minute >= since_ && dayOf(minute) != nullptr;
+         --minute) {
+        if (!isDue(minute)) continue;
+        if (isTaken(minute)) break;
+        if (!isOver(minute)) continue;
+        missed.second = std::exchange(missed.first, minute);
+        ++missed.count;
+    }
+    return missed;
+}
+
+std::string DayWatch::missedWarning() {
+    if (!seen_.recording || missedInARow().count < 2) return {};
+    refresh(); // somebody else may have put them there
+    const Missed missed = missedInARow();
+    if (missed.count < 2) return {};
+    return "No image at " + hourMinute(momentOf(missed.first)) + " and " +
+           hourMinute(momentOf(missed.second)) + ". Please check the camera.";
+}
+
+bool DayWatch::isOverdue(WallTime taken) const {
+    if (!seen_.recording) return false;
+    int missing = 0;
+    const std::int64_t last = std::max(minuteIndex(taken), seen_.minute - kDayMinutes);
+    for (std::int64_t minute = seen_.minute - 1;
+         minute > last && dayOf(minute) != nullptr && missing < 2; --minute)
+        missing += isDue(minute) && isOver(minute) && !isTaken(minute);
+    return missing >= 2;
+}
+
+} // namespace orvane

@@ -1,0 +1,90 @@
+#pragma once
+
+#include "archive/DayFolder.h"
+#include "station/Module1.h"
+#include "station/OperationPanel.h"
+
+#include <utility>
+
+namespace orvane {
+
+/// Today and yesterday in the data folder: what is due, what became of it, and what follows from
+/// that. Everything is worked out from the schedule and the files, but for two things that no file
+/// tells: since when recording has been on, and which minutes never were because the clock was put
+/// forward over them. Those are not due.
+class DayWatch {
+  public:
+    /// `module`, `panel` and `clock` outlive this object.
+    DayWatch(const Module1& module, const OperationPanel& panel, const Clock& clock,
+             const DayFolder::Reader& reader = listDay);
+
+    /// Takes note of the time, the schedule and the settings. Cheap; to be called often, at least
+    /// once a minute.
+    void follow();
+    /// `follow`, and reads today's folder when it has changed.
+    void refresh();
+    /// Grows with every change, also of the minute.
+    std::int64_t revision() const { return revision_; }
+
+    /// Of today, as far as is known.
+    const DayPlan& plan();
+    int minuteOfDay() const { return static_cast<int>(seen_.minute % kDayMinutes); }
+    /// What today's folder holds.
+    const DayFolder& folder() const { return today_.folder; }
+    /// A whole picture was filed.
+    void add(const std::filesystem::path& file);
+
+    /// "No image at 09:30 and 10:00. Please check the camera." when, since recording was switched
+    /// on, the last two due minutes that are over or more brought no capture; else empty.
+    std::string missedWarning();
+    /// Whether two due minutes or more are over without a capture since the picture of `taken`.
+    bool isOverdue(WallTime taken) const;
+
+  private:
+    /// What is looked at for a change.
+    struct Seen {
+        std::int64_t minute = 0; ///< as `minuteIndex` counts
+        bool recording = false;
+        Schedule schedule;
+        int delay = 0; ///< whole minutes
+        std::filesystem::path dataFolder;
+
+        bool operator==(const Seen& other) const;
+    };
+    struct Day {
+        DayFolder folder;
+        DueMinutes isDue{};
+    };
+    struct Missed {
+        int count = 0;
+        std::int64_t first = 0;
+        std::int64_t second = 0;
+    };
+
+    void noteJump(WallTime now);
+    void turn(std::chrono::local_days today);
+    void findDue();
+    void findDue(Day& day) const;
+    const Day* dayOf(std::int64_t minute) const;
+    bool isDue(std::int64_t minute) const;
+    bool isTaken(std::int64_t minute) const;
+    bool isOver(std::int64_t minute) const { return minute + seen_.delay < seen_.minute; }
+    Missed missedInARow() const;
+
+    const Module1& module_;
+    const OperationPanel& panel_;
+    const Clock& clock_;
+    Day today_;
+    Day yesterday_;
+    Seen seen_;
+    std::int64_t since_ =
+        0; ///< the minute in which recording was switched on, or the clock set back
+    std::vector<std::pair<std::int64_t, std::int64_t>> neverWere_; ///< first and last minutes
+    WallTime lastTime_{};
+    Ticks lastTicks_{0};
+    std::int64_t revision_ = 0;
+    std::int64_t planned_ = -1; ///< the revision that `plan_` belongs to
+    DayPlan plan_;
+};
+
+} // namespace orvane

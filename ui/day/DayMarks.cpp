@@ -1,0 +1,80 @@
+#include "ui/day/DayMarks.h"
+
+namespace orvane {
+
+namespace {
+
+/// The higher, the more it deserves to be seen.
+int severity(DayState state) {
+    switch (state) {
+    case DayState::Missed:
+        return 4;
+    case DayState::Fetched:
+        return 3;
+    case DayState::ToCome:
+        return 2;
+    case DayState::Taken:
+        return 1;
+    case DayState::NotDue:
+        break;
+    }
+    return 0;
+}
+
+const char* stateText(DayState state) {
+    switch (state) {
+    case DayState::Taken:
+        return "taken";
+    case DayState::Missed:
+        return "missed";
+    case DayState::Fetched:
+        return "fetched from the camera's store";
+    case DayState::ToCome:
+        return "to come";
+    case DayState::NotDue:
+        break;
+    }
+    return "not due";
+}
+
+} // namespace
+
+std::vector<DayMark> dayMarks(const DayPlan& plan, int columnMinutes) {
+    std::vector<DayMark> marks;
+    for (int minute = 0; minute < kDayMinutes; ++minute) {
+        const DayState state = plan.states[static_cast<std::size_t>(minute)];
+        if (state == DayState::NotDue) continue;
+        if (marks.empty() || marks.back().first / columnMinutes != minute / columnMinutes)
+            marks.push_back({.first = minute});
+        DayMark& mark = marks.back();
+        mark.last = minute;
+        mark.isDue = mark.isDue || plan.isDue[static_cast<std::size_t>(minute)];
+        ++mark.counts[static_cast<std::size_t>(state)];
+        if (severity(state) > severity(mark.state)) mark.state = state;
+    }
+    return marks;
+}
+
+int columnMinutes(double pixelsPerMinute, double pixels) {
+    for (const int minutes : {1, 2, 3, 4, 5, 6, 10, 12, 15, 20, 30})
+        if (minutes * pixelsPerMinute >= pixels) return minutes;
+    return 60;
+}
+
+std::string markText(const DayMark& mark) {
+    if (mark.first == mark.last)
+        return minuteText(mark.first) + " - " + stateText(mark.state) +
+               (mark.isDue ? "" : ", not on the schedule");
+    std::string text = minuteText(mark.first) + " to " + minuteText(mark.last) + " -";
+    const char* separator = " ";
+    for (const DayState state :
+         {DayState::Taken, DayState::Fetched, DayState::Missed, DayState::ToCome}) {
+        const int count = mark.counts[static_cast<std::size_t>(state)];
+        if (count == 0) continue;
+        text += separator + std::to_string(count) + " " + stateText(state);
+        separator = ", ";
+    }
+    return text;
+}
+
+} // namespace orvane
