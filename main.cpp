@@ -83,6 +83,7 @@ class Program {
             busy_,
             shutdown_,
             views_,
+            days_,
             {portSelection_, timeForm_, timeSetting_, optionForm_, options_},
             clock_,
             op_,
@@ -135,7 +136,9 @@ class Program {
     OperationPanel panel_;
     Warnings warnings_;
     Busy busy_;
-    QtImageViews views_{clock_, op_, module_, viewsControl_};
+    DayWatch days_{module_, panel_, clock_};
+    DiskWatch disk_;
+    QtImageViews views_{clock_, op_, module_, days_, viewsControl_};
     ErrorLog log_{toPath(QCoreApplication::applicationDirPath()),
                   clock_,
                   {[this] { return panel_.Label7.caption.get(); },
@@ -144,8 +147,13 @@ class Program {
     PanelStatus status_{module_, panel_, clock_};
     Recording recording_{module_, panel_, settings_, status_, log_, op_, clock_};
     CameraPanel camera_{module_, panel_, http_, *webBrowserTst_, views_, busy_, op_};
-    ImageStore imageStore_{{module_, panel_, camera_, http_, *wbBrowser1_, *wbBrowser2_,
-                            imageControl_, views_, log_, op_, clock_, busy_}};
+    FileWriter files_{FileWriter::Force::Yes};
+    PictureArchive archive_{
+        {module_, days_, disk_, files_, imageControl_, views_, warnings_, log_, clock_}};
+    ImageStore imageStore_{
+        {module_, panel_, archive_, http_, *wbBrowser1_, *wbBrowser2_, log_, op_, clock_, busy_}};
+    GapFilling gaps_{
+        {module_, panel_, days_, archive_, *gapBrowser_, gapTransfer_, log_, clock_, busy_}};
     FolderScan folderScan_{module_, panel_};
     FrameLink link_{*MSComm1_, store_, log_, clock_, module_};
     TrackerCommands commands_{link_};
@@ -167,15 +175,16 @@ class Program {
                      imageStore_,
                      http_,
                      {wbBrowser2_.get(), wbBrowser1_.get(), webBrowserTst_.get()},
-                     *gapBrowser_,
-                     gapTransfer_,
+                     days_,
+                     disk_,
+                     archive_,
+                     gaps_,
                      log_,
                      clock_,
                      op_,
                      warnings_,
                      busy_,
                      views_,
-                     imageControl_,
                      dailyClocks_,
                      [this] { showMainWindow(); },
                      [](int code) { QCoreApplication::exit(code); },

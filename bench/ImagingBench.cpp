@@ -1,6 +1,6 @@
 #include "imaging/JpegMarkers.h"
 #include "imaging/ProcessImageFile.h"
-#include "platform/FileCopy.h"
+#include "platform/Files.h"
 #include "platform/qt/LibjpegImageControl.h"
 #include "tests/support/JumpingClock.h"
 #include "tests/support/TempFolder.h"

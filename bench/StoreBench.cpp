@@ -69,7 +69,6 @@ struct Station {
     QtClock clock;
     QNetworkAccessManager manager;
     QtHttpTransfer transfer{manager, clock};
-    QtWebBrowser browser{std::make_unique<QtHttpTransfer>(manager, clock), clock};
     QtWebBrowser browser1{std::make_unique<QtHttpTransfer>(manager, clock), clock};
     QtWebBrowser browser2{std::make_unique<QtHttpTransfer>(manager, clock), clock};
     FakeOperator op{clock};
@@ -79,9 +78,12 @@ struct Station {
     Module1 module;
     OperationPanel panel;
     ErrorLog log{folder.path(), clock};
-    CameraPanel camera{module, panel, transfer, browser, views, busy, op};
-    ImageStore store{{module, panel, camera, transfer, browser1, browser2, imageControl, views, log,
-                      op, clock, busy}};
+    Warnings warnings;
+    DayWatch days{module, panel, clock};
+    DiskWatch disk;
+    FileWriter files{FileWriter::Force::No};
+    PictureArchive archive{{module, days, disk, files, imageControl, views, warnings, log, clock}};
+    ImageStore store{{module, panel, archive, transfer, browser1, browser2, log, op, clock, busy}};
 };
 
 double seconds(std::chrono::steady_clock::time_point since) {
@@ -131,8 +133,8 @@ void bulkDownload(benchmark::State& state) {
             return;
         }
         const TempFolder target;
-        const double theirs = curlSeconds(
-            process.port, station.module.thumbnails[0].path.parent_path(), target.path());
+        const double theirs =
+            curlSeconds(process.port, station.module.thumbnails[0].parent_path(), target.path());
         if (theirs < 0) {
             state.SkipWithError("curl is missing or failed");
             return;

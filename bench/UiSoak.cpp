@@ -111,7 +111,9 @@ bool openPicture(const std::filesystem::path& file) {
     Module1 module;
     module.image = {.Quality = 2, .LrFlg = -1, .DateFlg = -1, .JpegTyp = 98};
     LibjpegImageControl control(clock);
-    QtImageViews views(clock, op, module, control);
+    const OperationPanel panel;
+    const DayWatch days(module, panel, clock);
+    QtImageViews views(clock, op, module, days, control);
     PictureArea area;
     area.resize(1024, 768);
     area.show();

@@ -23,18 +23,11 @@ class CameraPanel {
         : module_(module), panel_(panel), inetFileGet_(inetFileGet), webBrowserTst_(webBrowserTst),
           views_(views), busy_(busy), op_(op) {}
 
-    enum class Accept { Anything, Picture };
-
     /// Fetches `url` and writes the body over the file folder + fileName, in place from the start
-    /// and without shortening it. False when the fetch or the write failed; after a failed fetch
-    /// the file is untouched, and a body that is not a whole JPEG is one where only pictures are
-    /// accepted. `folder` ends in a separator.
-    Task<bool> DownloadFile(std::string url, std::filesystem::path folder, std::string fileName,
-                            Accept accept = Accept::Anything);
-    /// The bytes that the last download wrote.
-    std::size_t received() const { return received_; }
-    /// Why the last download failed, for the log.
-    const std::string& fault() const { return fault_; }
+    /// and without shortening it. Not `ok` when the fetch or the write failed, with the reason as
+    /// its fault; after a failed fetch the file is untouched. `folder` ends in a separator.
+    Task<HttpReply> DownloadFile(std::string url, std::filesystem::path folder,
+                                 std::string fileName);
 
     void Command5_Click(); ///< the camera's own recording on
     void Command7_Click(); ///< the camera's own recording off
@@ -50,8 +43,6 @@ class CameraPanel {
     ImageViews& views_;
     Busy& busy_;
     Operator& op_;
-    std::string fault_;
-    std::size_t received_ = 0;
 };
 
 } // namespace orvane

@@ -1,7 +1,9 @@
 #pragma once
 
+#include "archive/PictureArchive.h"
 #include "camera/PageLoader.h"
-#include "core/Station.h"
+#include "platform/HttpTransfer.h"
+#include "station/Busy.h"
 
 #include <cstdint>
 #include <map>
@@ -11,58 +13,70 @@ namespace orvane {
 
 /// Fetches the pictures of missed minutes from the camera's own store: each due minute of today
 /// that is over and has no picture in the data folder is asked for, oldest first, one request at a
-/// time. What comes is filed and processed as a capture is, under the camera's own name.
+/// time. What comes is filed under its own name.
 ///
 /// It stands back for everything else: it starts only while nothing else is in progress, and a
-/// capture that begins cuts its request off. A minute that the camera does not hold is asked for
-/// twice at most; a camera that does not answer is asked again a minute later.
+/// capture that begins cuts its request off. A minute is asked for at most once a minute, and twice
+/// at most once the camera has answered, whatever came of it; a camera that does not answer a
+/// search, or with something else than a list, is asked again a minute later. Nothing is filled
+/// while the day's folder cannot be read.
 class GapFilling {
   public:
-    explicit GapFilling(Station& station);
+    /// What it works with; all of it outlives this.
+    struct Parts {
+        const Module1& module;
+        const OperationPanel& panel;
+        DayWatch& days;
+        PictureArchive& archive;
+        WebBrowser& browser;    ///< for this alone
+        HttpTransfer& transfer; ///< so is this
+        ErrorLog& log;
+        Clock& clock;
+        Busy& busy;
+    };
+
+    explicit GapFilling(Parts parts) : parts_(parts), pages_(parts.browser, parts.clock) {}
 
     /// Starts the next round when there is something to do; cheap when there is not. Not to be
     /// called while a due minute waits for its picture.
-    void step(WallTime now);
+    void step();
     /// A capture begins: ends the request that is under way.
     void standBack();
-    /// A due minute went by without a picture, or the files or the schedule have changed.
-    void lookAgain() { look_ = true; }
     bool filling() const { return !round_.done(); }
 
   private:
     enum class Outcome {
-        Filled,
-        NotHeld,  ///< the camera answers, but not with a picture of that minute
-        NotWhole, ///< the transfer of the picture failed
-        NoAnswer, ///< to the search
+        Filed,
+        NotHeld, ///< the camera answered, but brought no picture of that minute
+        NoAnswer,
         StoodBack,
         CannotFile
     };
     struct Asked {
-        int times = 0;
-        Ticks last{0};
+        int answers = 0;
+        Ticks next{0}; ///< not to be asked again before
     };
+    using Minute = std::int64_t; ///< as `minuteIndex` counts
 
     bool wanted() const;
-    std::vector<std::int64_t> gaps(WallTime now);
-    Task<> round(std::vector<std::int64_t> minutes);
-    Task<> fillAll(std::vector<std::int64_t> minutes);
-    Task<Outcome> fill(std::int64_t minute);
-    static std::string pathOf(std::string_view reply, std::int64_t minute);
-    void note(std::int64_t minute, Outcome outcome);
-    Task<Outcome> file(std::string name, std::string picture);
-    void show(const std::filesystem::path& image);
+    std::vector<Minute> gaps();
+    Task<> round(std::vector<Minute> minutes);
+    Task<> fillAll(std::vector<Minute> minutes);
+    Task<Outcome> fill(Minute minute);
+    Task<Outcome> fetch(std::string path);
+    static std::string pathOf(std::string_view reply, Minute minute);
+    void note(Minute minute, Outcome outcome);
+    void giveUp(Minute minute);
 
-    Station& station_;
+    Parts parts_;
     PageLoader pages_;
     Task<> round_;
-    std::map<std::int64_t, Asked> asked_; ///< today's minutes that the camera did not hold
-    std::chrono::local_days day_{};
-    Schedule schedule_;
+    std::map<Minute, Asked> asked_; ///< of the day and folder that were looked at last
     std::filesystem::path folder_;
-    bool look_ = true;
+    std::int64_t seen_ = -1; ///< the days' revision at the last look
+    Ticks nextLook_{0};      ///< when there is something to be asked again
+    Ticks nextRound_{0};     ///< not before, after a fault
     bool stoodBack_ = false;
-    Ticks nextRound_{0};
 };
 
 } // namespace orvane

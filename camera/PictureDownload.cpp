@@ -1,7 +1,7 @@
 #include "camera/PictureDownload.h"
 
-#include "imaging/ProcessImageFile.h"
 #include "platform/Paths.h"
+#include "station/Scope.h"
 
 namespace orvane {
 
@@ -36,65 +36,40 @@ bool PictureDownload::hopeless() const {
     return failedInARow_ >= kFailedPictures || requested_ >= kRequests;
 }
 
-/// One record's picture: downloaded, shown, processed.
 Task<bool> PictureDownload::fetch(std::string path, std::string name) {
     ++requested_;
-    Task<bool> downloading = download(std::move(path), name);
-    if (!co_await downloading) {
-        if (stopped_) co_return false;
-        ++failedInARow_;
-        parts_.log.write("DownloadFile:" + name + ": " + parts_.camera.fault());
-        co_return false;
-    }
+    Task<HttpReply> downloading = download(cameraBaseUrl(parts_.panel) + "/" + path);
+    HttpReply reply = co_await downloading;
+    if (!reply.ok) co_return failed(name, reply.fault);
+    Task<Filing> filing =
+        parts_.archive.take(std::move(reply.body), folder_ / pathFromUtf8(name), Arrival::Run);
+    const Filing filed = co_await filing;
+    if (!filed.inArchive()) co_return failed(name, filed.fault);
     failedInARow_ = 0;
-    const std::filesystem::path image = folder_ / pathFromUtf8(name);
-    keep(image);
-    Task<Fault> processing = ProcessImageFile(parts_.imageControl, image, parts_.module.image,
-                                              parts_.module.imageProcessing);
-    const Fault fault = co_await processing;
-    if (fault) parts_.log.write("ProcessImageFile:" + *fault);
+    parts_.panel.lbl_dlcnt.caption = std::to_string(++downloaded_);
     co_return true;
 }
 
-Task<bool> PictureDownload::download(std::string path, std::string name) {
-    const std::string url = cameraBaseUrl(parts_.panel) + "/" + path;
-    const std::filesystem::path image = folder_ / pathFromUtf8(name);
+Task<HttpReply> PictureDownload::download(std::string url) {
+    HttpReply reply;
     for (int attempt = 0; attempt < kAttempts; ++attempt) {
         while (parts_.module.capturing && !stopped_)
             co_await parts_.clock.sleep(100ms);
-        if (stopped_) co_return false;
-        std::error_code error;
-        const bool wasThere = std::filesystem::exists(image, error);
-        transferring_ = true;
-        Task<bool> transfer =
-            parts_.camera.DownloadFile(url, folder_, name, CameraPanel::Accept::Picture);
-        const bool arrived = co_await transfer;
-        transferring_ = false;
-        if (arrived) {
-            // an older, longer file of that name would show through behind the picture
-            std::filesystem::resize_file(image, parts_.camera.received(), error);
-            co_return true;
-        }
-        discardPart(image, wasThere);
-        if (!parts_.module.capturing) co_return false;
+        if (stopped_) break;
+        const Scope transferring(transferring_);
+        parts_.inetFileGet.cancel();
+        Task<HttpReply> transfer = parts_.inetFileGet.get(url);
+        reply = co_await transfer;
+        if (reply.ok || !parts_.module.capturing) break;
     }
-    co_return false;
+    co_return reply;
 }
 
-/// A disk that fills up leaves a part of a new file behind.
-void PictureDownload::discardPart(const std::filesystem::path& image, bool wasThere) {
-    std::error_code ignored;
-    if (!wasThere) std::filesystem::remove(image, ignored);
-}
-
-void PictureDownload::keep(const std::filesystem::path& image) {
-    Module1& module = parts_.module;
-    module.imagesArrived = true;
-    module.addThumbnail(image);
-    ++module.filesFetched;
-    ++downloaded_;
-    parts_.views.refreshThumbnails(module.thumbnails);
-    parts_.panel.lbl_dlcnt.caption = std::to_string(downloaded_);
+bool PictureDownload::failed(const std::string& name, const std::string& reason) {
+    if (stopped_) return false;
+    ++failedInARow_;
+    parts_.log.write("DownloadFile:" + name + ": " + reason);
+    return false;
 }
 
 } // namespace orvane

@@ -1,8 +1,7 @@
 #pragma once
 
+#include "archive/PictureArchive.h"
 #include "camera/CameraPanel.h"
-#include "platform/ImageControl.h"
-#include "station/ErrorLog.h"
 
 namespace orvane {
 
@@ -10,29 +9,26 @@ namespace orvane {
 struct StoreParts {
     Module1& module;
     OperationPanel& panel;
-    CameraPanel& camera;
+    PictureArchive& archive;
     HttpTransfer& inetFileGet;
     WebBrowser& WbBrowser1;
     WebBrowser& WbBrowser2;
-    ImageControl& imageControl;
-    ImageViews& views;
     ErrorLog& log;
     Operator& op;
     Clock& clock;
     Busy& busy;
 };
 
-/// Downloads the listed pictures of one run into its dated folder: fetched, filed, shown,
-/// processed. Captures go first: while one is in progress nothing is fetched, and a picture whose
-/// transfer it cut off is fetched again.
+/// Downloads the listed pictures of one run into its dated folder. Captures go first: while one is
+/// in progress nothing is fetched, and a picture whose transfer it cut off is fetched again.
 class PictureDownload {
   public:
     explicit PictureDownload(const StoreParts& parts) : parts_(parts) {}
 
     /// A run begins; `folder` ends in a separator.
     void begin(const std::filesystem::path& folder);
-    /// Fetches the picture at `path` on the camera under `name`, a plain name. False: nothing was
-    /// filed; the reason is logged.
+    /// Fetches the picture at `path` on the camera under `name`, a plain name. True: the archive
+    /// holds it; else the reason is logged.
     Task<bool> fetch(std::string path, std::string name);
     /// Has the picture that will be fetched next on its way while another is being filed.
     void expect(std::string_view path);
@@ -44,9 +40,8 @@ class PictureDownload {
     bool hopeless() const;
 
   private:
-    Task<bool> download(std::string path, std::string name);
-    void keep(const std::filesystem::path& image);
-    void discardPart(const std::filesystem::path& image, bool wasThere);
+    Task<HttpReply> download(std::string url);
+    bool failed(const std::string& name, const std::string& reason);
 
     const StoreParts& parts_;
     std::filesystem::path folder_;

@@ -1,7 +1,7 @@
 #include "core/MainLoop.h"
 
+#include "core/Capture.h"
 #include "core/StartUp.h"
-#include "platform/Conversions.h"
 
 #include <limits>
 #include <utility>
@@ -59,7 +59,7 @@ Task<> MainLoop::pass() {
     watch(now);
     if (!module.RecordFlg) {
         station_.panel.Label11.caption = std::string();
-    } else if (isDueMinute(module.schedule, minuteOfDay(now)) && !due_.isFiled(minuteIndex(now))) {
+    } else if (isDue(now)) {
         Task<> recording = recordNow(minuteIndex(now));
         co_await recording;
     } else if (module.RecDoneFlg && timeOfDay(now) >= module.schedule.EndTime + 1min) {
@@ -72,38 +72,41 @@ Task<> MainLoop::pass() {
     besides(station_.clock.now());
 }
 
+/// Whether this minute is due and waits for its picture.
+bool MainLoop::isDue(WallTime now) const {
+    return isDueMinute(station_.module.schedule, minuteOfDay(now)) &&
+           minuteIndex(now) != filedMinute_;
+}
+
 Task<> MainLoop::recordNow(std::int64_t dueMinute) {
-    bool filed = false;
-    std::int32_t fetched = station_.module.filesFetched;
+    Captured captured;
     live_.reset(); // a capture never waits for the live view
-    gaps_.standBack();
-    station_.module.capturing = true;
+    station_.gaps.standBack();
     try {
-        Task<bool> capture = capture_.run();
-        filed = co_await capture;
+        const Scope capturing(station_.module.capturing);
+        Task<Captured> capture = captureImage(station_);
+        captured = co_await capture;
     } catch (const std::exception& fault) {
         // one capture that fails in a way nobody foresaw must not end the recording
         station_.log.write(std::string("MainLoop:") + fault.what());
     }
-    station_.module.capturing = false;
     station_.panel.Command2.enabled = station_.module.RecordFlg;
-    if (filed) {
-        due_.filed(dueMinute);
-        addCount(station_.module.filesFetched, 1);
-        fetched = station_.module.filesFetched; // a run that begins in the pause resets it
+    fetchFault_ = captured.fault;
+    const std::int32_t fetched = station_.module.filesFetched; // a run in the pause resets it
+    if (captured.filed) {
+        filedMinute_ = dueMinute;
         if (station_.dailyClocks.isDue(station_.clock.now(), true)) {
             Task<> clocks = station_.dailyClocks.run();
             co_await clocks;
         }
-        Task<> pausing = pause();
+        Task<> pausing = pause(minuteIndex(captured.copyTime));
         co_await pausing;
     }
     countCapture(fetched);
 }
 
 /// Keeps the minute of the image's name from being captured twice; the next minute may be due.
-Task<> MainLoop::pause() {
-    const std::int64_t minute = minuteIndex(capture_.copyTime());
+Task<> MainLoop::pause(std::int64_t minute) {
     for (int step = 0; step < kPauseSteps; ++step) {
         co_await station_.clock.sleep(kPauseStep);
         const WallTime now = station_.clock.now();
@@ -146,6 +149,7 @@ void MainLoop::watchDay(WallTime now) {
 /// Once a minute, and when recording is switched or another data folder is chosen: is there
 /// something to be told?
 void MainLoop::watch(WallTime now) {
+    station_.days.follow();
     const std::int64_t minute = minuteIndex(now);
     const bool recording = station_.module.RecordFlg;
     const std::filesystem::path& folder = station_.panel.Dir1[0].path;
@@ -154,25 +158,31 @@ void MainLoop::watch(WallTime now) {
     watchedMinute_ = minute;
     if (recording != watchedRecording_ && station_.keepAwake) station_.keepAwake(recording);
     watchedRecording_ = recording;
+    if (!recording) filedMinute_ = -1;
     watchedFolder_ = folder;
     if (moved) station_.warnings.clear(Warnings::Cause::DataFolder);
     watchDisk();
     station_.warnings.set(
         Warnings::Cause::ErrorLog,
         station_.log.writable() ? "" : "ERROR.LOG in the program's folder cannot be written.");
-    if (recording) {
-        due_.advance(now, station_.module.schedule);
-    } else {
-        due_.reset();
-    }
-    // the reason is that of the moment when the warning came up
-    if (due_.warning().empty()) {
+    watchMissed();
+}
+
+/// The reason is that of the moment when the warning came up: a changed text would open it again.
+void MainLoop::watchMissed() {
+    const std::string warning = station_.days.missedWarning();
+    if (warning.empty()) {
         missed_.clear();
     } else if (missed_.empty()) {
-        missed_ = due_.warning();
-        if (!capture_.fetchFault().empty()) missed_ += "\n(" + capture_.fetchFault() + ")";
+        missed_ = warning + (fetchFault_.empty() ? "" : "\n(" + fetchFault_ + ")");
     }
     station_.warnings.set(Warnings::Cause::NoImage, missed_);
+    if (station_.days.folder().fault()) station_.days.refresh(); // it may have gone
+    const Fault& unreadable = station_.days.folder().fault();
+    station_.warnings.set(Warnings::Cause::Unreadable,
+                          unreadable ? "Today's folder of pictures cannot be read: " + *unreadable +
+                                           ". Missed minutes are not fetched."
+                                     : "");
 }
 
 void MainLoop::watchDisk() {
@@ -181,7 +191,7 @@ void MainLoop::watchDisk() {
         station_.panel.lbl_free.caption = std::string();
         return;
     }
-    const DiskWatch::Report report = capture_.disk().report(*freeBytes, station_.module.schedule);
+    const DiskWatch::Report report = station_.disk.report(*freeBytes, station_.module.schedule);
     station_.panel.lbl_free.caption = report.caption;
     station_.warnings.set(Warnings::Cause::DiskSpace, report.warning);
 }
@@ -190,16 +200,14 @@ void MainLoop::watchDisk() {
 void MainLoop::besides(WallTime now) {
     const Module1& module = station_.module;
     startLiveView();
-    if (!module.RecordFlg) return;
-    if (isDueMinute(module.schedule, minuteOfDay(now)) && !due_.isFiled(minuteIndex(now))) return;
+    if (!module.RecordFlg || isDue(now)) return;
     startSynchronisation();
-    if (std::exchange(missedSeen_, due_.missedInAll()) != due_.missedInAll()) gaps_.lookAgain();
-    gaps_.step(now);
+    station_.gaps.step();
 }
 
 void MainLoop::startSynchronisation() {
     Module1& module = station_.module;
-    if (!module.syncElapsed || station_.busy.active() || gaps_.filling()) return;
+    if (!module.syncElapsed || station_.busy.active() || station_.gaps.filling()) return;
     module.syncPending = true;
     module.syncTicks = 0;
     module.syncElapsed = false;

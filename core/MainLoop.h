@@ -1,8 +1,5 @@
 #pragma once
 
-#include "archive/DueWatch.h"
-#include "camera/GapFilling.h"
-#include "core/Capture.h"
 #include "core/Station.h"
 
 namespace orvane {
@@ -13,7 +10,7 @@ namespace orvane {
 /// captures.
 class MainLoop {
   public:
-    explicit MainLoop(Station& station) : station_(station), capture_(station), gaps_(station) {}
+    explicit MainLoop(Station& station) : station_(station) {}
 
     /// Ends only when the start-up fails; then it has told the fault and ended the program with
     /// exit code 1. Everything else ends the loop by destroying its task.
@@ -22,23 +19,23 @@ class MainLoop {
   private:
     Task<> pass();
     Task<> recordNow(std::int64_t dueMinute);
-    Task<> pause();
+    Task<> pause(std::int64_t minute);
     void countCapture(std::int32_t fetched);
     void endOfWindow();
     void watchDay(WallTime now);
     void watch(WallTime now);
     void watchDisk();
+    void watchMissed();
+    bool isDue(WallTime now) const;
     void besides(WallTime now);
     void startSynchronisation();
     void startLiveView();
     Task<> showLivePicture();
 
     Station& station_;
-    Capture capture_;
-    GapFilling gaps_;
-    DueWatch due_;
-    std::int64_t missedSeen_ = 0;
-    std::string missed_; ///< the warning of missed minutes, with its reason
+    std::int64_t filedMinute_ = -1; ///< the due minute that was captured last
+    std::string fetchFault_;        ///< of the last capture; empty when it brought a picture
+    std::string missed_;            ///< the warning of missed minutes, with its reason
     std::chrono::local_days sunDay_{};
     std::int64_t watchedMinute_ = -1;
     bool watchedRecording_ = false;

@@ -2,21 +2,7 @@
 
 #include "platform/Conversions.h"
 
-#include <algorithm>
-#include <vector>
-
 namespace orvane {
-
-namespace {
-
-constexpr std::size_t kImageNameLength = 22; // yyyymmdd_hhmmss_ff.jpg
-
-bool isImage(const std::filesystem::directory_entry& entry) {
-    return entry.path().filename().native().size() == kImageNameLength &&
-           entry.path().extension() == ".jpg";
-}
-
-} // namespace
 
 std::optional<std::string> StartUp(Station& station) {
     Module1& module = station.module;
@@ -31,7 +17,6 @@ std::optional<std::string> StartUp(Station& station) {
         browser->navigate("about:blank");
 
     module.imageProcessing = true;
-    module.imagesArrived = false;
     module.syncPending = false;
     if (auto fault = computeSunTimes(station)) return fault;
     module.image.DateFlg = 0;
@@ -52,21 +37,10 @@ std::optional<std::string> computeSunTimes(Station& station) {
 }
 
 void loadTodaysThumbnails(Station& station) {
-    const std::filesystem::path folder =
-        station.panel.Dir1[0].path.get() / dateDigits(station.clock.now());
-    std::vector<std::filesystem::path> images;
-    std::error_code error;
-    // a for loop over the folder would throw on a failing increment
-    for (std::filesystem::directory_iterator entry(folder, error), end; !error && entry != end;
-         entry.increment(error))
-        if (isImage(*entry)) images.push_back(entry->path());
-    std::ranges::sort(images, std::greater{});
-
-    auto& history = station.module.thumbnails;
-    const std::size_t count = std::min(images.size(), history.size());
-    for (std::size_t i = 0; i < count; ++i)
-        history[i].path = images[i];
-    station.views.refreshThumbnails(history);
+    station.days.refresh();
+    for (const FiledPicture& picture : station.days.folder().pictures())
+        station.module.addThumbnail(picture.file, true);
+    station.views.refreshThumbnails(station.module.thumbnails);
 }
 
 } // namespace orvane

@@ -1,6 +1,8 @@
 #pragma once
 
+#include "archive/PictureArchive.h"
 #include "camera/CameraPanel.h"
+#include "camera/GapFilling.h"
 #include "camera/ImageStore.h"
 #include "core/DailyClocks.h"
 #include "core/PanelSettings.h"
@@ -8,7 +10,6 @@
 #include "core/Recording.h"
 #include "platform/Clock.h"
 #include "platform/HttpTransfer.h"
-#include "platform/ImageControl.h"
 #include "platform/Operator.h"
 #include "platform/WebBrowser.h"
 #include "station/Busy.h"
@@ -34,15 +35,16 @@ struct Station {
     ImageStore& store;
     HttpTransfer& http;
     std::array<WebBrowser*, 3> browsers;
-    WebBrowser& gapBrowser;    ///< for the missed minutes alone
-    HttpTransfer& gapTransfer; ///< so is this
+    DayWatch& days;
+    DiskWatch& disk;
+    PictureArchive& archive;
+    GapFilling& gaps;
     ErrorLog& log;
     Clock& clock;
     Operator& op;
     Warnings& warnings;
     Busy& busy;
     ImageViews& views;
-    ImageControl& imageControl;
     DailyClocks& dailyClocks;
     std::function<void()> showMainWindow;
     std::function<void(int)> endProgram;           ///< with the exit code

@@ -1,5 +1,4 @@
 #include "archive/DayPlan.h"
-#include "platform/Conversions.h"
 #include "tests/support/FakeCameraStore.h"
 #include "tests/support/TestStation.h"
 
@@ -64,9 +63,8 @@ TEST_F(EventfulDay, IsShownAsItIsInTheFolder) {
     s->press(&Recording::Command1_Click);
     s->clock.runUntil(at(2006, 11, 15, 16, 20));
 
-    const auto day = std::chrono::floor<std::chrono::days>(s->clock.now());
-    const DayPlan plan = planDay(s->module.schedule, true, picturesOfDay(data / "20061115", day),
-                                 s->clock.now(), 15s);
+    s->days.refresh();
+    const DayPlan plan = s->days.plan();
     int taken = 0, fetched = 0, missed = 0;
     for (int minute = 9 * 60; minute < 16 * 60 + 20; ++minute) {
         const DayState state = plan.states[static_cast<std::size_t>(minute)];

@@ -1,8 +1,6 @@
-#include "archive/DayOverview.h"
-#include "platform/FileCopy.h"
-#include "tests/support/FolderTime.h"
-#include "tests/support/JumpingClock.h"
-#include "tests/support/TempFolder.h"
+#include "archive/DayPlan.h"
+#include "imaging/SunDay.h"
+#include "ui/day/DayMarks.h"
 
 #include <algorithm>
 #include <cmath>
@@ -33,9 +31,9 @@ DayPictures picturesAt(const std::string& list) {
 constexpr Schedule kHalfHours{9h, 17h, 30min, {}}; // sixteen a day
 
 DayPlan planAt(int hour, int minuteOfHour, const std::string& pictures,
-               const Schedule& schedule = kHalfHours, std::chrono::seconds delay = 15s) {
-    const WallTime now = at(2006, 11, 15, hour, minuteOfHour, 59);
-    return planDay(schedule, true, picturesAt(pictures), now, delay);
+               const Schedule& schedule = kHalfHours, int delay = 0) {
+    return planDay(schedule, dueMinutes(schedule), picturesAt(pictures), hour * 60 + minuteOfHour,
+                   delay);
 }
 
 TEST(DayPlanTest, CountsAndTells) {
@@ -72,9 +70,9 @@ TEST(DayPlanTest, ALateCaptureBelongsToItsDueMinute) {
     EXPECT_EQ(late.states[minute(9, 31)], DayState::NotDue) << "it is not shown twice";
     EXPECT_EQ(planAt(9, 45, "0900 0933").missed, 1) << "too late for a repeated fetch";
     EXPECT_EQ(planAt(9, 45, "0900 0931f").missed, 1) << "the store's pictures have true times";
-    EXPECT_EQ(planAt(9, 45, "0900 0933", kHalfHours, 130s).missed, 0);
-    EXPECT_EQ(planAt(9, 32, "0900", kHalfHours, 130s).text, "taken 1 of 16, next at 09:30");
-    EXPECT_EQ(planAt(9, 33, "0900", kHalfHours, 130s).missed, 1);
+    EXPECT_EQ(planAt(9, 45, "0900 0933", kHalfHours, 2).missed, 0);
+    EXPECT_EQ(planAt(9, 32, "0900", kHalfHours, 2).text, "taken 1 of 16, next at 09:30");
+    EXPECT_EQ(planAt(9, 33, "0900", kHalfHours, 2).missed, 1);
     const Schedule everyOther{9h, 10h, 2min, {}};
     EXPECT_EQ(planAt(9, 3, "0902 0903", everyOther).text, "taken 1 of 30, next at 09:04, 1 missed")
         << "a due minute's picture is its own";
@@ -84,11 +82,11 @@ TEST(DayPlanTest, EveryMinuteOfADay) {
     const Schedule everyMinute{0h, 23h + 59min, 1min, {}};
     DayPictures pictures;
     pictures.fill(PictureOrigin::Taken);
-    const DayPlan full = planDay(everyMinute, true, pictures, at(2006, 11, 15, 23, 59), 0s);
+    const DayPlan full = planDay(everyMinute, dueMinutes(everyMinute), pictures, 23 * 60 + 59, 0);
     EXPECT_EQ(full.text, "taken 1439 of 1439, next tomorrow at 00:00");
     pictures[minute(10, 3)] = PictureOrigin::None;
     pictures[minute(10, 4)] = PictureOrigin::Fetched;
-    const DayPlan plan = planDay(everyMinute, true, pictures, at(2006, 11, 15, 23, 59), 0s);
+    const DayPlan plan = planDay(everyMinute, dueMinutes(everyMinute), pictures, 23 * 60 + 59, 0);
     const std::vector<DayMark> marks = dayMarks(plan, 5);
     ASSERT_EQ(marks.size(), 288u);
     EXPECT_EQ(markText(marks[119]), "09:55 to 09:59 - 5 taken");
@@ -98,8 +96,7 @@ TEST(DayPlanTest, EveryMinuteOfADay) {
 }
 
 TEST(DayPlanTest, WithoutRecordingOnlyWhatExistsIsShown) {
-    const DayPlan plan =
-        planDay(kHalfHours, false, picturesAt("0900 0931f"), at(2006, 11, 15, 12, 0), 0s);
+    const DayPlan plan = planWithoutRecording(picturesAt("0900 0931f"));
     EXPECT_EQ(plan.text, "recording is off");
     const std::vector<DayMark> marks = dayMarks(plan, 1);
     ASSERT_EQ(marks.size(), 2u);
@@ -148,85 +145,6 @@ TEST(DayPlanTest, TheSunAgreesWithThePanel) {
     const auto polarDay = sunOfDay({80, 15, 60}, 2006y / June / 21);
     EXPECT_FALSE(polarDay->sunrise || polarDay->sunset);
     EXPECT_FALSE(sunOfDay({std::nan(""), 15, 60}, 2006y / June / 21));
-}
-
-/// Today's plan over a real folder whose readings are counted.
-class Overview : public testing::Test {
-  protected:
-    Overview() {
-        panel.Dir1[0].path = data.path();
-        module.schedule = kHalfHours;
-        module.RecordFlg = true;
-        std::filesystem::create_directory(today);
-    }
-    void file(const std::string& name) { ASSERT_FALSE(writeToFinalName("picture", today / name)); }
-    /// The folder was changed for the last time so long ago.
-    void age(std::chrono::seconds by) {
-        setFolderTime(today, std::filesystem::file_time_type::clock::now() - by);
-    }
-
-    TempFolder data;
-    std::filesystem::path today = data.path() / "20061115";
-    Module1 module;
-    OperationPanel panel;
-    JumpingClock clock{at(2006, 11, 15, 12, 10)};
-    int reads = 0;
-    DayOverview overview{module, panel, clock, [this](const auto& folder, auto day) {
-                             ++reads;
-                             return picturesOfDay(folder, day);
-                         }};
-};
-
-TEST_F(Overview, ReadsTheFolderOnlyWhenItChanged) {
-    file("20061115_090000_00.jpg");
-    age(1h);
-    EXPECT_TRUE(overview.refresh());
-    EXPECT_EQ(overview.plan().text, "taken 1 of 16, next at 12:30, 6 missed");
-    EXPECT_FALSE(overview.refresh());
-    clock.run(10s);
-    EXPECT_FALSE(overview.refresh()) << "nothing new within the minute";
-    clock.run(1min);
-    EXPECT_TRUE(overview.refresh()) << "the line of the present time moves";
-    EXPECT_EQ(reads, 1);
-    file("20061115_093017_00.jpg"); // from the camera's store: its own seconds
-    EXPECT_TRUE(overview.refresh());
-    EXPECT_EQ(overview.plan().text, "taken 1 of 16, next at 12:30, 1 fetched later, 5 missed");
-    EXPECT_EQ(reads, 2);
-}
-
-TEST_F(Overview, SeesAFileThatLeavesTheTimeOfChangeAsItIs) {
-    overview.refresh();
-    const auto changed = std::filesystem::last_write_time(today);
-    file("20061115_090000_00.jpg");
-    setFolderTime(today, changed); // a file system with coarse stamps
-    EXPECT_TRUE(overview.refresh());
-    EXPECT_EQ(overview.plan().taken, 1);
-}
-
-TEST_F(Overview, FollowsWhatItDependsOn) {
-    file("20061115_090000_00.jpg");
-    age(1h);
-    overview.refresh();
-    module.RecordFlg = false;
-    EXPECT_TRUE(overview.refresh());
-    EXPECT_EQ(overview.plan().text, "recording is off");
-    module.RecordFlg = true;
-    module.schedule.EndTime = 10h;
-    EXPECT_TRUE(overview.refresh());
-    EXPECT_EQ(overview.plan().text, "taken 1 of 2, next tomorrow at 09:00, 1 missed");
-    module.site.latitude = 10;
-    EXPECT_TRUE(overview.refresh());
-    EXPECT_EQ(reads, 1);
-    const TempFolder other;
-    panel.Dir1[0].path = other.path();
-    EXPECT_TRUE(overview.refresh());
-    EXPECT_EQ(overview.plan().text, "taken 0 of 2, next tomorrow at 09:00, 2 missed");
-    panel.Dir1[0].path = data.path();
-    overview.refresh();
-    clock.runUntil(at(2006, 11, 16));
-    EXPECT_TRUE(overview.refresh());
-    EXPECT_EQ(overview.plan().text, "taken 0 of 2, next at 09:00") << "a new day";
-    EXPECT_EQ(overview.minuteOfDay(), 0);
 }
 
 } // namespace

@@ -152,12 +152,11 @@ TEST_F(GapFillingTest, AStoreThatDoesNotAnswerIsAskedOnceAMinute) {
 
 TEST_F(GapFillingTest, AFolderThatCannotBeWrittenIsTold) {
     liveAnswers = false;
-    const auto dated = s.dataFolder() / "20061115";
-    ASSERT_EQ(writeToFinalName("in the way", dated), std::nullopt);
+    s.files.failing = "write";
     s.start(true);
     s.clock.runUntil(at(2006, 11, 15, 9, 2));
     EXPECT_NE(s.warnings.text.get().find("The data folder cannot be written"), std::string::npos);
-    std::filesystem::remove(dated);
+    s.files.failing.clear();
     s.clock.run(3min);
     EXPECT_EQ(fetchedLater(), 1);
     EXPECT_TRUE(s.warnings.text.get().empty()) << s.warnings.text.get();

@@ -65,7 +65,7 @@ TEST_F(ImageStoreTest, EveryListedPictureIsFetchedAgain) {
     std::string bytes;
     readWholeFile(image, bytes);
     EXPECT_EQ(bytes, jpegLike("stored " + first[0]));
-    EXPECT_EQ(std::ranges::count(s.module.thumbnails, image, &ThumbnailEntry::path), 1);
+    EXPECT_EQ(std::ranges::count(s.module.thumbnails, image), 1);
 }
 
 TEST_F(ImageStoreTest, NoDataEndsWithABlankPage) {

@@ -1,12 +1,7 @@
 #include "camera/StoreSearch.h"
-#include "archive/DayPictures.h"
-#include "archive/SchFile.h"
 #include "tests/support/JumpingClock.h"
-#include "tests/support/TempFolder.h"
 
 #include <gtest/gtest.h>
-
-#include <fstream>
 
 namespace orvane::test {
 namespace {
@@ -104,58 +99,15 @@ TEST(StoreSearch, OnlyPlainNamesNameFiles) {
         EXPECT_FALSE(isPlainName(name)) << name;
 }
 
-TEST(FolderListing, PatternsAndNames) {
-    EXPECT_EQ(ExtensionOf("a.b.jpg"), ".jpg");
-    EXPECT_EQ(BaseNameOf("a.b.jpg"), "a.b");
-    EXPECT_EQ(ExtensionOf("readme"), "");
-    EXPECT_EQ(BaseNameOf("readme"), "readme");
-    struct Case {
-        const char *name, *pattern;
-        bool matches;
-    };
-    const Case cases[] = {
-        {"readme", "*.*", true},  {"readme", "*", true},         {"a.jpg", "*.jpg", true},
-        {"a.jpg", "?.jpg", true}, {"ab.jpg", "?.jpg", false},    {"a.jpeg", "*.jp?g", true},
-        {"aXbXc", "a*b*c", true}, {"aXbX", "a*b*c", false},      {"abab", "*ab", true},
-        {"", "*", true},          {"a.jpg.part", "*.jpg", false}};
-    for (const auto& [name, pattern, matches] : cases)
-        EXPECT_EQ(matchesPattern(name, pattern), matches) << name << " " << pattern;
-}
-
-TEST(FolderListing, HoldsAThousandNames) {
-    const TempFolder folder;
-    std::filesystem::create_directory(folder.path() / "sub.jpg");
-    for (int i = 0; i < 1000; ++i)
-        std::ofstream(folder.path() / (std::to_string(i) + ".jpg")) << i;
-    std::vector<std::filesystem::path> names;
-    EXPECT_TRUE(SchFile(folder.path() / "", "", names));
-    EXPECT_EQ(names.size(), 1000U);
-    names.clear();
-    EXPECT_TRUE(SchFile(folder.path() / "7.jpg", "", names));
-    EXPECT_EQ(names, std::vector{folder.path() / "7.jpg"});
-    names.clear();
-    EXPECT_TRUE(SchFile(folder.path() / "gone.jpg", "", names));
-    EXPECT_TRUE(names.empty());
-    std::ofstream(folder.path() / "one more") << "x";
-    EXPECT_FALSE(SchFile(folder.path() / "", "*.*", names));
-    EXPECT_EQ(names.size(), 1000U);
-}
-
-TEST(DayPictures, TellsCapturesFromFetchedOnes) {
-    const TempFolder folder;
-    for (const char* name :
-         {"20061115_093000_00.jpg", "20061115_100007_00.jpg", "20061115_103000_00.jpg",
-          "20061115_103007_00.jpg", "20061115_110000_01.jpg", "20061116_120000_00.jpg",
-          "20061115_240000_00.jpg", "20061115_13x000_00.jpg", "20061115_140000_00.jpg.part",
-          "20061115_143000_00.txt"})
-        std::ofstream(folder.path() / name) << "x";
-    const auto day = std::chrono::floor<std::chrono::days>(at(2006, 11, 15));
-    const DayPictures pictures = picturesOfDay(folder.path(), day);
-    DayPictures expected{};
-    expected[9 * 60 + 30] = expected[10 * 60 + 30] = expected[11 * 60] = PictureOrigin::Taken;
-    expected[10 * 60] = PictureOrigin::Fetched;
-    EXPECT_EQ(pictures, expected);
-    EXPECT_EQ(picturesOfDay(folder.path() / "none", day), DayPictures{});
+/// A busy camera's page is no answer; a list without usable names is one.
+TEST(StoreSearch, TellsAListFromAPage) {
+    for (const char* reply : {"1,2,r/20061115_093007_00.jpg,", "1,x,a/b/20061115_0930ab_00.JPG,\n"})
+        EXPECT_TRUE(isPictureList(reply)) << reply;
+    for (const char* reply :
+         {"", "<html><body>Busy, please wait, or come back later,</body></html>", ",,,,,,", "1,2,",
+          "1,2,r/20061115_093007_00.jpg", "1,2,20061115_093007_00.jpg,", "1,2,r/..,",
+          "a,b,text/css,"})
+        EXPECT_FALSE(isPictureList(reply)) << reply;
 }
 
 } // namespace

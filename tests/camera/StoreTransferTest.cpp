@@ -72,7 +72,6 @@ struct StoreTransfer : testing::Test {
     QtClock clock;
     QNetworkAccessManager manager;
     QtHttpTransfer transfer{manager, clock, kLimits};
-    QtWebBrowser browser{std::make_unique<QtHttpTransfer>(manager, clock, kLimits), clock};
     QtWebBrowser browser1{std::make_unique<QtHttpTransfer>(manager, clock, kLimits), clock};
     QtWebBrowser browser2{std::make_unique<QtHttpTransfer>(manager, clock, kLimits), clock};
     FakeOperator op{clock};
@@ -82,9 +81,12 @@ struct StoreTransfer : testing::Test {
     Module1 module;
     OperationPanel panel;
     ErrorLog log{folder.path() / "program", clock};
-    CameraPanel camera{module, panel, transfer, browser, views, busy, op};
-    ImageStore store{{module, panel, camera, transfer, browser1, browser2, imageControl, views, log,
-                      op, clock, busy}};
+    Warnings warnings;
+    DayWatch days{module, panel, clock};
+    DiskWatch disk;
+    FileWriter files{FileWriter::Force::No};
+    PictureArchive archive{{module, days, disk, files, imageControl, views, warnings, log, clock}};
+    ImageStore store{{module, panel, archive, transfer, browser1, browser2, log, op, clock, busy}};
 };
 
 TEST_F(StoreTransfer, DownloadsWhatTheCameraLists) {

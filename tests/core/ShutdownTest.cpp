@@ -152,13 +152,13 @@ TEST_F(Countdown, CancelStartsWithoutRecordingAndEndEnds) {
 
 TEST(StartUp, ComesInOrder) {
     TestStation s(at(2006, 11, 15, 7, 0));
-    s.module.thumbnails[0].path = "old";
+    s.module.thumbnails[0] = "old";
     s.start(false);
     EXPECT_EQ(s.windowsShown, 1);
     EXPECT_EQ(s.logged(), std::vector<std::string>{"Orvane Starting"});
     for (const FakeBrowser* browser : {&s.browser, &s.browser1, &s.browser2})
         EXPECT_EQ(browser->urls, std::vector<std::string>{"about:blank"});
-    EXPECT_TRUE(s.module.thumbnails[0].path.empty());
+    EXPECT_TRUE(s.module.thumbnails[0].empty());
     EXPECT_FALSE(s.module.sun.SunriseText.empty());
     EXPECT_EQ(s.module.image.JpegTyp, 98);
     EXPECT_EQ(s.panel.Label7.caption.get(), "Ready");
@@ -172,13 +172,14 @@ TEST(StartUp, ThumbnailsShowTodaysNewestImages) {
     for (int hour = 0; hour < 12; ++hour) {
         char name[32];
         std::snprintf(name, sizeof name, "20061115_%02d0000_00.jpg", hour);
-        std::ofstream(today / name) << "x";
+        EXPECT_FALSE(writeToFinalName(jpegLike(name), today / name));
     }
+    std::ofstream(today / "20061115_113000_00.jpg") << "left empty";
     std::ofstream(today / "99999999_notes.txt") << "x";
     s.start(false);
-    EXPECT_EQ(s.module.thumbnails[0].path, today / "20061115_110000_00.jpg");
-    EXPECT_EQ(s.module.thumbnails[9].path, today / "20061115_020000_00.jpg");
-    EXPECT_EQ(s.views.newest, s.module.thumbnails[0].path);
+    EXPECT_EQ(s.module.thumbnails[0], today / "20061115_110000_00.jpg");
+    EXPECT_EQ(s.module.thumbnails[9], today / "20061115_020000_00.jpg");
+    EXPECT_EQ(s.views.newest, s.module.thumbnails[0]);
 }
 
 TEST(StartUp, AnUnusableStoredScheduleIsToldAndTheStationStaysReady) {

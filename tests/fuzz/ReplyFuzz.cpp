@@ -39,15 +39,18 @@ struct Store {
     Module1 module;
     OperationPanel panel;
     FakeHttp http{clock};
-    FakeBrowser browser{clock}, browser1{clock}, browser2{clock};
+    FakeBrowser browser1{clock}, browser2{clock};
     FakeViews views;
     FakeOperator op{clock};
     FakeImageControl imageControl;
     Busy busy;
+    Warnings warnings;
     ErrorLog log{folder.path() / "program", clock};
-    CameraPanel camera{module, panel, http, browser, views, busy, op};
-    ImageStore store{{module, panel, camera, http, browser1, browser2, imageControl, views, log, op,
-                      clock, busy}};
+    DayWatch days{module, panel, clock};
+    DiskWatch disk;
+    FileWriter files{FileWriter::Force::No};
+    PictureArchive archive{{module, days, disk, files, imageControl, views, warnings, log, clock}};
+    ImageStore store{{module, panel, archive, http, browser1, browser2, log, op, clock, busy}};
 };
 
 } // namespace
@@ -74,11 +77,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     require(s.clock.runUntil([&] { return run.done(); }, 1h));
     require(!s.busy.active());
     require(s.http.requests <= static_cast<std::int64_t>(10 * expected.size()));
-    // one dated folder, nothing in it but files, nothing beside it
+    // one dated folder, nothing in it but files, nothing beside it but those of processed copies
     for (const auto& entry : std::filesystem::recursive_directory_iterator(s.folder.path())) {
         const auto path = entry.path().lexically_relative(s.folder.path());
         if (entry.is_directory()) {
-            require(path == "data" || path == "data/20061115");
+            require(path == "data" || path == "data/20061115" || path == "data/Edit" ||
+                    path == "data/Edit/20061115");
         } else {
             require(path.parent_path() == "data/20061115");
         }

@@ -52,12 +52,5 @@ TEST(PictureAge, CountsInWholeUnits) {
         EXPECT_EQ(ageText(age), text);
 }
 
-TEST(PictureAge, ReadsTheMinuteOfARecordedName) {
-    EXPECT_EQ(recordedMinute("d/20061115_093000_00.jpg"), at(2006, 11, 15, 9, 30));
-    for (const char* name : {"full.jpg", "20061115_24000_00.jpg", "20061115_240000_00.jpg",
-                             "20061131_093000_00.jpg", "20061115-093000.jpg", "2006111_0930", ""})
-        EXPECT_FALSE(recordedMinute(name)) << name;
-}
-
 } // namespace
 } // namespace orvane::test

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "platform/Clock.h"
-#include "platform/FileCopy.h"
+#include "platform/Files.h"
 #include "platform/HttpTransfer.h"
 #include "platform/ImageControl.h"
 #include "platform/Operator.h"
@@ -172,11 +172,48 @@ class FakeImageControl final : public ImageControl {
     std::string bytes_;
 };
 
+/// Writes real files; the step named by `failing` fails. What a step of the real writer would have
+/// done before it failed is done, so that there is something to clear away.
+class FailingFileWriter final : public FileWriter {
+  public:
+    explicit FailingFileWriter(Force force = Force::No) : FileWriter(force) {}
+
+    std::string failing; ///< "open", "write", "flush", "close", "rename", "folder"; empty: none
+    std::vector<std::string> steps; ///< a trace
+
+  protected:
+    Fault open(const std::filesystem::path& file) override {
+        if (failing == "open") return kFull;
+        return did("open", FileWriter::open(file));
+    }
+    Fault write(std::string_view bytes) override {
+        if (failing != "write") return did("write", FileWriter::write(bytes));
+        FileWriter::write(bytes.substr(0, bytes.size() / 2));
+        return kFull;
+    }
+    Fault flushFile() override { return did("flush", FileWriter::flushFile()); }
+    Fault close() override { return did("close", FileWriter::close()); }
+    Fault rename(const std::filesystem::path& from, const std::filesystem::path& to) override {
+        if (failing == "rename") return kFull;
+        return did("rename", FileWriter::rename(from, to));
+    }
+    Fault flushFolder(const std::filesystem::path& folder) override {
+        return did("folder", FileWriter::flushFolder(folder));
+    }
+
+  private:
+    static constexpr const char* kFull = "No space left on device";
+
+    Fault did(const char* step, Fault fault) {
+        if (steps.size() < 1000) steps.emplace_back(step);
+        return failing == step ? Fault(kFull) : fault;
+    }
+};
+
 class FakeViews final : public ImageViews {
   public:
-    void refreshThumbnails(
-        const std::array<ThumbnailEntry, Module1::kThumbnailCount>& history) override {
-        newest = history[0].path;
+    void refreshThumbnails(const ThumbnailHistory& history) override {
+        newest = history[0];
         if (shown != nullptr) shown->refreshThumbnails(history);
     }
     void showLatest(const std::filesystem::path& file) override {

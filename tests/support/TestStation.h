@@ -96,8 +96,17 @@ class TestStation {
                   [this](const std::string& text) { panel.Label7.caption = text; }}};
     Recording recording{module, panel, settings, status, log, op, clock};
     CameraPanel camera{module, panel, http, browser, views, busy, op};
-    ImageStore imageStore{{module, panel, camera, http, browser1, browser2, imageControl, views,
-                           log, op, clock, busy}};
+    bool unlistable = false; ///< dated folders can be written but not listed
+    int listings = 0;
+    DayWatch days{module, panel, clock, [this](const std::filesystem::path& dated) {
+                      ++listings;
+                      return unlistable ? DayListing{{}, "Permission denied"} : listDay(dated);
+                  }};
+    DiskWatch disk;
+    FailingFileWriter files;
+    PictureArchive archive{{module, days, disk, files, imageControl, views, warnings, log, clock}};
+    ImageStore imageStore{{module, panel, archive, http, browser1, browser2, log, op, clock, busy}};
+    GapFilling gaps{{module, panel, days, archive, gapBrowser, gapHttp, log, clock, busy}};
     FolderScan folderScan{module, panel};
     FakeTracker port{clock};
     FakeBrowser wbSystemTm{clock};
@@ -124,15 +133,16 @@ class TestStation {
                     imageStore,
                     http,
                     {&browser, &browser1, &browser2},
-                    gapBrowser,
-                    gapHttp,
+                    days,
+                    disk,
+                    archive,
+                    gaps,
                     log,
                     clock,
                     op,
                     warnings,
                     busy,
                     views,
-                    imageControl,
                     dailyClocks,
                     [this] { ++windowsShown; },
                     [this](int code) { exitCode = code; }};

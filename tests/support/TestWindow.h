@@ -45,13 +45,14 @@ inline void show(QWidget& window) {
 /// The main window over a station whose main loop does not run.
 struct Window : TestStation {
     explicit Window(Operator& asked)
-        : TestStation(at(2006, 11, 15, 8, 0)), pictures(clock, asked, module, control),
+        : TestStation(at(2006, 11, 15, 8, 0)), pictures(clock, asked, module, days, control),
           shutdown(settings, store, busy, asked, [this] { ++ended; }),
           main({{panel, recording, settings, camera, imageStore, folderScan, tasks},
                 module,
                 busy,
                 shutdown,
                 pictures,
+                days,
                 {portSelection, timeForm, timeSetting, optionForm, options},
                 clock,
                 asked,

@@ -1,5 +1,5 @@
 #include "ui/day/DayView.h"
-#include "platform/FileCopy.h"
+#include "platform/Files.h"
 #include "tests/support/TestWindow.h"
 
 #include <QHelpEvent>
@@ -33,11 +33,10 @@ class Band : public testing::Test {
         std::filesystem::create_directory(today);
         for (const char* name : {"20061115_090000_00.jpg", "20061115_093017_00.jpg",
                                  "20061115_094500_00.jpg", "20061115_094500_00.tmp"})
-            EXPECT_FALSE(writeToFinalName("picture", today / name));
+            EXPECT_FALSE(writeToFinalName(jpegLike(name), today / name));
         w.module.schedule = {9h, 12h, 30min, {}};
         w.module.RecordFlg = true;
-        w.clock.jumpWall(2h + 10min);
-        w.clock.run(2s);
+        w.clock.run(2h + 10min + 2s);
     }
     /// The tool tip at a place of the band; empty when there is none.
     QString tipAt(const QPointF& place) {

@@ -368,10 +368,10 @@ TEST_F(ImageWindows, LatestTellsItsAgeAndFillsTheArea) {
 
 TEST_F(ImageWindows, ArrowKeysWalkTheThumbnails) {
     ThumbnailStrip::History history;
-    history[0].path = write("20061115_100000_00.jpg", 64, 48);
-    history[1].path = write("20061115_093000_00.jpg", 64, 48);
+    history[0] = write("20061115_100000_00.jpg", 64, 48);
+    history[1] = write("20061115_093000_00.jpg", 64, 48);
     writeFile(w.dataFolder() / "20061115_090000_00.jpg", "broken");
-    history[2].path = w.dataFolder() / "20061115_090000_00.jpg";
+    history[2] = w.dataFolder() / "20061115_090000_00.jpg";
     w.pictures.refreshThumbnails(history);
     w.clock.run(1s);
     auto& first = find<Thumbnail>(w.main, "thumbnail_0");

@@ -321,7 +321,7 @@ TEST_F(Ui, ThumbnailsAreDecodedOnce) {
         return folder.path() / ("20061115_" + std::to_string(hour) + "3000_00.jpg");
     };
     for (int i = 0; i < 10; ++i) {
-        history[static_cast<std::size_t>(i)].path = file(20 - i);
+        history[static_cast<std::size_t>(i)] = file(20 - i);
         ASSERT_TRUE(writePicture(file(20 - i), Qt::red, {800, 600}));
     }
     strip.showHistory(history);
@@ -333,7 +333,7 @@ TEST_F(Ui, ThumbnailsAreDecodedOnce) {
     for (int i = 0; i < 10; ++i)
         std::filesystem::remove(file(20 - i));
     std::move_backward(history.begin(), history.end() - 1, history.end());
-    history[0].path = file(21);
+    history[0] = file(21);
     ASSERT_TRUE(writePicture(file(21), Qt::blue));
     strip.showHistory(history);
     clock.run(1s);

@@ -1,0 +1,177 @@
+#include "archive/DayFolder.h"
+#include "archive/FolderScan.h"
+#include "archive/RecentCaptures.h"
+#include "archive/SchFile.h"
+#include "platform/Files.h"
+#include "tests/support/Fakes.h"
+#include "tests/support/JumpingClock.h"
+#include "tests/support/TempFolder.h"
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+
+namespace orvane::test {
+namespace {
+
+TEST(ImageName, TakesTheFormOfARecordedPictureOnly) {
+    const auto name = ImageName::ofFile("d/20061115_093007_42.jpg");
+    ASSERT_TRUE(name);
+    EXPECT_EQ(name->time(), at(2006, 11, 15, 9, 30, 7));
+    EXPECT_EQ(name->frame(), 42);
+    EXPECT_FALSE(name->isCapture());
+    EXPECT_EQ(name->text(), "20061115_093007_42.jpg");
+    EXPECT_EQ(name->withFrame(3).text(), "20061115_093007_03.jpg");
+    EXPECT_EQ(ImageName::parse("20061115_093000_00.JPG")->text(), "20061115_093000_00.jpg");
+    EXPECT_TRUE(ImageName::parse("20080229_235959_99.jpg"));
+    const ImageName capture = ImageName::ofCapture(at(2006, 1, 2, 3, 4, 59));
+    EXPECT_EQ(capture.text(), "20060102_030400_00.jpg");
+    EXPECT_TRUE(capture.isCapture());
+    EXPECT_LT(capture.withFrame(99), *ImageName::parse("20060102_030401_00.jpg"));
+    for (const char* text :
+         {"", "full.jpg", "20061115_24000_00.jpg", "20061115_240000_00.jpg",
+          "20061115_096000_00.jpg", "20061115_093060_00.jpg", "20061115_093099_00.jpg",
+          "20061131_093000_00.jpg", "20070229_093000_00.jpg", "20061115_0930ab_00.jpg",
+          "20061115_093000_0x.jpg", "20061115-093000_00.jpg", "20061115_093000_00.jpeg",
+          "20061115_093000_00.jpg.part", "20061115_093000_00.bmp", "+0061115_093000_00.jpg",
+          " 0061115_093000_00.jpg"})
+        EXPECT_FALSE(ImageName::parse(text)) << text;
+}
+
+TEST(SchFile, PatternsAndNames) {
+    EXPECT_EQ(ExtensionOf("a.b.jpg"), ".jpg");
+    EXPECT_EQ(BaseNameOf("a.b.jpg"), "a.b");
+    EXPECT_EQ(ExtensionOf("readme"), "");
+    EXPECT_EQ(BaseNameOf("readme"), "readme");
+    struct Case {
+        const char *name, *pattern;
+        bool matches;
+    };
+    const Case cases[] = {
+        {"readme", "*.*", true},  {"readme", "*", true},         {"a.jpg", "*.jpg", true},
+        {"a.jpg", "?.jpg", true}, {"ab.jpg", "?.jpg", false},    {"a.jpeg", "*.jp?g", true},
+        {"aXbXc", "a*b*c", true}, {"aXbX", "a*b*c", false},      {"abab", "*ab", true},
+        {"", "*", true},          {"a.jpg.part", "*.jpg", false}};
+    for (const auto& [name, pattern, matches] : cases)
+        EXPECT_EQ(matchesPattern(name, pattern), matches) << name << " " << pattern;
+}
+
+TEST(SchFile, HoldsAThousandNames) {
+    const TempFolder folder;
+    std::filesystem::create_directory(folder.path() / "sub.jpg");
+    for (int i = 0; i < 1000; ++i)
+        std::ofstream(folder.path() / (std::to_string(i) + ".jpg")) << i;
+    std::vector<std::filesystem::path> names;
+    EXPECT_TRUE(SchFile(folder.path() / "", "", names));
+    EXPECT_EQ(names.size(), 1000U);
+    EXPECT_TRUE(std::ranges::is_sorted(names));
+    names.clear();
+    EXPECT_TRUE(SchFile(folder.path() / "7.jpg", "", names));
+    EXPECT_EQ(names, std::vector{folder.path() / "7.jpg"});
+    names.clear();
+    EXPECT_TRUE(SchFile(folder.path() / "gone.jpg", "", names));
+    EXPECT_TRUE(names.empty());
+    std::ofstream(folder.path() / "one more") << "x";
+    EXPECT_FALSE(SchFile(folder.path() / "", "*.*", names));
+    EXPECT_EQ(names.size(), 1000U);
+}
+
+/// A folder with pictures of every kind, by their names and by what is in them.
+class DatedFolder : public testing::Test {
+  protected:
+    DatedFolder() {
+        for (const char* name :
+             {"20061115_093000_00.jpg", "20061115_100007_00.JPG", "20061115_103000_00.jpg",
+              "20061115_103007_00.jpg", "20061115_110000_01.jpg", "20061116_120000_00.jpg",
+              "20061115_240000_00.jpg", "20061115_13x000_00.jpg", "20061115_140000_00.jpg.part",
+              "20061115_143000_00.txt"})
+            write(name, jpegLike(name));
+        write("20061115_150000_00.jpg", "");
+        write("20061115_153000_00.jpg", std::string(5000, '\0'));
+        write("20061115_160000_00.jpg", jpegLike("cut").substr(0, 20));
+        write("20061115_163000_00.jpg", jpegLike("padded") + std::string(100, '\0'));
+        expected[9 * 60 + 30] = expected[10 * 60 + 30] = expected[11 * 60] =
+            expected[16 * 60 + 30] = PictureOrigin::Taken;
+        expected[10 * 60] = PictureOrigin::Fetched;
+    }
+    void write(const char* name, const std::string& bytes) const {
+        EXPECT_FALSE(writeToFinalName(bytes, temp.path() / name));
+    }
+
+    TempFolder temp;
+    std::chrono::local_days day = std::chrono::floor<std::chrono::days>(at(2006, 11, 15));
+    DayPictures expected{};
+};
+
+TEST_F(DatedFolder, TellsCapturesFromFetchedOnesAndBrokenFilesFromPictures) {
+    DayFolder folder(listDay);
+    folder.turnTo(temp.path(), day);
+    EXPECT_TRUE(folder.refresh());
+    EXPECT_EQ(folder.origins(), expected);
+    EXPECT_FALSE(folder.fault());
+    folder.turnTo(temp.path() / "none", day);
+    folder.refresh();
+    EXPECT_EQ(folder.origins(), DayPictures{});
+    EXPECT_FALSE(folder.fault()) << "no folder is an empty one";
+}
+
+TEST_F(DatedFolder, ABrokenFileThatIsReplacedCounts) {
+    DayFolder folder(listDay);
+    folder.turnTo(temp.path(), day);
+    folder.refresh();
+    write("20061115_150000_00.jpg", jpegLike("new"));
+    EXPECT_TRUE(folder.refresh());
+    EXPECT_EQ(folder.origins()[15 * 60], PictureOrigin::Taken);
+}
+
+/// "Cannot be read" is never taken for "empty".
+TEST_F(DatedFolder, WhatCannotBeReadIsNotEmpty) {
+    const auto file = temp.path() / "20061115";
+    std::ofstream(file) << "in the way";
+    EXPECT_TRUE(listFolder(file).fault);
+    EXPECT_TRUE(listDay(file).fault);
+    bool readable = true;
+    DayFolder folder([&](const auto& path) {
+        return readable ? listDay(path) : DayListing{{}, "Permission denied"};
+    });
+    folder.turnTo(temp.path(), day);
+    folder.refresh();
+    readable = false;
+    EXPECT_TRUE(folder.refresh());
+    EXPECT_EQ(folder.fault(), "Permission denied");
+    EXPECT_EQ(folder.origins(), expected) << "what was known still stands";
+    folder.add(temp.path() / "20061115_170000_00.jpg");
+    EXPECT_EQ(folder.origins()[17 * 60], PictureOrigin::Taken);
+    readable = true;
+    EXPECT_TRUE(folder.refresh());
+    EXPECT_FALSE(folder.fault());
+}
+
+TEST(RecentCaptures, KnowsTenAcrossDaysAndARestart) {
+    const TempFolder data;
+    JumpingClock clock(at(2006, 11, 15));
+    for (int day = 13; day <= 14; ++day)
+        for (int minute = 10; minute < 16; ++minute) {
+            const std::string date = "200611" + std::to_string(day);
+            const std::string name = date + "_10" + std::to_string(minute) + "00_00.jpg";
+            std::filesystem::create_directories(data.path() / date);
+            EXPECT_FALSE(writeToFinalName("picture " + name, data.path() / date / name));
+        }
+    std::filesystem::create_directories(data.path() / "Edit" / "20061115");
+    EXPECT_FALSE(writeToFinalName("stored", data.path() / "20061114" / "20061114_120007_00.jpg"));
+    RecentCaptures recent(clock);
+    Task<> recalling = recent.recall(data.path());
+    recalling.start();
+    clock.run(1s);
+    ASSERT_TRUE(recalling.done());
+    EXPECT_TRUE(recent.holds("picture 20061114_101500_00.jpg"));
+    EXPECT_TRUE(recent.holds("picture 20061113_101200_00.jpg"));
+    EXPECT_FALSE(recent.holds("picture 20061113_101100_00.jpg")) << "the eleventh";
+    EXPECT_FALSE(recent.holds("stored")) << "no capture";
+    recent.add("another");
+    EXPECT_TRUE(recent.holds("another"));
+    EXPECT_FALSE(recent.holds("picture 20061113_101200_00.jpg"));
+}
+
+} // namespace
+} // namespace orvane::test
