@@ -162,6 +162,111 @@ TEST_F(GapFillingTest, AFolderThatCannotBeWrittenIsTold) {
     EXPECT_TRUE(s.warnings.text.get().empty()) << s.warnings.text.get();
 }
 
+/// Names that are no pictures', or pictures that do not come: each minute is asked for twice in
+/// all, once a minute at most, and the log stays short.
+TEST_F(GapFillingTest, EndsWhateverIsListed) {
+    struct Case {
+        const char* name;
+        std::size_t askings; ///< of one minute
+        std::size_t filed;
+    };
+    const Case cases[] = {{"20061115_093000_00.JPG", 1, 1},  {"20061115_093059_00.jpg", 1, 1},
+                          {"20061115_093060_00.jpg", 2, 0},  {"20061115_093099_00.jpg", 2, 0},
+                          {"20061115_0930ab_00.jpg", 2, 0},  {"20061115_093007_0x.jpg", 2, 0},
+                          {"20061115_093007_00.jpeg", 0, 0}, {"20061115_093007_99.jpg", 1, 1}};
+    for (const auto& [name, askings, filed] : cases) {
+        TestStation t(at(2006, 11, 15, 9, 29));
+        t.setSchedule("9", "10", "30");
+        t.http.answer = [](const std::string&) { return FakeHttp::failed("refused"); };
+        std::map<std::string, std::vector<Ticks>> asked;
+        t.gapBrowser.answer = [&, listed = std::string(name)](const std::string& url) {
+            const bool ours = url.find("from_hour=9&from_min=30") != std::string::npos;
+            if (ours) asked[url].push_back(t.clock.ticks());
+            return ours ? "1,2,record/" + listed + "," : "NO_DATA";
+        };
+        t.gapHttp.answer = [](const std::string&) { return FakeHttp::picture("stored"); };
+        t.start(true);
+        t.clock.runUntil(at(2006, 11, 15, 12, 0));
+        if (askings > 0) {
+            ASSERT_EQ(asked.size(), 1U) << name;
+            EXPECT_EQ(asked.begin()->second.size(), askings) << name;
+        }
+        EXPECT_LT(asked.begin()->second.size(), 152U) << name << ": once a minute";
+        for (std::size_t i = 1; i < asked.begin()->second.size(); ++i)
+            EXPECT_GE(asked.begin()->second[i] - asked.begin()->second[i - 1], 1min) << name;
+        EXPECT_EQ(t.imagesOf("20061115").size(), filed) << name;
+        EXPECT_LT(t.logged().size(), 200U) << name;
+    }
+}
+
+/// The camera lists the picture but sends something else.
+TEST_F(GapFillingTest, APictureThatDoesNotComeIsGivenUp) {
+    const HttpReply replies[] = {FakeHttp::failed("HTTP status 404"),
+                                 {true, 200, "<html>Busy</html>", ""},
+                                 {true, 200, jpegLike("cut").substr(0, 30), ""}};
+    for (const HttpReply& reply : replies) {
+        TestStation t(at(2006, 11, 15, 8, 59));
+        t.http.answer = [](const std::string&) { return FakeHttp::failed("refused"); };
+        t.gapBrowser.answer = s.gapBrowser.answer;
+        t.gapHttp.answer = [&](const std::string&) { return reply; };
+        t.start(true);
+        t.clock.runUntil(at(2006, 11, 15, 9, 29));
+        EXPECT_EQ(t.gapHttp.requests, 2) << reply.body;
+        EXPECT_TRUE(t.imagesOf("20061115").empty()) << reply.body;
+    }
+}
+
+/// Pages of a busy camera are no answers, however many there are.
+TEST_F(GapFillingTest, APageIsNoAnswer) {
+    s.setSchedule("9", "17", "1");
+    s.gapBrowser.answer = [&](const std::string& url) {
+        return s.clock.now() < at(2006, 11, 15, 9, 21)
+                   ? std::string("Busy, please wait, or try again later, thank you,")
+                   : camera.search(url);
+    };
+    liveAnswers = false;
+    s.start(true);
+    s.clock.runUntil(at(2006, 11, 15, 9, 4, 30));
+    liveAnswers = true;
+    s.clock.runUntil(at(2006, 11, 15, 9, 20, 30));
+    EXPECT_EQ(fetchedLater(), 0);
+    EXPECT_LE(s.gapBrowser.pages().size(), 20U);
+    s.clock.runUntil(at(2006, 11, 15, 9, 23));
+    EXPECT_EQ(fetchedLater(), 4);
+}
+
+/// A folder that can be written but not listed: nothing is missing as far as anybody knows.
+TEST_F(GapFillingTest, NothingIsFilledOnAFolderThatCannotBeRead) {
+    liveAnswers = false;
+    s.unlistable = true;
+    s.start(true);
+    s.clock.runUntil(at(2006, 11, 15, 10, 2));
+    EXPECT_TRUE(s.gapBrowser.pages().empty());
+    EXPECT_LT(s.listings, 200);
+    EXPECT_NE(s.warnings.text.get().find("cannot be read: Permission denied"), std::string::npos);
+    EXPECT_NE(s.warnings.text.get().find("No image at 09:00 and 09:30"), std::string::npos);
+    liveAnswers = true;
+    s.unlistable = false;
+    s.clock.runUntil(at(2006, 11, 15, 10, 32));
+    EXPECT_EQ(fetchedLater(), 3);
+    EXPECT_TRUE(s.warnings.text.get().empty()) << s.warnings.text.get();
+}
+
+/// Minutes that the clock was put over never were.
+TEST_F(GapFillingTest, AClockPutForwardLeavesNoGaps) {
+    s.setSchedule("8", "17", "1");
+    s.store.values["Settings/FillGaps"] = "0";
+    s.start(true);
+    s.clock.runUntil(at(2006, 11, 15, 9, 10, 30));
+    s.panel.chk_fill.ticked = true;
+    s.clock.runUntil(at(2006, 11, 15, 9, 20, 30));
+    const auto asked = s.gapBrowser.pages().size(); // for the hour before the start
+    s.clock.jumpWall(1h);
+    s.clock.runUntil(at(2006, 11, 15, 10, 40));
+    EXPECT_EQ(s.gapBrowser.pages().size(), asked);
+    EXPECT_TRUE(s.warnings.text.get().empty()) << s.warnings.text.get();
+}
+
 /// Whatever the store answers: only whole pictures of missed minutes are filed, once each, below
 /// the data folder, and the captures keep their minutes.
 TEST_F(GapFillingTest, RandomStoreFaults) {

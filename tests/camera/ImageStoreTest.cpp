@@ -147,6 +147,36 @@ TEST_F(ImageStoreTest, WhatIsNoPictureIsNotFiled) {
     EXPECT_EQ(s.panel.lbl_dlcnt.caption.get(), "0");
 }
 
+/// The camera records at second 00 too: its pictures stand beside the captures, not in their place.
+TEST_F(ImageStoreTest, ACaptureIsNotReplaced) {
+    const auto capture = s.dataFolder() / "20060305" / "20060305_141000_00.jpg";
+    std::filesystem::create_directory(capture.parent_path());
+    ASSERT_EQ(writeToFinalName(jpegLike("captured"), capture), std::nullopt);
+    camera.names = {"20060305_141000_00.jpg"};
+    for (int i = 0; i < 3; ++i) {
+        run(&ImageStore::Test_DL);
+        EXPECT_EQ(s.panel.lbl_dlcnt.caption.get(), "1");
+    }
+    EXPECT_EQ(s.imagesOf("20060305"),
+              (std::vector<std::string>{"20060305_141000_00.jpg", "20060305_141000_01.jpg"}));
+    std::string bytes;
+    readWholeFile(capture, bytes);
+    EXPECT_EQ(bytes, jpegLike("captured"));
+}
+
+TEST_F(ImageStoreTest, AFullDiskLeavesTheOlderCopies) {
+    run(&ImageStore::Test_DL);
+    s.http.answer = [](const std::string& url) { return FakeHttp::picture("new " + url); };
+    s.files.failing = "close";
+    run(&ImageStore::Test_DL);
+    std::string bytes;
+    readWholeFile(s.dataFolder() / "20060305" / first[1], bytes);
+    EXPECT_EQ(bytes, jpegLike("stored " + first[1]));
+    EXPECT_EQ(s.imagesOf("20060305"), first) << "no temporary stays";
+    EXPECT_EQ(s.panel.lbl_dlcnt.caption.get(), "0");
+    EXPECT_NE(s.warnings.text.get().find("No space left on device"), std::string::npos);
+}
+
 TEST_F(ImageStoreTest, StopsAtAnyMoment) {
     camera.perPage = 500;
     for (Ticks moment = 0ms; moment < 3s; moment += 70ms) {

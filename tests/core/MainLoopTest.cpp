@@ -142,6 +142,76 @@ TEST(MainLoop, RefusesAPictureThatWasSentBefore) {
     EXPECT_GT(restarted.countLogged("DownLoad Error"), 1);
 }
 
+/// Two pictures in turn are as frozen as one, also across midnight and a restart.
+TEST(MainLoop, RefusesPicturesThatComeInTurn) {
+    TestStation s(at(2006, 11, 15, 23, 20));
+    s.setSchedule("0", "23", "10", "59");
+    int answers = 0;
+    s.http.answer = [&](const std::string&) {
+        ++answers;
+        return FakeHttp::picture(answers <= 3 ? std::to_string(answers)
+                                              : std::to_string(answers % 2));
+    };
+    s.start(true);
+    s.clock.runUntil(at(2006, 11, 16, 0, 40));
+    EXPECT_EQ(s.imagesOf("20061115").size(), 4U) << "1, 2, 3, and 0 was new";
+    EXPECT_TRUE(s.imagesOf("20061116").empty());
+
+    TestStation restarted(at(2006, 11, 17, 8, 59));
+    restarted.store.values["DataPath/PathDataFile"] = utf8FromPath(s.dataFolder());
+    restarted.http.answer = [](const std::string&) { return FakeHttp::picture("2"); };
+    restarted.start(true);
+    restarted.clock.runUntil(at(2006, 11, 17, 9, 31));
+    EXPECT_TRUE(s.imagesOf("20061117").empty());
+}
+
+/// What came and is damaged is a failed fetch, tried again within its minute.
+TEST(MainLoop, ADamagedPictureIsTriedAgain) {
+    TestStation s(at(2006, 11, 15, 9, 29));
+    s.imageControl.unsound = "Corrupt JPEG data: premature end of data segment";
+    s.start(true);
+    s.clock.runUntil(at(2006, 11, 15, 9, 30, 20));
+    EXPECT_TRUE(s.imagesOf("20061115").empty());
+    EXPECT_GT(s.countLogged("DownLoad Error"), 3);
+    s.imageControl.unsound.clear();
+    s.clock.runUntil(at(2006, 11, 15, 9, 31));
+    EXPECT_EQ(s.imagesOf("20061115"), Names{"20061115_093000_00.jpg"});
+}
+
+/// A power cut some seconds after filing used to leave files without a byte that counted as taken.
+TEST(MainLoop, AnEmptyFileIsNoPicture) {
+    TestStation s(at(2006, 11, 15, 9, 29));
+    const auto dated = s.dataFolder() / "20061115";
+    std::filesystem::create_directory(dated);
+    std::ofstream(dated / "20061115_090000_00.jpg").close();
+    std::ofstream(dated / "20061115_093000_00.jpg").close();
+    s.gapBrowser.answer = [](const std::string& url) {
+        return url.find("from_hour=9&from_min=0&") != std::string::npos
+                   ? "1,2,record/20061115_090000_00.jpg,"
+                   : "NO_DATA";
+    };
+    s.gapHttp.answer = [](const std::string&) { return FakeHttp::picture("stored"); };
+    s.start(true);
+    s.clock.runUntil(at(2006, 11, 15, 9, 31));
+    EXPECT_EQ(s.imagesOf("20061115"), (Names{"20061115_090000_00.jpg", "20061115_093000_00.jpg"}));
+    for (const std::string& name : s.imagesOf("20061115"))
+        EXPECT_TRUE(isWholePicture(dated / name)) << name;
+    EXPECT_EQ(s.days.plan().missed, 0);
+}
+
+TEST(MainLoop, AClockPutForwardBringsNoWarning) {
+    TestStation s(at(2006, 11, 15, 8, 55));
+    s.setSchedule("9", "17", "10");
+    s.start(true);
+    s.clock.runUntil(at(2006, 11, 15, 9, 35));
+    s.clock.jumpWall(1h);
+    s.clock.runUntil(at(2006, 11, 15, 10, 50, 30));
+    EXPECT_TRUE(s.warnings.text.get().empty()) << s.warnings.text.get();
+    EXPECT_EQ(s.gapBrowser.pages().size(), 0U);
+    s.days.refresh();
+    EXPECT_EQ(s.days.plan().missed, 0);
+}
+
 /// A short answer over a longer old working picture must not bring the old tail into the archive.
 TEST(MainLoop, FilesExactlyTheBytesThatTheCameraSent) {
     TestStation s(at(2006, 11, 15, 9, 29));

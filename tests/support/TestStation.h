@@ -22,7 +22,9 @@ namespace orvane::test {
 /// with a fresh picture. Its folders are real and temporary.
 class TestStation {
   public:
-    explicit TestStation(WallTime start) : clock(start) {
+    /// Pictures are forced to the disk only where that is looked at: it costs time.
+    explicit TestStation(WallTime start, FileWriter::Force force = FileWriter::Force::No)
+        : clock(start), files(force) {
         module.programFolder = folder.path() / "program";
         std::filesystem::create_directory(module.programFolder);
         store.values["DataPath/PathDataFile"] = utf8FromPath(dataFolder());
