@@ -66,6 +66,10 @@ Fault makeFolders(const std::filesystem::path& datedFolder) {
     return std::nullopt;
 }
 
+std::string cannotWrite(const std::string& reason) {
+    return "The data folder cannot be written: " + reason + ".";
+}
+
 } // namespace
 
 Task<Filing> PictureArchive::take(std::string bytes, std::filesystem::path wanted,
@@ -73,11 +77,13 @@ Task<Filing> PictureArchive::take(std::string bytes, std::filesystem::path wante
     const std::filesystem::path folder = wanted.parent_path();
     Task<Fault> checking = refusal(bytes, wanted, arrival);
     if (Fault fault = co_await checking) co_return {Filing::Outcome::Refused, *fault};
-    if (Fault fault = makeFolders(folder)) co_return failed(wanted, *fault);
+    if (Fault fault = makeFolders(folder)) co_return failed(wanted, cannotWrite(*fault));
     const Place place = placeFor(wanted, bytes, arrival);
-    if (place.file.empty()) co_return failed(wanted, "the names of its second are used up");
+    if (place.file.empty())
+        co_return failed(wanted, "The minute's names in the data folder are used up.");
     if (!place.held) {
-        if (Fault fault = write(bytes, place.file)) co_return failed(place.file, *fault);
+        if (Fault fault = write(bytes, place.file))
+            co_return failed(place.file, cannotWrite(*fault));
         Fault trouble = arrival == Arrival::Run ? std::nullopt : forceNames(folder);
         if (arrival == Arrival::Capture) {
             recent_.add(bytes);
@@ -168,8 +174,7 @@ void PictureArchive::warn(const Fault& trouble) {
     parts_.warnings.set(Warnings::Cause::DataFolder, trouble.value_or(""));
 }
 
-Filing PictureArchive::failed(const std::filesystem::path& image, const std::string& reason) {
-    const std::string text = "The data folder cannot be written: " + reason + ".";
+Filing PictureArchive::failed(const std::filesystem::path& image, const std::string& text) {
     parts_.log.write(utf8FromPath(image.filename()) + ": " + text);
     warn(text);
     return {Filing::Outcome::Failed, text};

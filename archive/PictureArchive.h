@@ -72,7 +72,7 @@ class PictureArchive {
     void remember(const std::filesystem::path& image, Arrival arrival);
     void count(Arrival arrival);
     void warn(const Fault& trouble);
-    Filing failed(const std::filesystem::path& image, const std::string& reason);
+    Filing failed(const std::filesystem::path& image, const std::string& text);
 
     Parts parts_;
     RecentCaptures recent_;

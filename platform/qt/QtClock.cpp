@@ -3,6 +3,7 @@
 #include <QDateTime>
 
 #include <algorithm>
+#include <ctime>
 
 namespace orvane {
 
@@ -18,7 +19,15 @@ WallTime QtClock::now() const {
     return WallTime(std::chrono::milliseconds(utc.toMSecsSinceEpoch() + offset * 1000));
 }
 
+/// With the time that the PC was asleep, as the system's clock on Windows counts it: after a sleep the
+/// wall clock has not been put forward.
 Ticks QtClock::ticks() const {
+#ifdef CLOCK_BOOTTIME
+    timespec now{};
+    if (clock_gettime(CLOCK_BOOTTIME, &now) == 0)
+        return std::chrono::duration_cast<Ticks>(std::chrono::seconds(now.tv_sec) +
+                                                 std::chrono::nanoseconds(now.tv_nsec));
+#endif
     return std::chrono::duration_cast<Ticks>(std::chrono::steady_clock::now().time_since_epoch());
 }
 
