@@ -15,12 +15,6 @@ std::int64_t firstMinuteOf(std::chrono::local_days day) {
 
 } // namespace
 
-/// The folder's path is compared as text: comparing paths part by part is slow.
-bool DayWatch::Seen::operator==(const Seen& other) const {
-    return minute == other.minute && recording == other.recording && schedule == other.schedule &&
-           delay == other.delay && dataFolder.native() == other.dataFolder.native();
-}
-
 DayWatch::DayWatch(const Module1& module, const OperationPanel& panel, const Clock& clock,
                    const DayFolder::Reader& reader)
     : module_(module), panel_(panel), clock_(clock), today_{DayFolder(reader)},
@@ -29,17 +23,19 @@ DayWatch::DayWatch(const Module1& module, const OperationPanel& panel, const Clo
 void DayWatch::follow() {
     const WallTime now = clock_.now();
     noteJump(now);
-    Seen seen{minuteIndex(now), module_.RecordFlg, module_.schedule,
-              wholeMinutes(std::chrono::seconds(std::max<int>(module_.image.Delay, 0))),
-              panel_.Dir1[0].path};
-    if (seen == seen_) return;
+    const Seen seen{minuteIndex(now), module_.RecordFlg, module_.schedule,
+                    wholeMinutes(std::chrono::seconds(std::max<int>(module_.image.Delay, 0)))};
+    const std::filesystem::path& folder = panel_.Dir1[0].path;
+    const bool moved = folder.native() != dataFolder_.native(); // part by part is slow
+    if (seen == seen_ && !moved) return;
     ++revision_;
-    if (seen.recording && !seen_.recording) since_ = seen.minute;
-    std::swap(seen, seen_);
+    const Seen before = std::exchange(seen_, seen);
+    if (seen.recording && !before.recording) since_ = seen.minute;
+    if (moved) dataFolder_ = folder;
     const auto today = std::chrono::floor<std::chrono::days>(now);
-    if (today != today_.folder.day() || seen.dataFolder.native() != seen_.dataFolder.native()) {
+    if (moved || today != today_.folder.day()) {
         turn(today);
-    } else if (seen.schedule != seen_.schedule) {
+    } else if (seen.schedule != before.schedule) {
         findDue();
     }
 }
@@ -70,7 +66,7 @@ void DayWatch::noteJump(WallTime now) {
 void DayWatch::turn(std::chrono::local_days today) {
     const auto yesterday = today - std::chrono::days(1);
     const auto folderOf = [this](std::chrono::local_days day) {
-        return datedFolderOf(seen_.dataFolder, WallTime(day));
+        return datedFolderOf(dataFolder_, WallTime(day));
     };
     std::swap(today_, yesterday_);
     yesterday_.folder.turnTo(folderOf(yesterday), yesterday);
@@ -107,8 +103,15 @@ const DayPlan& DayWatch::plan() {
     plan_ = seen_.recording
                 ? planDay(seen_.schedule, today_.isDue, pictures, minuteOfDay(), seen_.delay)
                 : planWithoutRecording(pictures);
-    if (today_.folder.fault()) plan_.text = "today's folder cannot be read";
+    if (today_.folder.fault()) forgetMissed();
     return plan_;
+}
+
+/// Nobody knows what lies in a folder that cannot be read.
+void DayWatch::forgetMissed() {
+    std::ranges::replace(plan_.states, DayState::Missed, DayState::NotDue);
+    plan_.missed = 0;
+    plan_.text = "today's folder cannot be read";
 }
 
 void DayWatch::add(const std::filesystem::path& file) {

@@ -47,9 +47,8 @@ class DayWatch {
         bool recording = false;
         Schedule schedule;
         int delay = 0; ///< whole minutes
-        std::filesystem::path dataFolder;
 
-        bool operator==(const Seen& other) const;
+        bool operator==(const Seen&) const = default;
     };
     struct Day {
         DayFolder folder;
@@ -64,6 +63,7 @@ class DayWatch {
     void noteJump(WallTime now);
     void turn(std::chrono::local_days today);
     void findDue();
+    void forgetMissed();
     void findDue(Day& day) const;
     const Day* dayOf(std::int64_t minute) const;
     bool isDue(std::int64_t minute) const;
@@ -77,6 +77,7 @@ class DayWatch {
     Day today_;
     Day yesterday_;
     Seen seen_;
+    std::filesystem::path dataFolder_;
     std::int64_t since_ =
         0; ///< the minute in which recording was switched on, or the clock set back
     std::vector<std::pair<std::int64_t, std::int64_t>> neverWere_; ///< first and last minutes

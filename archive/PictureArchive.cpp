@@ -34,12 +34,12 @@ struct Place {
 
 /// For a name that a capture may have. All frames are looked at when something stands under the
 /// wanted name or comes from a store, which may give frames of its own.
-Place placeAmongFrames(const std::filesystem::path& wanted, const ImageName& name,
+Place placeAmongFrames(const std::filesystem::path& folder, const ImageName& name,
                        const std::string& bytes, Arrival arrival) {
     Place place;
     for (int step = 0; step < ImageName::kFrames; ++step) {
         const int frame = (name.frame() + step) % ImageName::kFrames;
-        const auto file = step == 0 ? wanted : wanted.parent_path() / name.withFrame(frame).text();
+        const auto file = folder / name.withFrame(frame).text();
         std::error_code error;
         const bool exists = std::filesystem::exists(file, error);
         if (exists && holds(file, bytes)) return {file, true};
@@ -53,7 +53,7 @@ Place placeAmongFrames(const std::filesystem::path& wanted, const ImageName& nam
 Place placeFor(const std::filesystem::path& wanted, const std::string& bytes, Arrival arrival) {
     const auto name = ImageName::ofFile(wanted);
     if (!name || !name->isCapture()) return {wanted};
-    return placeAmongFrames(wanted, *name, bytes, arrival);
+    return placeAmongFrames(wanted.parent_path(), *name, bytes, arrival);
 }
 
 Fault makeFolders(const std::filesystem::path& datedFolder) {
@@ -84,7 +84,12 @@ Task<Filing> PictureArchive::take(std::string bytes, std::filesystem::path wante
     if (!place.held) {
         if (Fault fault = write(bytes, place.file))
             co_return failed(place.file, cannotWrite(*fault));
-        Fault trouble = arrival == Arrival::Run ? std::nullopt : forceNames(folder);
+        Fault trouble;
+        if (arrival == Arrival::Run) {
+            unforced_ = folder;
+        } else {
+            trouble = forceNames(folder);
+        }
         if (arrival == Arrival::Capture) {
             recent_.add(bytes);
             parts_.module.lastImage = place.file;
@@ -119,8 +124,9 @@ Fault PictureArchive::write(const std::string& bytes, const std::filesystem::pat
     return fault;
 }
 
-void PictureArchive::flush(const std::filesystem::path& datedFolder) {
-    if (const Fault trouble = forceNames(datedFolder)) warn(trouble);
+void PictureArchive::flush() {
+    if (unforced_.empty()) return;
+    if (const Fault trouble = forceNames(std::exchange(unforced_, {}))) warn(trouble);
 }
 
 /// The pictures are filed, whatever comes of this.

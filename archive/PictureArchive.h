@@ -60,7 +60,7 @@ class PictureArchive {
     /// folders are made. Two may be on their way at a time.
     Task<Filing> take(std::string bytes, std::filesystem::path wanted, Arrival arrival);
     /// Forces the names of a run's pictures to the disk; the other arrivals' are at once.
-    void flush(const std::filesystem::path& datedFolder);
+    void flush();
 
   private:
     Task<Fault> refusal(const std::string& bytes, const std::filesystem::path& wanted,
@@ -76,7 +76,8 @@ class PictureArchive {
 
     Parts parts_;
     RecentCaptures recent_;
-    std::filesystem::path cleared_; ///< the dated folder whose left-overs were removed last
+    std::filesystem::path unforced_; ///< the run's dated folder while its names are not forced
+    std::filesystem::path cleared_;  ///< the dated folder whose left-overs were removed last
 };
 
 } // namespace orvane

@@ -85,7 +85,7 @@ Task<> ImageStore::runPages(Chain chain, Start start) {
         std::string reply = co_await loading;
         Task<PageEnd> reading = readPage(chain, std::move(reply));
         const PageEnd ended = co_await reading;
-        parts_.archive.flush(datedFolder_);
+        parts_.archive.flush();
         if (ended == PageEnd::Completed) complete();
         if (ended != PageEnd::NextPage) co_return;
         if (page == kFruitlessPages) {

@@ -107,6 +107,18 @@ TEST_F(Days, WhatIsFiledCountsWithoutReading) {
     EXPECT_EQ(days.plan().taken, 1) << "another day";
 }
 
+/// What cannot be read is not called missed.
+TEST_F(Days, AFolderThatCannotBeReadIsNotEmpty) {
+    DayWatch unreadable(module, panel, clock,
+                        [](const auto&) { return DayListing{{}, "Permission denied"}; });
+    unreadable.refresh();
+    unreadable.add(today / "20061115_120000_00.jpg");
+    EXPECT_EQ(unreadable.plan().text, "today's folder cannot be read");
+    EXPECT_EQ(unreadable.plan().missed, 0);
+    EXPECT_EQ(unreadable.plan().taken, 1);
+    EXPECT_EQ(std::ranges::count(unreadable.plan().states, DayState::Missed), 0);
+}
+
 /// Every pass of the main loop, for that long.
 class Followed : public Days {
   protected:

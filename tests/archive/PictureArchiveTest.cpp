@@ -90,7 +90,7 @@ TEST(Archive, NamesThatCannotBeForcedAreTold) {
         const Filing filing = finish(
             t.clock, t.archive.take(jpegLike("new"), dated / "20061115_093000_00.jpg", arrival));
         EXPECT_EQ(filing.outcome, Outcome::Filed);
-        if (arrival == Arrival::Run) t.archive.flush(dated);
+        if (arrival == Arrival::Run) t.archive.flush();
         EXPECT_NE(t.warnings.text.get().find("A power cut may lose"), std::string::npos);
         EXPECT_EQ(t.logged().size(), 1U);
         EXPECT_EQ(t.imagesOf("20061115").size(), 1U);
@@ -103,6 +103,9 @@ TEST(Archive, DataAreOnTheDiskBeforeTheNameIs) {
     const std::vector<std::string> one{"open", "write", "flush", "close", "rename"};
     finish(t.clock, t.archive.take(jpegLike("1"), dated / "20061115_092907_00.jpg", Arrival::Run));
     EXPECT_EQ(t.files.steps, one) << "a run's names are forced page by page";
+    t.archive.flush();
+    t.archive.flush(); // nothing is left
+    EXPECT_EQ(std::ranges::count(t.files.steps, "folder"), 1);
     t.files.steps.clear();
     finish(t.clock,
            t.archive.take(jpegLike("2"), dated / "20061115_093000_00.jpg", Arrival::Capture));
