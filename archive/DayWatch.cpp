@@ -15,47 +15,58 @@ std::int64_t firstMinuteOf(std::chrono::local_days day) {
 
 } // namespace
 
-/// The folder's path is compared as text: comparing paths part by part is slow.
-bool DayWatch::Seen::operator==(const Seen& other) const {
-    return minute == other.minute && recording == other.recording && schedule == other.schedule &&
-           delay == other.delay && dataFolder.native() == other.dataFolder.native();
-}
-
 DayWatch::DayWatch(const Module1& module, const OperationPanel& panel, const Clock& clock,
                    const DayFolder::Reader& reader)
     : module_(module), panel_(panel), clock_(clock), today_{DayFolder(reader)},
       yesterday_{DayFolder(reader)} {}
 
+/// Ten times a second: nothing is allocated while nothing has changed, and the data folder is
+/// compared as text, since comparing paths part by part is slow.
 void DayWatch::follow() {
     const WallTime now = clock_.now();
     noteJump(now);
-    Seen seen{minuteIndex(now), module_.RecordFlg, module_.schedule,
-              wholeMinutes(std::chrono::seconds(std::max<int>(module_.image.Delay, 0))),
-              panel_.Dir1[0].path};
-    if (seen == seen_) return;
+    const Seen seen{minuteIndex(now), module_.RecordFlg, module_.schedule,
+                    wholeMinutes(std::chrono::seconds(std::max<int>(module_.image.Delay, 0)))};
+    const std::filesystem::path& dataFolder = panel_.Dir1[0].path;
+    const bool moved = dataFolder.native() != dataFolder_.native();
+    if (seen == seen_ && !moved) return;
+    const bool planStands = planned_ == revision_ && !moved && isOnlyLater(seen);
     ++revision_;
+    if (planStands) planned_ = revision_;
     if (seen.recording && !seen_.recording) since_ = seen.minute;
-    std::swap(seen, seen_);
+    const Seen before = std::exchange(seen_, seen);
+    if (moved) dataFolder_ = dataFolder;
     const auto today = std::chrono::floor<std::chrono::days>(now);
-    if (today != today_.folder.day() || seen.dataFolder.native() != seen_.dataFolder.native()) {
+    if (today != today_.folder.day() || moved) {
         turn(today);
-    } else if (seen.schedule != seen_.schedule) {
+    } else if (seen.schedule != before.schedule) {
         findDue();
     }
 }
 
+/// Whether `seen` differs by a later minute only, before which no due one came to its end: nothing
+/// in the plan changes then.
+bool DayWatch::isOnlyLater(const Seen& seen) const {
+    Seen later = seen_;
+    later.minute = seen.minute;
+    if (seen != later || seen.minute < seen_.minute) return false;
+    const auto minute = static_cast<int>(seen.minute % kDayMinutes);
+    return !plan_.nextIsToday || *plan_.next + seen.delay >= minute;
+}
+
 /// A clock that is put forward skips the minutes between; one that is set back has them come again,
-/// and what is missed counts from there.
+/// and what is missed counts from there. Up to a minute forward skips no whole one.
 void DayWatch::noteJump(WallTime now) {
     const Ticks ticks = clock_.ticks();
     const WallTime expected = lastTime_ == WallTime() ? now : lastTime_ + (ticks - lastTicks_);
     lastTime_ = now;
     lastTicks_ = ticks;
+    if (now <= expected + 1min && now >= expected - kClockError) return;
     const std::int64_t minute = minuteIndex(now);
     const std::int64_t first = minuteIndex(expected) + 1;
     if (minute > first) {
         neverWere_.emplace_back(first, minute - 1);
-    } else if (now < expected - kClockError) {
+    } else if (now < expected) {
         since_ = minute;
         std::erase_if(neverWere_, [=](const auto& range) { return range.first >= minute; });
         if (!neverWere_.empty())
@@ -70,7 +81,7 @@ void DayWatch::noteJump(WallTime now) {
 void DayWatch::turn(std::chrono::local_days today) {
     const auto yesterday = today - std::chrono::days(1);
     const auto folderOf = [this](std::chrono::local_days day) {
-        return datedFolderOf(seen_.dataFolder, WallTime(day));
+        return datedFolderOf(dataFolder_, WallTime(day));
     };
     std::swap(today_, yesterday_);
     yesterday_.folder.turnTo(folderOf(yesterday), yesterday);

@@ -47,9 +47,8 @@ class DayWatch {
         bool recording = false;
         Schedule schedule;
         int delay = 0; ///< whole minutes
-        std::filesystem::path dataFolder;
 
-        bool operator==(const Seen& other) const;
+        bool operator==(const Seen&) const = default;
     };
     struct Day {
         DayFolder folder;
@@ -61,6 +60,7 @@ class DayWatch {
         std::int64_t second = 0;
     };
 
+    bool isOnlyLater(const Seen& seen) const;
     void noteJump(WallTime now);
     void turn(std::chrono::local_days today);
     void findDue();
@@ -77,6 +77,7 @@ class DayWatch {
     Day today_;
     Day yesterday_;
     Seen seen_;
+    std::filesystem::path dataFolder_; ///< looked at for a change as well
     std::int64_t since_ =
         0; ///< the minute in which recording was switched on, or the clock set back
     std::vector<std::pair<std::int64_t, std::int64_t>> neverWere_; ///< first and last minutes
