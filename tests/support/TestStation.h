@@ -22,7 +22,9 @@ namespace orvane::test {
 /// with a fresh picture. Its folders are real and temporary.
 class TestStation {
   public:
-    explicit TestStation(WallTime start) : clock(start) {
+    explicit TestStation(WallTime start, FileWriter::Force force = FileWriter::Force::No,
+                         const std::filesystem::path& root = TempFolder::inMemory())
+        : folder(root), clock(start), files(force) {
         module.programFolder = folder.path() / "program";
         std::filesystem::create_directory(module.programFolder);
         store.values["DataPath/PathDataFile"] = utf8FromPath(dataFolder());
