@@ -27,6 +27,10 @@ DayState stateOf(PictureOrigin origin) {
 
 void judge(DayPlan& plan, const DayPictures& pictures, int minute, int now, int delay) {
     DayState& state = plan.states[at(minute)];
+    if (state == DayState::Taken) {
+        ++plan.taken;
+        return;
+    }
     if (const auto capture = captureOf(plan.isDue, pictures, minute, delay)) {
         if (*capture != minute) plan.states[at(*capture)] = DayState::NotDue;
         state = DayState::Taken;

@@ -20,38 +20,53 @@ DayWatch::DayWatch(const Module1& module, const OperationPanel& panel, const Clo
     : module_(module), panel_(panel), clock_(clock), today_{DayFolder(reader)},
       yesterday_{DayFolder(reader)} {}
 
+/// Ten times a second: nothing is allocated while nothing has changed, and the data folder is
+/// compared as text, since comparing paths part by part is slow.
 void DayWatch::follow() {
     const WallTime now = clock_.now();
     noteJump(now);
     const Seen seen{minuteIndex(now), module_.RecordFlg, module_.schedule,
                     wholeMinutes(std::chrono::seconds(std::max<int>(module_.image.Delay, 0)))};
-    const std::filesystem::path& folder = panel_.Dir1[0].path;
-    const bool moved = folder.native() != dataFolder_.native(); // part by part is slow
+    const std::filesystem::path& dataFolder = panel_.Dir1[0].path;
+    const bool moved = dataFolder.native() != dataFolder_.native();
     if (seen == seen_ && !moved) return;
+    const bool planStands = planned_ == revision_ && !moved && isOnlyLater(seen);
     ++revision_;
+    if (planStands) planned_ = revision_;
+    if (seen.recording && !seen_.recording) since_ = seen.minute;
     const Seen before = std::exchange(seen_, seen);
-    if (seen.recording && !before.recording) since_ = seen.minute;
-    if (moved) dataFolder_ = folder;
+    if (moved) dataFolder_ = dataFolder;
     const auto today = std::chrono::floor<std::chrono::days>(now);
-    if (moved || today != today_.folder.day()) {
+    if (today != today_.folder.day() || moved) {
         turn(today);
     } else if (seen.schedule != before.schedule) {
         findDue();
     }
 }
 
+/// Whether `seen` differs by a later minute only, before which no due one came to its end: nothing
+/// in the plan changes then.
+bool DayWatch::isOnlyLater(const Seen& seen) const {
+    Seen later = seen_;
+    later.minute = seen.minute;
+    if (seen != later || seen.minute < seen_.minute) return false;
+    const auto minute = static_cast<int>(seen.minute % kDayMinutes);
+    return !plan_.nextIsToday || *plan_.next + seen.delay >= minute;
+}
+
 /// A clock that is put forward skips the minutes between; one that is set back has them come again,
-/// and what is missed counts from there.
+/// and what is missed counts from there. Up to a minute forward skips no whole one.
 void DayWatch::noteJump(WallTime now) {
     const Ticks ticks = clock_.ticks();
     const WallTime expected = lastTime_ == WallTime() ? now : lastTime_ + (ticks - lastTicks_);
     lastTime_ = now;
     lastTicks_ = ticks;
+    if (now <= expected + 1min && now >= expected - kClockError) return;
     const std::int64_t minute = minuteIndex(now);
     const std::int64_t first = minuteIndex(expected) + 1;
     if (minute > first) {
         neverWere_.emplace_back(first, minute - 1);
-    } else if (now < expected - kClockError) {
+    } else if (now < expected) {
         since_ = minute;
         std::erase_if(neverWere_, [=](const auto& range) { return range.first >= minute; });
         if (!neverWere_.empty())

@@ -60,6 +60,7 @@ class DayWatch {
         std::int64_t second = 0;
     };
 
+    bool isOnlyLater(const Seen& seen) const;
     void noteJump(WallTime now);
     void turn(std::chrono::local_days today);
     void findDue();
@@ -77,9 +78,9 @@ class DayWatch {
     Day today_;
     Day yesterday_;
     Seen seen_;
-    std::filesystem::path dataFolder_;
-    std::int64_t since_ =
-        0; ///< the minute in which recording was switched on, or the clock set back
+    std::filesystem::path dataFolder_; ///< looked at for a change as well
+    /// The minute in which recording was switched on, or the clock set back.
+    std::int64_t since_ = 0;
     std::vector<std::pair<std::int64_t, std::int64_t>> neverWere_; ///< first and last minutes
     WallTime lastTime_{};
     Ticks lastTicks_{0};

@@ -7,16 +7,44 @@ namespace {
 using namespace orvane;
 using namespace orvane::test;
 
-/// One virtual day of the main loop with the default schedule: 16 captures.
-void recordingDay(benchmark::State& state) {
-    TestStation station(at(2006, 11, 15));
+/// Virtual days of the main loop. "captures" are those of a day.
+void runDays(benchmark::State& state, TestStation& station) {
     station.start(true);
     for ([[maybe_unused]] auto _ : state)
         station.clock.run(24h);
     state.counters["captures"] = benchmark::Counter(static_cast<double>(station.http.requests),
                                                     benchmark::Counter::kAvgIterations);
 }
+
+/// With the default schedule: 16 captures.
+void recordingDay(benchmark::State& state) {
+    TestStation station(at(2006, 11, 15));
+    runDays(state, station);
+}
 BENCHMARK(recordingDay)->Unit(benchmark::kMillisecond);
+
+/// Every minute around the clock.
+void everyMinuteDay(benchmark::State& state) {
+    TestStation station(at(2006, 11, 15));
+    station.setSchedule("0", "23", "1", "59");
+    runDays(state, station);
+}
+BENCHMARK(everyMinuteDay)->Unit(benchmark::kMillisecond);
+
+/// The default schedule with folders below the current one, which must lie on a disk for this to
+/// mean anything; `forced` or not is what forcing its 16 pictures to the disk costs. In real time,
+/// since a disk is waited for.
+void recordingDayOnDisk(benchmark::State& state) {
+    const auto force = state.range(0) != 0 ? FileWriter::Force::Yes : FileWriter::Force::No;
+    TestStation station(at(2006, 11, 15), force, std::filesystem::current_path());
+    runDays(state, station);
+}
+BENCHMARK(recordingDayOnDisk)
+    ->ArgName("forced")
+    ->Arg(0)
+    ->Arg(1)
+    ->UseRealTime()
+    ->Unit(benchmark::kMillisecond);
 
 /// The floor: a loop that only sleeps 100 ms, for a day.
 Task<> bareLoop(Clock& clock) {

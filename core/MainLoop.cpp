@@ -74,8 +74,9 @@ Task<> MainLoop::pass() {
 
 /// Whether this minute is due and waits for its picture.
 bool MainLoop::isDue(WallTime now) const {
-    return isDueMinute(station_.module.schedule, minuteOfDay(now)) &&
-           minuteIndex(now) != filedMinute_;
+    const std::int64_t minute = minuteIndex(now);
+    return minute != filedMinute_ &&
+           isDueMinute(station_.module.schedule, static_cast<int>(minute % kDayMinutes));
 }
 
 Task<> MainLoop::recordNow(std::int64_t dueMinute) {
@@ -150,10 +151,13 @@ void MainLoop::watchDay(WallTime now) {
 /// something to be told?
 void MainLoop::watch(WallTime now) {
     station_.days.follow();
+    // at most passes nothing has changed; the revision grows with all that is looked at here
+    const std::int64_t revision = station_.days.revision();
+    if (std::exchange(watchedRevision_, revision) == revision) return;
     const std::int64_t minute = minuteIndex(now);
     const bool recording = station_.module.RecordFlg;
     const std::filesystem::path& folder = station_.panel.Dir1[0].path;
-    const bool moved = folder.native() != watchedFolder_.native(); // at every pass: as text
+    const bool moved = folder.native() != watchedFolder_.native();
     if (minute == watchedMinute_ && recording == watchedRecording_ && !moved) return;
     watchedMinute_ = minute;
     if (recording != watchedRecording_ && station_.keepAwake) station_.keepAwake(recording);

@@ -127,18 +127,6 @@ std::chrono::year_month_day dayOf(WallTime time) {
     return std::chrono::year_month_day{std::chrono::floor<std::chrono::days>(time)};
 }
 
-std::chrono::milliseconds timeOfDay(WallTime time) {
-    return time - std::chrono::floor<std::chrono::days>(time);
-}
-
-int minuteOfDay(WallTime time) {
-    return static_cast<int>(timeOfDay(time) / 1min);
-}
-
-std::int64_t minuteIndex(WallTime time) {
-    return std::chrono::floor<std::chrono::minutes>(time.time_since_epoch()).count();
-}
-
 WallTime momentOf(std::int64_t minute) {
     return WallTime(std::chrono::minutes(minute));
 }

@@ -35,11 +35,17 @@ std::string twoDigits(int value);
 /// The calendar day of a wall time.
 std::chrono::year_month_day dayOf(WallTime time);
 /// The time since midnight.
-std::chrono::milliseconds timeOfDay(WallTime time);
+inline std::chrono::milliseconds timeOfDay(WallTime time) {
+    return time - std::chrono::floor<std::chrono::days>(time);
+}
 /// The minute of the day that a wall time lies in, 0 to 1439.
-int minuteOfDay(WallTime time);
+inline int minuteOfDay(WallTime time) {
+    return static_cast<int>(timeOfDay(time) / 1min);
+}
 /// Whole minutes since the start of the calendar's count; equal exactly within one minute.
-std::int64_t minuteIndex(WallTime time);
+inline std::int64_t minuteIndex(WallTime time) {
+    return std::chrono::floor<std::chrono::minutes>(time.time_since_epoch()).count();
+}
 /// The first moment of a minute counted so.
 WallTime momentOf(std::int64_t minute);
 

@@ -27,6 +27,14 @@ inline std::string jpegLike(const std::string& content) {
     return bytes + "scan data\xFF\xD9";
 }
 
+/// Puts `entry` into a trace of the newest hundred: a trace must not look like the station's own
+/// growth when it runs for a year.
+inline void note(std::vector<std::string>& trace, std::string entry) {
+    constexpr std::size_t kKept = 100;
+    if (trace.size() == kKept) trace.erase(trace.begin());
+    trace.push_back(std::move(entry));
+}
+
 class FakeStore final : public SettingsStore {
   public:
     std::string GetSetting(const std::string& section, const std::string& key,
@@ -51,8 +59,7 @@ class FakeHttp final : public HttpTransfer {
     explicit FakeHttp(Clock& clock) : clock_(clock) {}
 
     Task<HttpReply> get(std::string url) override {
-        urls.push_back(url);
-        if (urls.size() > kKept) urls.erase(urls.begin());
+        note(urls, url);
         ++requests;
         const int call = ++call_;
         co_await clock_.sleep(latency);
@@ -74,7 +81,6 @@ class FakeHttp final : public HttpTransfer {
     std::int64_t requests = 0;
 
   private:
-    static constexpr std::size_t kKept = 100;
     Clock& clock_;
     int call_ = 0;
     int served_ = 0;
@@ -86,7 +92,7 @@ class FakeBrowser final : public WebBrowser {
     explicit FakeBrowser(Clock& clock) : clock_(clock) {}
 
     void navigate(std::string url) override {
-        urls.push_back(url);
+        note(urls, url);
         navigation_ = load(std::move(url));
         navigation_.start();
     }
@@ -127,11 +133,11 @@ class FakeOperator final : public Operator {
     explicit FakeOperator(Clock& clock) : clock_(clock) {}
 
     Task<> tell(std::string text) override {
-        told.push_back(std::move(text));
+        note(told, std::move(text));
         co_await clock_.sleep(patience);
     }
     Task<bool> ask(std::string text) override {
-        asked.push_back(std::move(text));
+        note(asked, std::move(text));
         co_await clock_.sleep(patience);
         co_return answer;
     }
@@ -205,7 +211,7 @@ class FailingFileWriter final : public FileWriter {
     static constexpr const char* kFull = "No space left on device";
 
     Fault did(const char* step, Fault fault) {
-        if (steps.size() < 1000) steps.emplace_back(step);
+        note(steps, step);
         return failing == step ? Fault(kFull) : fault;
     }
 };

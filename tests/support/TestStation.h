@@ -23,8 +23,9 @@ namespace orvane::test {
 class TestStation {
   public:
     /// Pictures are forced to the disk only where that is looked at: it costs time.
-    explicit TestStation(WallTime start, FileWriter::Force force = FileWriter::Force::No)
-        : clock(start), files(force) {
+    explicit TestStation(WallTime start, FileWriter::Force force = FileWriter::Force::No,
+                         const std::filesystem::path& root = TempFolder::inMemory())
+        : folder(root), clock(start), files(force) {
         module.programFolder = folder.path() / "program";
         std::filesystem::create_directory(module.programFolder);
         store.values["DataPath/PathDataFile"] = utf8FromPath(dataFolder());
