@@ -18,26 +18,19 @@ void AutoStart::Timer1_Timer() {
     ++counter_;
     PBar1 = 100 - counter_;
     if (counter_ < kLastTick) return;
-    timer_.disable();
-    exits_.closeDialog();
-    store_.SaveSetting("Operation", "Mode Auto", "True");
-    store_.SaveSetting("Operation", "Mode Man", "False");
-    module_.RecordFlg = true;
-    exits_.enterMainLoop();
+    leave([this] {
+        store_.SaveSetting("Operation", "Mode Auto", "True");
+        store_.SaveSetting("Operation", "Mode Man", "False");
+        module_.RecordFlg = true;
+        exits_.enterMainLoop();
+    });
 }
 
-void AutoStart::Command1_Click() {
+void AutoStart::leave(const std::function<void()>& exit) {
     if (!timer_.enabled()) return;
     timer_.disable();
     exits_.closeDialog();
-    exits_.enterMainLoop();
-}
-
-void AutoStart::Command2_Click() {
-    if (!timer_.enabled()) return;
-    timer_.disable();
-    exits_.closeDialog();
-    exits_.endProgram();
+    exit();
 }
 
 } // namespace orvane

@@ -24,13 +24,15 @@ class AutoStart {
     void Form_Load();
     void Timer1_Timer();
     /// "Cancel": starts the program without recording.
-    void Command1_Click();
+    void Command1_Click() { leave(exits_.enterMainLoop); }
     /// "End": ends the program.
-    void Command2_Click();
+    void Command2_Click() { leave(exits_.endProgram); }
 
     Value<int> PBar1{100}; ///< 0 to 100
 
   private:
+    void leave(const std::function<void()>& exit);
+
     Module1& module_;
     SettingsStore& store_;
     Exits exits_;

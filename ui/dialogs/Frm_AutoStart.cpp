@@ -31,7 +31,7 @@ QLayout* Frm_AutoStart::message() {
     bold.setBold(true);
     caution->setFont(bold);
     auto* text = control<QLabel>("Label1", "It starts automatically after about 10 seconds.");
-    return row({{warningSign(), 0, Qt::AlignTop}, {column({caution, text}), 1}}, 16);
+    return row({{warningSign(), 0, Qt::AlignTop}, {column({caution, text}, 6), 1}}, 16);
 }
 
 QLayout* Frm_AutoStart::buttons() {

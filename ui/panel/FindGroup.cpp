@@ -47,19 +47,17 @@ QGroupBox* findGroup(PanelControls& controls, OperationPanel& panel, FolderScan&
         {"cmd_find", "Fin&d", "Looks through the folder; at most 24 files are listed."},
         panel.cmd_find, [&scan] { scan.cmd_find_Click(); });
     QObject::connect(text, &QLineEdit::returnPressed, button, &QPushButton::click);
-    QVBoxLayout* folder = controls.folder(
+    QVBoxLayout* rows = controls.folder(
         {"Dir1_1", "Folder to look through",
          "The sub-folders of the folder that is looked through. Double-click one, or press Enter, "
          "to look through it."},
         "Files are looked for in %1", panel.Dir1[1],
         [&panel](const std::filesystem::path& path) { panel.Dir1[1].path = path; });
-    ElidedLabel* result =
-        controls.label({"lbl_found", "Result", "How many files were found."}, panel.lbl_found);
-    return panelGroup("Find files in a folder",
-                      column({{folder, 1},
-                              row({{text, 1}, button}),
-                              {foundList(controls, panel, std::move(open)), 2},
-                              result}));
+    rows->addLayout(row({{text, 1}, button}));
+    rows->addWidget(foundList(controls, panel, std::move(open)), 2);
+    rows->addWidget(
+        controls.label({"lbl_found", "Result", "How many files were found."}, panel.lbl_found));
+    return panelGroup("Find files in a folder", rows);
 }
 
 } // namespace orvane

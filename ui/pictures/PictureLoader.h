@@ -53,7 +53,7 @@ class PictureLoader {
   private:
     /// Keeps `control_` for one task and empties it afterwards, also when the task is destroyed.
     Scope takeTurn();
-    Task<std::string> read(std::filesystem::path file, QByteArray& jpeg);
+    Task<std::string> read(PictureSource& source);
     Task<std::string> decode(PictureSource source, QSize bound);
 
     Clock& clock_;
