@@ -10,10 +10,6 @@ AutoStart::AutoStart(Module1& module, SettingsStore& store, Clock& clock, Exits 
     : module_(module), store_(store), exits_(std::move(exits)),
       timer_(clock, 105ms, [this] { Timer1_Timer(); }) {}
 
-void AutoStart::Form_Load() {
-    timer_.enable();
-}
-
 void AutoStart::Timer1_Timer() {
     ++counter_;
     PBar1 = 100 - counter_;

@@ -21,7 +21,7 @@ class AutoStart {
 
     AutoStart(Module1& module, SettingsStore& store, Clock& clock, Exits exits);
 
-    void Form_Load();
+    void Form_Load() { timer_.enable(); }
     void Timer1_Timer();
     /// "Cancel": starts the program without recording.
     void Command1_Click() { leave(exits_.enterMainLoop); }

@@ -52,10 +52,6 @@ void Thumbnail::setPicture(const QPixmap& picture) {
     }
 }
 
-QPixmap Thumbnail::picture() const {
-    return picture_->pixmap();
-}
-
 void Thumbnail::setNewest(bool newest) {
     newest_ = newest;
     QFont font = time_->font();
@@ -120,7 +116,7 @@ void ThumbnailStrip::resizeEvent(QResizeEvent*) {
 }
 
 /// A capture moves every file on by one frame; what is known of each goes along.
-void ThumbnailStrip::showHistory(const History& history) {
+void ThumbnailStrip::showHistory(const ThumbnailHistory& history) {
     std::array<std::optional<QPixmap>, std::tuple_size_v<ThumbnailHistory>> known;
     for (std::size_t i = 0; i < history.size(); ++i)
         for (const Thumbnail* frame : frames_)
