@@ -1,7 +1,7 @@
 #include "archive/FolderScan.h"
 
-#include "platform/FileAttributes.h"
 #include "platform/Paths.h"
+#include "platform/SystemCalls.h"
 
 #include <algorithm>
 

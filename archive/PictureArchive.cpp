@@ -1,7 +1,7 @@
 #include "archive/PictureArchive.h"
 
+#include "imaging/JpegMarkers.h"
 #include "imaging/ProcessImageFile.h"
-#include "imaging/SoundPicture.h"
 #include "platform/Paths.h"
 
 #include <algorithm>

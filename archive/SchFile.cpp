@@ -1,8 +1,8 @@
 #include "archive/SchFile.h"
 
 #include "archive/DataFolder.h"
-#include "platform/FileAttributes.h"
 #include "platform/Paths.h"
+#include "platform/SystemCalls.h"
 
 namespace orvane {
 

@@ -10,34 +10,23 @@ AutoStart::AutoStart(Module1& module, SettingsStore& store, Clock& clock, Exits 
     : module_(module), store_(store), exits_(std::move(exits)),
       timer_(clock, 105ms, [this] { Timer1_Timer(); }) {}
 
-void AutoStart::Form_Load() {
-    timer_.enable();
-}
-
 void AutoStart::Timer1_Timer() {
     ++counter_;
     PBar1 = 100 - counter_;
     if (counter_ < kLastTick) return;
-    timer_.disable();
-    exits_.closeDialog();
-    store_.SaveSetting("Operation", "Mode Auto", "True");
-    store_.SaveSetting("Operation", "Mode Man", "False");
-    module_.RecordFlg = true;
-    exits_.enterMainLoop();
+    leave([this] {
+        store_.SaveSetting("Operation", "Mode Auto", "True");
+        store_.SaveSetting("Operation", "Mode Man", "False");
+        module_.RecordFlg = true;
+        exits_.enterMainLoop();
+    });
 }
 
-void AutoStart::Command1_Click() {
+void AutoStart::leave(const std::function<void()>& exit) {
     if (!timer_.enabled()) return;
     timer_.disable();
     exits_.closeDialog();
-    exits_.enterMainLoop();
-}
-
-void AutoStart::Command2_Click() {
-    if (!timer_.enabled()) return;
-    timer_.disable();
-    exits_.closeDialog();
-    exits_.endProgram();
+    exit();
 }
 
 } // namespace orvane

@@ -21,16 +21,18 @@ class AutoStart {
 
     AutoStart(Module1& module, SettingsStore& store, Clock& clock, Exits exits);
 
-    void Form_Load();
+    void Form_Load() { timer_.enable(); }
     void Timer1_Timer();
     /// "Cancel": starts the program without recording.
-    void Command1_Click();
+    void Command1_Click() { leave(exits_.enterMainLoop); }
     /// "End": ends the program.
-    void Command2_Click();
+    void Command2_Click() { leave(exits_.endProgram); }
 
     Value<int> PBar1{100}; ///< 0 to 100
 
   private:
+    void leave(const std::function<void()>& exit);
+
     Module1& module_;
     SettingsStore& store_;
     Exits exits_;

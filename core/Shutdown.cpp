@@ -35,8 +35,4 @@ void Shutdown::MDIForm_Unload(std::optional<WindowPlace> place) {
     endProgram_();
 }
 
-void Shutdown::mnuFileExit_Click() {
-    settings_.writeSetup();
-}
-
 } // namespace orvane

@@ -36,7 +36,7 @@ class Shutdown {
     /// Stores `place` (nothing while the window is minimised) and ends the program.
     void MDIForm_Unload(std::optional<WindowPlace> place);
     /// "Exit": saves. The caller then closes the window, with mode `Other`.
-    void mnuFileExit_Click();
+    void mnuFileExit_Click() { settings_.writeSetup(); }
 
   private:
     PanelSettings& settings_;

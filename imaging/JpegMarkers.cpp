@@ -91,4 +91,13 @@ bool isWholeJpeg(std::string_view bytes) {
     return MarkerWalk(bytes).wholePicture();
 }
 
+Task<Fault> pictureFault(ImageControl& control, const std::string& bytes) {
+    // First: a page or a cut answer is no damaged picture, and costs no decoding.
+    if (!isWholeJpeg(bytes)) co_return "the answer is not a whole JPEG picture";
+    Task<Fault> checking = control.check(bytes);
+    Fault fault = co_await checking;
+    if (fault) fault = "the picture is damaged: " + *fault;
+    co_return fault;
+}
+
 } // namespace orvane

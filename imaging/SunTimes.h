@@ -1,7 +1,9 @@
 #pragma once
 
 #include "imaging/SunElevation.h"
+#include "platform/Conversions.h"
 
+#include <array>
 #include <chrono>
 #include <cstdint>
 #include <optional>
@@ -36,5 +38,21 @@ std::optional<std::string> ComputeSunriseSunset(const SiteValues& site,
 /// halves to even. A rising whose local hour is negative is a fault.
 std::optional<std::string> scanCrossings(const ElevationTable& elevation, std::int16_t Tz,
                                          SunTimes& times);
+
+/// The sun over one local day, by minute of the local day.
+struct SunDay {
+    std::array<double, kDayMinutes> elevation{}; ///< degrees
+    /// First minute with the sun up, and with the sun down again: the crossings of -0.5 degrees
+    /// whose times, moved by an hour, stand on the operation panel. Nothing in polar day or night.
+    std::optional<int> sunrise;
+    std::optional<int> sunset;
+};
+
+/// Uses the table that the panel's sun times come from: that of the universal day with the local
+/// day's date, turned by the time zone. Where the two days differ, the sun is that of a day before
+/// or after, which nobody sees in a drawing, and the times agree with the panel's to the minute
+/// (but for zones with a part of an hour, which the panel rounds). Nothing when it cannot be
+/// computed.
+std::optional<SunDay> sunOfDay(const SiteValues& site, std::chrono::year_month_day date);
 
 } // namespace orvane

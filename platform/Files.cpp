@@ -1,6 +1,6 @@
 #include "platform/Files.h"
 
-#include "platform/DiskForcing.h"
+#include "platform/SystemCalls.h"
 
 #include <cerrno>
 #include <memory>

@@ -2,6 +2,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
+#include <memory>
 #include <optional>
 #include <span>
 #include <string>
@@ -36,5 +38,9 @@ class SerialPort {
     /// The system's reason for the last failure.
     virtual const std::string& fault() const = 0;
 };
+
+/// This system's serial port, still closed. `devicePath` gives the device that stands for port 1
+/// to 4 and is asked at every open; where ports have names of their own (COM1) it is not used.
+std::unique_ptr<SerialPort> makeSerialPort(std::function<std::string(int)> devicePath);
 
 } // namespace orvane

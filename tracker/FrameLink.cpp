@@ -47,20 +47,14 @@ bool FrameLink::initCommunication() {
     return fail("initCommunication:COM Port EEROR");
 }
 
-void FrameLink::closeCommunication() {
-    MSComm1_.close();
-}
-
 Task<> FrameLink::SendFrame(std::uint8_t cmd, std::string data) {
     MSComm1_.write(MakeFrame(cmd, data));
-    Task<> waiting = waitForOutput();
-    co_await waiting;
+    return waitForOutput();
 }
 
 Task<> FrameLink::SendByte(std::uint8_t byte) {
     MSComm1_.write({&byte, 1});
-    Task<> waiting = waitForOutput();
-    co_await waiting;
+    return waitForOutput();
 }
 
 /// A line that takes nothing off is given up like one that answers nothing.

@@ -38,7 +38,7 @@ class FrameLink {
 
     /// Opens the stored port; false after logging.
     bool initCommunication();
-    void closeCommunication();
+    void closeCommunication() { MSComm1_.close(); }
     bool isOpen() const { return MSComm1_.isOpen(); }
 
     Task<> SendFrame(std::uint8_t cmd, std::string data);

@@ -1,5 +1,6 @@
 #include "ui/frmMain.h"
 
+#include "ui/Layout.h"
 #include "ui/Text.h"
 #include "ui/day/DayView.h"
 #include "ui/dialogs/FrmComPort.h"
@@ -13,7 +14,6 @@
 #include <QCloseEvent>
 #include <QFileDialog>
 #include <QGuiApplication>
-#include <QHBoxLayout>
 #include <QMdiSubWindow>
 #include <QMenuBar>
 
@@ -29,26 +29,17 @@ frmMain::frmMain(Parts parts)
     setObjectName("frmMain");
     setWindowTitle("Orvane");
     auto* strip = new ThumbnailStrip(parts_.views.loader());
-    auto* pictures = new QVBoxLayout;
-    pictures->setSpacing(0);
-    pictures->addWidget(area_, 1);
-    pictures->addWidget(strip);
-    auto* content = new QWidget;
-    auto* rows = new QVBoxLayout(content);
-    rows->setContentsMargins(0, 0, 0, 0);
-    rows->setSpacing(0);
-    auto* row = new QHBoxLayout;
-    rows->addLayout(row, 1);
-    rows->addWidget(new DayView({parts_.days, parts_.module, parts_.clock}));
-    row->addWidget(new PanelScroll(*operation_));
-    row->addLayout(pictures, 1);
-    setCentralWidget(content);
+    QHBoxLayout* above = row({new PanelScroll(*operation_), {column({{area_, 1}, strip}, 0), 1}});
+    auto* day = new DayView({parts_.days, parts_.module, parts_.clock});
+    setCentralWidget(inWidget(column({{above, 1}, day}, 0)));
 
     addFileMenu();
     addToolsMenu();
-    addImageMenu();
+    new ImageMenu(*saveAs_, addMenu("mnuImage", "Pict&ure"), *area_, parts_.views);
     addWindowMenu();
-    addHelpMenu();
+    addEntry(addMenu("mnuHelp", "&Help"),
+             {"mnuHelpAbout", "&About...", "Shows the program's version."}, {}, this,
+             &frmMain::mnuHelpAbout_Click);
     bindings_.follow(parts_.busy.mnuFileOpen, [this](bool on) { followBusy(on); });
     parts_.views.attach(area_, strip);
     connect(strip, &ThumbnailStrip::opened, this,
@@ -62,64 +53,45 @@ frmMain::frmMain(Parts parts)
     operation_->focusStart();
 }
 
-QMenu* frmMain::addMenu(const char* name, const QString& caption) {
+QMenu& frmMain::addMenu(const char* name, const QString& caption) {
     QMenu* menu = menuBar()->addMenu(caption);
     menu->setObjectName(name);
     menu->setToolTipsVisible(true);
-    return menu;
-}
-
-QAction* frmMain::addAction(QMenu& menu, const char* name, const QString& caption,
-                            const QString& tip, const QKeySequence& keys) {
-    QAction* action = menu.addAction(caption);
-    action->setObjectName(name);
-    action->setToolTip(tip);
-    action->setShortcut(keys);
-    return action;
+    return *menu;
 }
 
 void frmMain::addFileMenu() {
-    QMenu* file = addMenu("mnuFile", "&File");
-    QAction* open =
-        addAction(*file, "mnuFileOpen", "&Open...", "Opens stored pictures.", QKeySequence::Open);
-    QAction* saveAs =
-        addAction(*file, "mnuFileSaveAs", "Save &As...",
-                  "Saves the picture in front as a JPEG file.", QKeySequence("Ctrl+S"));
-    QAction* latest = addAction(*file, "mnuFileLatest", "&Latest Image",
-                                "Shows the newest picture.", Qt::CTRL | Qt::Key_L);
-    file->addSeparator();
-    QAction* options = addAction(*file, "mnuFileSaveOptions", "&Save Options...",
-                                 "Sets how pictures are saved.", Qt::CTRL | Qt::Key_T);
-    file->addSeparator();
-    QAction* exit = addAction(*file, "mnuFileExit", "E&xit", "Saves the settings and ends.",
-                              Qt::CTRL | Qt::Key_Q);
-    connect(open, &QAction::triggered, this, &frmMain::mnuFileOpen_Click);
-    connect(latest, &QAction::triggered, this,
-            [this] { parts_.views.openLatest(parts_.module.lastImage); });
-    connect(options, &QAction::triggered, this, &frmMain::mnuFileSaveOptions_Click);
-    connect(exit, &QAction::triggered, this, &frmMain::mnuFileExit_Click);
-    idleActions_ << open;
-    saveAs_ = saveAs;
-}
-
-void frmMain::addImageMenu() {
-    new ImageMenu(*saveAs_, *addMenu("mnuImage", "Pict&ure"), *area_, parts_.views);
+    QMenu& file = addMenu("mnuFile", "&File");
+    idleActions_ << addEntry(file, {"mnuFileOpen", "&Open...", "Opens stored pictures."},
+                             {QKeySequence::Open}, this, &frmMain::mnuFileOpen_Click);
+    saveAs_ = addEntry(
+        file, {"mnuFileSaveAs", "Save &As...", "Saves the picture in front as a JPEG file."},
+        {Qt::CTRL | Qt::Key_S}, this, [] {}); // the picture menu does it
+    addEntry(file, {"mnuFileLatest", "&Latest Image", "Shows the newest picture."},
+             {Qt::CTRL | Qt::Key_L}, this,
+             [this] { parts_.views.openLatest(parts_.module.lastImage); });
+    file.addSeparator();
+    addEntry(file, {"mnuFileSaveOptions", "&Save Options...", "Sets how pictures are saved."},
+             {Qt::CTRL | Qt::Key_T}, this,
+             [this] { openOnce(new FrmSave(parts_.module.image, this)); });
+    file.addSeparator();
+    addEntry(file, {"mnuFileExit", "E&xit", "Saves the settings and ends."}, {Qt::CTRL | Qt::Key_Q},
+             this, &frmMain::mnuFileExit_Click);
 }
 
 void frmMain::addToolsMenu() {
-    QMenu* tools = addMenu("mnuTools", "Too&ls");
-    QAction* port =
-        addAction(*tools, "mnuCOMSelect", "&COM Port...",
-                  "Chooses the port that the tracker is connected to.", Qt::CTRL | Qt::Key_M);
-    QAction* time = addAction(*tools, "mnuTKRTimeSetAuto", "&Time Setting...",
-                              "Sets the clocks of camera and tracker.", Qt::CTRL | Qt::Key_K);
-    QAction* option = addAction(*tools, "mnuTKROption", "Tracker &Options...",
-                                "Reads and writes the tracker's site, origin and serial number.",
-                                Qt::CTRL | Qt::Key_R);
-    connect(port, &QAction::triggered, this, &frmMain::mnuCOMSelect_Click);
-    connect(time, &QAction::triggered, this, [this] { timeDialog()->openManual(); });
-    connect(option, &QAction::triggered, this, &frmMain::mnuTKROption_Click);
-    idleActions_ << port << time << option;
+    QMenu& tools = addMenu("mnuTools", "Too&ls");
+    idleActions_ << addEntry(
+        tools,
+        {"mnuCOMSelect", "&COM Port...", "Chooses the port that the tracker is connected to."},
+        {Qt::CTRL | Qt::Key_M}, this, &frmMain::mnuCOMSelect_Click);
+    idleActions_ << addEntry(
+        tools, {"mnuTKRTimeSetAuto", "&Time Setting...", "Sets the clocks of camera and tracker."},
+        {Qt::CTRL | Qt::Key_K}, this, [this] { timeDialog()->openManual(); });
+    idleActions_ << addEntry(tools,
+                             {"mnuTKROption", "Tracker &Options...",
+                              "Reads and writes the tracker's site, origin and serial number."},
+                             {Qt::CTRL | Qt::Key_R}, this, &frmMain::mnuTKROption_Click);
 }
 
 /// A tracker exchange must not be disturbed by a second one on the same port.
@@ -130,21 +102,15 @@ void frmMain::followBusy(bool idle) {
 }
 
 void frmMain::addWindowMenu() {
-    QMenu* windows = addMenu("mnuWindow", "&Window");
-    connect(addAction(*windows, "mnuWindowCascade", "&Cascade", "Lays the pictures on each other."),
-            &QAction::triggered, area_, &QMdiArea::cascadeSubWindows);
-    connect(addAction(*windows, "mnuWindowTile", "&Tile", "Lays the pictures side by side."),
-            &QAction::triggered, area_, &QMdiArea::tileSubWindows);
-    connect(addAction(*windows, "mnuWindowCloseAll", "Close &All", "Closes every picture."),
-            &QAction::triggered, area_, &QMdiArea::closeAllSubWindows);
-    windows->addSeparator();
-    connect(windows, &QMenu::aboutToShow, this, [this, windows] { listWindows(*windows); });
-}
-
-void frmMain::addHelpMenu() {
-    QMenu* help = addMenu("mnuHelp", "&Help");
-    connect(addAction(*help, "mnuHelpAbout", "&About...", "Shows the program's version."),
-            &QAction::triggered, this, &frmMain::mnuHelpAbout_Click);
+    QMenu& windows = addMenu("mnuWindow", "&Window");
+    addEntry(windows, {"mnuWindowCascade", "&Cascade", "Lays the pictures on each other."}, {},
+             area_, &QMdiArea::cascadeSubWindows);
+    addEntry(windows, {"mnuWindowTile", "&Tile", "Lays the pictures side by side."}, {}, area_,
+             &QMdiArea::tileSubWindows);
+    addEntry(windows, {"mnuWindowCloseAll", "Close &All", "Closes every picture."}, {}, area_,
+             &QMdiArea::closeAllSubWindows);
+    windows.addSeparator();
+    connect(&windows, &QMenu::aboutToShow, this, [this, &windows] { listWindows(windows); });
 }
 
 void frmMain::listWindows(QMenu& menu) {
@@ -189,7 +155,6 @@ void frmMain::mnuFileOpen_Click() {
         openFolder_.isEmpty() ? toQString(parts_.operation.panel.Dir1[0].path.get()) : openFolder_;
     auto* dialog =
         new QFileDialog(this, "Open", start, "JPEG pictures (*.jpg *.jpeg *.JPG *.JPEG)");
-    dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setFileMode(QFileDialog::ExistingFiles);
     connect(dialog, &QFileDialog::filesSelected, this, [this](const QStringList& files) {
         if (files.isEmpty()) return;
@@ -199,13 +164,7 @@ void frmMain::mnuFileOpen_Click() {
             paths.push_back(toPath(file));
         parts_.views.openImages(paths);
     });
-    dialog->open();
-}
-
-void frmMain::mnuFileSaveOptions_Click() {
-    auto* dialog = new FrmSave(parts_.module.image, this);
-    dialog->setAttribute(Qt::WA_DeleteOnClose);
-    dialog->open();
+    openOnce(dialog);
 }
 
 void frmMain::mnuFileExit_Click() {
@@ -221,10 +180,10 @@ void frmMain::mnuCOMSelect_Click() {
 }
 
 FrmTKRTimeAuto* frmMain::timeDialog() {
-    if (timeDialog_ != nullptr) return timeDialog_;
     const Tracker& tracker = parts_.tracker;
-    timeDialog_ =
-        new FrmTKRTimeAuto(tracker.timeForm, tracker.timeSetting, parts_.operation.tasks, this);
+    if (timeDialog_ == nullptr)
+        timeDialog_ =
+            new FrmTKRTimeAuto(tracker.timeForm, tracker.timeSetting, parts_.operation.tasks, this);
     return timeDialog_;
 }
 
@@ -236,9 +195,7 @@ void frmMain::mnuTKROption_Click() {
 }
 
 void frmMain::mnuHelpAbout_Click() {
-    auto* dialog = new frmAbout({parts_.systemInfo, parts_.op, parts_.operation.tasks}, this);
-    dialog->setAttribute(Qt::WA_DeleteOnClose);
-    dialog->open();
+    openOnce(new frmAbout({parts_.systemInfo, parts_.op, parts_.operation.tasks}, this));
 }
 
 void frmMain::closeEvent(QCloseEvent* event) {

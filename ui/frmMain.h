@@ -8,8 +8,6 @@
 #include <QDeadlineTimer>
 #include <QMainWindow>
 
-class QMenu;
-
 namespace orvane {
 
 class FrmComPort;
@@ -64,18 +62,14 @@ class frmMain : public QMainWindow {
   private:
     void addFileMenu();
     void addToolsMenu();
-    void addImageMenu();
     void addWindowMenu();
     void addHelpMenu();
     void followBusy(bool idle);
     void listWindows(QMenu& menu);
-    QMenu* addMenu(const char* name, const QString& caption);
-    QAction* addAction(QMenu& menu, const char* name, const QString& caption, const QString& tip,
-                       const QKeySequence& keys = {});
+    QMenu& addMenu(const char* name, const QString& caption);
 
     void MDIForm_Load();
     void mnuFileOpen_Click();
-    void mnuFileSaveOptions_Click();
     void mnuFileExit_Click();
     void mnuCOMSelect_Click();
     void mnuTKROption_Click();

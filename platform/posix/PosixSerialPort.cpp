@@ -1,7 +1,5 @@
 #include "platform/posix/PosixSerialPort.h"
 
-#include "platform/SerialPorts.h"
-
 #include <array>
 #include <cerrno>
 #include <system_error>

@@ -4,7 +4,6 @@
 #include "platform/SerialPort.h"
 
 #include <deque>
-#include <functional>
 #include <vector>
 
 #include <termios.h>

@@ -3,7 +3,6 @@
 #include "platform/qt/ExifHeader.h"
 
 #include <algorithm>
-#include <bit>
 #include <cstdlib>
 #include <utility>
 
@@ -18,9 +17,6 @@ constexpr int kScanLimit = 200;
 constexpr int kExifMarker = JPEG_APP0 + 1;
 constexpr int kIccMarker = JPEG_APP0 + 2;
 constexpr std::string_view kExifSignature("Exif\0\0", 6);
-
-constexpr J_COLOR_SPACE kRgb32 =
-    std::endian::native == std::endian::little ? JCS_EXT_BGRX : JCS_EXT_XRGB;
 
 /// The EXIF orientations that turn the picture by a quarter.
 bool isTransposed(int orientation) {

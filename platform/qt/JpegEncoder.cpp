@@ -1,7 +1,6 @@
 #include "platform/qt/JpegEncoder.h"
 
 #include <algorithm>
-#include <bit>
 #include <exception>
 #include <utility>
 
@@ -12,8 +11,6 @@ namespace orvane {
 namespace {
 
 constexpr std::size_t kFirstSize = 256 * 1024;
-constexpr J_COLOR_SPACE kRgb32 =
-    std::endian::native == std::endian::little ? JCS_EXT_BGRX : JCS_EXT_XRGB;
 
 const JOCTET* octets(const std::string& text) {
     return reinterpret_cast<const JOCTET*>(text.data());

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <bit>
 #include <csetjmp>
 #include <cstdio>
 #include <string>
@@ -20,6 +21,10 @@ struct JpegErrors : jpeg_error_mgr {
     JpegErrors(const JpegErrors&) = delete;
     JpegErrors& operator=(const JpegErrors&) = delete;
 };
+
+/// How the library calls the pixels of QImage::Format_RGB32.
+inline constexpr J_COLOR_SPACE kRgb32 =
+    std::endian::native == std::endian::little ? JCS_EXT_BGRX : JCS_EXT_XRGB;
 
 /// Rows of a picture `width` pixels wide that are worked on between two yields: half a megapixel,
 /// some 10 ms.

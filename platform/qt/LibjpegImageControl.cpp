@@ -96,8 +96,4 @@ Task<Fault> LibjpegImageControl::save(std::filesystem::path file, std::int16_t f
     co_return writeToFinalName(encoder.take(), file);
 }
 
-void LibjpegImageControl::clear() {
-    picture_ = {};
-}
-
 } // namespace orvane

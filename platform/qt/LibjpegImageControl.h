@@ -32,7 +32,7 @@ class LibjpegImageControl final : public ImageControl {
     void drawText(const std::string& text) override;
     Task<Fault> save(std::filesystem::path file, std::int16_t format, std::int16_t factor,
                      std::string stamp) override;
-    void clear() override;
+    void clear() override { picture_ = {}; }
 
     /// Loads the picture from the bytes of a JPEG file, which outlive the task. With a `bound` it
     /// decodes no more pixels than fitting the picture into it takes (see JpegDecoder).

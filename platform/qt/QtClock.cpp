@@ -36,10 +36,6 @@ void QtClock::wakeAt(Wake& wake, Ticks deadline) {
     arm();
 }
 
-void QtClock::forget(Wake& wake) noexcept {
-    queue_.remove(wake);
-}
-
 void QtClock::arm() {
     if (!queue_.empty()) timer_.start(std::max(queue_.earliest() - ticks(), Ticks(0)));
 }

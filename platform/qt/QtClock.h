@@ -10,12 +10,11 @@ namespace orvane {
 class QtClock final : public Clock {
   public:
     QtClock();
-    ~QtClock() = default;
 
     WallTime now() const override;
     Ticks ticks() const override;
     void wakeAt(Wake& wake, Ticks deadline) override;
-    void forget(Wake& wake) noexcept override;
+    void forget(Wake& wake) noexcept override { queue_.remove(wake); }
 
   private:
     void arm();

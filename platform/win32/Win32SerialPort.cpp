@@ -1,7 +1,5 @@
 #include "platform/win32/Win32SerialPort.h"
 
-#include "platform/SerialPorts.h"
-
 #include <algorithm>
 #include <array>
 

@@ -1,6 +1,5 @@
-#include "platform/win32/Win32SystemInfo.h"
-
 #include "platform/Paths.h"
+#include "platform/SystemInfo.h"
 
 #include <windows.h>
 
@@ -48,6 +47,16 @@ std::string expanded(const wchar_t* text) {
     const DWORD length = ::ExpandEnvironmentStringsW(text, result.data(), kBufferLength);
     return length == 0 || length > kBufferLength ? std::string() : toUtf8(result.data());
 }
+
+/// The registry below HKEY_LOCAL_MACHINE, and the shell that starts programs.
+class Win32SystemInfo final : public SystemInfo {
+  public:
+    /// Opens the key with full access, which Windows grants to administrators only: for other
+    /// users every value is empty.
+    std::string GetKeyValue(const std::string& key, const std::string& value) const override;
+    bool fileExists(const std::filesystem::path& file) const override;
+    bool start(const std::filesystem::path& program) override;
+};
 
 } // namespace
 

@@ -1,5 +1,5 @@
 #include "archive/DayPlan.h"
-#include "imaging/SunDay.h"
+#include "imaging/SunTimes.h"
 #include "ui/day/DayMarks.h"
 
 #include <algorithm>

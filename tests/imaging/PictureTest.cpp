@@ -1,7 +1,7 @@
 #include "platform/qt/JpegDecoder.h"
 #include "tests/support/JumpingClock.h"
 #include "tests/support/TestPictures.h"
-#include "ui/pictures/PictureAge.h"
+#include "ui/pictures/LatestWindow.h"
 #include "ui/pictures/ViewGeometry.h"
 
 #include <gtest/gtest.h>

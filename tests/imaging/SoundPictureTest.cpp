@@ -1,4 +1,4 @@
-#include "imaging/SoundPicture.h"
+#include "imaging/JpegMarkers.h"
 
 #include "platform/qt/LibjpegImageControl.h"
 #include "tests/support/TestPictures.h"

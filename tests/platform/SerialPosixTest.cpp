@@ -1,4 +1,4 @@
-#include "platform/SerialPorts.h"
+#include "platform/SerialPort.h"
 
 #include "tests/support/TempFolder.h"
 

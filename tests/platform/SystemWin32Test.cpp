@@ -1,5 +1,4 @@
-#include "platform/FileAttributes.h"
-#include "platform/KeepAwake.h"
+#include "platform/SystemCalls.h"
 #include "platform/SystemInfo.h"
 #include "platform/qt/QtSettingsStore.h"
 #include "platform/win32/Win32SerialPort.h"

@@ -1,4 +1,4 @@
-#include "platform/SerialPorts.h"
+#include "platform/SerialPort.h"
 #include "platform/qt/QtClock.h"
 #include "simulators/sun-tracker/SunTracker.h"
 #include "station/RepeatingTimer.h"

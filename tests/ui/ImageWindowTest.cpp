@@ -367,7 +367,7 @@ TEST_F(ImageWindows, LatestTellsItsAgeAndFillsTheArea) {
 }
 
 TEST_F(ImageWindows, ArrowKeysWalkTheThumbnails) {
-    ThumbnailStrip::History history;
+    ThumbnailHistory history;
     history[0] = write("20061115_100000_00.jpg", 64, 48);
     history[1] = write("20061115_093000_00.jpg", 64, 48);
     writeFile(w.dataFolder() / "20061115_090000_00.jpg", "broken");

@@ -316,7 +316,7 @@ TEST_F(Ui, ThumbnailsAreDecodedOnce) {
     LibjpegImageControl control(clock);
     PictureLoader loader(clock, control);
     ThumbnailStrip strip(loader);
-    ThumbnailStrip::History history;
+    ThumbnailHistory history;
     const auto file = [&](int hour) {
         return folder.path() / ("20061115_" + std::to_string(hour) + "3000_00.jpg");
     };

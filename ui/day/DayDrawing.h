@@ -1,6 +1,6 @@
 #pragma once
 
-#include "imaging/SunDay.h"
+#include "imaging/SunTimes.h"
 #include "ui/day/DayLayout.h"
 
 #include <QPainter>

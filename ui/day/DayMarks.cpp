@@ -4,37 +4,25 @@ namespace orvane {
 
 namespace {
 
-/// The higher, the more it deserves to be seen.
-int severity(DayState state) {
-    switch (state) {
-    case DayState::Missed:
-        return 4;
-    case DayState::Fetched:
-        return 3;
-    case DayState::ToCome:
-        return 2;
-    case DayState::Taken:
-        return 1;
-    case DayState::NotDue:
-        break;
-    }
-    return 0;
-}
+struct StateFacts {
+    const char* text;
+    int severity; ///< the higher, the more it deserves to be seen
+};
 
-const char* stateText(DayState state) {
+StateFacts factsOf(DayState state) {
     switch (state) {
     case DayState::Taken:
-        return "taken";
-    case DayState::Missed:
-        return "missed";
-    case DayState::Fetched:
-        return "fetched from the camera's store";
+        return {"taken", 1};
     case DayState::ToCome:
-        return "to come";
+        return {"to come", 2};
+    case DayState::Fetched:
+        return {"fetched from the camera's store", 3};
+    case DayState::Missed:
+        return {"missed", 4};
     case DayState::NotDue:
         break;
     }
-    return "not due";
+    return {"not due", 0};
 }
 
 } // namespace
@@ -50,7 +38,7 @@ std::vector<DayMark> dayMarks(const DayPlan& plan, int columnMinutes) {
         mark.last = minute;
         mark.isDue = mark.isDue || plan.isDue[static_cast<std::size_t>(minute)];
         ++mark.counts[static_cast<std::size_t>(state)];
-        if (severity(state) > severity(mark.state)) mark.state = state;
+        if (factsOf(state).severity > factsOf(mark.state).severity) mark.state = state;
     }
     return marks;
 }
@@ -63,7 +51,7 @@ int columnMinutes(double pixelsPerMinute, double pixels) {
 
 std::string markText(const DayMark& mark) {
     if (mark.first == mark.last)
-        return minuteText(mark.first) + " - " + stateText(mark.state) +
+        return minuteText(mark.first) + " - " + factsOf(mark.state).text +
                (mark.isDue ? "" : ", not on the schedule");
     std::string text = minuteText(mark.first) + " to " + minuteText(mark.last) + " -";
     const char* separator = " ";
@@ -71,7 +59,7 @@ std::string markText(const DayMark& mark) {
          {DayState::Taken, DayState::Fetched, DayState::Missed, DayState::ToCome}) {
         const int count = mark.counts[static_cast<std::size_t>(state)];
         if (count == 0) continue;
-        text += separator + std::to_string(count) + " " + stateText(state);
+        text += separator + std::to_string(count) + " " + factsOf(state).text;
         separator = ", ";
     }
     return text;

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "archive/DayWatch.h"
-#include "imaging/SunDay.h"
+#include "imaging/SunTimes.h"
 #include "station/RepeatingTimer.h"
 #include "ui/day/DayDrawing.h"
 

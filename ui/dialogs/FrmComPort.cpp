@@ -1,9 +1,8 @@
 #include "ui/dialogs/FrmComPort.h"
 
+#include "ui/Layout.h"
 #include "ui/panel/PanelControls.h"
 
-#include <QGroupBox>
-#include <QHBoxLayout>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QShowEvent>
@@ -12,43 +11,21 @@ namespace orvane {
 
 FrmComPort::FrmComPort(PortSelection& ports, TaskGroup& tasks, QWidget* parent)
     : QDialog(parent), ports_(ports), tasks_(tasks) {
-    setObjectName("FrmComPort");
-    setWindowTitle("COM Port");
-    auto* layout = new QVBoxLayout(this);
-    layout->setContentsMargins(14, 14, 14, 12);
-    layout->setSpacing(12);
-    layout->addWidget(portGroup());
-    layout->addLayout(buttons());
-    layout->setSizeConstraint(QLayout::SetFixedSize);
-}
-
-QGroupBox* FrmComPort::portGroup() {
-    auto* group = new QGroupBox("Port of the sun tracker");
-    auto* column = new QVBoxLayout(group);
-    column->setContentsMargins(12, 8, 12, 10);
-    column->setSpacing(6);
-    for (int index = 0; index < static_cast<int>(Option1_.size()); ++index) {
-        auto* option = control<QRadioButton>(
+    QVBoxLayout* options = column({});
+    for (std::size_t index = 0; index < Option1_.size(); ++index) {
+        Option1_[index] = control<QRadioButton>(
             QString("Option1_%1").arg(index), QString("COM&%1").arg(index + 1),
             QString("The tracker is connected to COM%1.").arg(index + 1));
-        Option1_[static_cast<std::size_t>(index)] = option;
-        column->addWidget(option);
+        options->addWidget(Option1_[index]);
     }
-    return group;
-}
-
-QLayout* FrmComPort::buttons() {
     Command1_ =
         control<QPushButton>("Command1", "OK", "Tries the port, and keeps it if it can be opened.");
     Command1_->setDefault(true);
     connect(Command1_, &QPushButton::clicked, this, &FrmComPort::Command1_Click);
     auto* cancel = control<QPushButton>("Command2", "Cancel", "Leaves the port as it is.");
     connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
-    auto* row = new QHBoxLayout;
-    row->addStretch();
-    row->addWidget(Command1_);
-    row->addWidget(cancel);
-    return row;
+    setUp(*this, "FrmComPort", "COM Port",
+          {dialogGroup("Port of the sun tracker", options), buttonRow({Command1_, cancel})});
 }
 
 void FrmComPort::setPortFree(bool free) {

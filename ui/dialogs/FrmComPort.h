@@ -8,7 +8,6 @@
 
 #include <array>
 
-class QGroupBox;
 class QPushButton;
 class QRadioButton;
 
@@ -28,9 +27,6 @@ class FrmComPort : public QDialog {
     void showEvent(QShowEvent* event) override;
 
   private:
-    QGroupBox* portGroup();
-    QLayout* buttons();
-
     void Form_Activate();
     void Command1_Click();
     static Task<> confirm(QPointer<FrmComPort> form, std::optional<int> index);

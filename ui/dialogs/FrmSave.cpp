@@ -2,56 +2,24 @@
 
 #include "platform/Conversions.h"
 #include "platform/ImageControl.h"
+#include "ui/Layout.h"
 #include "ui/panel/PanelControls.h"
 
 #include <QCheckBox>
-#include <QGroupBox>
-#include <QLabel>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QRadioButton>
-#include <QVBoxLayout>
 
 namespace orvane {
-namespace {
-
-QGroupBox* group(const QString& title, std::initializer_list<QWidget*> widgets) {
-    auto* box = new QGroupBox(title);
-    auto* column = new QVBoxLayout(box);
-    column->setContentsMargins(12, 8, 12, 8);
-    column->setSpacing(6);
-    for (QWidget* widget : widgets)
-        column->addWidget(widget);
-    column->addStretch();
-    return box;
-}
-
-} // namespace
 
 FrmSave::FrmSave(ImageOptions& options, QWidget* parent) : QDialog(parent), options_(options) {
-    setObjectName("FrmSave");
-    setWindowTitle("Save Options");
     // The captions' font, and what shows them where it is not installed.
     setFont(japaneseFont(font()));
-
-    auto* left = new QVBoxLayout;
-    left->addWidget(rawGroup());
-    left->addWidget(formatGroup());
-    auto* right = new QVBoxLayout;
-    right->addWidget(qualityGroup(), 1);
-    right->addWidget(dateGroup());
-    auto* groups = new QHBoxLayout;
-    groups->setSpacing(12);
-    groups->addLayout(left, 1);
-    groups->addLayout(right, 1);
-    auto* layout = new QVBoxLayout(this);
-    layout->setContentsMargins(14, 14, 14, 12);
-    layout->setSpacing(12);
-    layout->addLayout(groups);
-    layout->addLayout(delayRow());
-    layout->addLayout(buttons());
-    layout->setSizeConstraint(QLayout::SetFixedSize);
+    QVBoxLayout* left = column({rawGroup(), formatGroup()});
+    QVBoxLayout* right = column({{qualityGroup(), 1}, dateGroup()});
+    setUp(*this, "FrmSave", "Save Options",
+          {row({{left, 1}, {right, 1}}, 12), delayRow(), buttons()});
     Form_Load();
 }
 
@@ -59,27 +27,27 @@ QGroupBox* FrmSave::rawGroup() {
     chk_save_ = control<QCheckBox>("chk_save", "保存", "Keeps the untouched picture as well.");
     chk_lr_ = control<QCheckBox>("chk_lr", "左右反転処理", "Mirrors pictures left to right.");
     connect(chk_lr_, &QCheckBox::clicked, this, &FrmSave::chk_lr_Click);
-    return group("画像生データ", {chk_save_, chk_lr_});
+    return dialogGroup("画像生データ", column({chk_save_, chk_lr_, Item()}));
 }
 
 QGroupBox* FrmSave::dateGroup() {
     chk_date_ = control<QCheckBox>("chk_date", "日付付加",
                                    "Writes date and time into pictures that are mirrored.");
-    return group({}, {chk_date_});
+    return dialogGroup({}, column({chk_date_, Item()}));
 }
 
 QGroupBox* FrmSave::formatGroup() {
     opt_type_[0] = control<QRadioButton>("opt_type_0", "Jpeg(EXIF)", "JPEG with an EXIF header.");
     opt_type_[1] =
         control<QRadioButton>("opt_type_1", "Jpeg(4.4.4)", "JPEG with colours in full resolution.");
-    return group("保存形式", {opt_type_[0], opt_type_[1]});
+    return dialogGroup("保存形式", column({opt_type_[0], opt_type_[1], Item()}));
 }
 
 QGroupBox* FrmSave::qualityGroup() {
     Option1_ = quality("Option1", "最高品質[低圧縮率:2]", 2);
     Option2_ = quality("Option2", "高品質[中圧縮率:24]", 24);
     Option3_ = quality("Option3", "低品質[高圧縮率:56]", 56);
-    return group("画質品質", {Option1_, Option2_, Option3_});
+    return dialogGroup("画質品質", column({Option1_, Option2_, Option3_, Item()}));
 }
 
 QRadioButton* FrmSave::quality(const char* name, const QString& caption, std::int16_t factor) {
@@ -97,12 +65,7 @@ QLayout* FrmSave::delayRow() {
     txt_delay_->setAlignment(Qt::AlignRight);
     txt_delay_->setFixedWidth(txt_delay_->fontMetrics().horizontalAdvance("0000000") + 12);
     label->setBuddy(txt_delay_);
-    auto* row = new QHBoxLayout;
-    row->setSpacing(10);
-    row->addWidget(label);
-    row->addWidget(txt_delay_);
-    row->addStretch();
-    return row;
+    return row({label, txt_delay_, Item()}, 10);
 }
 
 QLayout* FrmSave::buttons() {
@@ -112,11 +75,7 @@ QLayout* FrmSave::buttons() {
     auto* cancel = control<QPushButton>("Command2", "Cancel",
                                         "Leaves the options as they are, except the quality.");
     connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
-    auto* row = new QHBoxLayout;
-    row->addStretch();
-    row->addWidget(ok);
-    row->addWidget(cancel);
-    return row;
+    return buttonRow({ok, cancel});
 }
 
 void FrmSave::Form_Load() {
@@ -148,12 +107,11 @@ void FrmSave::Command1_Click() {
                                     "The delay is not a usable number. Please enter whole seconds, "
                                     "5 or more and at most 32767.",
                                     QMessageBox::Ok, this);
-        box->setAttribute(Qt::WA_DeleteOnClose);
         connect(box, &QMessageBox::finished, this, [this] {
             txt_delay_->setFocus();
             txt_delay_->selectAll();
         });
-        return box->open();
+        return openOnce(box);
     }
     options_.DateFlg = asFlag(chk_date_->isChecked());
     options_.LrFlg = asFlag(chk_lr_->isChecked());

@@ -1,5 +1,6 @@
 #include "ui/dialogs/FrmTKRTimeAuto.h"
 
+#include "ui/Layout.h"
 #include "ui/panel/ElidedLabel.h"
 
 #include <QGridLayout>
@@ -16,14 +17,7 @@ constexpr const char* kLongestQuery = "?i_year=2000&i_mon=00&i_day=00&i_hour=00&
 FrmTKRTimeAuto::FrmTKRTimeAuto(TimeSettingForm& form, TimeSetting& timeSetting, TaskGroup& tasks,
                                QWidget* parent)
     : QDialog(parent), form_(form), timeSetting_(timeSetting), tasks_(tasks), controls_(*this) {
-    setObjectName("FrmTKRTimeAuto");
-    setWindowTitle("Time Setting");
-    auto* layout = new QVBoxLayout(this);
-    layout->setContentsMargins(16, 16, 16, 12);
-    layout->setSpacing(12);
-    layout->addLayout(outcomes());
-    layout->addLayout(buttons());
-    layout->setSizeConstraint(QLayout::SetFixedSize);
+    setUp(*this, "FrmTKRTimeAuto", "Time Setting", {outcomes(), buttons()});
 }
 
 QGridLayout* FrmTKRTimeAuto::outcomes() {
@@ -37,9 +31,7 @@ QGridLayout* FrmTKRTimeAuto::outcomes() {
         form_.txtSystemQuery, {});
     query->setReadOnly(true);
     query->setMinimumWidth(query->fontMetrics().horizontalAdvance(kLongestQuery) + 20);
-    auto* queryLabel = new QLabel("&Query");
-    queryLabel->setBuddy(query);
-    grid->addWidget(queryLabel, 1, 0);
+    grid->addWidget(captionOf(query, "&Query"), 1, 0);
     grid->addWidget(query, 1, 1);
     addOutcome(*grid, 2, "Tracker", 1,
                {"Label2_1", "Tracker's outcome", "How setting the tracker's clock ended."});
@@ -77,15 +69,7 @@ QLayout* FrmTKRTimeAuto::buttons() {
         next->setFocus();
     });
 
-    auto* column = new QVBoxLayout;
-    column->setSpacing(12);
-    column->addWidget(bar);
-    auto* row = new QHBoxLayout;
-    row->addWidget(set);
-    row->addStretch();
-    row->addWidget(close);
-    column->addLayout(row);
-    return column;
+    return column({bar, row({set, Item(), close})}, 12);
 }
 
 void FrmTKRTimeAuto::applyColours() {

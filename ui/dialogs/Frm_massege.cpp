@@ -1,23 +1,16 @@
 #include "ui/dialogs/Frm_massege.h"
 
+#include "ui/Layout.h"
 #include "ui/Text.h"
 #include "ui/panel/PanelControls.h"
 
-#include <QGridLayout>
-#include <QLabel>
 #include <QPushButton>
-#include <QStyle>
 
 namespace orvane {
 
 Frm_massege::Frm_massege(Warnings& warnings, QWidget* parent)
     : QDialog(parent), text_(new QLabel("Warning", this)) {
-    setObjectName("Frm_massege");
-    setWindowTitle("Warning");
     setAttribute(Qt::WA_ShowWithoutActivating);
-    auto* icon = new QLabel(this);
-    const int size = style()->pixelMetric(QStyle::PM_MessageBoxIconSize);
-    icon->setPixmap(style()->standardIcon(QStyle::SP_MessageBoxWarning).pixmap(size));
     text_->setObjectName("Label1");
     text_->setTextFormat(Qt::PlainText);
     text_->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
@@ -28,15 +21,8 @@ Frm_massege::Frm_massege(Warnings& warnings, QWidget* parent)
     close->setDefault(true);
     close->setFocus();
     connect(close, &QPushButton::clicked, this, &QDialog::hide);
-
-    auto* grid = new QGridLayout(this);
-    grid->setContentsMargins(20, 20, 20, 16);
-    grid->setHorizontalSpacing(16);
-    grid->setVerticalSpacing(16);
-    grid->addWidget(icon, 0, 0, Qt::AlignTop);
-    grid->addWidget(text_, 0, 1);
-    grid->addWidget(close, 1, 0, 1, 2, Qt::AlignRight);
-    grid->setSizeConstraint(QLayout::SetFixedSize);
+    setUp(*this, "Frm_massege", "Warning",
+          {row({{warningSign(), 0, Qt::AlignTop}, {text_, 1}}, 16), buttonRow({close})});
     bindings_.follow(warnings.text, [this](const std::string& text) { follow(text); });
 }
 

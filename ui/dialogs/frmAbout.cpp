@@ -1,13 +1,12 @@
 #include "ui/dialogs/frmAbout.h"
 
 #include "core/SystemInformation.h"
+#include "ui/Layout.h"
 #include "ui/panel/PanelControls.h"
 
 #include <QApplication>
 #include <QFrame>
-#include <QHBoxLayout>
 #include <QIcon>
-#include <QLabel>
 #include <QPushButton>
 #include <QVersionNumber>
 
@@ -52,8 +51,6 @@ QLabel* icon(const QWidget& dialog) {
 } // namespace
 
 frmAbout::frmAbout(Parts parts, QWidget* parent) : QDialog(parent), parts_(parts) {
-    setObjectName("frmAbout");
-    setWindowTitle("About Orvane");
     auto* ok = control<QPushButton>("cmdOK", "OK", "Closes this window.");
     auto* system =
         control<QPushButton>("cmdSysInfo", "System(&S)", "Starts the system's information tool.");
@@ -64,29 +61,11 @@ frmAbout::frmAbout(Parts parts, QWidget* parent) : QDialog(parent), parts_(parts
 
     auto* title = heading("lblTitle", "Application", 1.8);
     title->setMinimumWidth(fontMetrics().averageCharWidth() * 44);
-    auto* texts = new QVBoxLayout;
-    texts->setSpacing(4);
-    texts->addWidget(title);
-    texts->addWidget(heading("lblVersion", "Version", 1.0));
-    texts->addWidget(label("lblDescription"));
-    auto* top = new QHBoxLayout;
-    top->setSpacing(16);
-    top->addWidget(icon(*this), 0, Qt::AlignTop);
-    top->addLayout(texts, 1);
-    auto* buttons = new QHBoxLayout;
-    buttons->setSpacing(8);
-    buttons->addStretch();
-    buttons->addWidget(ok);
-    buttons->addWidget(system);
-    auto* rows = new QVBoxLayout(this);
-    rows->setContentsMargins(20, 20, 20, 16);
-    rows->setSpacing(12);
-    rows->addLayout(top);
-    rows->addWidget(line("Line1_0"));
-    rows->addWidget(label("lblDisclaimer"));
-    rows->addWidget(line("Line1_1"));
-    rows->addLayout(buttons);
-    rows->setSizeConstraint(QLayout::SetFixedSize);
+    QVBoxLayout* texts =
+        column({title, heading("lblVersion", "Version", 1.0), label("lblDescription")}, 4);
+    setUp(*this, "frmAbout", "About Orvane",
+          {row({{icon(*this), 0, Qt::AlignTop}, {texts, 1}}, 16), line("Line1_0"),
+           label("lblDisclaimer"), line("Line1_1"), buttonRow({ok, system})});
     Form_Load();
 }
 

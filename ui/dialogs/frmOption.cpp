@@ -1,9 +1,9 @@
 #include "ui/dialogs/frmOption.h"
 
+#include "ui/Layout.h"
 #include "ui/Text.h"
 
 #include <QFormLayout>
-#include <QLabel>
 #include <QLineEdit>
 #include <QProgressBar>
 #include <QPushButton>
@@ -17,27 +17,16 @@ constexpr int kSerialLength = 32;
 
 frmOption::frmOption(OptionForm& form, TrackerOptions& options, TaskGroup& tasks, QWidget* parent)
     : QDialog(parent), form_(form), options_(options), tasks_(tasks), controls_(*this) {
-    setObjectName("frmOption");
-    setWindowTitle("Tracker Options");
     fields_ = fields();
     buttons_ = buttons();
     bar_ = controls_.busyBar({"busy", "Exchange with the tracker", "The tracker is being asked."});
-    auto* layout = new QVBoxLayout(this);
-    layout->setContentsMargins(16, 16, 16, 12);
-    layout->setSpacing(12);
-    layout->addWidget(fields_);
-    layout->addWidget(bar_);
-    layout->addWidget(status());
-    layout->addWidget(buttons_);
-    layout->setSizeConstraint(QLayout::SetFixedSize);
+    setUp(*this, "frmOption", "Tracker Options", {fields_, bar_, status(), buttons_});
     focus_ = findChild<QWidget*>("txt_sn");
     controls_.bindings().follow(form.working, [this](bool working) { followWorking(working); });
 }
 
 QWidget* frmOption::fields() {
-    auto* place = new QWidget(this);
-    auto* layout = new QFormLayout(place);
-    layout->setContentsMargins(0, 0, 0, 0);
+    auto* layout = new QFormLayout;
     layout->setHorizontalSpacing(12);
     layout->setFieldGrowthPolicy(QFormLayout::ExpandingFieldsGrow);
     addField(*layout,
@@ -57,7 +46,7 @@ QWidget* frmOption::fields() {
              {"txt_org", "O&rigin [\u00b0]",
               "Degrees, from 0 to below 360. Not written when it is empty or outside."},
              form_.txt_org);
-    return place;
+    return inWidget(layout);
 }
 
 QLineEdit* frmOption::addField(QFormLayout& layout, const Face& face, TextBox& model) {
@@ -75,13 +64,7 @@ QWidget* frmOption::buttons() {
     auto* close = control<QPushButton>("Command2", "&Close", "Closes this window without writing.");
     close->setAutoDefault(false);
     connect(close, &QPushButton::clicked, this, &QDialog::reject);
-    auto* place = new QWidget(this);
-    auto* row = new QHBoxLayout(place);
-    row->setContentsMargins(0, 0, 0, 0);
-    row->addStretch();
-    row->addWidget(send);
-    row->addWidget(close);
-    return place;
+    return inWidget(buttonRow({send, close}));
 }
 
 /// Several lines: it may list every exchange that failed.

@@ -1,6 +1,6 @@
-#include "ui/panel/CameraGroup.h"
-
-#include "ui/panel/PanelLayout.h"
+#include "camera/CameraPanel.h"
+#include "ui/Layout.h"
+#include "ui/panel/PanelGroups.h"
 
 #include <QCheckBox>
 #include <QLineEdit>
@@ -17,35 +17,27 @@ QGroupBox* cameraGroup(PanelControls& controls, OperationPanel& panel, CameraPan
         {"txtPort", "Camera port", "The port of the camera's web server, usually 80."},
         panel.txtPort, {});
     port->setFixedWidth(port->fontMetrics().horizontalAdvance("000000") + 12);
-    auto* addressLabel = new QLabel("&Address");
-    addressLabel->setBuddy(address);
-    auto* portLabel = new QLabel("Po&rt");
-    portLabel->setBuddy(port);
-    auto* addressRow = new QHBoxLayout;
-    addressRow->addWidget(addressLabel);
-    addressRow->addWidget(address, 1);
-    addressRow->addWidget(portLabel);
-    addressRow->addWidget(port);
-
-    auto* column = new QVBoxLayout;
-    column->addLayout(addressRow);
-    column->addLayout(sideBySide(
-        controls.button({"Command5", "Camera recording o&n", "Has the camera record by itself."},
-                        panel.Command5, [&camera] { camera.Command5_Click(); }),
-        controls.button({"Command7", "Camera recording &off", "Ends the camera's own recording."},
-                        panel.Command7, [&camera] { camera.Command7_Click(); })));
-    column->addLayout(sideBySide(
-        controls.button({"Command8", "T&est fetch",
-                         "Fetches the camera's picture once, to see whether it answers."},
-                        panel.Command8,
-                        [&camera, &tasks, pictureWanted] {
-                            pictureWanted();
-                            tasks.spawn(camera.Command8_Click());
-                        }),
-        controls.checkBox({"chkLive", "Live &view",
-                           "Shows the camera's picture every 5 seconds without keeping it."},
-                          panel.chkLive, pictureWanted)));
-    return panelGroup("Camera", column);
+    const auto fetch = [&camera, &tasks, pictureWanted] {
+        pictureWanted();
+        tasks.spawn(camera.Command8_Click());
+    };
+    return panelGroup(
+        "Camera",
+        column({row({captionOf(address, "&Address"), {address, 1}, captionOf(port, "Po&rt"), port}),
+                sideBySide(controls.button({"Command5", "Camera recording o&n",
+                                            "Has the camera record by itself."},
+                                           panel.Command5, [&camera] { camera.Command5_Click(); }),
+                           controls.button({"Command7", "Camera recording &off",
+                                            "Ends the camera's own recording."},
+                                           panel.Command7, [&camera] { camera.Command7_Click(); })),
+                sideBySide(controls.button({"Command8", "T&est fetch",
+                                            "Fetches the camera's picture once, to see whether it "
+                                            "answers."},
+                                           panel.Command8, fetch),
+                           controls.checkBox({"chkLive", "Live &view",
+                                              "Shows the camera's picture every 5 seconds without "
+                                              "keeping it."},
+                                             panel.chkLive, pictureWanted))}));
 }
 
 } // namespace orvane

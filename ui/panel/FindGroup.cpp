@@ -1,37 +1,14 @@
-#include "ui/panel/FindGroup.h"
-
+#include "ui/Layout.h"
 #include "ui/Text.h"
 #include "ui/panel/ElidedLabel.h"
-#include "ui/panel/FolderView.h"
-#include "ui/panel/PanelLayout.h"
+#include "ui/panel/PanelGroups.h"
 
-#include <QDir>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QPushButton>
 
 namespace orvane {
 namespace {
-
-/// The folder's path and its sub-folders, to walk through.
-void addFolder(QVBoxLayout& column, PanelControls& controls, OperationPanel& panel) {
-    auto* path = new ElidedLabel(nullptr, Qt::ElideMiddle);
-    path->setObjectName("Dir1_1_path");
-    path->setAccessibleName("Folder to look through");
-    auto* folders = new FolderView;
-    folders->setObjectName("Dir1_1");
-    folders->setAccessibleName("Sub-folders of the folder to look through");
-    folders->setToolTip("The sub-folders of the folder that is looked through. Double-click one, "
-                        "or press Enter, to look through it.");
-    controls.bindings().follow(panel.Dir1[1].path, [=](const std::filesystem::path& folder) {
-        path->setText(QDir::toNativeSeparators(toQString(folder)));
-        folders->setPath(folder);
-    });
-    QObject::connect(
-        folders, &FolderView::entered, folders,
-        [&panel](const std::filesystem::path& folder) { panel.Dir1[1].path = folder; });
-    column.addWidget(path);
-    column.addWidget(folders, 1);
-}
 
 QListWidget* foundList(PanelControls& controls, OperationPanel& panel,
                        std::function<void(const std::filesystem::path&)> open) {
@@ -70,17 +47,17 @@ QGroupBox* findGroup(PanelControls& controls, OperationPanel& panel, FolderScan&
         {"cmd_find", "Fin&d", "Looks through the folder; at most 24 files are listed."},
         panel.cmd_find, [&scan] { scan.cmd_find_Click(); });
     QObject::connect(text, &QLineEdit::returnPressed, button, &QPushButton::click);
-    auto* row = new QHBoxLayout;
-    row->addWidget(text, 1);
-    row->addWidget(button);
-
-    auto* column = new QVBoxLayout;
-    addFolder(*column, controls, panel);
-    column->addLayout(row);
-    column->addWidget(foundList(controls, panel, std::move(open)), 2);
-    column->addWidget(
+    QVBoxLayout* rows = controls.folder(
+        {"Dir1_1", "Folder to look through",
+         "The sub-folders of the folder that is looked through. Double-click one, or press Enter, "
+         "to look through it."},
+        "Files are looked for in %1", panel.Dir1[1],
+        [&panel](const std::filesystem::path& path) { panel.Dir1[1].path = path; });
+    rows->addLayout(row({{text, 1}, button}));
+    rows->addWidget(foundList(controls, panel, std::move(open)), 2);
+    rows->addWidget(
         controls.label({"lbl_found", "Result", "How many files were found."}, panel.lbl_found));
-    return panelGroup("Find files in a folder", column);
+    return panelGroup("Find files in a folder", rows);
 }
 
 } // namespace orvane

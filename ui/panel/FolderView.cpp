@@ -2,7 +2,7 @@
 
 #include "ui/Text.h"
 
-#include <QKeyEvent>
+#include <QFocusEvent>
 #include <QStyle>
 
 #include <algorithm>
@@ -53,8 +53,10 @@ FolderView::FolderView(QWidget* parent) : QListWidget(parent) {
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
     const int icon = style()->pixelMetric(QStyle::PM_SmallIconSize);
     setIconSize({icon, icon});
-    connect(this, &QListWidget::itemDoubleClicked, this,
-            [this](QListWidgetItem* item) { enter(row(item)); });
+    connect(this, &QListWidget::itemActivated, this, [this](const QListWidgetItem* item) {
+        const auto folder = item->data(Qt::UserRole).value<fs::path>();
+        if (!folder.empty()) emit entered(folder);
+    });
 }
 
 void FolderView::setPath(const fs::path& path) {
@@ -65,39 +67,25 @@ void FolderView::setPath(const fs::path& path) {
 
 void FolderView::list() {
     clear();
-    targets_.clear();
     const fs::path parent = parentOf(path_);
-    if (!parent.empty() && parent != path_) {
-        addItem(new QListWidgetItem(style()->standardIcon(QStyle::SP_FileDialogToParent), ".."));
-        targets_.push_back(parent);
-    }
+    if (!parent.empty() && parent != path_)
+        add("..", style()->standardIcon(QStyle::SP_FileDialogToParent), parent);
     const std::optional<Listing> listing = subFolders(path_);
     if (!listing) return addNote("(folder not available)");
     const QIcon icon = style()->standardIcon(QStyle::SP_DirIcon);
-    for (const fs::path& folder : listing->folders) {
-        addItem(new QListWidgetItem(icon, toQString(folder.filename())));
-        targets_.push_back(folder);
-    }
+    for (const fs::path& folder : listing->folders)
+        add(toQString(folder.filename()), icon, folder);
     if (!listing->complete) addNote("(more folders are not shown)");
+}
+
+void FolderView::add(const QString& name, const QIcon& icon, const fs::path& folder) {
+    auto* item = new QListWidgetItem(icon, name, this);
+    item->setData(Qt::UserRole, QVariant::fromValue(folder));
 }
 
 void FolderView::addNote(const QString& note) {
     auto* item = new QListWidgetItem(note, this);
     item->setFlags(Qt::NoItemFlags);
-    targets_.emplace_back();
-}
-
-void FolderView::enter(int row) {
-    const auto index = static_cast<std::size_t>(row);
-    if (row < 0 || index >= targets_.size() || targets_[index].empty()) return;
-    const fs::path target = targets_[index]; // the rows go while the new folder is listed
-    emit entered(target);
-}
-
-void FolderView::keyPressEvent(QKeyEvent* event) {
-    if (event->key() != Qt::Key_Return && event->key() != Qt::Key_Enter)
-        return QListWidget::keyPressEvent(event);
-    enter(currentRow());
 }
 
 void FolderView::focusInEvent(QFocusEvent* event) {
@@ -114,10 +102,6 @@ void FolderView::focusInEvent(QFocusEvent* event) {
 void FolderView::changeEvent(QEvent* event) {
     QListWidget::changeEvent(event);
     if (event->type() == QEvent::EnabledChange && isEnabled() && !path_.empty()) list();
-}
-
-QSize FolderView::sizeHint() const {
-    return minimumSizeHint();
 }
 
 QSize FolderView::minimumSizeHint() const {

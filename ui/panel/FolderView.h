@@ -3,7 +3,6 @@
 #include <QListWidget>
 
 #include <filesystem>
-#include <vector>
 
 namespace orvane {
 
@@ -21,7 +20,7 @@ class FolderView : public QListWidget {
     /// Lists `path`. Tells nobody.
     void setPath(const std::filesystem::path& path);
 
-    QSize sizeHint() const override;
+    QSize sizeHint() const override { return minimumSizeHint(); }
     QSize minimumSizeHint() const override;
 
   signals:
@@ -29,17 +28,15 @@ class FolderView : public QListWidget {
     void entered(const std::filesystem::path& path);
 
   protected:
-    void keyPressEvent(QKeyEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
     void changeEvent(QEvent* event) override;
 
   private:
     void list();
+    void add(const QString& name, const QIcon& icon, const std::filesystem::path& folder);
     void addNote(const QString& note);
-    void enter(int row);
 
     std::filesystem::path path_;
-    std::vector<std::filesystem::path> targets_; ///< the folder behind each row; empty for a note
 };
 
 } // namespace orvane

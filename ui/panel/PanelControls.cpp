@@ -1,10 +1,13 @@
 #include "ui/panel/PanelControls.h"
 
+#include "ui/Layout.h"
 #include "ui/Text.h"
 #include "ui/panel/ElidedLabel.h"
+#include "ui/panel/FolderView.h"
 #include "ui/panel/UpDown.h"
 
 #include <QCheckBox>
+#include <QDir>
 #include <QFocusEvent>
 #include <QLineEdit>
 #include <QProgressBar>
@@ -137,6 +140,23 @@ QProgressBar* PanelControls::busyBar(const Face& face) {
     policy.setRetainSizeWhenHidden(true);
     bar->setSizePolicy(policy);
     return bar;
+}
+
+QVBoxLayout* PanelControls::folder(const Face& face, const QString& tip, FolderList& model,
+                                   std::function<void(const std::filesystem::path&)> entered) {
+    auto* path = new ElidedLabel(&owner_, Qt::ElideMiddle);
+    path->setObjectName(face.name + "_path");
+    path->setAccessibleName(face.caption);
+    auto* folders = new FolderView(&owner_);
+    present(*folders, {face.name, "Sub-folders of the " + face.caption.toLower(), face.tip});
+    followEnabled(*folders, model.enabled);
+    bindings_.follow(model.path, [=](const std::filesystem::path& folder) {
+        path->setText(QDir::toNativeSeparators(toQString(folder)));
+        path->setToolTip(tip.arg(path->text()));
+        folders->setPath(folder);
+    });
+    QObject::connect(folders, &FolderView::entered, folders, std::move(entered));
+    return column({path, {folders, 1}}, 4);
 }
 
 } // namespace orvane

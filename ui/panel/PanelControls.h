@@ -4,6 +4,8 @@
 #include "ui/panel/Bindings.h"
 
 #include <QFont>
+#include <QKeySequence>
+#include <QMenu>
 #include <QPalette>
 #include <QString>
 
@@ -13,6 +15,7 @@ class QCheckBox;
 class QLineEdit;
 class QProgressBar;
 class QPushButton;
+class QVBoxLayout;
 class QWidget;
 
 namespace orvane {
@@ -45,6 +48,17 @@ Control* control(const QString& name, const QString& caption, const QString& tip
     return made;
 }
 
+/// An entry of a menu, which calls `command` of `receiver`.
+template <class Receiver, class Command>
+QAction* addEntry(QMenu& menu, const Face& face, const QList<QKeySequence>& keys,
+                  Receiver* receiver, Command command) {
+    QAction* action = menu.addAction(face.caption, receiver, command);
+    action->setObjectName(face.name);
+    action->setToolTip(face.tip);
+    action->setShortcuts(keys);
+    return action;
+}
+
 /// Makes the panel's widgets. Each follows the value of the same name; what the operator does goes
 /// into the value first and then to the handler.
 class PanelControls {
@@ -64,6 +78,10 @@ class PanelControls {
     QProgressBar* progressBar(const Face& face, ProgressBar& model);
     /// A bar that tells that something is going on. Its place stays free while it is hidden.
     QProgressBar* busyBar(const Face& face);
+    /// A folder's path above its sub-folders; `tip` is the path's own, with %1 for it. `entered` is
+    /// called with the folder that the operator went into.
+    QVBoxLayout* folder(const Face& face, const QString& tip, FolderList& model,
+                        std::function<void(const std::filesystem::path&)> entered);
     /// Has `widget` enabled as `enabled` says.
     void followEnabled(QWidget& widget, Value<bool>& enabled);
     Bindings& bindings() { return bindings_; }

@@ -1,7 +1,6 @@
-#include "ui/panel/StatusGroup.h"
-
+#include "ui/Layout.h"
 #include "ui/panel/ElidedLabel.h"
-#include "ui/panel/PanelLayout.h"
+#include "ui/panel/PanelGroups.h"
 
 namespace orvane {
 

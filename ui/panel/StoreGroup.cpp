@@ -1,7 +1,6 @@
-#include "ui/panel/StoreGroup.h"
-
+#include "ui/Layout.h"
 #include "ui/panel/ElidedLabel.h"
-#include "ui/panel/PanelLayout.h"
+#include "ui/panel/PanelGroups.h"
 
 #include <QCheckBox>
 #include <QProgressBar>
@@ -11,12 +10,6 @@ namespace orvane {
 namespace {
 
 QLayout* countRow(PanelControls& controls, OperationPanel& panel) {
-    auto* row = new QHBoxLayout;
-    row->addWidget(unitLabel("Downloaded"));
-    row->addWidget(controls.label(
-        {"lbl_dlcnt", "Downloaded files", "Files that the present or last run has downloaded."},
-        panel.lbl_dlcnt));
-    row->addWidget(unitLabel("Span"));
     ElidedLabel* span = controls.label(
         {"lbl_sync", "Synchronisation span",
          "How far back a synchronisation reaches: the minutes since the last run, at least 30."},
@@ -24,9 +17,10 @@ QLayout* countRow(PanelControls& controls, OperationPanel& panel) {
     span->setShortest("00000");
     span->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     span->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
-    row->addWidget(span);
-    row->addWidget(unitLabel("min"));
-    return row;
+    ElidedLabel* count = controls.label(
+        {"lbl_dlcnt", "Downloaded files", "Files that the present or last run has downloaded."},
+        panel.lbl_dlcnt);
+    return row({unitLabel("Downloaded"), count, unitLabel("Span"), span, unitLabel("min")});
 }
 
 } // namespace
@@ -42,25 +36,23 @@ QGroupBox* storeGroup(PanelControls& controls, OperationPanel& panel, ImageStore
             if (stop->isEnabled()) stop->setFocus(); // the pressed button is disabled now
         });
     };
-    auto* column = new QVBoxLayout;
-    column->addLayout(sideBySide(
+    QHBoxLayout* starts = sideBySide(
         startButton({"Command4", "Sear&ch and Download",
                      "Searches the camera's own pictures, from as many minutes ago as the "
                      "recording interval has, and downloads what it finds into today's folder."},
                     panel.Command4, &ImageStore::Test_DL),
         startButton({"cmd_Download", "S&ynchronise",
                      "Downloads the pictures that the camera lists by itself into today's folder."},
-                    panel.cmd_Download, &ImageStore::cmd_Download)));
-    column->addWidget(stop);
-    column->addWidget(controls.progressBar(
+                    panel.cmd_Download, &ImageStore::cmd_Download));
+    QProgressBar* bar = controls.progressBar(
         {"pgb_run", "Progress of the download", "Pictures of the camera's list that are done."},
-        panel.pgb_run));
-    column->addLayout(countRow(controls, panel));
-    column->addWidget(controls.checkBox(
+        panel.pgb_run);
+    QCheckBox* fill = controls.checkBox(
         {"chk_fill", "Fill &gaps",
          "While recording, fetches the pictures of missed minutes from the camera's own store."},
-        panel.chk_fill, {}));
-    return panelGroup("Pictures recorded by the camera", column);
+        panel.chk_fill, {});
+    return panelGroup("Pictures recorded by the camera",
+                      column({starts, stop, bar, countRow(controls, panel), fill}));
 }
 
 } // namespace orvane

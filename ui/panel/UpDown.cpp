@@ -1,9 +1,10 @@
 #include "ui/panel/UpDown.h"
 
+#include "ui/Layout.h"
+
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QToolButton>
-#include <QVBoxLayout>
 #include <QWheelEvent>
 
 #include <algorithm>
@@ -12,9 +13,7 @@ namespace orvane {
 
 UpDown::UpDown(QLineEdit& field, int maximum, QWidget* parent)
     : QWidget(parent), field_(field), maximum_(maximum) {
-    auto* layout = new QVBoxLayout(this);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(0);
+    fill(*this, column({}, 0));
     addArrow(Qt::UpArrow, +1);
     addArrow(Qt::DownArrow, -1);
     const int height = field.sizeHint().height();

@@ -1,21 +1,15 @@
 #include "ui/panel/frmOperation.h"
 
+#include "ui/Layout.h"
 #include "ui/Text.h"
-#include "ui/panel/CameraGroup.h"
-#include "ui/panel/ElidedLabel.h"
-#include "ui/panel/FindGroup.h"
-#include "ui/panel/FolderView.h"
-#include "ui/panel/NumberMark.h"
-#include "ui/panel/PanelLayout.h"
-#include "ui/panel/StatusGroup.h"
-#include "ui/panel/StoreGroup.h"
+#include "ui/panel/PanelGroups.h"
 #include "ui/panel/UpDown.h"
 
 #include <QCheckBox>
-#include <QDir>
 #include <QFileDialog>
 #include <QFormLayout>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QPainter>
 #include <QPushButton>
 #include <QTabBar>
@@ -52,17 +46,27 @@ QIcon sign(const QColor& colour, bool circle) {
     return picture;
 }
 
+/// Marks a field whose text is not the number it should be, and says so in its tool tip.
+void markNumber(QLineEdit& field, bool valid) {
+    const QString tip = field.accessibleDescription();
+    field.setProperty("valid", valid);
+    field.setToolTip(valid ? tip : "Not a number that can be used; the last one stays. " + tip);
+    QPalette colours; // without colours of its own the field follows the window again
+    if (!valid) {
+        const bool dark = isDark(field.palette());
+        colours = field.palette();
+        colours.setColor(QPalette::Base, dark ? "#5a1e1e" : "#ffe3e0");
+        colours.setColor(QPalette::Text, dark ? "#ffd0cc" : "#9c120c");
+    }
+    field.setPalette(colours);
+}
+
 } // namespace
 
 frmOperation::frmOperation(Parts parts, QWidget* parent)
     : QWidget(parent), parts_(parts), controls_(*this) {
     setObjectName("frmOperation");
     setAccessibleName("Operation panel");
-    auto* layout = new QVBoxLayout(this);
-    layout->setContentsMargins(6, 4, 6, 6);
-    layout->setSpacing(5);
-    layout->addWidget(statusGroup(controls_, parts_.panel));
-    layout->addWidget(recordingButtons());
     auto* pages = new QTabWidget;
     pages->setObjectName("pages");
     pages->setDocumentMode(true);
@@ -76,25 +80,23 @@ frmOperation::frmOperation(Parts parts, QWidget* parent)
     addPage(*pages, "Files", "Finds files in a folder.",
             {findGroup(controls_, parts_.panel, parts_.folderScan,
                        [this](const std::filesystem::path& file) { emit imageWanted(file); })});
-    layout->addWidget(pages, 1);
+    fill(*this, column({statusGroup(controls_, parts_.panel), recordingButtons(), {pages, 1}}, 5),
+         {6, 4, 6, 6});
     orderTabs();
 }
 
 /// Room that is left over goes to what can use it: the lists.
 void frmOperation::addPage(QTabWidget& pages, const QString& title, const QString& tip,
                            std::initializer_list<QWidget*> groups) {
-    auto* page = new QWidget;
-    auto* column = new QVBoxLayout(page);
-    column->setContentsMargins(2, 6, 2, 2);
-    column->setSpacing(5);
+    QVBoxLayout* rows = column({}, 5);
     bool grows = false;
     for (QWidget* box : groups) {
         const bool growing = box->findChild<QListWidget*>() != nullptr;
-        column->addWidget(box, growing ? 1 : 0);
+        rows->addWidget(box, growing ? 1 : 0);
         grows = grows || growing;
     }
-    if (!grows) column->addStretch(1);
-    pages.setTabToolTip(pages.addTab(page, title), tip);
+    if (!grows) rows->addStretch(1);
+    pages.setTabToolTip(pages.addTab(inWidget(rows, {2, 6, 2, 2}), title), tip);
 }
 
 /// The order of the widgets' making is not the order in which they are read.
@@ -121,18 +123,15 @@ QWidget* frmOperation::scheduleGroup() {
     auto* form = new QFormLayout;
     form->setFieldGrowthPolicy(QFormLayout::ExpandingFieldsGrow);
     const auto addTimes = [&](const char* caption, std::initializer_list<std::size_t> indices) {
-        auto* row = new QHBoxLayout;
-        row->setSpacing(3);
+        QHBoxLayout* fields = row({}, 3);
         QLineEdit* first = nullptr;
         for (const std::size_t index : indices) {
             const bool hour = index == 0 || index == 2 || index == 4;
-            QLineEdit* field = addTimeField(*row, index, hour ? "h" : index == 6 ? "s" : "min");
+            QLineEdit* field = addTimeField(*fields, index, hour ? "h" : index == 6 ? "s" : "min");
             if (first == nullptr) first = field;
         }
-        row->addStretch();
-        auto* label = new QLabel(caption);
-        label->setBuddy(first);
-        form->addRow(label, row);
+        fields->addStretch();
+        form->addRow(captionOf(first, caption), fields);
     };
     addTimes("Start ti&me", {0, 1});
     addTimes("&End time", {2, 3});
@@ -148,7 +147,6 @@ QWidget* frmOperation::scheduleGroup() {
 }
 
 QWidget* frmOperation::recordingButtons() {
-    auto* buttons = new QWidget;
     QPushButton* stop = controls_.button({"Command2", "S&top Recording", "Stops recording."},
                                          parts_.panel.Command2, [this] {
                                              parts_.recording.Command2_Click();
@@ -164,10 +162,7 @@ QWidget* frmOperation::recordingButtons() {
                               });
     start_->setIcon(sign(QColor(0xd0, 0x2f, 0x2f), true));
     stop->setIcon(sign(QColor(0x5f, 0x6b, 0x7a), false));
-    QHBoxLayout* row = sideBySide(start_, stop);
-    row->setContentsMargins(0, 0, 0, 0);
-    buttons->setLayout(row);
-    return buttons;
+    return inWidget(sideBySide(start_, stop));
 }
 
 QLineEdit* frmOperation::addTimeField(QHBoxLayout& row, std::size_t index, const QString& unit) {
@@ -194,32 +189,16 @@ QLineEdit* frmOperation::addTimeField(QHBoxLayout& row, std::size_t index, const
 
 QWidget* frmOperation::folderGroup() {
     OperationPanel& panel = parts_.panel;
-    auto* path = new ElidedLabel(this, Qt::ElideMiddle);
-    path->setObjectName("Dir1_0_path");
-    path->setAccessibleName("Data folder");
-    auto* folders = new FolderView(this);
-    folders->setObjectName("Dir1_0");
-    folders->setAccessibleName("Sub-folders of the data folder");
-    folders->setToolTip("The data folder's sub-folders. Double-click one, or press Enter, to make "
-                        "it the data folder.");
-    controls_.bindings().follow(panel.Dir1[0].path, [=](const std::filesystem::path& folder) {
-        const QString text = QDir::toNativeSeparators(toQString(folder));
-        path->setText(text);
-        path->setToolTip("Pictures are filed below " + text);
-        folders->setPath(folder);
-    });
-    controls_.followEnabled(*folders, panel.Dir1[0].enabled);
-    connect(folders, &FolderView::entered, this, [this](const std::filesystem::path& folder) {
-        parts_.panel.Dir1[0].path = folder;
-        parts_.settings.Dir1_Change();
-    });
-    auto* column = new QVBoxLayout;
-    column->addWidget(path);
-    column->addWidget(folders, 1);
-    column->addWidget(controls_.button(
+    QVBoxLayout* folder = controls_.folder(
+        {"Dir1_0", "Data folder",
+         "The data folder's sub-folders. Double-click one, or press Enter, to make it the data "
+         "folder."},
+        "Pictures are filed below %1", panel.Dir1[0],
+        [this](const std::filesystem::path& path) { parts_.settings.selectDataFolder(path); });
+    folder->addWidget(controls_.button(
         {"Command3", "Select &Data Save Folder", "Chooses the folder that pictures are filed in."},
         panel.Command3, [this] { selectFolder(); }));
-    QGroupBox* frame = panelGroup("Data folder", column);
+    QGroupBox* frame = panelGroup("Data folder", folder);
     frame->setObjectName("Frame3_1");
     frame->setAccessibleName("Data folder");
     controls_.followEnabled(*frame, panel.Frame3[1].enabled);
@@ -229,53 +208,43 @@ QWidget* frmOperation::folderGroup() {
 void frmOperation::selectFolder() {
     auto* dialog = new QFileDialog(this, "Select Data Save Folder",
                                    toQString(parts_.panel.Dir1[0].path.get()));
-    dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setFileMode(QFileDialog::Directory);
     dialog->setOption(QFileDialog::ShowDirsOnly);
     connect(dialog, &QFileDialog::fileSelected, this,
             [this](const QString& folder) { parts_.settings.selectDataFolder(toPath(folder)); });
-    dialog->open();
+    openOnce(dialog);
 }
 
 QWidget* frmOperation::siteGroup() {
     OperationPanel& panel = parts_.panel;
-    auto* row = new QHBoxLayout;
-    row->addWidget(siteField({"txt_lat", "Lat&itude", "Degrees, north is positive."}, panel.txt_lat,
-                             &PanelSettings::txt_lat_Change),
-                   1);
-    row->addWidget(siteField({"txt_long", "Lon&gitude", "Degrees, east is positive."},
-                             panel.txt_long, &PanelSettings::txt_long_Change),
-                   1);
-    row->addWidget(siteField({"txt_tz", "Time &zone",
-                              "Whole hours east of universal time, such as 9 for Japan."},
-                             panel.txt_tz, &PanelSettings::txt_tz_Change),
-                   1);
-    QGroupBox* box = panelGroup("Site", row);
-    row->setSpacing(8);
-    return box;
+    return panelGroup("Site",
+                      row({{siteField({"txt_lat", "Lat&itude", "Degrees, north is positive."},
+                                      panel.txt_lat, &PanelSettings::txt_lat_Change),
+                            1},
+                           {siteField({"txt_long", "Lon&gitude", "Degrees, east is positive."},
+                                      panel.txt_long, &PanelSettings::txt_long_Change),
+                            1},
+                           {siteField({"txt_tz", "Time &zone",
+                                       "Whole hours east of universal time, such as 9 for Japan."},
+                                      panel.txt_tz, &PanelSettings::txt_tz_Change),
+                            1}}),
+                      {8, 4, 8, 6}, 8);
 }
 
-QWidget* frmOperation::siteField(const Face& face, TextBox& model,
+QLayout* frmOperation::siteField(const Face& face, TextBox& model,
                                  bool (PanelSettings::*change)()) {
-    auto* place = new QWidget;
-    auto* column = new QVBoxLayout(place);
-    column->setContentsMargins(0, 0, 0, 0);
-    column->setSpacing(1);
-    auto* mark = new NumberMark(face.tip, place);
     PanelSettings& settings = parts_.settings;
+    const auto mark = [this, name = face.name](bool valid) {
+        markNumber(*findChild<QLineEdit*>(name), valid);
+    };
     QLineEdit* field = controls_.textBox(
-        face, model, [&settings, change, mark] { mark->setValid((settings.*change)()); },
+        face, model, [&settings, change, mark] { mark((settings.*change)()); },
         [&settings, mark] {
             settings.showSite();
-            mark->setValid(true);
+            mark(true);
         });
-    mark->watch(*field);
     field->setMinimumWidth(field->fontMetrics().horizontalAdvance("000.000") + 12);
-    auto* caption = new QLabel(face.caption);
-    caption->setBuddy(field);
-    column->addWidget(caption);
-    column->addWidget(field);
-    return place;
+    return column({captionOf(field, face.caption), field}, 1);
 }
 
 } // namespace orvane

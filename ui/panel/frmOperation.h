@@ -52,7 +52,7 @@ class frmOperation : public QWidget {
     QWidget* folderGroup();
     QWidget* siteGroup();
     QLineEdit* addTimeField(QHBoxLayout& row, std::size_t index, const QString& unit);
-    QWidget* siteField(const Face& face, TextBox& model, bool (PanelSettings::*change)());
+    QLayout* siteField(const Face& face, TextBox& model, bool (PanelSettings::*change)());
     void orderTabs();
     void selectFolder();
 

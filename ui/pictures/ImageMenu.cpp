@@ -1,12 +1,11 @@
 #include "ui/pictures/ImageMenu.h"
 
+#include "ui/Layout.h"
 #include "ui/Text.h"
+#include "ui/panel/PanelControls.h"
 #include "ui/pictures/QtImageViews.h"
 
-#include <QAction>
 #include <QFileDialog>
-#include <QKeySequence>
-#include <QMenu>
 #include <QStandardPaths>
 
 namespace orvane {
@@ -36,42 +35,35 @@ ImageMenu::ImageMenu(QAction& saveAs, QMenu& image, PictureArea& area, QtImageVi
     follow();
 }
 
-template <class Command>
-void ImageMenu::add(QMenu& menu, const char* name, const QString& caption, const QString& tip,
-                    const QList<QKeySequence>& keys, Needs needs, Command command) {
-    QAction* action = menu.addAction(caption);
-    action->setObjectName(name);
-    action->setToolTip(tip);
-    action->setShortcuts(keys);
-    connect(action, &QAction::triggered, this, [this, command] {
-        if (window_ != nullptr) command(*window_);
-    });
-    entries_.append({action, needs});
-}
-
 void ImageMenu::addEntries(QMenu& image) {
-    add(image, "mnuEditCopy", "&Copy", "Copies the picture, or the marked rectangle.",
-        {QKeySequence::Copy}, Needs::Picture, [](ImageWindow& window) { window.copy(); });
-    add(image, "mnuEditTrim", "&Trim",
-        "Lets a rectangle be marked, then opens it as a picture of its own.",
-        {Qt::CTRL | Qt::Key_I}, Needs::Picture, [](ImageWindow& window) { window.trim(); });
+    const auto add = [&](Needs needs, const Face& face, const QList<QKeySequence>& keys,
+                         void (*command)(ImageWindow&)) {
+        const auto call = [this, command] {
+            if (window_ != nullptr) command(*window_);
+        };
+        entries_.append({addEntry(image, face, keys, this, call), needs});
+    };
+    add(Needs::Picture, {"mnuEditCopy", "&Copy", "Copies the picture, or the marked rectangle."},
+        {QKeySequence::Copy}, [](ImageWindow& window) { window.copy(); });
+    add(Needs::Picture,
+        {"mnuEditTrim", "&Trim",
+         "Lets a rectangle be marked, then opens it as a picture of its own."},
+        {Qt::CTRL | Qt::Key_I}, [](ImageWindow& window) { window.trim(); });
     image.addSeparator();
-    add(image, "mnuViewZoomIn", "Zoom &In", "Enlarges the picture.",
-        {Qt::CTRL | Qt::Key_Plus, Qt::CTRL | Qt::Key_Equal}, Needs::Picture,
+    add(Needs::Picture, {"mnuViewZoomIn", "Zoom &In", "Enlarges the picture."},
+        {Qt::CTRL | Qt::Key_Plus, Qt::CTRL | Qt::Key_Equal},
         [](ImageWindow& window) { window.view().zoomIn(); });
-    add(image, "mnuViewZoomOut", "Zoom &Out", "Shows more of the picture.",
-        {Qt::CTRL | Qt::Key_Minus}, Needs::Picture,
-        [](ImageWindow& window) { window.view().zoomOut(); });
-    add(image, "mnuViewFit", "&Fit to Window", "Shows the whole picture.", {Qt::CTRL | Qt::Key_0},
-        Needs::Picture, [](ImageWindow& window) { window.view().zoomFit(); });
-    add(image, "mnuViewActualSize", "&Actual Size", "Shows the picture's own pixels.",
-        {Qt::CTRL | Qt::Key_1}, Needs::Picture,
-        [](ImageWindow& window) { window.view().zoomActual(); });
+    add(Needs::Picture, {"mnuViewZoomOut", "Zoom &Out", "Shows more of the picture."},
+        {Qt::CTRL | Qt::Key_Minus}, [](ImageWindow& window) { window.view().zoomOut(); });
+    add(Needs::Picture, {"mnuViewFit", "&Fit to Window", "Shows the whole picture."},
+        {Qt::CTRL | Qt::Key_0}, [](ImageWindow& window) { window.view().zoomFit(); });
+    add(Needs::Picture, {"mnuViewActualSize", "&Actual Size", "Shows the picture's own pixels."},
+        {Qt::CTRL | Qt::Key_1}, [](ImageWindow& window) { window.view().zoomActual(); });
     image.addSeparator();
-    add(image, "mnuViewNext", "&Next Image", "Shows the folder's next picture.",
-        {Qt::ALT | Qt::Key_Right}, Needs::File, [](ImageWindow& window) { window.step(true); });
-    add(image, "mnuViewPrevious", "&Previous Image", "Shows the folder's previous picture.",
-        {Qt::ALT | Qt::Key_Left}, Needs::File, [](ImageWindow& window) { window.step(false); });
+    add(Needs::File, {"mnuViewNext", "&Next Image", "Shows the folder's next picture."},
+        {Qt::ALT | Qt::Key_Right}, [](ImageWindow& window) { window.step(true); });
+    add(Needs::File, {"mnuViewPrevious", "&Previous Image", "Shows the folder's previous picture."},
+        {Qt::ALT | Qt::Key_Left}, [](ImageWindow& window) { window.step(false); });
 }
 
 /// The window in front; the active one is none while another program is in use.
@@ -95,7 +87,6 @@ void ImageMenu::mnuFileSaveAs_Click() {
     const PictureSource source = window_->source();
     auto* dialog = new QFileDialog(area_.window(), "Save As", folderFor(source, saveFolder_),
                                    "JPEG pictures (*.jpg *.jpeg *.JPG *.JPEG)");
-    dialog->setAttribute(Qt::WA_DeleteOnClose);
     dialog->setAcceptMode(QFileDialog::AcceptSave); // asks before it replaces a file
     dialog->setDefaultSuffix("jpg");
     dialog->selectFile(nameFor(source));
@@ -103,7 +94,7 @@ void ImageMenu::mnuFileSaveAs_Click() {
         saveFolder_ = QFileInfo(file).absolutePath();
         views_.saveAs(source, toPath(file));
     });
-    dialog->open();
+    openOnce(dialog);
 }
 
 } // namespace orvane

@@ -8,7 +8,6 @@
 #include <utility>
 
 class QAction;
-class QKeySequence;
 class QMenu;
 
 namespace orvane {
@@ -29,9 +28,6 @@ class ImageMenu : public QObject {
   private:
     enum class Needs { Picture, File };
 
-    template <class Command>
-    void add(QMenu& menu, const char* name, const QString& caption, const QString& tip,
-             const QList<QKeySequence>& keys, Needs needs, Command command);
     void addEntries(QMenu& image);
     void follow();
     void update();

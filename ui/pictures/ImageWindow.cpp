@@ -1,6 +1,7 @@
 #include "ui/pictures/ImageWindow.h"
 
 #include "archive/DataFolder.h"
+#include "ui/Layout.h"
 #include "ui/Text.h"
 #include "ui/panel/ElidedLabel.h"
 
@@ -11,7 +12,6 @@
 #include <QGuiApplication>
 #include <QLocale>
 #include <QScreen>
-#include <QVBoxLayout>
 
 #include <utility>
 
@@ -30,20 +30,14 @@ QString bytesText(qint64 bytes) {
 
 ImageWindow::ImageWindow(ImageServices& services, QWidget* parent)
     : QWidget(parent), services_(services), view_(new PictureView), details_(new ElidedLabel),
-      status_(new QHBoxLayout), tasks_([this](const std::exception_ptr& fault) {
+      status_(row({{details_, 1}}, 12)), tasks_([this](const std::exception_ptr& fault) {
           showText(toQString("The picture cannot be shown: " + textOf(fault) + "."));
       }) {
     setObjectName("frmImage");
     setFocusProxy(view_);
     details_->setObjectName("imageStatus");
     status_->setContentsMargins(6, 2, 6, 2);
-    status_->setSpacing(12);
-    status_->addWidget(details_, 1);
-    auto* layout = new QVBoxLayout(this);
-    layout->setContentsMargins(0, 0, 0, 0);
-    layout->setSpacing(0);
-    layout->addWidget(view_, 1);
-    layout->addLayout(status_);
+    fill(*this, column({{view_, 1}, status_}, 0));
     connect(view_, &PictureView::changed, this, [this] {
         notice_.clear();
         updateStatus();

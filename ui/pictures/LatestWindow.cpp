@@ -3,11 +3,22 @@
 #include "platform/Conversions.h"
 #include "ui/Text.h"
 #include "ui/panel/PanelControls.h"
-#include "ui/pictures/PictureAge.h"
 
 #include <QLabel>
 
+#include <algorithm>
+
 namespace orvane {
+
+std::string ageText(std::chrono::milliseconds age) {
+    const long long seconds = std::max<long long>(0, age / 1s);
+    const long long minutes = seconds / 60;
+    if (minutes == 0) return std::to_string(seconds) + " s ago";
+    if (minutes < 60) return std::to_string(minutes) + " min ago";
+    if (minutes >= 2 * kDayMinutes) return std::to_string(minutes / kDayMinutes) + " days ago";
+    return std::to_string(minutes / 60) + " h " + twoDigits(static_cast<int>(minutes % 60)) +
+           " min ago";
+}
 
 LatestWindow::LatestWindow(ImageServices& services, Clock& clock, const DayWatch& days)
     : ImageWindow(services), clock_(clock), days_(days), age_(new QLabel) {
@@ -25,17 +36,13 @@ void LatestWindow::showFile(const std::filesystem::path& file) {
     const auto name = ImageName::ofFile(file);
     taken_ = name && name->minute() != minuteIndex(now) ? name->time() : now;
     updateAge();
-    PictureSource source;
-    source.file = file;
-    showPicture(source, "Latest Image: " + toQString(file.filename()));
+    showPicture({.file = file}, "Latest Image: " + toQString(file.filename()));
 }
 
 void LatestWindow::showLive(const std::string& jpeg) {
     taken_ = clock_.now();
     updateAge();
-    PictureSource source;
-    source.jpeg = QByteArray::fromStdString(jpeg);
-    showPicture(source, "Live Picture");
+    showPicture({.jpeg = QByteArray::fromStdString(jpeg)}, "Live Picture");
 }
 
 void LatestWindow::showNone() {

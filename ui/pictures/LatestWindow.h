@@ -9,6 +9,9 @@ class QLabel;
 
 namespace orvane {
 
+/// "12 s ago", "3 min ago", "2 h 05 min ago", "4 days ago"; a negative age counts as none.
+std::string ageText(std::chrono::milliseconds age);
+
 /// The window that follows the captures. At its lower right it tells the age of its picture, and
 /// whether the next ones are overdue.
 class LatestWindow : public ImageWindow {

@@ -52,10 +52,12 @@ Scope PictureLoader::takeTurn() {
     });
 }
 
-Task<std::string> PictureLoader::read(std::filesystem::path file, QByteArray& jpeg) {
-    std::string fault = refusal(file);
+/// Gives `source` its bytes, unless it has them already.
+Task<std::string> PictureLoader::read(PictureSource& source) {
+    if (!source.jpeg.isNull()) co_return std::string();
+    std::string fault = refusal(source.file);
     if (!fault.empty()) co_return fault;
-    std::ifstream stream(file, std::ios::binary);
+    std::ifstream stream(source.file, std::ios::binary);
     if (!stream) co_return sentence(kNotOpened, "It cannot be read");
     QByteArray bytes;
     while (stream) {
@@ -70,7 +72,7 @@ Task<std::string> PictureLoader::read(std::filesystem::path file, QByteArray& jp
     }
     if (stream.bad()) co_return sentence(kNotOpened, "It cannot be read");
     bytes.squeeze();
-    jpeg = std::move(bytes);
+    source.jpeg = std::move(bytes);
     co_return fault;
 }
 
@@ -93,11 +95,9 @@ Task<std::string> PictureLoader::decode(PictureSource source, QSize bound) {
 
 Task<LoadedPicture> PictureLoader::load(PictureSource source, QSize bound) {
     LoadedPicture loaded;
-    if (source.jpeg.isNull()) {
-        Task<std::string> reading = read(source.file, source.jpeg);
-        loaded.fault = co_await reading;
-        if (!loaded.fault.empty()) co_return loaded;
-    }
+    Task<std::string> reading = read(source);
+    loaded.fault = co_await reading;
+    if (!loaded.fault.empty()) co_return loaded;
     while (taken_)
         co_await clock_.sleep(kTurnPoll);
     const Scope turn = takeTurn();
@@ -114,12 +114,9 @@ Task<LoadedPicture> PictureLoader::load(PictureSource source, QSize bound) {
 
 Task<std::string> PictureLoader::save(PictureSource source, std::filesystem::path target,
                                       ImageOptions form) {
-    std::string fault;
-    if (source.jpeg.isNull()) {
-        Task<std::string> reading = read(source.file, source.jpeg);
-        fault = co_await reading;
-        if (!fault.empty()) co_return fault;
-    }
+    Task<std::string> reading = read(source);
+    std::string fault = co_await reading;
+    if (!fault.empty()) co_return fault;
     if (!source.isAltered()) co_return writeToFinalName(bytesOf(source.jpeg), target).value_or("");
     while (taken_)
         co_await clock_.sleep(kTurnPoll);

@@ -15,10 +15,10 @@ namespace orvane {
 
 /// Where a picture comes from and what is done with it; holds no pixels.
 struct PictureSource {
-    std::filesystem::path file; ///< names it; empty for a picture never filed
-    QByteArray jpeg;            ///< its bytes; null: those of `file`
-    ImageOptions processing;    ///< mirrored and stamped so; as it is filed by default
-    QRect part;                 ///< of the upright, processed picture; null: all
+    std::filesystem::path file{}; ///< names it; empty for a picture never filed
+    QByteArray jpeg{};            ///< its bytes; null: those of `file`
+    ImageOptions processing{};    ///< mirrored and stamped so; as it is filed by default
+    QRect part{};                 ///< of the upright, processed picture; null: all
 
     /// Whether what is shown differs from the JPEG's own bytes.
     bool isAltered() const { return isSet(processing.LrFlg) || !part.isNull(); }
@@ -53,7 +53,7 @@ class PictureLoader {
   private:
     /// Keeps `control_` for one task and empties it afterwards, also when the task is destroyed.
     Scope takeTurn();
-    Task<std::string> read(std::filesystem::path file, QByteArray& jpeg);
+    Task<std::string> read(PictureSource& source);
     Task<std::string> decode(PictureSource source, QSize bound);
 
     Clock& clock_;

@@ -39,7 +39,7 @@ void QtImageViews::openLatest(const std::filesystem::path& file) {
     if (latestFile_.empty()) latestFile_ = file.empty() ? module_.thumbnails[0] : file;
     const bool wasOpen = latest_ != nullptr;
     LatestWindow* window = latestWindow();
-    area_->setActiveSubWindow(qobject_cast<QMdiSubWindow*>(window->parentWidget()));
+    activate(*window);
     window->setFocus();
     if (wasOpen) return;
     if (latestFile_.empty()) {
@@ -51,8 +51,7 @@ void QtImageViews::openLatest(const std::filesystem::path& file) {
 
 void QtImageViews::openImages(const std::vector<std::filesystem::path>& files) {
     for (const std::filesystem::path& file : files) {
-        PictureSource source;
-        source.file = file;
+        PictureSource source{.file = file};
         if (module_.imageProcessing) source.processing = module_.image;
         if (!open(source, toQString(file.filename()))) return;
         if (isInDatedFolder(file)) tasks_.spawn(writeCopy(file));
@@ -60,35 +59,44 @@ void QtImageViews::openImages(const std::vector<std::filesystem::path>& files) {
 }
 
 void QtImageViews::openFiled(const std::filesystem::path& file) {
-    PictureSource source;
-    source.file = file;
-    open(source, toQString(file.filename()));
+    open({.file = file}, toQString(file.filename()));
 }
 
 bool QtImageViews::open(const PictureSource& source, const QString& title) {
     if (area_ == nullptr) return false;
-    if (ImageWindow* shown = find(source)) {
-        area_->setActiveSubWindow(qobject_cast<QMdiSubWindow*>(shown->parentWidget()));
+    if (const ImageWindow* shown = find(source)) {
+        activate(*shown);
         return true;
     }
-    if (!hasRoom()) {
-        tellNoRoom();
+    if (area_->subWindowList().size() - (latest_ != nullptr ? 1 : 0) >= kMaxWindows) {
+        tasks_.spawn(op_.tell("No more than " + std::to_string(kMaxWindows) +
+                              " pictures can be open at a time.\nPlease close some of them."));
         return false;
     }
     auto* window = new ImageWindow(services_);
-    QObject::connect(window, &ImageWindow::trimmed, area_,
-                     [this](const PictureSource& part, const QString& name) { open(part, name); });
-    addWindow(window);
+    add(*window);
     window->showPicture(source, title);
     return true;
+}
+
+void QtImageViews::activate(const ImageWindow& window) {
+    area_->setActiveSubWindow(qobject_cast<QMdiSubWindow*>(window.parentWidget()));
+}
+
+/// Those that the operator opened.
+QList<ImageWindow*> QtImageViews::windows() const {
+    QList<ImageWindow*> all;
+    for (const QMdiSubWindow* frame : area_->subWindowList())
+        if (auto* window = qobject_cast<ImageWindow*>(frame->widget());
+            window != nullptr && window != latest_)
+            all << window;
+    return all;
 }
 
 /// The window that shows the same file in the same way; a part is always a new picture.
 ImageWindow* QtImageViews::find(const PictureSource& source) const {
     if (!source.part.isNull()) return nullptr;
-    for (QMdiSubWindow* frame : area_->subWindowList()) {
-        auto* window = qobject_cast<ImageWindow*>(frame->widget());
-        if (window == nullptr || window == latest_) continue;
+    for (ImageWindow* window : windows()) {
         const PictureSource& shown = window->source();
         if (shown.file == source.file && shown.part.isNull() &&
             shown.processing.LrFlg == source.processing.LrFlg &&
@@ -98,34 +106,25 @@ ImageWindow* QtImageViews::find(const PictureSource& source) const {
     return nullptr;
 }
 
-bool QtImageViews::hasRoom() const {
-    return area_->subWindowList().size() - (latest_ != nullptr ? 1 : 0) < kMaxWindows;
-}
-
-void QtImageViews::tellNoRoom() {
-    tasks_.spawn(op_.tell("No more than " + std::to_string(kMaxWindows) +
-                          " pictures can be open at a time.\nPlease close some of them."));
-}
-
 LatestWindow* QtImageViews::latestWindow() {
     if (latest_ != nullptr) return latest_;
     latest_ = new LatestWindow(services_, clock_, days_);
-    QObject::connect(latest_, &ImageWindow::trimmed, area_,
-                     [this](const PictureSource& part, const QString& name) { open(part, name); });
     latestWanted_ = false;
     // A capture may open it: what somebody types must not end up in it.
     const QPointer<QWidget> typedInto = QApplication::focusWidget();
-    addWindow(latest_);
+    add(*latest_);
     if (typedInto != nullptr) typedInto->setFocus();
     area_->fill(*qobject_cast<QMdiSubWindow*>(latest_->parentWidget()));
     return latest_;
 }
 
-void QtImageViews::addWindow(ImageWindow* window) {
+void QtImageViews::add(ImageWindow& window) {
     constexpr int kStep = 26;
     constexpr int kSteps = 7;
     const int offset = static_cast<int>(area_->subWindowList().size()) % kSteps * kStep;
-    QMdiSubWindow* frame = area_->addSubWindow(window);
+    QObject::connect(&window, &ImageWindow::trimmed, area_,
+                     [this](const PictureSource& part, const QString& name) { open(part, name); });
+    QMdiSubWindow* frame = area_->addSubWindow(&window);
     frame->setAttribute(Qt::WA_DeleteOnClose);
     // The default pictogram of a sub-window says nothing about a picture.
     frame->setWindowIcon(area_->style()->standardIcon(QStyle::SP_FileDialogContentsView));
@@ -152,10 +151,8 @@ Task<> QtImageViews::writeCopy(std::filesystem::path file) {
         loader_.writeProcessedCopy(file, module_.image, module_.imageProcessing);
     const std::string fault = co_await writing;
     if (fault.empty() || area_ == nullptr) co_return;
-    for (QMdiSubWindow* frame : area_->subWindowList()) {
-        const auto* window = qobject_cast<ImageWindow*>(frame->widget());
-        if (window != nullptr && window->source().file == file && !window->hasPicture()) co_return;
-    }
+    for (const ImageWindow* window : windows())
+        if (window->source().file == file && !window->hasPicture()) co_return;
     Task<> telling =
         op_.tell("No processed copy of " + utf8FromPath(file.filename()) + ".\n" + fault);
     co_await telling;

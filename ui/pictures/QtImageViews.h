@@ -48,9 +48,9 @@ class QtImageViews final : public ImageViews {
   private:
     bool open(const PictureSource& source, const QString& title);
     ImageWindow* find(const PictureSource& source) const;
-    bool hasRoom() const;
-    void tellNoRoom();
-    void addWindow(ImageWindow* window);
+    QList<ImageWindow*> windows() const;
+    void add(ImageWindow& window);
+    void activate(const ImageWindow& window);
     LatestWindow* latestWindow();
     Task<> writeCopy(std::filesystem::path file);
     Task<> save(PictureSource source, std::filesystem::path target);

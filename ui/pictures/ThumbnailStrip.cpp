@@ -1,14 +1,12 @@
 #include "ui/pictures/ThumbnailStrip.h"
 
 #include "archive/ImageName.h"
-
 #include "platform/Conversions.h"
+#include "ui/Layout.h"
 #include "ui/Text.h"
 
 #include <QDir>
-#include <QHBoxLayout>
 #include <QKeyEvent>
-#include <QLabel>
 #include <QPainter>
 
 #include <optional>
@@ -22,11 +20,8 @@ constexpr QSize kPictureSize(60, 45);
 
 Thumbnail::Thumbnail(QWidget* parent)
     : QFrame(parent), picture_(new QLabel(this)), time_(new QLabel(this)) {
-    auto* layout = new QVBoxLayout(this);
-    layout->setContentsMargins(2, 2, 2, 1);
-    layout->setSpacing(0);
-    layout->addWidget(picture_, 0, Qt::AlignHCenter);
-    layout->addWidget(time_, 0, Qt::AlignHCenter);
+    fill(*this, column({{picture_, 0, Qt::AlignHCenter}, {time_, 0, Qt::AlignHCenter}}, 0),
+         {2, 2, 2, 1});
     picture_->setFixedSize(kPictureSize);
     picture_->setAlignment(Qt::AlignCenter);
     time_->setMinimumHeight(time_->fontMetrics().height());
@@ -57,10 +52,6 @@ void Thumbnail::setPicture(const QPixmap& picture) {
     }
 }
 
-QPixmap Thumbnail::picture() const {
-    return picture_->pixmap();
-}
-
 void Thumbnail::setNewest(bool newest) {
     newest_ = newest;
     QFont font = time_->font();
@@ -76,20 +67,13 @@ void Thumbnail::mouseDoubleClickEvent(QMouseEvent*) {
 
 void Thumbnail::keyPressEvent(QKeyEvent* event) {
     const std::filesystem::path file = file_;
-    switch (event->key()) {
-    case Qt::Key_Return:
-    case Qt::Key_Enter:
+    const int key = event->key();
+    if (key == Qt::Key_Return || key == Qt::Key_Enter)
         emit opened(file);
-        break;
-    case Qt::Key_Left:
-        emit moveWanted(-1);
-        break;
-    case Qt::Key_Right:
-        emit moveWanted(+1);
-        break;
-    default:
+    else if (key == Qt::Key_Left || key == Qt::Key_Right)
+        emit moveWanted(key == Qt::Key_Left ? -1 : +1);
+    else
         QFrame::keyPressEvent(event);
-    }
 }
 
 void Thumbnail::paintEvent(QPaintEvent*) {
@@ -108,9 +92,7 @@ ThumbnailStrip::ThumbnailStrip(PictureLoader& loader, QWidget* parent)
     : QWidget(parent), loader_(loader) {
     setObjectName("thumbnails");
     setAccessibleName("Newest pictures");
-    auto* layout = new QHBoxLayout(this);
-    layout->setContentsMargins(4, 4, 4, 4);
-    layout->setSpacing(2);
+    QHBoxLayout* layout = row({}, 2);
     for (std::size_t i = 0; i < frames_.size(); ++i) {
         frames_[i] = new Thumbnail(this);
         frames_[i]->setObjectName(QString("thumbnail_%1").arg(i));
@@ -120,6 +102,7 @@ ThumbnailStrip::ThumbnailStrip(PictureLoader& loader, QWidget* parent)
     }
     layout->addStretch();
     layout->setSizeConstraint(QLayout::SetNoConstraint);
+    fill(*this, layout, {4, 4, 4, 4});
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
 }
 
@@ -133,7 +116,7 @@ void ThumbnailStrip::resizeEvent(QResizeEvent*) {
 }
 
 /// A capture moves every file on by one frame; what is known of each goes along.
-void ThumbnailStrip::showHistory(const History& history) {
+void ThumbnailStrip::showHistory(const ThumbnailHistory& history) {
     std::array<std::optional<QPixmap>, std::tuple_size_v<ThumbnailHistory>> known;
     for (std::size_t i = 0; i < history.size(); ++i)
         for (const Thumbnail* frame : frames_)
@@ -157,8 +140,7 @@ Thumbnail* ThumbnailStrip::firstWaiting() const {
 Task<> ThumbnailStrip::decodeWaiting() {
     while (const Thumbnail* waiting = firstWaiting()) {
         const qreal ratio = devicePixelRatioF();
-        PictureSource source;
-        source.file = waiting->file();
+        const PictureSource source{.file = waiting->file()};
         Task<LoadedPicture> loading = loader_.load(source, kPictureSize * ratio);
         const LoadedPicture loaded = co_await loading;
         QPixmap picture = QPixmap::fromImage(loaded.pixels);

@@ -5,9 +5,8 @@
 #include "ui/pictures/PictureLoader.h"
 
 #include <QFrame>
+#include <QLabel>
 #include <QPixmap>
-
-class QLabel;
 
 namespace orvane {
 
@@ -28,7 +27,7 @@ class Thumbnail : public QFrame {
 
     const std::filesystem::path& file() const { return file_; }
     State state() const { return state_; }
-    QPixmap picture() const;
+    QPixmap picture() const { return picture_->pixmap(); }
 
   signals:
     void opened(const std::filesystem::path& file);
@@ -54,11 +53,9 @@ class ThumbnailStrip : public QWidget {
     Q_OBJECT
 
   public:
-    using History = ThumbnailHistory;
-
     explicit ThumbnailStrip(PictureLoader& loader, QWidget* parent = nullptr);
 
-    void showHistory(const History& history);
+    void showHistory(const ThumbnailHistory& history);
 
     /// A window that is too narrow for all of them shows the newest.
     QSize minimumSizeHint() const override { return {0, sizeHint().height()}; }
@@ -71,14 +68,12 @@ class ThumbnailStrip : public QWidget {
     void resizeEvent(QResizeEvent* event) override;
 
   private:
-    using Frames = std::array<Thumbnail*, std::tuple_size_v<ThumbnailHistory>>;
-
     Task<> decodeWaiting();
     void moveFocus(std::size_t from, int by);
     Thumbnail* firstWaiting() const;
 
     PictureLoader& loader_;
-    Frames frames_{};
+    std::array<Thumbnail*, std::tuple_size_v<ThumbnailHistory>> frames_{};
     TaskGroup tasks_; ///< last: its task uses everything above
 };
 

@@ -1,9 +1,15 @@
-#include "platform/DiskForcing.h"
+#include "platform/SystemCalls.h"
 
 #include <io.h>
 #include <windows.h>
 
 namespace orvane {
+
+std::optional<std::uint32_t> attributeWord(const std::filesystem::path& entry) {
+    const DWORD word = GetFileAttributesW(entry.c_str());
+    if (word == INVALID_FILE_ATTRIBUTES) return std::nullopt;
+    return word;
+}
 
 bool forceToDisk(std::FILE* file) {
     return ::_commit(::_fileno(file)) == 0; // FlushFileBuffers
@@ -19,6 +25,11 @@ Fault forceFolderToDisk(const std::filesystem::path& folder) {
     ::FlushFileBuffers(handle);
     ::CloseHandle(handle);
     return std::nullopt;
+}
+
+/// The request belongs to the calling thread, so every call must come from the same one.
+void keepAwake(bool awake) {
+    ::SetThreadExecutionState(awake ? ES_CONTINUOUS | ES_SYSTEM_REQUIRED : ES_CONTINUOUS);
 }
 
 } // namespace orvane
