@@ -59,9 +59,7 @@ Place placeFor(const std::filesystem::path& wanted, const std::string& bytes, Ar
 Fault makeFolders(const std::filesystem::path& datedFolder) {
     const std::filesystem::path edit = datedFolder.parent_path() / "Edit";
     for (const auto& folder : {edit, datedFolder, edit / datedFolder.filename()}) {
-        std::error_code error;
-        std::filesystem::create_directories(folder, error);
-        if (error) return utf8FromPath(folder) + ": " + error.message();
+        if (const Fault fault = makeFolder(folder)) return utf8FromPath(folder) + ": " + *fault;
     }
     return std::nullopt;
 }

@@ -22,19 +22,6 @@ void readNumber(std::string_view name, std::size_t first, std::size_t count, std
         std::from_chars(digits.data(), digits.data() + digits.size(), number);
 }
 
-std::int64_t dateKey(const ImageStamp& stamp) {
-    return std::int64_t{stamp.year} * 65536 + stamp.month * 256 + stamp.day;
-}
-
-std::int64_t timeKey(const ImageStamp& stamp) {
-    return std::int64_t{stamp.hour} * 16777216 + stamp.minute * 65536 + stamp.second * 256 +
-           stamp.frame;
-}
-
-int compare(std::int64_t a, std::int64_t b) {
-    return a > b ? 1 : a < b ? -1 : 0;
-}
-
 bool isDevice(std::string_view name) {
     std::string base(name.substr(0, name.find('.')));
     for (char& c : base)
@@ -71,8 +58,7 @@ void ParseImageName(std::string_view name, ImageStamp& stamp) {
 }
 
 int CompareStamp(const ImageStamp& a, const ImageStamp& b) {
-    const int dates = compare(dateKey(a), dateKey(b));
-    return dates != 0 ? dates : compare(timeKey(a), timeKey(b));
+    return a > b ? 1 : a < b ? -1 : 0;
 }
 
 bool CheckStartTime(int hour, int minute, int second) {

@@ -2,6 +2,7 @@
 
 #include "platform/Clock.h"
 
+#include <compare>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -19,7 +20,7 @@ struct ImageStamp {
     std::int16_t second = 0;
     std::int16_t frame = 0; ///< counts the pictures of one second
 
-    bool operator==(const ImageStamp&) const = default;
+    auto operator<=>(const ImageStamp&) const = default;
 };
 
 /// The stamp of a moment, to the second, with frame 0.

@@ -3,7 +3,6 @@
 #include "platform/Files.h"
 
 #include <algorithm>
-#include <system_error>
 #include <vector>
 
 namespace orvane {
@@ -46,13 +45,6 @@ class NameTail {
     static constexpr std::size_t kLength = 22;
     std::vector<std::string> characters_;
 };
-
-Fault makeFolderFor(const std::filesystem::path& file) {
-    std::error_code error;
-    std::filesystem::create_directories(file.parent_path(), error);
-    if (error) return error.message();
-    return std::nullopt;
-}
 
 } // namespace
 
@@ -97,7 +89,7 @@ Task<Fault> ProcessImageFile(ImageControl& control, std::filesystem::path image,
     // From here to the call of `save` there is no wait: the picture in the control is still ours.
     applyOptions(control, options, image);
     const std::filesystem::path edited = editPathOf(image);
-    fault = makeFolderFor(edited);
+    fault = makeFolder(edited.parent_path());
     if (!fault) {
         Task<Fault> saving =
             control.save(edited, options.JpegTyp, options.Quality, exifStampOf(image));

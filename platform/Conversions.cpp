@@ -3,7 +3,6 @@
 #include <array>
 #include <charconv>
 #include <cmath>
-#include <ctime>
 
 namespace orvane {
 
@@ -31,19 +30,29 @@ std::size_t readNumber(std::string_view text, double& value) {
     return plus + static_cast<std::size_t>(end - digits.data());
 }
 
-/// `format` is that of strftime.
-std::string textOf(WallTime time, const char* format) {
+/// Writes a number with leading zeros. Clock labels change every second for months, so this does
+/// without the formatted-output machinery.
+void put(std::string& text, int value, int width) {
+    const std::size_t start = text.size();
+    text.resize(start + static_cast<std::size_t>(width));
+    for (std::size_t i = text.size(); i-- > start; value /= 10)
+        text[i] = static_cast<char>('0' + value % 10);
+}
+
+void putDate(std::string& text, WallTime time, std::string_view separator) {
     const auto date = dayOf(time);
-    const auto seconds = static_cast<int>(timeOfDay(time) / 1s);
-    std::tm parts{};
-    parts.tm_year = static_cast<int>(date.year()) - 1900;
-    parts.tm_mon = static_cast<int>(static_cast<unsigned>(date.month())) - 1;
-    parts.tm_mday = static_cast<int>(static_cast<unsigned>(date.day()));
-    parts.tm_hour = seconds / 3600;
-    parts.tm_min = seconds / 60 % 60;
-    parts.tm_sec = seconds % 60;
-    std::array<char, 32> text{};
-    return {text.data(), std::strftime(text.data(), text.size(), format, &parts)};
+    put(text, static_cast<int>(date.year()), 4);
+    text += separator;
+    put(text, static_cast<int>(static_cast<unsigned>(date.month())), 2);
+    text += separator;
+    put(text, static_cast<int>(static_cast<unsigned>(date.day())), 2);
+}
+
+void putHourMinute(std::string& text, WallTime time, std::string_view separator) {
+    const int minutes = minuteOfDay(time);
+    put(text, minutes / 60, 2);
+    text += separator;
+    put(text, minutes % 60, 2);
 }
 
 } // namespace
@@ -77,27 +86,41 @@ std::string toText(double value) {
 }
 
 std::string dateText(WallTime time) {
-    return textOf(time, "%Y/%m/%d");
+    std::string text;
+    putDate(text, time, "/");
+    return text;
 }
 
 std::string timeText(WallTime time) {
-    return textOf(time, "%H:%M:%S");
+    std::string text;
+    putHourMinute(text, time, ":");
+    text += ':';
+    put(text, static_cast<int>(timeOfDay(time) / 1s % 60), 2);
+    return text;
 }
 
 std::string dateDigits(WallTime time) {
-    return textOf(time, "%Y%m%d");
+    std::string text;
+    putDate(text, time, "");
+    return text;
 }
 
 std::string minuteStamp(WallTime time) {
-    return textOf(time, "%Y%m%d_%H%M");
+    std::string text = dateDigits(time) + "_";
+    putHourMinute(text, time, "");
+    return text;
 }
 
 std::string hourMinute(WallTime time) {
-    return textOf(time, "%H:%M");
+    std::string text;
+    putHourMinute(text, time, ":");
+    return text;
 }
 
 std::string twoDigits(int value) {
-    return (value < 10 ? "0" : "") + std::to_string(value);
+    std::string text;
+    put(text, value, 2);
+    return text;
 }
 
 std::chrono::year_month_day dayOf(WallTime time) {

@@ -102,6 +102,13 @@ bool isTemporary(const std::filesystem::path& file) {
     return file.extension() == ".part" && file.filename().native().front() == '.';
 }
 
+Fault makeFolder(const std::filesystem::path& folder) {
+    std::error_code error;
+    std::filesystem::create_directories(folder, error);
+    if (error) return error.message();
+    return std::nullopt;
+}
+
 Fault writeToFinalName(std::string_view bytes, const std::filesystem::path& to) {
     return FileWriter(FileWriter::Force::No).put(bytes, to);
 }

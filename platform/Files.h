@@ -50,6 +50,8 @@ class FileWriter {
 /// Whether a name is that of a temporary of `FileWriter`, as a killed program leaves it behind.
 bool isTemporary(const std::filesystem::path& file);
 
+/// Makes a folder and those above it, where they are not there.
+Fault makeFolder(const std::filesystem::path& folder);
 /// Writes without forcing to the disk: for what can be made again.
 Fault writeToFinalName(std::string_view bytes, const std::filesystem::path& to);
 Fault copyToFinalName(const std::filesystem::path& from, const std::filesystem::path& to);

@@ -19,8 +19,8 @@ WallTime QtClock::now() const {
     return WallTime(std::chrono::milliseconds(utc.toMSecsSinceEpoch() + offset * 1000));
 }
 
-/// With the time that the PC was asleep, as the system's clock on Windows counts it: after a sleep the
-/// wall clock has not been put forward.
+/// With the time that the PC was asleep, as the system's clock on Windows counts it: after a sleep
+/// the wall clock has not been put forward.
 Ticks QtClock::ticks() const {
 #ifdef CLOCK_BOOTTIME
     timespec now{};

@@ -109,8 +109,9 @@ TEST_F(Days, WhatIsFiledCountsWithoutReading) {
 
 /// What cannot be read is not called missed.
 TEST_F(Days, AFolderThatCannotBeReadIsNotEmpty) {
-    DayWatch unreadable(module, panel, clock,
-                        [](const auto&) { return DayListing{{}, "Permission denied"}; });
+    DayWatch unreadable(module, panel, clock, [](const auto&) {
+        return DayListing{{}, "Permission denied"};
+    });
     unreadable.refresh();
     unreadable.add(today / "20061115_120000_00.jpg");
     EXPECT_EQ(unreadable.plan().text, "today's folder cannot be read");
