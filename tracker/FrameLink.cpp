@@ -47,7 +47,7 @@ bool FrameLink::initCommunication() {
     return fail("initCommunication:COM Port EEROR");
 }
 
-Task<> FrameLink::SendFrame(std::uint8_t cmd, std::string data) {
+Task<> FrameLink::SendFrame(std::uint8_t cmd, const std::string& data) {
     MSComm1_.write(MakeFrame(cmd, data));
     return waitForOutput();
 }

@@ -41,7 +41,7 @@ class FrameLink {
     void closeCommunication() { MSComm1_.close(); }
     bool isOpen() const { return MSComm1_.isOpen(); }
 
-    Task<> SendFrame(std::uint8_t cmd, std::string data);
+    Task<> SendFrame(std::uint8_t cmd, const std::string& data);
     Task<> SendByte(std::uint8_t byte);
     /// Receives one byte; false: none came in time, or the port failed (logged).
     Task<bool> Get1Char(std::uint8_t& byte);
