@@ -161,6 +161,22 @@ TEST_F(Followed, TwoMissedInARowAreToldUntilACapture) {
     EXPECT_FALSE(days.isOverdue(at(2006, 11, 15, 15, 30)));
 }
 
+/// A plan is kept while only the time goes on: it is the one that a new look brings.
+TEST_F(Followed, ThePlanIsThatOfANewLook) {
+    module.image.Delay = 130;
+    days.refresh();
+    for (int minute = 0; minute < 24 * 60; ++minute) {
+        follow(1min);
+        if (minute == 51) file("20061115_130200_00.jpg"); // late, by the delay
+        if (minute == 300) module.schedule.EndTime = 20h;
+        if (minute == 51 || minute == 300) days.refresh();
+        DayWatch fresh(module, panel, clock);
+        fresh.refresh();
+        ASSERT_EQ(days.plan().text, fresh.plan().text) << minute;
+        ASSERT_EQ(days.plan().states, fresh.plan().states) << minute;
+    }
+}
+
 TEST_F(Followed, MinutesInARowReachAcrossMidnight) {
     module.schedule = {0h, 23h + 59min, 30min, {}};
     days.follow();
