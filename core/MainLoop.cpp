@@ -55,7 +55,6 @@ Task<> MainLoop::run() {
 Task<> MainLoop::pass() {
     Module1& module = station_.module;
     const WallTime now = station_.clock.now();
-    watchDay(now);
     watch(now);
     if (!module.RecordFlg) {
         station_.panel.Label11.caption = std::string();
@@ -154,6 +153,7 @@ void MainLoop::watch(WallTime now) {
     // at most passes nothing has changed; the revision grows with all that is looked at here
     const std::int64_t revision = station_.days.revision();
     if (std::exchange(watchedRevision_, revision) == revision) return;
+    watchDay(now);
     const std::int64_t minute = minuteIndex(now);
     const bool recording = station_.module.RecordFlg;
     const std::filesystem::path& folder = station_.panel.Dir1[0].path;
