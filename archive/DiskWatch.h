@@ -1,9 +1,9 @@
 #pragma once
 
-#include "station/Module1.h"
+#include "station/Schedule.h"
 
 #include <cstdint>
-#include <functional>
+#include <filesystem>
 #include <optional>
 #include <string>
 

@@ -4,8 +4,6 @@
 #include "platform/Conversions.h"
 #include "platform/Paths.h"
 
-#include <algorithm>
-
 namespace orvane {
 
 namespace {
@@ -55,6 +53,7 @@ Task<> ImageStore::run(Chain chain, Start start) {
         parts_.panel.Label7.caption = kError;
         parts_.log.write(std::string("ImageStore:") + fault.what());
     }
+    parts_.archive.flush(); // of a page that ended so
 }
 
 /// A run in progress, as the panel and the rest of the station see it.
