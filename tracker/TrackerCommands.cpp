@@ -54,8 +54,8 @@ void putSerial(std::span<std::uint8_t, 16> to, const std::string& text) {
 
 Task<Exchange> TrackerCommands::sendCommand(TrackerCommand command, int count) {
     link_.FlushInput();
-    std::string data = std::to_string(count);
-    Task<> sending = link_.SendFrame(static_cast<std::uint8_t>(command), std::move(data));
+    const std::string data = std::to_string(count);
+    Task<> sending = link_.SendFrame(static_cast<std::uint8_t>(command), data);
     co_await sending;
     std::uint8_t answer = 0;
     Task<bool> receiving = link_.Get1Char(answer);
