@@ -7,11 +7,10 @@
 #include "platform/Paths.h"
 #include "platform/SerialPort.h"
 #include "platform/SystemCalls.h"
+#include "platform/curl/CurlTransfer.h"
 #include "platform/qt/LibjpegImageControl.h"
 #include "platform/qt/QtClock.h"
-#include "platform/qt/QtHttpTransfer.h"
 #include "platform/qt/QtSettingsStore.h"
-#include "platform/qt/QtWebBrowser.h"
 #include "station/TaskGroup.h"
 #include "tracker/PortSelection.h"
 #include "tracker/TimeSetting.h"
@@ -44,10 +43,7 @@ QIcon programIcon() {
 /// last, so that they are destroyed first.
 class Program {
   public:
-    Program() {
-        prepareManager(manager_);
-        module_.programFolder = toPath(QCoreApplication::applicationDirPath());
-    }
+    Program() { module_.programFolder = toPath(QCoreApplication::applicationDirPath()); }
 
     /// Opens the countdown dialog and nothing else.
     void open() {
@@ -68,10 +64,6 @@ class Program {
     }
 
   private:
-    std::unique_ptr<QtWebBrowser> browser() {
-        return std::make_unique<QtWebBrowser>(std::make_unique<QtHttpTransfer>(manager_, clock_),
-                                              clock_);
-    }
     std::filesystem::path defaultDataFolder() const {
         return toPath(QStandardPaths::writableLocation(QStandardPaths::PicturesLocation)) /
                "Orvane";
@@ -117,14 +109,14 @@ class Program {
 
     QtClock clock_;
     QtSettingsStore store_;
-    QNetworkAccessManager manager_;
-    QtHttpTransfer http_{manager_, clock_};
-    std::unique_ptr<QtWebBrowser> webBrowserTst_ = browser();
-    std::unique_ptr<QtWebBrowser> wbBrowser1_ = browser();
-    std::unique_ptr<QtWebBrowser> wbBrowser2_ = browser();
-    std::unique_ptr<QtWebBrowser> wbSystemTm_ = browser();
-    std::unique_ptr<QtWebBrowser> gapBrowser_ = browser();
-    QtHttpTransfer gapTransfer_{manager_, clock_};
+    CurlLoop curl_;
+    CurlTransfer inetFileGet_{curl_, clock_};
+    CurlTransfer WebBrowserTst_{curl_, clock_};
+    CurlTransfer WbBrowser1_{curl_, clock_};
+    CurlTransfer WbBrowser2_{curl_, clock_};
+    CurlTransfer wbSystemTm_{curl_, clock_};
+    CurlTransfer gapPages_{curl_, clock_};
+    CurlTransfer gapTransfer_{curl_, clock_};
     std::unique_ptr<SerialPort> MSComm1_ =
         makeSerialPort([this](int port) { return devicePath(port); });
     LibjpegImageControl imageControl_{clock_};
@@ -146,20 +138,20 @@ class Program {
     PanelSettings settings_{module_, panel_, store_, defaultDataFolder()};
     PanelStatus status_{module_, panel_, clock_};
     Recording recording_{module_, panel_, settings_, status_, log_, op_, clock_};
-    CameraPanel camera_{module_, panel_, http_, *webBrowserTst_, views_, busy_, op_};
+    CameraPanel camera_{module_, panel_, inetFileGet_, WebBrowserTst_, views_, busy_, op_, clock_};
     FileWriter files_{FileWriter::Force::Yes};
     PictureArchive archive_{
         {module_, days_, disk_, files_, imageControl_, views_, warnings_, log_, clock_}};
-    ImageStore imageStore_{
-        {module_, panel_, archive_, http_, *wbBrowser1_, *wbBrowser2_, log_, op_, clock_, busy_}};
+    ImageStore imageStore_{{module_, panel_, archive_, inetFileGet_, WbBrowser1_, WbBrowser2_, log_,
+                            op_, clock_, busy_}};
     GapFilling gaps_{
-        {module_, panel_, days_, archive_, *gapBrowser_, gapTransfer_, log_, clock_, busy_}};
+        {module_, panel_, days_, archive_, gapPages_, gapTransfer_, log_, clock_, busy_}};
     FolderScan folderScan_{module_, panel_};
     FrameLink link_{*MSComm1_, store_, log_, clock_, module_};
     TrackerCommands commands_{link_};
     PortSelection portSelection_{store_, *MSComm1_, log_, op_};
     TimeSettingForm timeForm_;
-    TimeSetting timeSetting_{timeForm_, panel_, commands_, *wbSystemTm_, log_, op_, clock_, busy_};
+    TimeSetting timeSetting_{timeForm_, panel_, commands_, wbSystemTm_, log_, op_, clock_, busy_};
     OptionForm optionForm_;
     TrackerOptions options_{optionForm_,           module_, commands_, log_, op_, busy_,
                             [this] { takeSite(); }};
@@ -173,8 +165,7 @@ class Program {
                      recording_,
                      camera_,
                      imageStore_,
-                     http_,
-                     {wbBrowser2_.get(), wbBrowser1_.get(), webBrowserTst_.get()},
+                     inetFileGet_,
                      days_,
                      disk_,
                      archive_,

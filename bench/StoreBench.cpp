@@ -1,7 +1,6 @@
 #include "camera/ImageStore.h"
+#include "platform/curl/CurlTransfer.h"
 #include "platform/qt/QtClock.h"
-#include "platform/qt/QtHttpTransfer.h"
-#include "platform/qt/QtWebBrowser.h"
 #include "tests/support/Fakes.h"
 #include "tests/support/TempFolder.h"
 
@@ -58,7 +57,6 @@ class CameraProcess {
 
 struct Station {
     explicit Station(const std::string& port) {
-        prepareManager(manager);
         panel.Dir1[0].path = folder.path();
         panel.txtIp.text = "127.0.0.1";
         panel.txtPort.text = port;
@@ -67,10 +65,10 @@ struct Station {
     }
     TempFolder folder;
     QtClock clock;
-    QNetworkAccessManager manager;
-    QtHttpTransfer transfer{manager, clock};
-    QtWebBrowser browser1{std::make_unique<QtHttpTransfer>(manager, clock), clock};
-    QtWebBrowser browser2{std::make_unique<QtHttpTransfer>(manager, clock), clock};
+    CurlLoop curl;
+    CurlTransfer transfer{curl, clock};
+    CurlTransfer pages1{curl, clock};
+    CurlTransfer pages2{curl, clock};
     FakeOperator op{clock};
     FakeViews views;
     FakeImageControl imageControl;
@@ -83,7 +81,7 @@ struct Station {
     DiskWatch disk;
     FileWriter files{FileWriter::Force::No};
     PictureArchive archive{{module, days, disk, files, imageControl, views, warnings, log, clock}};
-    ImageStore store{{module, panel, archive, transfer, browser1, browser2, log, op, clock, busy}};
+    ImageStore store{{module, panel, archive, transfer, pages1, pages2, log, op, clock, busy}};
 };
 
 double seconds(std::chrono::steady_clock::time_point since) {

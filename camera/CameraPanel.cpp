@@ -12,6 +12,7 @@ namespace orvane {
 namespace {
 
 constexpr const char* kRecordingSwitch = "/cgi/live_s_hide2.cgi";
+constexpr Ticks kTurn = 10ms; ///< between two looks whether a transfer has ended
 
 /// Overwrites `file` from its start without shortening it.
 Fault overwriteInPlace(const std::filesystem::path& file, const std::string& bytes) {
@@ -46,14 +47,32 @@ Task<HttpReply> CameraPanel::DownloadFile(std::string url, std::filesystem::path
 }
 
 void CameraPanel::Command5_Click() {
-    webBrowserTst_.navigate(cameraBaseUrl(panel_) + kRecordingSwitch + "?rec=1");
+    switchRecording("?rec=1");
 }
 
 void CameraPanel::Command7_Click() {
-    webBrowserTst_.navigate(cameraBaseUrl(panel_) + kRecordingSwitch + "?rec=0");
+    switchRecording("?rec=0");
+}
+
+void CameraPanel::switchRecording(const char* query) {
+    switches_.push_back(cameraBaseUrl(panel_) + kRecordingSwitch + query);
+    if (!sending_.done()) return;
+    sending_ = sendSwitches();
+    sending_.start();
+}
+
+Task<> CameraPanel::sendSwitches() {
+    while (!switches_.empty()) {
+        std::string url = std::move(switches_.front());
+        switches_.pop_front();
+        Task<HttpReply> asking = WebBrowserTst_.get(std::move(url), Wanted::Nothing);
+        co_await asking;
+    }
 }
 
 Task<> CameraPanel::Command8_Click() {
+    while (inetFileGet_.running() && !busy_.active())
+        co_await clock_.sleep(kTurn);
     if (busy_.active()) co_return;
     std::string url = cameraBaseUrl(panel_) + kLatestImagePath;
     std::filesystem::path folder = module_.programFolder / "";

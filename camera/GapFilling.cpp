@@ -2,6 +2,7 @@
 
 #include "camera/CameraPanel.h"
 #include "camera/StoreSearch.h"
+#include "platform/Page.h"
 #include "platform/Paths.h"
 
 #include <algorithm>
@@ -36,7 +37,7 @@ void GapFilling::step() {
 void GapFilling::standBack() {
     if (round_.done()) return;
     stoodBack_ = true;
-    pages_.cancel();
+    parts_.pages.cancel();
     parts_.transfer.cancel();
 }
 
@@ -126,11 +127,12 @@ std::string GapFilling::pathOf(std::string_view reply, Minute minute) {
 }
 
 Task<GapFilling::Outcome> GapFilling::fill(Minute minute) {
-    pages_.navigate(cameraBaseUrl(parts_.panel) + kSearchPath + "?" +
-                    searchQuery(stampOf(momentOf(minute))));
-    Task<std::string> loading = pages_.document();
-    const std::string reply = co_await loading;
+    Task<HttpReply> loading =
+        getPage(parts_.pages, cameraBaseUrl(parts_.panel) + kSearchPath + "?" +
+                                  searchQuery(stampOf(momentOf(minute))));
+    const HttpReply answer = co_await loading;
     if (stoodBack_) co_return Outcome::StoodBack;
+    const std::string_view reply = answer.ok ? std::string_view(answer.body) : std::string_view();
     if (isNoData(reply)) co_return Outcome::NotHeld;
     if (!isPictureList(reply)) co_return Outcome::NoAnswer;
     std::string path = pathOf(reply, minute);

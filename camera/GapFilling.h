@@ -1,7 +1,6 @@
 #pragma once
 
 #include "archive/PictureArchive.h"
-#include "camera/PageLoader.h"
 #include "platform/HttpTransfer.h"
 #include "station/Busy.h"
 
@@ -28,14 +27,14 @@ class GapFilling {
         const OperationPanel& panel;
         DayWatch& days;
         PictureArchive& archive;
-        WebBrowser& browser;    ///< for this alone
+        HttpTransfer& pages;    ///< for this alone
         HttpTransfer& transfer; ///< so is this
         ErrorLog& log;
         Clock& clock;
         Busy& busy;
     };
 
-    explicit GapFilling(Parts parts) : parts_(parts), pages_(parts.browser, parts.clock) {}
+    explicit GapFilling(Parts parts) : parts_(parts) {}
 
     /// Starts the next round when there is something to do; cheap when there is not. Not to be
     /// called while a due minute waits for its picture.
@@ -69,7 +68,6 @@ class GapFilling {
     void giveUp(Minute minute);
 
     Parts parts_;
-    PageLoader pages_;
     Task<> round_;
     std::map<Minute, Asked> asked_; ///< of the day and folder that were looked at last
     std::filesystem::path folder_;

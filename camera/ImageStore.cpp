@@ -2,6 +2,7 @@
 
 #include "archive/SchFile.h"
 #include "platform/Conversions.h"
+#include "platform/Page.h"
 #include "platform/Paths.h"
 
 namespace orvane {
@@ -11,6 +12,7 @@ namespace {
 constexpr int kFruitlessPages = 10;
 constexpr int kLoggedSkips = 10;
 constexpr int kSkipsPerTurn = 1000;
+constexpr const char* kNothingUsable = "No answer or nothing usable in it";
 constexpr std::int16_t kReplyTicks = 10;
 constexpr double kPendingMinutes = 30;
 
@@ -37,8 +39,8 @@ Task<> ImageStore::cmd_Download() {
 void ImageStore::Command6_Click() {
     if (!running_) return;
     download_.stop();
-    WbBrowser1_.cancel();
-    WbBrowser2_.cancel();
+    parts_.WbBrowser1.cancel();
+    parts_.WbBrowser2.cancel();
 }
 
 /// What nobody foresaw ends the run, not the program.
@@ -66,29 +68,26 @@ void ImageStore::setRunning(bool running) {
     panel.pgb_run.maximum = 0;
     panel.pgb_run.visible = running;
     if (running) return;
-    download_.expect({});
     // a run may end with the button locked, and recording must always be stoppable
     panel.Command2.enabled = parts_.module.RecordFlg && !parts_.module.capturing;
 }
 
 Task<> ImageStore::runPages(Chain chain, Start start) {
     begin(start);
-    PageLoader& pages = pagesOf(chain);
     if (!navigate(chain)) co_return;
     if (start.tellSilence) {
-        Task<> waiting = waitForReply(pages);
+        Task<> waiting = waitForReply();
         co_await waiting;
     }
     for (int page = 1;; ++page) {
-        Task<std::string> loading = pages.document();
-        std::string reply = co_await loading;
+        HttpReply reply = co_await page_;
         Task<PageEnd> reading = readPage(chain, std::move(reply));
         const PageEnd ended = co_await reading;
         parts_.archive.flush();
         if (ended == PageEnd::Completed) complete();
         if (ended != PageEnd::NextPage) co_return;
         if (page == kFruitlessPages) {
-            end(PageEnd::Failed, kError);
+            end(PageEnd::Failed, kError, kNothingUsable);
             co_return;
         }
         if (!navigate(chain)) co_return;
@@ -126,7 +125,8 @@ bool ImageStore::navigate(Chain chain) {
     const std::string& query = parts_.panel.Label7.caption;
     if (chain == Chain::Search && !query.empty()) url += "?" + query;
     parts_.panel.pgb_run.maximum = 0;
-    pagesOf(chain).navigate(std::move(url));
+    page_ = getPage(chain == Chain::Search ? parts_.WbBrowser1 : parts_.WbBrowser2, std::move(url));
+    page_.start();
     return true;
 }
 
@@ -157,7 +157,7 @@ bool ImageStore::buildQuery(WallTime from) {
     return true;
 }
 
-Task<> ImageStore::waitForReply(PageLoader& pages) {
+Task<> ImageStore::waitForReply() {
     co_await parts_.clock.sleep(24ms);
     parts_.module.searchTicks = 0;
     do {
@@ -166,18 +166,16 @@ Task<> ImageStore::waitForReply(PageLoader& pages) {
             parts_.panel.Label7.caption = kError;
             co_return;
         }
-    } while (pages.busy());
+    } while (!page_.done());
 }
 
-Task<ImageStore::PageEnd> ImageStore::readPage(Chain chain, std::string reply) {
+Task<ImageStore::PageEnd> ImageStore::readPage(Chain chain, HttpReply reply) {
     if (chain == Chain::Search) parts_.panel.Command2.enabled = false;
     if (download_.stopped()) co_return end(PageEnd::Failed, kInterrupted);
-    if (reply.empty()) co_return end(PageEnd::Failed, kError);
-    if (isNoData(reply)) {
-        if (chain == Chain::Search) WbBrowser1_.navigate("about:blank");
-        co_return end(PageEnd::Completed, kNoFile);
-    }
-    Task<PageEnd> reading = readRecords(std::move(reply));
+    if (!reply.ok) co_return end(PageEnd::Failed, kError, reply.fault);
+    if (reply.body.empty()) co_return end(PageEnd::Failed, kError, kNothingUsable);
+    if (isNoData(reply.body)) co_return end(PageEnd::Completed, kNoFile);
+    Task<PageEnd> reading = readRecords(std::move(reply.body));
     const PageEnd ended = co_await reading;
     co_return ended;
 }
@@ -203,23 +201,12 @@ Task<ImageStore::PageEnd> ImageStore::readRecords(std::string reply) {
         panel.Label7.caption = "DownLoad File : " + std::string(name) + " ...";
         ParseImageName(name, stamp_);
         if (CompareStamp(stamp_, endStamp_) == 1) co_return end(PageEnd::Completed, kComplete);
-        expectNext(rest);
         Task<bool> looking = Sync_file(std::string(name));
         if (co_await looking) continue;
         Task<bool> fetching = download_.fetch(std::string(*path), std::string(name));
         if (co_await fetching) pageDownloaded = true;
-        if (download_.hopeless()) co_return end(PageEnd::Failed, kError);
+        if (download_.hopeless()) co_return end(PageEnd::Failed, kError, kNothingUsable);
     }
-}
-
-/// Has the next record's picture on its way while this one is being filed.
-void ImageStore::expectNext(std::string_view rest) {
-    const auto path = nextPicturePath(rest);
-    if (!path || !isPlainName(FileNameOfPath(*path))) return;
-    ImageStamp stamp = stamp_;
-    ParseImageName(FileNameOfPath(*path), stamp);
-    if (CompareStamp(stamp, endStamp_) == 1) return;
-    download_.expect(*path);
 }
 
 Task<bool> ImageStore::Sync_file(std::string name) {
@@ -248,9 +235,10 @@ void ImageStore::complete() {
     parts_.panel.lbl_sync.caption = "30";
 }
 
-ImageStore::PageEnd ImageStore::end(PageEnd end, const char* message) {
+/// A failure has a reason, for the log.
+ImageStore::PageEnd ImageStore::end(PageEnd end, const char* message, const std::string& reason) {
     parts_.panel.Label7.caption = message;
-    if (message == kError) parts_.log.write("ImageStore:No answer or nothing usable in it");
+    if (!reason.empty()) parts_.log.write("ImageStore:" + reason);
     return end;
 }
 

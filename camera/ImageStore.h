@@ -1,6 +1,5 @@
 #pragma once
 
-#include "camera/PageLoader.h"
 #include "camera/PictureDownload.h"
 #include "camera/StoreSearch.h"
 
@@ -18,9 +17,7 @@ class ImageStore {
   public:
     using Parts = StoreParts;
 
-    explicit ImageStore(Parts parts)
-        : parts_(parts), download_(parts_), WbBrowser1_(parts.WbBrowser1, parts.clock),
-          WbBrowser2_(parts.WbBrowser2, parts.clock) {}
+    explicit ImageStore(Parts parts) : parts_(parts), download_(parts_) {}
 
     /// Search and download, from the panel's button.
     Task<> Test_DL();
@@ -31,6 +28,8 @@ class ImageStore {
     /// Stops the run wherever it is.
     void Command6_Click();
     bool running() const { return running_; }
+    /// Whether a picture of the run is on its way, which a capture waits for.
+    bool transferring() const { return download_.transferring(); }
 
     /// Moves the from-date back by the search span (half an hour more when a synchronisation is
     /// pending) and puts the query into `Label7`. False: the start time is invalid, as it says
@@ -57,20 +56,17 @@ class ImageStore {
     void begin(const Start& start);
     void makeFolders(const Start& start);
     bool navigate(Chain chain);
-    Task<> waitForReply(PageLoader& pages);
-    Task<PageEnd> readPage(Chain chain, std::string reply);
+    Task<> waitForReply();
+    Task<PageEnd> readPage(Chain chain, HttpReply reply);
     Task<PageEnd> readRecords(std::string reply);
-    void expectNext(std::string_view rest);
     bool buildQuery(WallTime from);
     void skip(std::string_view name);
     void complete();
-    PageEnd end(PageEnd end, const char* message);
-    PageLoader& pagesOf(Chain chain) { return chain == Chain::Search ? WbBrowser1_ : WbBrowser2_; }
+    PageEnd end(PageEnd end, const char* message, const std::string& reason = {});
 
     Parts parts_;
     PictureDownload download_;
-    PageLoader WbBrowser1_;
-    PageLoader WbBrowser2_;
+    Task<HttpReply> page_; ///< the page that was asked for last
     bool running_ = false;
     std::filesystem::path datedFolder_; ///< ends in a separator
     WallTime fromDate_{};

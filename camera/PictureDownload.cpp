@@ -9,7 +9,7 @@ namespace {
 
 constexpr int kFailedPictures = 20;
 constexpr int kRequests = 20'000;
-constexpr int kAttempts = 3; // for a picture that captures cut off
+constexpr Ticks kTurn = 10ms; ///< between two looks whether a transfer has ended
 
 } // namespace
 
@@ -19,12 +19,7 @@ void PictureDownload::begin(const std::filesystem::path& folder) {
     downloaded_ = 0;
     failedInARow_ = requested_ = 0;
     parts_.module.filesFetched = 0;
-    parts_.panel.lbl_dlcnt.caption = "0";
-}
-
-void PictureDownload::expect(std::string_view path) {
-    parts_.inetFileGet.expect(path.empty() ? std::string()
-                                           : cameraBaseUrl(parts_.panel) + "/" + std::string(path));
+    parts_.panel.lbl_dlcnt.caption = std::to_string(downloaded_);
 }
 
 void PictureDownload::stop() {
@@ -52,16 +47,13 @@ Task<bool> PictureDownload::fetch(std::string path, std::string name) {
 
 Task<HttpReply> PictureDownload::download(std::string url) {
     HttpReply reply;
-    for (int attempt = 0; attempt < kAttempts; ++attempt) {
-        while (parts_.module.capturing && !stopped_)
-            co_await parts_.clock.sleep(100ms);
-        if (stopped_) break;
-        const Scope transferring(transferring_);
-        parts_.inetFileGet.cancel();
-        Task<HttpReply> transfer = parts_.inetFileGet.get(url);
-        reply = co_await transfer;
-        if (reply.ok || !parts_.module.capturing) break;
-    }
+    // a test fetch or the live view may still have its picture on the way
+    while ((parts_.module.capturing || parts_.inetFileGet.running()) && !stopped_)
+        co_await parts_.clock.sleep(kTurn);
+    if (stopped_) co_return reply;
+    const Scope transferring(transferring_);
+    Task<HttpReply> transfer = parts_.inetFileGet.get(std::move(url));
+    reply = co_await transfer;
     co_return reply;
 }
 

@@ -11,16 +11,16 @@ struct StoreParts {
     OperationPanel& panel;
     PictureArchive& archive;
     HttpTransfer& inetFileGet;
-    WebBrowser& WbBrowser1;
-    WebBrowser& WbBrowser2;
+    HttpTransfer& WbBrowser1; ///< for the pages of searches
+    HttpTransfer& WbBrowser2; ///< for the pages of synchronisations
     ErrorLog& log;
     Operator& op;
     Clock& clock;
     Busy& busy;
 };
 
-/// Downloads the listed pictures of one run into its dated folder. Captures go first: while one is
-/// in progress nothing is fetched, and a picture whose transfer it cut off is fetched again.
+/// Downloads the listed pictures of one run into its dated folder, one by one. Captures go first:
+/// while one is in progress nothing new is fetched.
 class PictureDownload {
   public:
     explicit PictureDownload(const StoreParts& parts) : parts_(parts) {}
@@ -30,12 +30,12 @@ class PictureDownload {
     /// Fetches the picture at `path` on the camera under `name`, a plain name. True: the archive
     /// holds it; else the reason is logged.
     Task<bool> fetch(std::string path, std::string name);
-    /// Has the picture that will be fetched next on its way while another is being filed.
-    void expect(std::string_view path);
     /// Ends the run's transfer; nothing more is fetched.
     void stop();
 
     bool stopped() const { return stopped_; }
+    /// Whether a picture is on its way, which a capture waits for.
+    bool transferring() const { return transferring_; }
     /// So many pictures failed in a row, or were asked for in all, that the run had better end.
     bool hopeless() const;
 

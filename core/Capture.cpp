@@ -19,6 +19,8 @@ Task<HttpReply> fetch(Station& station) {
             "cannot remove the old " + std::string(kWorkingPicture) + ": " + error.message();
         co_return reply;
     }
+    while (station.store.transferring()) // a run's picture on its way, 60 s at most
+        co_await station.clock.sleep(10ms);
     Task<HttpReply> download =
         station.camera.DownloadFile(cameraBaseUrl(station.panel) + kLatestImagePath,
                                     station.module.programFolder / "", kWorkingPicture);

@@ -220,7 +220,8 @@ void MainLoop::startSynchronisation() {
 }
 
 void MainLoop::startLiveView() {
-    const bool wanted = station_.panel.chkLive.ticked && !station_.busy.active();
+    const bool wanted =
+        station_.panel.chkLive.ticked && !station_.busy.active() && !station_.http.running();
     if (!wanted || !live_.done() || station_.clock.ticks() < nextLive_) return;
     nextLive_ = station_.clock.ticks() + kLiveInterval;
     live_ = showLivePicture();

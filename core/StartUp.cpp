@@ -13,8 +13,6 @@ std::optional<std::string> StartUp(Station& station) {
     station.status.initStatus();
     station.recording.ready();
     station.log.write("Orvane Starting");
-    for (WebBrowser* browser : station.browsers)
-        browser->navigate("about:blank");
 
     module.imageProcessing = true;
     module.syncPending = false;

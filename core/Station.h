@@ -11,7 +11,6 @@
 #include "platform/Clock.h"
 #include "platform/HttpTransfer.h"
 #include "platform/Operator.h"
-#include "platform/WebBrowser.h"
 #include "station/Busy.h"
 #include "station/ErrorLog.h"
 #include "station/ImageViews.h"
@@ -34,7 +33,6 @@ struct Station {
     CameraPanel& camera;
     ImageStore& store;
     HttpTransfer& http;
-    std::array<WebBrowser*, 3> browsers;
     DayWatch& days;
     DiskWatch& disk;
     PictureArchive& archive;

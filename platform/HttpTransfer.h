@@ -6,7 +6,7 @@
 
 namespace orvane {
 
-/// What a GET brought. `ok` is true only for a complete answer with a status below 400.
+/// What a GET brought. `ok` is true only for a complete answer with a status of 2xx.
 struct HttpReply {
     bool ok = false;
     int status = 0;    ///< HTTP status, 0 when there was no answer
@@ -14,18 +14,23 @@ struct HttpReply {
     std::string fault; ///< why not, for the log; empty when `ok`
 };
 
-/// One GET at a time to bytes. Every call ends by itself: after 10 s without a byte, 60 s in all,
-/// or a body beyond the size limit.
+/// What an answer is asked for. A picture and a page must have a body (128 MB and 4 MB at most);
+/// of a mere request (a switch) only the status counts.
+enum class Wanted { Picture, Page, Nothing };
+
+/// One GET at a time to bytes, over plain HTTP. Every call ends by itself: after 10 s without a
+/// byte, 60 s in all, or a body beyond its limit.
 class HttpTransfer {
   public:
     virtual ~HttpTransfer() = default;
-    /// Fetches `url` as it stands. A transfer that is still running is cancelled first.
-    virtual Task<HttpReply> get(std::string url) = 0;
-    /// Tells what will be fetched soon; it may be fetched ahead, beside the running transfer. Only
-    /// for what does not change with time. An empty text drops what was fetched ahead.
-    virtual void expect(const std::string& url) { static_cast<void>(url); }
-    /// Ends the running transfer, whose `get` then answers a failure.
+    /// Fetches `url` as it stands ("http://" is added where no scheme is). A transfer that is still
+    /// running is cancelled first.
+    virtual Task<HttpReply> get(std::string url, Wanted wanted) = 0;
+    Task<HttpReply> get(std::string url) { return get(std::move(url), Wanted::Picture); }
+    /// Ends the running transfer, whose `get` then answers the fault "cancelled".
     virtual void cancel() = 0;
+    /// Whether a transfer is under way.
+    virtual bool running() const = 0;
 };
 
 } // namespace orvane

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cassert>
 #include <coroutine>
 #include <exception>
 #include <optional>
@@ -59,6 +60,7 @@ struct PromiseBase {
     /// Set while the awaiting coroutine is still on the stack below: a task that ends before its
     /// first real wait hands back by returning, so loops over such tasks do not grow the stack.
     bool startedInline = false;
+    bool started = false;
 
     struct FinalAwaiter {
         bool await_ready() const noexcept { return false; }
@@ -91,8 +93,9 @@ struct Promise<void> : PromiseBase {
 
 } // namespace detail
 
-/// A routine that waits. It starts when it is awaited (or by `start`), belongs to whoever holds
-/// the Task, and is destroyed with it, wherever it is suspended.
+/// A routine that waits. It starts when it is awaited (or by `start`, to be awaited later, by one
+/// coroutine, or never), belongs to whoever holds the Task, and is destroyed with it, wherever it
+/// is suspended.
 template <class T = void>
 class [[nodiscard]] Task {
   public:
@@ -113,8 +116,12 @@ class [[nodiscard]] Task {
     }
     ~Task() { reset(); }
 
-    /// Runs up to the first wait. For a task that its owner keeps and nobody awaits.
-    void start() { handle_.resume(); }
+    /// Runs up to the first wait, once.
+    void start() {
+        assert(!handle_.promise().started);
+        handle_.promise().started = true;
+        handle_.resume();
+    }
     bool done() const { return !handle_ || handle_.done(); }
     /// The result of a task that is done; throws what the task threw.
     T result() {
@@ -125,10 +132,12 @@ class [[nodiscard]] Task {
         if (handle_) std::exchange(handle_, {}).destroy();
     }
 
-    bool await_ready() const noexcept { return false; }
+    bool await_ready() const noexcept { return handle_.done(); }
     bool await_suspend(std::coroutine_handle<> awaiting) {
         promise_type& promise = handle_.promise();
+        assert(!promise.continuation);
         promise.continuation = awaiting;
+        if (std::exchange(promise.started, true)) return true;
         promise.startedInline = true;
         handle_.resume();
         promise.startedInline = false;

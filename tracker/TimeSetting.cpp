@@ -34,7 +34,7 @@ std::string clockQuery(WallTime target) {
 }
 
 TimeSetting::TimeSetting(TimeSettingForm& form, OperationPanel& panel, TrackerCommands& commands,
-                         WebBrowser& wbSystemTm, ErrorLog& log, Operator& op, Clock& clock,
+                         HttpTransfer& wbSystemTm, ErrorLog& log, Operator& op, Clock& clock,
                          Busy& busy)
     : form_(form), panel_(panel), commands_(commands), wbSystemTm_(wbSystemTm), log_(log), op_(op),
       clock_(clock), busy_(busy) {}
@@ -52,13 +52,18 @@ Task<> TimeSetting::activate() {
     log_.write("Adjust Time : " + dateAndTime(clock_.now()));
     co_await clock_.sleep(1000ms);
     form_.txtSystemQuery.text = clockQuery(target);
-    wbSystemTm_.navigate(cameraBaseUrl(panel_) + "/cgi/conf_sys_inp.cgi" +
-                         form_.txtSystemQuery.text.get());
+    request("/cgi/conf_sys_inp.cgi" + form_.txtSystemQuery.text.get());
     co_await clock_.sleep(7000ms);
     form_.Label2[0].caption = "カメラ時刻校正:" + dateAndTime(target);
     form_.Label2[0].blue = true;
-    wbSystemTm_.navigate(cameraBaseUrl(panel_) + "/cgi/live_s_hide2.cgi?rec=1");
+    request("/cgi/live_s_hide2.cgi?rec=1");
     co_await clock_.sleep(3000ms);
+}
+
+/// A request that has no answer yet is given up for the next one.
+void TimeSetting::request(std::string path) {
+    request_ = wbSystemTm_.get(cameraBaseUrl(panel_) + path, Wanted::Nothing);
+    request_.start();
 }
 
 Task<std::optional<std::string>> TimeSetting::setTrackerClock(bool automatic) {

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "platform/HttpTransfer.h"
 #include "platform/Operator.h"
-#include "platform/WebBrowser.h"
 #include "station/Busy.h"
 #include "station/OperationPanel.h"
 #include "tracker/TrackerCommands.h"
@@ -30,7 +30,7 @@ struct TimeSettingForm {
 class TimeSetting {
   public:
     TimeSetting(TimeSettingForm& form, OperationPanel& panel, TrackerCommands& commands,
-                WebBrowser& wbSystemTm, ErrorLog& log, Operator& op, Clock& clock, Busy& busy);
+                HttpTransfer& wbSystemTm, ErrorLog& log, Operator& op, Clock& clock, Busy& busy);
 
     /// The camera's clock, when the dialog is activated. Ends when both requests are out. The
     /// camera's answers are not looked at.
@@ -49,16 +49,18 @@ class TimeSetting {
     Task<> switchTracking(bool on);
     std::optional<std::string> faultOf(Exchange clockSet);
     void setRunning(bool running);
+    void request(std::string path);
 
     TimeSettingForm& form_;
     OperationPanel& panel_;
     TrackerCommands& commands_;
-    WebBrowser& wbSystemTm_;
+    HttpTransfer& wbSystemTm_;
     ErrorLog& log_;
     Operator& op_;
     Clock& clock_;
     Busy& busy_;
     WallTime target_{};
+    Task<HttpReply> request_; ///< nobody waits for its answer
     bool running_ = false;
 };
 

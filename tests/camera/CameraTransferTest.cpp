@@ -1,10 +1,11 @@
 #include "camera/CameraPanel.h"
 #include "imaging/JpegMarkers.h"
+#include "platform/Page.h"
+#include "platform/curl/CurlTransfer.h"
 #include "platform/qt/QtClock.h"
-#include "platform/qt/QtHttpTransfer.h"
-#include "platform/qt/QtWebBrowser.h"
 #include "simulators/sky-camera/SkyCamera.h"
 #include "tests/support/Fakes.h"
+#include "tests/support/Finish.h"
 #include "tests/support/TempFolder.h"
 
 #include <gtest/gtest.h>
@@ -19,29 +20,27 @@ namespace {
 
 /// The station's camera operations against the simulated camera, over real connections.
 struct CameraTransfer : testing::Test {
-    static constexpr HttpLimits kLimits{300ms, 900ms, 1024 * 1024};
+    static constexpr HttpLimits kLimits{300ms, 900ms};
 
     CameraTransfer() {
         skycamera::SkyCameraOptions options;
         options.size = {320, 240};
         simulator = std::make_unique<skycamera::SkyCamera>(options);
         EXPECT_TRUE(simulator->start());
-        prepareManager(manager);
         module.programFolder = folder.path();
         panel.txtIp.text = "127.0.0.1";
         panel.txtPort.text = std::to_string(simulator->port());
     }
 
     template <class T>
-    T finish(Task<T> task) {
+    T run(Task<T> task) {
         task.start();
-        EXPECT_TRUE(QTest::qWaitFor([&] { return task.done(); }, 5000));
-        return task.result();
+        return finish(task);
     }
     bool download(const std::string& path = kLatestImagePath) {
-        reason = finish(camera.DownloadFile(cameraBaseUrl(panel) + path, folder.path() / "",
-                                            "picture.jpg"))
-                     .fault;
+        reason =
+            run(camera.DownloadFile(cameraBaseUrl(panel) + path, folder.path() / "", "picture.jpg"))
+                .fault;
         return reason.empty();
     }
     std::string picture() const {
@@ -57,15 +56,15 @@ struct CameraTransfer : testing::Test {
     TempFolder folder;
     std::unique_ptr<skycamera::SkyCamera> simulator;
     QtClock clock;
-    QNetworkAccessManager manager;
-    QtHttpTransfer transfer{manager, clock, kLimits};
-    QtWebBrowser browser{std::make_unique<QtHttpTransfer>(manager, clock, kLimits), clock};
+    CurlLoop curl;
+    CurlTransfer transfer{curl, clock, kLimits};
+    CurlTransfer switches{curl, clock, kLimits};
     FakeOperator op{clock};
     FakeViews views;
     Busy busy;
     Module1 module;
     OperationPanel panel;
-    CameraPanel camera{module, panel, transfer, browser, views, busy, op};
+    CameraPanel camera{module, panel, transfer, switches, views, busy, op, clock};
 };
 
 TEST_F(CameraTransfer, FetchesAFreshWholePictureEachTime) {
@@ -87,7 +86,7 @@ TEST_F(CameraTransfer, EveryFaultIsNoticedInBoundedTime) {
         {"refuse", false},     {"silent", false},     {"reset", false},       {"stall", false},
         {"drip:200", false},   {"short", false},      {"nolength-cut", true}, {"status:401", false},
         {"status:404", false}, {"status:500", false}, {"status:503", false},  {"html", true},
-        {"empty", true},       {"cut", true},
+        {"empty", false},      {"cut", true},
     };
     const std::string old = "what stood here before";
     for (const auto& [fault, arrives] : cases) {
@@ -110,10 +109,11 @@ TEST_F(CameraTransfer, EveryFaultIsNoticedInBoundedTime) {
 
 TEST_F(CameraTransfer, AHugeAnswerIsCutOff) {
     ASSERT_TRUE(simulator->setFault(QString("list-big:5"), 0, "/cgi/srch.cgi"));
-    QtHttpTransfer small(manager, clock, {3s, 5s, 100'000});
-    const HttpReply reply = finish(small.get(cameraBaseUrl(panel) + "/cgi/srch.cgi"));
-    EXPECT_FALSE(reply.ok);
-    EXPECT_EQ(reply.fault, "the answer is too large");
+    for (const Wanted wanted : {Wanted::Page, Wanted::Nothing}) {
+        const HttpReply reply = run(transfer.get(cameraBaseUrl(panel) + "/cgi/srch.cgi", wanted));
+        EXPECT_FALSE(reply.ok);
+        EXPECT_EQ(reply.fault, "the answer is too large");
+    }
 }
 
 /// The body goes over the start of the file; what stood behind it stays.
@@ -148,8 +148,7 @@ TEST_F(CameraTransfer, ANewTransferTakesOverAndADroppedOneEnds) {
     hanging.start();
     QTest::qWait(20);
     EXPECT_TRUE(download()) << reason;
-    EXPECT_TRUE(QTest::qWaitFor([&] { return hanging.done(); }, 1000));
-    EXPECT_EQ(hanging.result().fault, "cancelled");
+    EXPECT_EQ(finish(hanging).fault, "cancelled");
 
     ASSERT_TRUE(simulator->setFault(QString("silent"), 1));
     Task<HttpReply> dropped = transfer.get(cameraBaseUrl(panel) + kLatestImagePath);
@@ -159,57 +158,39 @@ TEST_F(CameraTransfer, ANewTransferTakesOverAndADroppedOneEnds) {
     EXPECT_TRUE(download()) << reason;
 }
 
-TEST_F(CameraTransfer, WhatWasFetchedAheadIsNotFetchedAgain) {
-    const auto served = [this] { return simulator->status().picturesServed; };
-    const std::string url = cameraBaseUrl(panel) + kLatestImagePath;
-    transfer.expect(url + "?1");
-    transfer.expect(url + "?2");
-    ASSERT_TRUE(QTest::qWaitFor([&] { return served() == 2; }, 2000));
-    ASSERT_TRUE(download(kLatestImagePath + std::string("?1")));
-    ASSERT_TRUE(download(kLatestImagePath + std::string("?2")));
-    EXPECT_TRUE(isWholeJpeg(picture()));
-    EXPECT_EQ(served(), 2U);
-    ASSERT_TRUE(download(kLatestImagePath + std::string("?2")));
-    EXPECT_EQ(served(), 3U);
-
-    simulator->setFault(QString("silent"));
-    transfer.expect(url + "?3");
-    EXPECT_FALSE(download(kLatestImagePath + std::string("?3")));
-    transfer.expect(url + "?4");
-    transfer.expect({});
+/// Both requests arrive, in their order, however quickly they are made.
+TEST_F(CameraTransfer, RecordingSwitch) {
+    const auto served = [this] { return simulator->status().requestsServed; };
+    camera.Command5_Click();
+    camera.Command7_Click();
+    runEventLoopUntil([&] { return served() == 2 && !switches.running(); });
+    EXPECT_FALSE(simulator->recording());
+    camera.Command7_Click();
+    camera.Command5_Click();
+    runEventLoopUntil([&] { return served() == 4 && !switches.running(); });
+    EXPECT_TRUE(simulator->recording());
 }
 
-TEST_F(CameraTransfer, RecordingSwitch) {
-    int completions = 0;
-    browser.onDocumentComplete([&] { ++completions; });
-    camera.Command5_Click();
-    EXPECT_TRUE(QTest::qWaitFor([&] { return completions == 1; }, 2000));
-    EXPECT_TRUE(simulator->recording());
-    camera.Command7_Click();
-    EXPECT_TRUE(QTest::qWaitFor([&] { return completions == 2; }, 2000));
-    EXPECT_FALSE(simulator->recording());
-    // HTML is read as a reader sees it; a failed page is empty, and completes too
-    browser.navigate(cameraBaseUrl(panel) + "/");
-    EXPECT_TRUE(QTest::qWaitFor([&] { return completions == 3; }, 2000));
-    const std::string text = browser.takeInnerText();
-    EXPECT_FALSE(text.empty());
-    EXPECT_EQ(text.find('<'), std::string::npos);
-    browser.navigate(cameraBaseUrl(panel) + "/nothing");
-    EXPECT_TRUE(QTest::qWaitFor([&] { return completions == 4; }, 2000));
-    EXPECT_TRUE(browser.takeInnerText().empty());
+TEST_F(CameraTransfer, APageIsItsText) {
+    const HttpReply page = run(getPage(transfer, cameraBaseUrl(panel) + "/"));
+    EXPECT_TRUE(page.ok) << page.fault;
+    EXPECT_FALSE(page.body.empty());
+    EXPECT_EQ(page.body.find('<'), std::string::npos);
+    const HttpReply missing = run(getPage(transfer, cameraBaseUrl(panel) + "/nothing"));
+    EXPECT_EQ(missing.fault, "HTTP status 404");
 }
 
 TEST_F(CameraTransfer, TestFetchShowsThePictureOrTellsWhyNot) {
     op.patience = 0ms;
-    finish(camera.Command8_Click());
+    run(camera.Command8_Click());
     EXPECT_EQ(views.latest, folder.path() / "full.jpg");
     ASSERT_TRUE(simulator->setFault(QString("status:404")));
     views.latest.clear();
-    finish(camera.Command8_Click());
+    run(camera.Command8_Click());
     EXPECT_TRUE(views.latest.empty());
     EXPECT_EQ(op.told, std::vector<std::string>{"The camera sent no picture: HTTP status 404"});
     const Busy::Hold capturing(busy);
-    finish(camera.Command8_Click());
+    run(camera.Command8_Click());
     EXPECT_EQ(op.told.size(), 1U);
 }
 

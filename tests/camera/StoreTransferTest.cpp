@@ -1,8 +1,7 @@
 #include "camera/ImageStore.h"
 #include "imaging/JpegMarkers.h"
+#include "platform/curl/CurlTransfer.h"
 #include "platform/qt/QtClock.h"
-#include "platform/qt/QtHttpTransfer.h"
-#include "platform/qt/QtWebBrowser.h"
 #include "simulators/sky-camera/SkyCamera.h"
 #include "tests/support/Fakes.h"
 #include "tests/support/TempFolder.h"
@@ -17,7 +16,7 @@ namespace {
 
 /// The runs against the simulated camera's store, over real connections.
 struct StoreTransfer : testing::Test {
-    static constexpr HttpLimits kLimits{400ms, 3s, 128 * 1024 * 1024};
+    static constexpr HttpLimits kLimits{400ms, 3s};
 
     StoreTransfer() {
         skycamera::SkyCameraOptions options;
@@ -26,7 +25,6 @@ struct StoreTransfer : testing::Test {
         options.store.storedOnce = true;
         simulator = std::make_unique<skycamera::SkyCamera>(options);
         EXPECT_TRUE(simulator->start());
-        prepareManager(manager);
         module.programFolder = folder.path() / "program";
         std::filesystem::create_directory(module.programFolder);
         panel.Dir1[0].path = data;
@@ -70,10 +68,10 @@ struct StoreTransfer : testing::Test {
     std::filesystem::path data = folder.path() / "data";
     std::unique_ptr<skycamera::SkyCamera> simulator;
     QtClock clock;
-    QNetworkAccessManager manager;
-    QtHttpTransfer transfer{manager, clock, kLimits};
-    QtWebBrowser browser1{std::make_unique<QtHttpTransfer>(manager, clock, kLimits), clock};
-    QtWebBrowser browser2{std::make_unique<QtHttpTransfer>(manager, clock, kLimits), clock};
+    CurlLoop curl;
+    CurlTransfer transfer{curl, clock, kLimits};
+    CurlTransfer pages1{curl, clock, kLimits};
+    CurlTransfer pages2{curl, clock, kLimits};
     FakeOperator op{clock};
     FakeViews views;
     FakeImageControl imageControl;
@@ -86,7 +84,7 @@ struct StoreTransfer : testing::Test {
     DiskWatch disk;
     FileWriter files{FileWriter::Force::No};
     PictureArchive archive{{module, days, disk, files, imageControl, views, warnings, log, clock}};
-    ImageStore store{{module, panel, archive, transfer, browser1, browser2, log, op, clock, busy}};
+    ImageStore store{{module, panel, archive, transfer, pages1, pages2, log, op, clock, busy}};
 };
 
 TEST_F(StoreTransfer, DownloadsWhatTheCameraLists) {

@@ -156,8 +156,6 @@ TEST(StartUp, ComesInOrder) {
     s.start(false);
     EXPECT_EQ(s.windowsShown, 1);
     EXPECT_EQ(s.logged(), std::vector<std::string>{"Orvane Starting"});
-    for (const FakeBrowser* browser : {&s.browser, &s.browser1, &s.browser2})
-        EXPECT_EQ(browser->urls, std::vector<std::string>{"about:blank"});
     EXPECT_TRUE(s.module.thumbnails[0].empty());
     EXPECT_FALSE(s.module.sun.SunriseText.empty());
     EXPECT_EQ(s.module.image.JpegTyp, 98);

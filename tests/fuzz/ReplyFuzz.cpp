@@ -39,7 +39,7 @@ struct Store {
     Module1 module;
     OperationPanel panel;
     FakeHttp http{clock};
-    FakeBrowser browser1{clock}, browser2{clock};
+    FakePages browser1{clock}, browser2{clock};
     FakeViews views;
     FakeOperator op{clock};
     FakeImageControl imageControl;

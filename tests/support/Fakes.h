@@ -6,7 +6,6 @@
 #include "platform/ImageControl.h"
 #include "platform/Operator.h"
 #include "platform/SettingsStore.h"
-#include "platform/WebBrowser.h"
 #include "station/ImageViews.h"
 
 #include <functional>
@@ -58,15 +57,26 @@ class FakeHttp final : public HttpTransfer {
   public:
     explicit FakeHttp(Clock& clock) : clock_(clock) {}
 
-    Task<HttpReply> get(std::string url) override {
+    using HttpTransfer::get;
+    Task<HttpReply> get(std::string url, Wanted) override {
         note(urls, url);
         ++requests;
-        const int call = ++call_;
-        co_await clock_.sleep(latency);
-        HttpReply reply = call == call_ ? answer(url) : failed("cancelled");
+        cancel();
+        Transfer transfer(clock_, running_);
+        Task<> answering = transfer.answerAfter(latency);
+        answering.start();
+        Signal& ended = transfer.ended;
+        co_await ended;
+        HttpReply reply = transfer.cancelled ? failed("cancelled") : answer(url);
         co_return reply;
     }
-    void cancel() override { ++call_; }
+    void cancel() override {
+        if (running_ == nullptr) return;
+        running_->cancelled = true;
+        running_->ended.fire();
+        running_ = nullptr;
+    }
+    bool running() const override { return running_ != nullptr; }
 
     static HttpReply failed(const std::string& fault) { return {false, 0, "", fault}; }
     static HttpReply picture(const std::string& content) {
@@ -81,50 +91,58 @@ class FakeHttp final : public HttpTransfer {
     std::int64_t requests = 0;
 
   private:
+    struct Transfer {
+        Transfer(Clock& clock, Transfer*& running)
+            : ended(clock), clock_(clock), running_(running) {
+            running_ = this;
+        }
+        ~Transfer() {
+            if (running_ == this) running_ = nullptr;
+        }
+        Task<> answerAfter(Ticks time) {
+            co_await clock_.sleep(time);
+            ended.fire();
+        }
+        Signal ended;
+        bool cancelled = false;
+
+      private:
+        Clock& clock_;
+        Transfer*& running_;
+    };
+
     Clock& clock_;
-    int call_ = 0;
+    Transfer* running_ = nullptr; ///< in the frame of the running get()
     int served_ = 0;
 };
 
-/// Completes each navigation after `latency` with whatever `answer` gives; empty is a failure.
-class FakeBrowser final : public WebBrowser {
+/// Answers after `latency` with the text that `answer` gives; empty is a failure.
+class FakePages final : public HttpTransfer {
   public:
-    explicit FakeBrowser(Clock& clock) : clock_(clock) {}
-
-    void navigate(std::string url) override {
-        note(urls, url);
-        navigation_ = load(std::move(url));
-        navigation_.start();
-    }
-    bool busy() const override { return !navigation_.done(); }
-    std::string takeInnerText() override { return std::exchange(text_, {}); }
-    void onDocumentComplete(std::function<void()> handler) override {
-        complete_ = std::move(handler);
-    }
-    /// The navigations but those to the blank page.
-    std::vector<std::string> pages() const {
-        std::vector<std::string> pages;
-        for (const std::string& url : urls)
-            if (url != "about:blank") pages.push_back(url);
-        return pages;
+    explicit FakePages(Clock& clock) : http_(clock) {
+        http_.latency = 20ms;
+        http_.answer = [this](const std::string& url) {
+            const std::string text = answer ? answer(url) : std::string();
+            return text.empty() ? FakeHttp::failed("no answer") : HttpReply{true, 200, text, ""};
+        };
     }
 
-    std::vector<std::string> urls;
-    std::chrono::milliseconds latency{20};
+    using HttpTransfer::get;
+    Task<HttpReply> get(std::string url, Wanted wanted) override {
+        return http_.get(std::move(url), wanted);
+    }
+    void cancel() override { http_.cancel(); }
+    bool running() const override { return http_.running(); }
+    const std::vector<std::string>& pages() const { return http_.urls; }
+
     std::function<std::string(const std::string&)> answer;
 
   private:
-    Task<> load(std::string url) {
-        text_.clear();
-        co_await clock_.sleep(latency);
-        if (answer && url != "about:blank") text_ = answer(url);
-        if (complete_) complete_();
-    }
+    FakeHttp http_;
 
-    Clock& clock_;
-    std::string text_;
-    std::function<void()> complete_;
-    Task<> navigation_;
+  public:
+    std::chrono::milliseconds& latency = http_.latency;
+    std::vector<std::string>& urls = http_.urls;
 };
 
 /// An operator who reads every message for `patience` and answers every question with `answer`.

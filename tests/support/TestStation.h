@@ -84,7 +84,8 @@ class TestStation {
     OperationPanel panel;
     FakeStore store;
     FakeHttp http{clock};
-    FakeBrowser browser{clock}, browser1{clock}, browser2{clock}, gapBrowser{clock};
+    FakePages browser1{clock}, browser2{clock}, gapBrowser{clock};
+    FakeHttp switches{clock};
     FakeHttp gapHttp{clock};
     FakeOperator op{clock};
     FakeImageControl imageControl;
@@ -98,7 +99,7 @@ class TestStation {
                  {[this] { return panel.Label7.caption.get(); },
                   [this](const std::string& text) { panel.Label7.caption = text; }}};
     Recording recording{module, panel, settings, status, log, op, clock};
-    CameraPanel camera{module, panel, http, browser, views, busy, op};
+    CameraPanel camera{module, panel, http, switches, views, busy, op, clock};
     bool unlistable = false; ///< dated folders can be written but not listed
     int listings = 0;
     DayWatch days{module, panel, clock, [this](const std::filesystem::path& dated) {
@@ -112,7 +113,7 @@ class TestStation {
     GapFilling gaps{{module, panel, days, archive, gapBrowser, gapHttp, log, clock, busy}};
     FolderScan folderScan{module, panel};
     FakeTracker port{clock};
-    FakeBrowser wbSystemTm{clock};
+    FakeHttp wbSystemTm{clock};
     FrameLink link{port, store, log, clock, module};
     TrackerCommands commands{link};
     TimeSettingForm timeForm;
@@ -135,7 +136,6 @@ class TestStation {
                     camera,
                     imageStore,
                     http,
-                    {&browser, &browser1, &browser2},
                     days,
                     disk,
                     archive,

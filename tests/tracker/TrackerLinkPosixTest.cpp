@@ -48,7 +48,7 @@ struct TrackerLink : testing::Test {
     FakeStore store;
     ErrorLog log{folder.path(), clock};
     FakeOperator op{clock};
-    FakeBrowser browser{clock};
+    FakeHttp browser{clock};
     Busy busy;
     OperationPanel panel;
     std::unique_ptr<SerialPort> port =

@@ -141,8 +141,8 @@ TEST_F(Ui, RecordingButtonsAndLocks) {
     tick(w.main, "chkLive");
     EXPECT_TRUE(w.panel.chkLive.ticked);
     click(w.main, "Command7");
-    ASSERT_EQ(w.browser.urls.size(), 1u);
-    EXPECT_EQ(w.browser.urls[0], "http://192.168.0.10:80/cgi/live_s_hide2.cgi?rec=0");
+    ASSERT_EQ(w.switches.urls.size(), 1u);
+    EXPECT_EQ(w.switches.urls[0], "http://192.168.0.10:80/cgi/live_s_hide2.cgi?rec=0");
 }
 
 TEST_F(Ui, SiteFieldIsMarkedUntilItIsANumber) {

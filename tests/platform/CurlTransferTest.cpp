@@ -1,0 +1,257 @@
+#include "platform/curl/CurlTransfer.h"
+#include "platform/qt/QtClock.h"
+#include "tests/support/Finish.h"
+#include "tests/support/RawServer.h"
+
+#include <gtest/gtest.h>
+
+#include <QCoreApplication>
+
+namespace orvane::test {
+namespace {
+
+std::string answerOf(const std::string& status, const std::string& headers,
+                     const std::string& body = {}) {
+    return "HTTP/1.1 " + status + "\r\n" + headers + "\r\n" + body;
+}
+
+std::string sound(const std::string& body) {
+    return answerOf("200 OK", "Content-Length: " + std::to_string(body.size()) + "\r\n", body);
+}
+
+/// `part` again and again, 50 kB of it.
+std::string many(const std::string& part) {
+    std::string all;
+    while (all.size() < 50'000)
+        all += part;
+    return all;
+}
+
+/// GETs against a server that answers with whatever bytes a test gives.
+struct CurlTransferTest : testing::Test {
+    static constexpr HttpLimits kLimits{2s, 5s, 1'000'000, 100'000};
+
+    CurlTransferTest() {
+        server.answer = [this](const std::string&) { return bytes; };
+    }
+    HttpReply get(const std::string& url, Wanted wanted = Wanted::Picture) {
+        Task<HttpReply> task = transfer.get(url, wanted);
+        task.start();
+        return finish(task);
+    }
+    HttpReply get(Wanted wanted = Wanted::Picture) { return get(server.url(), wanted); }
+    /// A transfer with limits of its own.
+    HttpReply getWithin(HttpLimits limits) {
+        CurlTransfer limited(loop, clock, limits);
+        Task<HttpReply> task = limited.get(server.url(), Wanted::Picture);
+        task.start();
+        return finish(task);
+    }
+    /// The server is well again, and so is the connection to it.
+    void expectSoundAgain(const std::string& after) {
+        server.flood.clear();
+        server.pace = 0;
+        server.after = RawServer::After::Close;
+        bytes = sound("again");
+        const HttpReply reply = get();
+        EXPECT_EQ(reply.body, "again") << after << ": " << reply.fault;
+    }
+
+    std::string bytes;
+    RawServer server;
+    QtClock clock;
+    CurlLoop loop;
+    CurlTransfer transfer{loop, clock, kLimits};
+};
+
+TEST_F(CurlTransferTest, EveryMalformedAnswerIsAFault) {
+    struct Case {
+        std::string bytes;
+        const char* fault; ///< empty: the body is "picture"
+    };
+    const std::string chunked = "Transfer-Encoding: chunked\r\n";
+    const Case cases[] = {
+        {sound("picture"), ""},
+        {answerOf("200 OK", "", "picture"), ""}, // up to the end of the connection
+        {answerOf("200 OK", chunked, "4\r\npict\r\n3\r\nure\r\n0\r\n\r\n"), ""},
+        {sound("picture") + sound("another"), ""},
+        {"HTTP/1.1 100 Continue\r\n\r\n" + sound("picture"), ""},
+        {answerOf("200 OK", chunked, "zz\r\npicture"), "connection broke"},
+        {answerOf("200 OK", chunked, "FFFFFFFFFFFFFFFFFF\r\npicture"), "connection broke"},
+        {answerOf("200 OK", chunked, "7\r\npict"), "shorter than announced"},
+        {answerOf("200 OK", "Content-Length: 9\r\n", "picture"), "shorter than announced"},
+        {answerOf("200 OK", "Content-Length: -7\r\n", "picture"), "not HTTP"},
+        {answerOf("200 OK", "Content-Length: many\r\n", "picture"), "not HTTP"},
+        {answerOf("200 OK", "Content-Length: 99999999999\r\n", "picture"), "too large"},
+        {answerOf("200 OK", "Content-Length: 0\r\n"), "empty"},
+        {answerOf("204 No Content", ""), "empty"},
+        {answerOf("304 Not Modified", ""), "HTTP status 304"},
+        {answerOf("302 Found", "Content-Length: 0\r\n"), "HTTP status 302"},
+        {answerOf("503 Busy", "Content-Length: 4\r\n", "Busy"), "HTTP status 503"},
+        {answerOf("503 Busy", "Content-Length: 9\r\n", "Busy"), "HTTP status 503"},
+        {"picture", "not HTTP"},
+        {std::string("\0\xFF\xD8\xFF", 4), "not HTTP"},
+        {"\r\n\r\n", "not HTTP"},
+        {"HTTP/9.9 200 OK\r\n\r\npicture", "not HTTP"},
+        {"", "without an answer"},
+    };
+    for (const Case& one : cases) {
+        bytes = one.bytes;
+        const HttpReply reply = get();
+        EXPECT_EQ(reply.ok, *one.fault == 0) << one.bytes << ": " << reply.fault;
+        EXPECT_NE(reply.fault.find(one.fault), std::string::npos)
+            << one.bytes << ": " << reply.fault;
+        if (reply.ok) {
+            EXPECT_EQ(reply.body, "picture") << one.bytes;
+        }
+    }
+    expectSoundAgain("all of them");
+}
+
+/// Cut after each of its bytes, by a close and by a reset, an answer is never taken for whole.
+TEST_F(CurlTransferTest, ACutAnswerIsNeverWhole) {
+    const std::string whole = sound("picture");
+    for (const RawServer::After after : {RawServer::After::Close, RawServer::After::Reset}) {
+        server.after = after;
+        for (std::size_t length = 0; length < whole.size(); ++length) {
+            bytes = whole.substr(0, length);
+            const HttpReply reply = get();
+            EXPECT_FALSE(reply.ok) << length;
+            EXPECT_FALSE(reply.fault.empty()) << length;
+        }
+    }
+    expectSoundAgain("cuts");
+}
+
+TEST_F(CurlTransferTest, OfARequestTheStatusCounts) {
+    for (const char* status : {"200 OK", "202 Taken", "204 No Content"}) {
+        bytes = answerOf(status, "Content-Length: 0\r\n");
+        EXPECT_TRUE(get(Wanted::Nothing).ok) << status;
+    }
+    for (const char* status : {"302 Found", "304 Not Modified", "401 Who", "500 No"}) {
+        bytes = answerOf(status, "Content-Length: 0\r\n");
+        EXPECT_FALSE(get(Wanted::Nothing).ok) << status;
+    }
+}
+
+TEST_F(CurlTransferTest, RedirectsStayOnTheHost) {
+    std::string target;
+    server.answer = [&](const std::string& path) {
+        return path == "/there"
+                   ? sound("picture")
+                   : answerOf("302 Found", "Location: " + target + "\r\nContent-Length: 4\r\n",
+                              "away");
+    };
+    for (const std::string& near :
+         {std::string("/there"), std::string("there"), server.url("/there")}) {
+        target = near;
+        const HttpReply reply = get();
+        EXPECT_EQ(reply.body, "picture") << near << ": " << reply.fault;
+    }
+    RawServer other;
+    other.answer = [](const std::string&) { return sound("elsewhere"); };
+    for (const std::string& far :
+         {other.url(), std::string("http://localhost/"), std::string("file:///etc/passwd"),
+          std::string("https://127.0.0.1/"), std::string("ftp://127.0.0.1/"),
+          std::string("//127.0.0.2/"), std::string("javascript:alert(1)"), std::string("")}) {
+        target = far;
+        EXPECT_EQ(get().fault, "HTTP status 302") << far;
+    }
+    EXPECT_EQ(other.requests, 0);
+    target = "/again";
+    server.requests = 0;
+    EXPECT_EQ(get().fault, "HTTP status 302");
+    EXPECT_EQ(server.requests, 4);
+}
+
+TEST_F(CurlTransferTest, AddressesThatCannotBeUsedAreRefused) {
+    server.answer = [](const std::string&) { return sound("picture"); };
+    for (const char* url :
+         {"", "http://", "http://:80/Images/full.jpg", "http://a b/", "http://127.0.0.1/a b.jpg",
+          "file:///etc/passwd", "https://127.0.0.1/", "ftp://127.0.0.1/", "http://[/",
+          "http://127.0.0.1:99999/", "http://127.0.0.1:80:/", "http://a\r\nb/"}) {
+        EXPECT_EQ(get(url).fault, "the address cannot be used") << url;
+    }
+    const std::string bare = server.url("/x").substr(7);
+    EXPECT_TRUE(get(bare).ok);
+}
+
+/// An answer without an end is cut off at the limit, whatever it consists of.
+TEST_F(CurlTransferTest, FloodsAreCutOff) {
+    struct Case {
+        const char* name;
+        std::string start;
+        std::string flood;
+        Wanted wanted;
+    };
+    const std::string line = "X-Filler: " + std::string(60, 'x') + "\r\n";
+    const Case cases[] = {
+        {"body", answerOf("200 OK", ""), many("x"), Wanted::Picture},
+        {"page", answerOf("200 OK", ""), many(","), Wanted::Page},
+        {"request", answerOf("200 OK", ""), many(","), Wanted::Nothing},
+        {"chunks", answerOf("200 OK", "Transfer-Encoding: chunked\r\n"), many("1\r\nx\r\n"),
+         Wanted::Picture},
+        {"headers", "HTTP/1.1 200 OK\r\n", many(line), Wanted::Picture},
+        {"one header", "HTTP/1.1 200 OK\r\nX: ", many("x"), Wanted::Picture},
+        {"continue", "", many("HTTP/1.1 100 Continue\r\n\r\n"), Wanted::Picture},
+    };
+    for (const Case& one : cases) {
+        bytes = one.start + one.flood;
+        server.flood = one.flood;
+        const HttpReply reply = get(one.wanted);
+        EXPECT_FALSE(reply.ok) << one.name;
+        EXPECT_LE(reply.body.size(), 1'000'000U) << one.name;
+        expectSoundAgain(one.name);
+    }
+}
+
+TEST_F(CurlTransferTest, WaitsEnd) {
+    bytes = sound("picture");
+    server.after = RawServer::After::Stay;
+    server.pace = 100;
+    EXPECT_EQ(getWithin({10s, 300ms}).fault, "the answer took too long");
+    EXPECT_EQ(getWithin({400ms, 20s}).body, "picture") << "longer than the idle limit, but alive";
+    server.pace = 0;
+    bytes = "HTTP/1.1 200 OK\r\n";
+    EXPECT_EQ(getWithin({200ms, 20s}).fault, "no answer from the camera");
+}
+
+/// Cancelled or destroyed at whatever moment, a transfer ends at once and leaves nothing behind.
+TEST_F(CurlTransferTest, EndsAtAnyMoment) {
+    bytes = sound(std::string(500'000, 'x'));
+    for (int moment = 0; moment < 30; ++moment) {
+        for (const bool destroyed : {true, false}) {
+            Task<HttpReply> task = transfer.get(
+                moment % 3 == 0 ? "http://camera.invalid/" : server.url(), Wanted::Picture);
+            task.start();
+            for (int turn = 0; turn < moment; ++turn)
+                QCoreApplication::processEvents();
+            if (destroyed) {
+                task.reset();
+                continue;
+            }
+            const bool wasRunning = transfer.running();
+            transfer.cancel();
+            const HttpReply reply = finish(task);
+            EXPECT_TRUE(reply.ok || !wasRunning || !reply.fault.empty());
+        }
+    }
+    EXPECT_FALSE(transfer.running());
+    expectSoundAgain("ends at any moment");
+}
+
+/// A new transfer ends the one before, and both answer.
+TEST_F(CurlTransferTest, OneAtATime) {
+    server.answer = [](const std::string& path) {
+        return path == "/silent" ? std::string() : sound("picture");
+    };
+    server.after = RawServer::After::Stay;
+    Task<HttpReply> first = transfer.get(server.url("/silent"), Wanted::Picture);
+    first.start();
+    runEventLoopUntil([&] { return server.requests == 1; });
+    EXPECT_EQ(get(server.url("/sound")).body, "picture");
+    EXPECT_EQ(finish(first).fault, "cancelled");
+}
+
+} // namespace
+} // namespace orvane::test

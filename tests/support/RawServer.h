@@ -1,0 +1,84 @@
+#pragma once
+
+#include <QTcpServer>
+#include <QTcpSocket>
+#include <QTimer>
+
+#include <functional>
+#include <string>
+
+namespace orvane::test {
+
+/// A server that answers every request with bytes as they were written down, right or wrong.
+class RawServer {
+  public:
+    enum class After { Close, Reset, Stay };
+
+    RawServer() {
+        server_.listen(QHostAddress::LocalHost);
+        QObject::connect(&server_, &QTcpServer::newConnection, &server_, [this] { accept(); });
+    }
+
+    std::string url(const std::string& path = "/") const {
+        return "http://127.0.0.1:" + std::to_string(server_.serverPort()) + path;
+    }
+
+    /// The answer to the next request; called for each.
+    std::function<std::string(const std::string& path)> answer;
+    After after = After::Close;
+    /// Sent again and again behind the answer, as fast as it is taken.
+    std::string flood;
+    /// Milliseconds between two bytes behind the headers; 0: all at once.
+    int pace = 0;
+    int requests = 0;
+
+  private:
+    void accept() {
+        QTcpSocket* socket = server_.nextPendingConnection();
+        QObject::connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
+        QObject::connect(socket, &QTcpSocket::readyRead, socket, [this, socket] { read(*socket); });
+        QObject::connect(socket, &QTcpSocket::bytesWritten, socket, [this, socket] {
+            if (!flood.empty() && socket->bytesToWrite() < 100'000) send(*socket, flood);
+        });
+    }
+    void read(QTcpSocket& socket) {
+        const std::string head = socket.peek(10'000).toStdString();
+        if (head.find("\r\n\r\n") == std::string::npos) return;
+        socket.readAll();
+        ++requests;
+        const std::size_t path = head.find(' ') + 1;
+        const std::string bytes = answer(head.substr(path, head.find(' ', path) - path));
+        const std::size_t headers = bytes.find("\r\n\r\n") + 4;
+        if (pace > 0 && headers < bytes.size()) {
+            send(socket, bytes.substr(0, headers));
+            return trickle(socket, bytes.substr(headers));
+        }
+        send(socket, bytes);
+        if (flood.empty()) end(socket);
+    }
+    void end(QTcpSocket& socket) {
+        if (after == After::Close) socket.disconnectFromHost();
+        if (after == After::Reset) {
+            socket.flush();
+            socket.abort();
+        }
+    }
+    static void send(QTcpSocket& socket, const std::string& bytes) {
+        socket.write(bytes.data(), static_cast<qint64>(bytes.size()));
+    }
+    void trickle(QTcpSocket& socket, const std::string& bytes) {
+        auto* timer = new QTimer(&socket);
+        QObject::connect(timer, &QTimer::timeout, &socket,
+                         [this, timer, &socket, bytes, at = 0]() mutable {
+                             socket.write(&bytes[static_cast<std::size_t>(at++)], 1);
+                             if (at < static_cast<int>(bytes.size())) return;
+                             timer->stop();
+                             end(socket);
+                         });
+        timer->start(pace);
+    }
+
+    QTcpServer server_;
+};
+
+} // namespace orvane::test
