@@ -10,6 +10,7 @@ namespace orvane {
 namespace {
 
 constexpr int kMostRedirects = 3;
+constexpr std::size_t kFirstRoom = 128 * 1024;   ///< bytes
 constexpr std::size_t kMostHeaders = 256 * 1024; ///< bytes of all headers of a transfer
 
 /// Our own words, alike on all systems and for every version of the library.
@@ -97,6 +98,7 @@ class CurlTransfer::Transfer final : public CurlLoop::Owner {
     void end();
     bool followRedirect();
     bool take(std::string_view bytes);
+    void makeRoom(std::size_t count);
     void checkLimits();
     std::size_t mostBytes() const {
         return wanted_ == Wanted::Picture ? owner_.limits_.pictureSize : owner_.limits_.pageSize;
@@ -182,6 +184,16 @@ bool CurlTransfer::Transfer::followRedirect() {
     return true;
 }
 
+/// Doubles in such steps that the largest body fits the last of them.
+void CurlTransfer::Transfer::makeRoom(std::size_t count) {
+    const std::size_t wanted = body_.size() + count;
+    if (wanted <= body_.capacity()) return;
+    std::size_t room = mostBytes();
+    while (room / 2 >= std::max(wanted, kFirstRoom))
+        room /= 2;
+    body_.reserve(room);
+}
+
 /// Whether the transfer may go on. Of the headers only whole lines are told. `onBody` and
 /// `onHeader` are called from inside the library, which no exception may cross.
 bool CurlTransfer::Transfer::take(std::string_view bytes) {
@@ -193,6 +205,7 @@ bool CurlTransfer::Transfer::take(std::string_view bytes) {
     }
     if (wanted_ == Wanted::Nothing) return true;
     try {
+        makeRoom(bytes.size());
         body_ += bytes;
         return true;
     } catch (const std::bad_alloc&) {

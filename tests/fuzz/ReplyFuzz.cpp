@@ -1,6 +1,8 @@
-// Feeds arbitrary search replies to a run against the camera's store.
+// Feeds arbitrary search replies to the taking of a page's text and to a run against the camera's
+// store.
 
 #include "camera/ImageStore.h"
+#include "platform/Page.h"
 #include "tests/support/Fakes.h"
 #include "tests/support/JumpingClock.h"
 #include "tests/support/TempFolder.h"
@@ -56,7 +58,10 @@ struct Store {
 } // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const std::string reply(reinterpret_cast<const char*>(data), size);
+    std::string reply(reinterpret_cast<const char*>(data), size);
+    const std::string html = "<html>" + reply;
+    require(textOfPage(html).size() <= html.size()); // no tag and no entity becomes longer
+    reply = textOfPage(std::move(reply));
     const std::vector<std::string> expected = pathsOf(reply);
     std::string_view rest = reply;
     for (const std::string& path : expected)
