@@ -93,6 +93,7 @@ Task<Filing> PictureArchive::take(std::string bytes, std::filesystem::path wante
             parts_.module.lastImage = place.file;
             co_await parts_.clock.sleep(300ms);
         }
+        std::string().swap(bytes); // the processing reads the file
         Task<Fault> processing = process(place.file);
         const Fault unprocessed = co_await processing;
         warn(trouble ? trouble : unprocessed);

@@ -12,18 +12,25 @@ namespace orvane {
 namespace {
 
 constexpr const char* kRecordingSwitch = "/cgi/live_s_hide2.cgi";
+constexpr std::size_t kSlice = std::size_t{1} << 24; ///< bytes that are written at once
 constexpr Ticks kTurn = 10ms; ///< between two looks whether a transfer has ended
 
-/// Overwrites `file` from its start without shortening it.
-Fault overwriteInPlace(const std::filesystem::path& file, const std::string& bytes) {
+/// Overwrites `file` from its start without shortening it. `bytes` outlives the task, which lets
+/// the window live in the midst of a very large picture.
+Task<Fault> overwriteInPlace(Clock& clock, std::filesystem::path file, std::string_view bytes) {
     errno = 0;
     std::fstream stream(file, std::ios::binary | std::ios::in | std::ios::out);
     if (!stream.is_open()) stream.open(file, std::ios::binary | std::ios::out);
-    stream.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+    while (stream.good() && !bytes.empty()) {
+        const std::string_view slice = bytes.substr(0, kSlice);
+        stream.write(slice.data(), static_cast<std::streamsize>(slice.size()));
+        bytes.remove_prefix(slice.size());
+        if (!bytes.empty()) co_await clock.yield();
+    }
     stream.close();
-    if (stream.good()) return std::nullopt;
-    return "cannot write " + file.filename().string() + ": " +
-           std::generic_category().message(errno);
+    if (stream.good()) co_return std::nullopt;
+    co_return "cannot write " + file.filename().string() + ": " +
+        std::generic_category().message(errno);
 }
 
 } // namespace
@@ -39,7 +46,8 @@ Task<HttpReply> CameraPanel::DownloadFile(std::string url, std::filesystem::path
     HttpReply reply = co_await get;
     if (!reply.ok) co_return reply;
     folder += pathFromUtf8(fileName);
-    if (const Fault fault = overwriteInPlace(folder, reply.body)) {
+    Task<Fault> writing = overwriteInPlace(clock_, folder, reply.body);
+    if (const Fault fault = co_await writing) {
         reply.ok = false;
         reply.fault = *fault;
     }

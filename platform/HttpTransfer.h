@@ -10,7 +10,7 @@ namespace orvane {
 struct HttpReply {
     bool ok = false;
     int status = 0;    ///< HTTP status, 0 when there was no answer
-    std::string body;  ///< bytes; complete when `ok`
+    std::string body;  ///< bytes, complete; empty unless `ok`
     std::string fault; ///< why not, for the log; empty when `ok`
 };
 

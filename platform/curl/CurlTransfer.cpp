@@ -4,6 +4,7 @@
 #include <memory>
 #include <new>
 #include <optional>
+#include <utility>
 
 namespace orvane {
 
@@ -184,10 +185,15 @@ bool CurlTransfer::Transfer::followRedirect() {
     return true;
 }
 
-/// Doubles in such steps that the largest body fits the last of them.
+/// For as much as is announced, within the limit; else doubled in such steps that the largest body
+/// fits the last of them.
 void CurlTransfer::Transfer::makeRoom(std::size_t count) {
     const std::size_t wanted = body_.size() + count;
     if (wanted <= body_.capacity()) return;
+    curl_off_t announced = -1;
+    curl_easy_getinfo(easy_, CURLINFO_CONTENT_LENGTH_DOWNLOAD_T, &announced);
+    if (announced > 0 && std::cmp_greater_equal(announced, wanted))
+        return body_.reserve(static_cast<std::size_t>(announced));
     std::size_t room = mostBytes();
     while (room / 2 >= std::max(wanted, kFirstRoom))
         room /= 2;
@@ -252,7 +258,7 @@ HttpReply CurlTransfer::Transfer::result() {
         reply.fault = "the answer is empty";
     }
     reply.ok = reply.fault.empty();
-    reply.body = std::move(body_);
+    if (reply.ok) reply.body = std::move(body_);
     return reply;
 }
 
