@@ -142,20 +142,20 @@ TEST_F(CurlTransferTest, RedirectsStayOnTheHost) {
                    : answerOf("302 Found", "Location: " + target + "\r\nContent-Length: 4\r\n",
                               "away");
     };
-    for (const std::string& near :
+    for (const std::string& onHost :
          {std::string("/there"), std::string("there"), server.url("/there")}) {
-        target = near;
+        target = onHost;
         const HttpReply reply = get();
-        EXPECT_EQ(reply.body, "picture") << near << ": " << reply.fault;
+        EXPECT_EQ(reply.body, "picture") << onHost << ": " << reply.fault;
     }
     RawServer other;
     other.answer = [](const std::string&) { return sound("elsewhere"); };
-    for (const std::string& far :
+    for (const std::string& elsewhere :
          {other.url(), std::string("http://localhost/"), std::string("file:///etc/passwd"),
           std::string("https://127.0.0.1/"), std::string("ftp://127.0.0.1/"),
           std::string("//127.0.0.2/"), std::string("javascript:alert(1)"), std::string("")}) {
-        target = far;
-        EXPECT_EQ(get().fault, "HTTP status 302") << far;
+        target = elsewhere;
+        EXPECT_EQ(get().fault, "HTTP status 302") << elsewhere;
     }
     EXPECT_EQ(other.requests, 0);
     target = "/again";
