@@ -157,7 +157,7 @@ class Program {
     FolderScan folderScan_{module_, panel_};
     FrameLink link_{*MSComm1_, store_, log_, clock_, module_};
     TrackerCommands commands_{link_};
-    PortSelection portSelection_{store_, *MSComm1_, log_, op_};
+    PortSelection portSelection_{store_, link_, log_, op_};
     TimeSettingForm timeForm_;
     TimeSetting timeSetting_{timeForm_, panel_, commands_, *wbSystemTm_, log_, op_, clock_, busy_};
     OptionForm optionForm_;

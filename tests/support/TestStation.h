@@ -124,7 +124,7 @@ class TestStation {
     OptionForm optionForm;
     int siteChanges = 0;
     TrackerOptions options{optionForm, module, commands, log, op, busy, [this] { ++siteChanges; }};
-    PortSelection portSelection{store, port, log, op};
+    PortSelection portSelection{store, link, log, op};
     int exitCode = -1;
     int windowsShown = 0;
     Station station{module,
