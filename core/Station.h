@@ -14,6 +14,7 @@
 #include "platform/WebBrowser.h"
 #include "station/Busy.h"
 #include "station/ErrorLog.h"
+#include "station/Faults.h"
 #include "station/ImageViews.h"
 #include "station/Module1.h"
 #include "station/OperationPanel.h"
@@ -40,6 +41,7 @@ struct Station {
     PictureArchive& archive;
     GapFilling& gaps;
     ErrorLog& log;
+    Faults& faults;
     Clock& clock;
     Operator& op;
     Warnings& warnings;

@@ -109,6 +109,46 @@ TEST(MainLoop, FailedFetchIsTriedAgainWithinItsMinute) {
     EXPECT_EQ(s.http.urls.back(), "http://192.168.0.10:80/Images/full.jpg");
 }
 
+/// "DownLoad Error" stands for each attempt, its reason once a minute with its count.
+TEST(MainLoop, TheLogSaysWhyADownloadFailed) {
+    TestStation s(at(2006, 11, 15, 9, 29, 59));
+    std::string fault = "HTTP status 503";
+    s.http.answer = [&](const std::string&) { return FakeHttp::failed(fault); };
+    s.start(true);
+    const std::size_t before = s.logged().size();
+    s.clock.runUntil(at(2006, 11, 15, 9, 30, 30));
+    const int first = s.countLogged("DownLoad Error");
+    fault = "refused";
+    s.clock.runUntil(at(2006, 11, 15, 9, 31, 50));
+    const int second = s.countLogged("DownLoad Error") - first;
+    const Names log = s.logged();
+    EXPECT_EQ(log[before], "DownLoad Error");
+    EXPECT_EQ(log[before + 1], "Capture:HTTP status 503");
+    EXPECT_EQ(log[before + 2], "DownLoad Error");
+    EXPECT_GT(first, 10);
+    EXPECT_EQ(s.countLogged("Capture:HTTP status 503 (" + std::to_string(first) + " times)"), 1);
+    EXPECT_EQ(log.back(), "Capture:refused (" + std::to_string(second) + " times)");
+    EXPECT_EQ(log.size() - before, static_cast<std::size_t>(first + second + 4));
+
+    // a picture tells the count before its minute is over
+    s.clock.runUntil(at(2006, 11, 15, 10, 0, 5));
+    int attempts = 0;
+    s.http.answer = [&](const std::string&) {
+        return ++attempts < 3 ? FakeHttp::failed("late") : FakeHttp::picture("x");
+    };
+    s.clock.runUntil(at(2006, 11, 15, 10, 0, 20));
+    EXPECT_EQ(s.logged().back(), "Capture:late (2 times)");
+}
+
+TEST(MainLoop, ANewDataFolderIsLogged) {
+    TestStation s(at(2006, 11, 15, 8, 0));
+    s.start(false);
+    s.panel.Dir1[0].path = s.folder.path() / "other";
+    s.clock.run(1s);
+    EXPECT_EQ(s.logged().back(), "Data folder: " + utf8FromPath(s.folder.path() / "other"));
+    EXPECT_EQ(s.logged().size(), 2U);
+}
+
 /// What is not a whole new picture is never filed, whatever the transfer says.
 TEST(MainLoop, RefusesWhatIsNotANewPicture) {
     const std::string whole = jpegLike("x");

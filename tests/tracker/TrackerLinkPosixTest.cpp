@@ -59,7 +59,7 @@ struct TrackerLink : testing::Test {
     TimeSetting timeSetting{timeForm, panel, commands, browser, log, op, clock, busy};
     OptionForm optionForm;
     TrackerOptions options{optionForm, module, commands, log, op, busy, [] {}};
-    RepeatingTimer panelTimer{clock, 20ms, [this] { ++module.replyTicks; }};
+    RepeatingTimer panelTimer{clock, 20ms, [this] { ++module.replyTicks; }, noFault};
 };
 
 TEST_F(TrackerLink, SetsTheClockAndReadsAndWritesAllOptions) {
