@@ -16,6 +16,9 @@ constexpr Ticks kLongestPause = 10s;
 constexpr Ticks kPauseStep = 980ms;
 constexpr int kPauseSteps = 60;
 constexpr Ticks kLiveInterval = 5s;
+/// A clock that is set back by less repeats minutes whose pictures are there; set back by more, as
+/// at the end of summer time, it must not stop the recording for so long.
+constexpr std::int64_t kRepeatedMinutes = 10;
 constexpr const char* kWhere = "MainLoop";
 
 /// The label's count stays where it is when it would leave its 32 bits.
@@ -82,11 +85,14 @@ Task<bool> MainLoop::setClocks() {
     return station_.faults.run("DailyClocks", station_.dailyClocks.run());
 }
 
-/// Whether this minute is due and waits for its picture.
+/// Whether this minute is due and waits for its picture. One that comes again because the clock was
+/// set back a little is due only when it has none.
 bool MainLoop::isDue(WallTime now) const {
     const std::int64_t minute = minuteIndex(now);
+    const auto ofDay = static_cast<std::size_t>(minute % kDayMinutes);
     return minute != filedMinute_ &&
-           isDueMinute(station_.module.schedule, static_cast<int>(minute % kDayMinutes));
+           isDueMinute(station_.module.schedule, static_cast<int>(ofDay)) &&
+           (minute > filedMinute_ || station_.days.plan().states[ofDay] != DayState::Taken);
 }
 
 Task<> MainLoop::capture(Captured& captured) {
@@ -106,7 +112,7 @@ Task<bool> MainLoop::recordNow(std::int64_t dueMinute) {
     fetchFault_ = captured.fault;
     const std::int32_t fetched = station_.module.filesFetched; // a run in the pause resets it
     if (captured.filed) {
-        filedMinute_ = dueMinute;
+        filedMinute_ = std::max({filedMinute_, dueMinute, minuteIndex(captured.copyTime)});
         if (station_.dailyClocks.isDue(station_.clock.now(), true)) {
             Task<bool> clocks = setClocks();
             co_await clocks;
@@ -172,6 +178,7 @@ void MainLoop::watch(WallTime now) {
     const std::filesystem::path& folder = station_.panel.Dir1[0].path;
     const bool moved = folder.native() != watchedFolder_.native();
     if (minute == watchedMinute_ && recording == watchedRecording_ && !moved) return;
+    if (minute <= watchedMinute_ - kRepeatedMinutes) filedMinute_ = -1;
     watchedMinute_ = minute;
     if (recording != watchedRecording_ && station_.keepAwake) station_.keepAwake(recording);
     watchedRecording_ = recording;

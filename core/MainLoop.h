@@ -39,7 +39,7 @@ class MainLoop {
 
     Station& station_;
     RepeatedLine reasons_;          ///< why captures fail
-    std::int64_t filedMinute_ = -1; ///< the due minute that was captured last
+    std::int64_t filedMinute_ = -1; ///< the latest that was captured, by being due or by its name
     std::string fetchFault_;        ///< of the last capture; empty when it brought a picture
     std::string missed_;            ///< the warning of missed minutes, with its reason
     std::chrono::local_days sunDay_{};

@@ -320,6 +320,41 @@ TEST(MainLoop, SurvivesAJumpingWallClock) {
     EXPECT_TRUE(s.warnings.text.get().empty()) << s.warnings.text.get();
 }
 
+/// Set back a little, the clock repeats minutes whose pictures are there; only those that have none
+/// are due.
+TEST(MainLoop, AMinuteThatComesAgainIsNotTakenTwice) {
+    for (const auto back : {1min, 4min, 9min}) {
+        TestStation s(at(2006, 11, 15, 8, 59));
+        s.setSchedule("9", "17", "1");
+        const auto picture = s.http.answer;
+        s.http.answer = [&](const std::string& url) {
+            const bool refused = wholeMinutes(timeOfDay(s.clock.now())) == 9 * 60 + 17;
+            return refused ? FakeHttp::failed("refused") : picture(url);
+        };
+        s.start(true);
+        s.clock.runUntil(at(2006, 11, 15, 9, 20, 30));
+        EXPECT_EQ(s.imagesOf("20061115").size(), 20U); // without 9:17
+        s.http.answer = picture;
+        s.clock.jumpWall(-back);
+        s.clock.runUntil(at(2006, 11, 15, 9, 20, 50));
+        EXPECT_EQ(s.imagesOf("20061115").size(), back == 1min ? 20U : 21U) << testing::PrintToString(s.imagesOf("20061115"));
+        s.clock.runUntil(at(2006, 11, 15, 10, 0));
+        EXPECT_EQ(s.imagesOf("20061115").size(), back == 1min ? 59U : 60U) << back.count();
+        EXPECT_TRUE(s.warnings.text.get().empty()) << s.warnings.text.get();
+    }
+}
+
+/// The end of summer time repeats an hour; it is recorded again.
+TEST(MainLoop, AnHourThatComesAgainIsRecordedAgain) {
+    TestStation s(at(2006, 10, 29, 1, 0));
+    s.setSchedule("0", "23", "1", "59");
+    s.start(true);
+    s.clock.runUntil(at(2006, 10, 29, 3, 0));
+    s.clock.jumpWall(-1h);
+    s.clock.runUntil(at(2006, 10, 29, 3, 0));
+    EXPECT_EQ(s.imagesOf("20061029").size(), 180U);
+}
+
 TEST(MainLoop, UnusableDataFolderIsToldAndRecoversByItself) {
     TestStation s(at(2006, 11, 15, 9, 29));
     const auto blocked = s.folder.path() / "file" / "data";
