@@ -161,5 +161,36 @@ TEST(Faults, PassesThatFailComeLessAndLessOften) {
     EXPECT_EQ(failures[1] - failures[0], 200ms);
 }
 
+/// "DownLoad Error" stands for each attempt, its reason once a minute with its count.
+TEST(ErrorLog, TheLogSaysWhyADownloadFailed) {
+    TestStation s(at(2006, 11, 15, 9, 29, 59));
+    std::string fault = "HTTP status 503";
+    s.http.answer = [&](const std::string&) { return FakeHttp::failed(fault); };
+    s.start(true);
+    const std::size_t before = s.logged().size();
+    s.clock.runUntil(at(2006, 11, 15, 9, 30, 30));
+    const int first = s.countLogged("DownLoad Error");
+    fault = "refused";
+    s.clock.runUntil(at(2006, 11, 15, 9, 31, 50));
+    const int second = s.countLogged("DownLoad Error") - first;
+    const Lines log = s.logged();
+    EXPECT_EQ(log[before], "DownLoad Error");
+    EXPECT_EQ(log[before + 1], "Capture:HTTP status 503");
+    EXPECT_EQ(log[before + 2], "DownLoad Error");
+    EXPECT_GT(first, 10);
+    EXPECT_EQ(s.countLogged("Capture:HTTP status 503 (" + std::to_string(first) + " times)"), 1);
+    EXPECT_EQ(log.back(), "Capture:refused (" + std::to_string(second) + " times)");
+    EXPECT_EQ(log.size() - before, static_cast<std::size_t>(first + second + 4));
+
+    // a picture tells the count before its minute is over
+    s.clock.runUntil(at(2006, 11, 15, 10, 0, 5));
+    int attempts = 0;
+    s.http.answer = [&](const std::string&) {
+        return ++attempts < 3 ? FakeHttp::failed("late") : FakeHttp::picture("x");
+    };
+    s.clock.runUntil(at(2006, 11, 15, 10, 0, 20));
+    EXPECT_EQ(s.logged().back(), "Capture:late (2 times)");
+}
+
 } // namespace
 } // namespace orvane::test

@@ -109,37 +109,6 @@ TEST(MainLoop, FailedFetchIsTriedAgainWithinItsMinute) {
     EXPECT_EQ(s.http.urls.back(), "http://192.168.0.10:80/Images/full.jpg");
 }
 
-/// "DownLoad Error" stands for each attempt, its reason once a minute with its count.
-TEST(MainLoop, TheLogSaysWhyADownloadFailed) {
-    TestStation s(at(2006, 11, 15, 9, 29, 59));
-    std::string fault = "HTTP status 503";
-    s.http.answer = [&](const std::string&) { return FakeHttp::failed(fault); };
-    s.start(true);
-    const std::size_t before = s.logged().size();
-    s.clock.runUntil(at(2006, 11, 15, 9, 30, 30));
-    const int first = s.countLogged("DownLoad Error");
-    fault = "refused";
-    s.clock.runUntil(at(2006, 11, 15, 9, 31, 50));
-    const int second = s.countLogged("DownLoad Error") - first;
-    const Names log = s.logged();
-    EXPECT_EQ(log[before], "DownLoad Error");
-    EXPECT_EQ(log[before + 1], "Capture:HTTP status 503");
-    EXPECT_EQ(log[before + 2], "DownLoad Error");
-    EXPECT_GT(first, 10);
-    EXPECT_EQ(s.countLogged("Capture:HTTP status 503 (" + std::to_string(first) + " times)"), 1);
-    EXPECT_EQ(log.back(), "Capture:refused (" + std::to_string(second) + " times)");
-    EXPECT_EQ(log.size() - before, static_cast<std::size_t>(first + second + 4));
-
-    // a picture tells the count before its minute is over
-    s.clock.runUntil(at(2006, 11, 15, 10, 0, 5));
-    int attempts = 0;
-    s.http.answer = [&](const std::string&) {
-        return ++attempts < 3 ? FakeHttp::failed("late") : FakeHttp::picture("x");
-    };
-    s.clock.runUntil(at(2006, 11, 15, 10, 0, 20));
-    EXPECT_EQ(s.logged().back(), "Capture:late (2 times)");
-}
-
 TEST(MainLoop, ANewDataFolderIsLogged) {
     TestStation s(at(2006, 11, 15, 8, 0));
     s.start(false);
@@ -239,19 +208,6 @@ TEST(MainLoop, AnEmptyFileIsNoPicture) {
     EXPECT_EQ(s.days.plan().missed, 0);
 }
 
-TEST(MainLoop, AClockPutForwardBringsNoWarning) {
-    TestStation s(at(2006, 11, 15, 8, 55));
-    s.setSchedule("9", "17", "10");
-    s.start(true);
-    s.clock.runUntil(at(2006, 11, 15, 9, 35));
-    s.clock.jumpWall(1h);
-    s.clock.runUntil(at(2006, 11, 15, 10, 50, 30));
-    EXPECT_TRUE(s.warnings.text.get().empty()) << s.warnings.text.get();
-    EXPECT_EQ(s.gapBrowser.pages().size(), 0U);
-    s.days.refresh();
-    EXPECT_EQ(s.days.plan().missed, 0);
-}
-
 /// A short answer over a longer old working picture must not bring the old tail into the archive.
 TEST(MainLoop, FilesExactlyTheBytesThatTheCameraSent) {
     TestStation s(at(2006, 11, 15, 9, 29));
@@ -297,62 +253,6 @@ TEST(MainLoop, StopDuringThePauseEndsItAndStaysStopped) {
     EXPECT_TRUE(s.panel.Command1.enabled);
     s.clock.runUntil(at(2006, 11, 15, 12, 0));
     EXPECT_EQ(s.imagesOf("20061115").size(), 1U);
-}
-
-/// The wall clock is set by the operator and by daylight saving; nothing filed is ever replaced.
-TEST(MainLoop, SurvivesAJumpingWallClock) {
-    TestStation s(at(2006, 11, 15, 9, 29));
-    s.setSchedule("9", "17", "10");
-    s.start(true);
-    s.clock.runUntil(at(2006, 11, 15, 11, 5));
-    EXPECT_EQ(s.imagesOf("20061115").size(), 10U); // 9:30 to 11:00
-    s.clock.jumpWall(-1h);
-    s.clock.runUntil(at(2006, 11, 15, 11, 5));
-    const Names images = s.imagesOf("20061115");
-    EXPECT_EQ(images.size(), 16U); // 10:10 to 11:00 once more
-    EXPECT_EQ(std::ranges::count(images, "20061115_103000_01.jpg"), 1);
-    s.clock.jumpWall(+2h);
-    s.clock.runUntil(at(2006, 11, 15, 13, 15));
-    EXPECT_EQ(s.imagesOf("20061115").size(), 17U);
-    s.clock.jumpWall(24h * 400);
-    s.clock.run(24h);
-    EXPECT_EQ(s.imagesOf("20071220").size() + s.imagesOf("20071221").size(), 48U);
-    EXPECT_TRUE(s.warnings.text.get().empty()) << s.warnings.text.get();
-}
-
-/// Set back a little, the clock repeats minutes whose pictures are there; only those that have none
-/// are due.
-TEST(MainLoop, AMinuteThatComesAgainIsNotTakenTwice) {
-    for (const auto back : {1min, 4min, 9min}) {
-        TestStation s(at(2006, 11, 15, 8, 59));
-        s.setSchedule("9", "17", "1");
-        const auto picture = s.http.answer;
-        s.http.answer = [&](const std::string& url) {
-            const bool refused = wholeMinutes(timeOfDay(s.clock.now())) == 9 * 60 + 17;
-            return refused ? FakeHttp::failed("refused") : picture(url);
-        };
-        s.start(true);
-        s.clock.runUntil(at(2006, 11, 15, 9, 20, 30));
-        EXPECT_EQ(s.imagesOf("20061115").size(), 20U); // without 9:17
-        s.http.answer = picture;
-        s.clock.jumpWall(-back);
-        s.clock.runUntil(at(2006, 11, 15, 9, 20, 50));
-        EXPECT_EQ(s.imagesOf("20061115").size(), back == 1min ? 20U : 21U) << testing::PrintToString(s.imagesOf("20061115"));
-        s.clock.runUntil(at(2006, 11, 15, 10, 0));
-        EXPECT_EQ(s.imagesOf("20061115").size(), back == 1min ? 59U : 60U) << back.count();
-        EXPECT_TRUE(s.warnings.text.get().empty()) << s.warnings.text.get();
-    }
-}
-
-/// The end of summer time repeats an hour; it is recorded again.
-TEST(MainLoop, AnHourThatComesAgainIsRecordedAgain) {
-    TestStation s(at(2006, 10, 29, 1, 0));
-    s.setSchedule("0", "23", "1", "59");
-    s.start(true);
-    s.clock.runUntil(at(2006, 10, 29, 3, 0));
-    s.clock.jumpWall(-1h);
-    s.clock.runUntil(at(2006, 10, 29, 3, 0));
-    EXPECT_EQ(s.imagesOf("20061029").size(), 180U);
 }
 
 TEST(MainLoop, UnusableDataFolderIsToldAndRecoversByItself) {
