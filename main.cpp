@@ -52,11 +52,7 @@ class Program {
     }
 
     /// A failure that escaped every handler: told, and the program goes on.
-    void tellFault(const std::exception_ptr& fault) {
-        const std::string text = textOf(fault);
-        log_.write("Orvane:" + text);
-        faults_.spawn(op_.tell("A fault occurred: " + text + "\nThe program goes on."));
-    }
+    void tellFault(const std::exception_ptr& fault) { faults_.tell("Orvane", fault); }
 
     /// The operating system ends the session: nobody is asked.
     void saveForSessionEnd() {
@@ -78,6 +74,7 @@ class Program {
             days_,
             {portSelection_, timeForm_, timeSetting_, optionForm_, options_},
             clock_,
+            faults_,
             op_,
             *systemInfo_});
         op_.setParentWindow(main_.get());
@@ -128,15 +125,16 @@ class Program {
     OperationPanel panel_;
     Warnings warnings_;
     Busy busy_;
-    DayWatch days_{module_, panel_, clock_};
-    DiskWatch disk_;
-    QtImageViews views_{clock_, op_, module_, days_, viewsControl_};
     ErrorLog log_{toPath(QCoreApplication::applicationDirPath()),
                   clock_,
                   {[this] { return panel_.Label7.caption.get(); },
                    [this](const std::string& caption) { panel_.Label7.caption = caption; }}};
+    Faults faults_{log_, clock_, op_};
+    DayWatch days_{module_, panel_, clock_};
+    DiskWatch disk_;
+    QtImageViews views_{clock_, faults_, op_, module_, days_, viewsControl_};
     PanelSettings settings_{module_, panel_, store_, defaultDataFolder()};
-    PanelStatus status_{module_, panel_, clock_};
+    PanelStatus status_{module_, panel_, clock_, faults_};
     Recording recording_{module_, panel_, settings_, status_, log_, op_, clock_};
     CameraPanel camera_{module_, panel_, inetFileGet_, WebBrowserTst_, views_, busy_, op_, clock_};
     FileWriter files_{FileWriter::Force::Yes};
@@ -149,7 +147,7 @@ class Program {
     FolderScan folderScan_{module_, panel_};
     FrameLink link_{*MSComm1_, store_, log_, clock_, module_};
     TrackerCommands commands_{link_};
-    PortSelection portSelection_{store_, *MSComm1_, log_, op_};
+    PortSelection portSelection_{store_, link_, log_, op_};
     TimeSettingForm timeForm_;
     TimeSetting timeSetting_{timeForm_, panel_, commands_, wbSystemTm_, log_, op_, clock_, busy_};
     OptionForm optionForm_;
@@ -171,6 +169,7 @@ class Program {
                      archive_,
                      gaps_,
                      log_,
+                     faults_,
                      clock_,
                      op_,
                      warnings_,
@@ -185,13 +184,13 @@ class Program {
                          store_,
                          clock_,
                          {[this] { countdown_->closeDialog(); }, [this] { enterMainLoop(); },
-                          [] { QCoreApplication::exit(0); }}};
+                          [] { QCoreApplication::exit(0); }},
+                         faults_.teller("Orvane")};
 
     std::unique_ptr<Frm_AutoStart> countdown_;
     std::unique_ptr<frmMain> main_;
     std::unique_ptr<Frm_massege> warningWindow_;
-    TaskGroup faults_;
-    TaskGroup tasks_{[this](const std::exception_ptr& fault) { tellFault(fault); }};
+    TaskGroup tasks_{faults_.teller("Orvane")};
     Task<> loopTask_;
 };
 

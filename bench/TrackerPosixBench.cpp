@@ -43,7 +43,7 @@ void readAllOptions(benchmark::State& state) {
     TrackerCommands commands{link};
     OptionForm form;
     TrackerOptions options{form, module, commands, log, op, busy, [] {}};
-    RepeatingTimer timer{clock, 1000ms, [&] { ++module.replyTicks; }};
+    RepeatingTimer timer{clock, 1000ms, [&] { ++module.replyTicks; }, noFault};
     timer.enable();
     for ([[maybe_unused]] auto _ : state) {
         Task<> reading = readAndQuit(options);

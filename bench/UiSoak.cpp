@@ -113,7 +113,9 @@ bool openPicture(const std::filesystem::path& file) {
     LibjpegImageControl control(clock);
     const OperationPanel panel;
     const DayWatch days(module, panel, clock);
-    QtImageViews views(clock, op, module, days, control);
+    ErrorLog log("/nonexistent", clock);
+    Faults faults(log, clock, op);
+    QtImageViews views(clock, faults, op, module, days, control);
     PictureArea area;
     area.resize(1024, 768);
     area.show();

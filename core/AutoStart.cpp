@@ -6,9 +6,11 @@ namespace {
 constexpr std::int16_t kLastTick = 99;
 }
 
-AutoStart::AutoStart(Module1& module, SettingsStore& store, Clock& clock, Exits exits)
+AutoStart::AutoStart(Module1& module, SettingsStore& store, Clock& clock, Exits exits,
+                     FaultHandler onFault)
     : module_(module), store_(store), exits_(std::move(exits)),
-      timer_(clock, 105ms, [this] { Timer1_Timer(); }) {}
+      timer_(
+          clock, 105ms, [this] { Timer1_Timer(); }, std::move(onFault)) {}
 
 void AutoStart::Timer1_Timer() {
     ++counter_;

@@ -19,7 +19,8 @@ class AutoStart {
         std::function<void()> endProgram;
     };
 
-    AutoStart(Module1& module, SettingsStore& store, Clock& clock, Exits exits);
+    AutoStart(Module1& module, SettingsStore& store, Clock& clock, Exits exits,
+              FaultHandler onFault);
 
     void Form_Load() { timer_.enable(); }
     void Timer1_Timer();

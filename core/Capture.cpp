@@ -44,7 +44,7 @@ Task<Filing> fetchAndFile(Station& station, Captured& captured) {
 
 } // namespace
 
-Task<Captured> captureImage(Station& station) {
+Task<Captured> captureImage(Station& station, RepeatedLine& reasons) {
     const Busy::Hold busy(station.busy);
     station.panel.Label7.caption = "Recording Now...";
     station.panel.Command2.enabled = false;
@@ -56,9 +56,11 @@ Task<Captured> captureImage(Station& station) {
     Task<Filing> filing = fetchAndFile(station, captured);
     const Filing filed = co_await filing;
     captured.filed = filed.inArchive();
+    if (captured.filed) reasons.settle();
     if (filed.outcome == Filing::Outcome::Refused) {
         captured.fault = filed.fault;
         station.log.write("DownLoad Error");
+        reasons.write("Capture:" + captured.fault);
         station.panel.Label7.caption = "DownLoad Error ?";
         co_await station.clock.yield(); // lets the label be painted
     }

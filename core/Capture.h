@@ -14,7 +14,8 @@ struct Captured {
 };
 
 /// Fetches the camera's picture once and hands it to the archive, from "Recording Now..." to the
-/// end of the processing. What went wrong has been logged. `station` outlives the task.
-Task<Captured> captureImage(Station& station);
+/// end of the processing. What went wrong has been logged, the reason of a "DownLoad Error" in
+/// `reasons`. Both outlive the task.
+Task<Captured> captureImage(Station& station, RepeatedLine& reasons);
 
 } // namespace orvane

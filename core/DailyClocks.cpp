@@ -24,12 +24,11 @@ bool DailyClocks::isDue(WallTime now, bool justCaptured) const {
 
 Task<> DailyClocks::run() {
     lastDay_ = std::chrono::floor<std::chrono::days>(clock_.now());
-    showDialog_(true);
+    const Scope dialog(showDialog_);
     Task<> camera = setting_.activate();
     co_await camera;
     Task<std::optional<std::string>> tracker = setting_.setTrackerClock(true);
     const std::optional<std::string> fault = co_await tracker;
-    showDialog_(false);
     warnings_.set(Warnings::Cause::ClockSetting,
                   fault ? "The daily clock setting failed: " + *fault : "");
 }

@@ -1,8 +1,9 @@
 #include "core/MainLoop.h"
 
-#include "core/Capture.h"
 #include "core/StartUp.h"
+#include "platform/Paths.h"
 
+#include <algorithm>
 #include <limits>
 #include <utility>
 
@@ -11,9 +12,14 @@ namespace orvane {
 namespace {
 
 constexpr Ticks kPass = 100ms;
+constexpr Ticks kLongestPause = 10s;
 constexpr Ticks kPauseStep = 980ms;
 constexpr int kPauseSteps = 60;
 constexpr Ticks kLiveInterval = 5s;
+/// A clock that is set back by less repeats minutes whose pictures are there; set back by more, as
+/// at the end of summer time, it must not stop the recording for so long.
+constexpr std::int64_t kRepeatedMinutes = 10;
+constexpr const char* kWhere = "MainLoop";
 
 /// The label's count stays where it is when it would leave its 32 bits.
 void addCount(std::int32_t& count, std::int32_t by) {
@@ -40,69 +46,82 @@ Task<> MainLoop::run() {
     }
     station_.status.showCount();
 
+    Ticks rest = kPass;
     while (true) {
+        bool worked = false;
         try {
-            Task<> passing = pass();
-            co_await passing;
-        } catch (const std::exception& fault) {
-            // whatever nobody foresaw must not end the recording
-            station_.log.write(std::string("MainLoop:") + fault.what());
+            Task<bool> passing = pass();
+            worked = co_await passing;
+        } catch (...) {
+            station_.faults.report(kWhere, std::current_exception());
         }
-        co_await station_.clock.sleep(kPass);
+        rest = worked ? kPass : std::min(2 * rest, kLongestPause);
+        co_await station_.clock.sleep(rest);
     }
 }
 
-Task<> MainLoop::pass() {
+/// False: a part of it failed in a way nobody foresaw, which has been reported. The other parts
+/// are done all the same, above all the recording.
+Task<bool> MainLoop::pass() {
     Module1& module = station_.module;
     const WallTime now = station_.clock.now();
-    watch(now);
+    bool worked = station_.faults.attempt(kWhere, [&] { watch(now); });
     if (!module.RecordFlg) {
         station_.panel.Label11.caption = std::string();
     } else if (isDue(now)) {
-        Task<> recording = recordNow(minuteIndex(now));
-        co_await recording;
+        Task<bool> recording = recordNow(minuteIndex(now));
+        worked = co_await recording && worked;
     } else if (module.RecDoneFlg && timeOfDay(now) >= module.schedule.EndTime + 1min) {
         endOfWindow();
     }
     if (station_.dailyClocks.isDue(now, false)) {
-        Task<> clocks = station_.dailyClocks.run();
-        co_await clocks;
+        Task<bool> clocks = setClocks();
+        worked = co_await clocks && worked;
     }
-    besides(station_.clock.now());
+    co_return besides(station_.clock.now()) && worked;
 }
 
-/// Whether this minute is due and waits for its picture.
+Task<bool> MainLoop::setClocks() {
+    return station_.faults.run("DailyClocks", station_.dailyClocks.run());
+}
+
+/// Whether this minute is due and waits for its picture. One that comes again because the clock was
+/// set back a little is due only when it has none.
 bool MainLoop::isDue(WallTime now) const {
     const std::int64_t minute = minuteIndex(now);
+    const auto ofDay = static_cast<std::size_t>(minute % kDayMinutes);
     return minute != filedMinute_ &&
-           isDueMinute(station_.module.schedule, static_cast<int>(minute % kDayMinutes));
+           isDueMinute(station_.module.schedule, static_cast<int>(ofDay)) &&
+           (minute > filedMinute_ || station_.days.plan().states[ofDay] != DayState::Taken);
 }
 
-Task<> MainLoop::recordNow(std::int64_t dueMinute) {
+Task<> MainLoop::capture(Captured& captured) {
+    const Scope capturing(station_.module.capturing);
+    Task<Captured> capturingImage = captureImage(station_, reasons_);
+    captured = co_await capturingImage;
+}
+
+/// False: the capture failed in a way nobody foresaw.
+Task<bool> MainLoop::recordNow(std::int64_t dueMinute) {
     Captured captured;
     live_.reset(); // a capture never waits for the live view
     station_.gaps.standBack();
-    try {
-        const Scope capturing(station_.module.capturing);
-        Task<Captured> capture = captureImage(station_);
-        captured = co_await capture;
-    } catch (const std::exception& fault) {
-        // one capture that fails in a way nobody foresaw must not end the recording
-        station_.log.write(std::string("MainLoop:") + fault.what());
-    }
+    Task<bool> capturing = station_.faults.run(kWhere, capture(captured));
+    const bool worked = co_await capturing;
     station_.panel.Command2.enabled = station_.module.RecordFlg;
     fetchFault_ = captured.fault;
     const std::int32_t fetched = station_.module.filesFetched; // a run in the pause resets it
     if (captured.filed) {
-        filedMinute_ = dueMinute;
+        filedMinute_ = std::max({filedMinute_, dueMinute, minuteIndex(captured.copyTime)});
         if (station_.dailyClocks.isDue(station_.clock.now(), true)) {
-            Task<> clocks = station_.dailyClocks.run();
+            Task<bool> clocks = setClocks();
             co_await clocks;
         }
         Task<> pausing = pause(minuteIndex(captured.copyTime));
         co_await pausing;
     }
     countCapture(fetched);
+    co_return worked;
 }
 
 /// Keeps the minute of the image's name from being captured twice; the next minute may be due.
@@ -159,17 +178,24 @@ void MainLoop::watch(WallTime now) {
     const std::filesystem::path& folder = station_.panel.Dir1[0].path;
     const bool moved = folder.native() != watchedFolder_.native();
     if (minute == watchedMinute_ && recording == watchedRecording_ && !moved) return;
+    if (minute <= watchedMinute_ - kRepeatedMinutes) filedMinute_ = -1;
     watchedMinute_ = minute;
     if (recording != watchedRecording_ && station_.keepAwake) station_.keepAwake(recording);
     watchedRecording_ = recording;
     if (!recording) filedMinute_ = -1;
-    watchedFolder_ = folder;
-    if (moved) station_.warnings.clear(Warnings::Cause::DataFolder);
+    if (moved) noteFolder();
     watchDisk();
     station_.warnings.set(
         Warnings::Cause::ErrorLog,
-        station_.log.writable() ? "" : "ERROR.LOG in the program's folder cannot be written.");
+        station_.log.probe() ? "" : "ERROR.LOG in the program's folder cannot be written.");
     watchMissed();
+}
+
+void MainLoop::noteFolder() {
+    const std::filesystem::path& folder = station_.panel.Dir1[0].path;
+    if (!watchedFolder_.empty()) station_.log.write("Data folder: " + utf8FromPath(folder));
+    watchedFolder_ = folder;
+    station_.warnings.clear(Warnings::Cause::DataFolder);
 }
 
 /// The reason is that of the moment when the warning came up: a changed text would open it again.
@@ -200,13 +226,15 @@ void MainLoop::watchDisk() {
     station_.warnings.set(Warnings::Cause::DiskSpace, report.warning);
 }
 
-/// What may wait, while no due minute waits for its picture.
-void MainLoop::besides(WallTime now) {
-    const Module1& module = station_.module;
-    startLiveView();
-    if (!module.RecordFlg || isDue(now)) return;
-    startSynchronisation();
-    station_.gaps.step();
+/// What may wait, while no due minute waits for its picture. False: it failed in a way nobody
+/// foresaw.
+bool MainLoop::besides(WallTime now) {
+    return station_.faults.attempt(kWhere, [&] {
+        startLiveView();
+        if (!station_.module.RecordFlg || isDue(now)) return;
+        startSynchronisation();
+        station_.gaps.step();
+    });
 }
 
 void MainLoop::startSynchronisation() {
@@ -215,7 +243,7 @@ void MainLoop::startSynchronisation() {
     module.syncPending = true;
     module.syncTicks = 0;
     module.syncElapsed = false;
-    synchronisation_ = station_.store.Download_proc();
+    synchronisation_ = station_.faults.run("Synchronisation", station_.store.Download_proc());
     synchronisation_.start();
 }
 
@@ -224,7 +252,7 @@ void MainLoop::startLiveView() {
         station_.panel.chkLive.ticked && !station_.busy.active() && !station_.http.running();
     if (!wanted || !live_.done() || station_.clock.ticks() < nextLive_) return;
     nextLive_ = station_.clock.ticks() + kLiveInterval;
-    live_ = showLivePicture();
+    live_ = station_.faults.run("LiveView", showLivePicture());
     live_.start();
 }
 

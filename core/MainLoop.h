@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/Station.h"
+#include "core/Capture.h"
 
 namespace orvane {
 
@@ -10,30 +10,36 @@ namespace orvane {
 /// captures.
 class MainLoop {
   public:
-    explicit MainLoop(Station& station) : station_(station) {}
+    explicit MainLoop(Station& station) : station_(station), reasons_(station.log, station.clock) {}
 
     /// Ends only when the start-up fails; then it has told the fault and ended the program with
-    /// exit code 1. Everything else ends the loop by destroying its task.
+    /// exit code 1. Everything else ends the loop by destroying its task. What nobody foresaw is
+    /// reported, and the loop goes on; it pauses longer from one failed pass to the next, up to
+    /// 10 s.
     Task<> run();
 
   private:
-    Task<> pass();
-    Task<> recordNow(std::int64_t dueMinute);
+    Task<bool> pass();
+    Task<> capture(Captured& captured);
+    Task<bool> recordNow(std::int64_t dueMinute);
+    Task<bool> setClocks();
     Task<> pause(std::int64_t minute);
     void countCapture(std::int32_t fetched);
     void endOfWindow();
     void watchDay(WallTime now);
     void watch(WallTime now);
+    void noteFolder();
     void watchDisk();
     void watchMissed();
     bool isDue(WallTime now) const;
-    void besides(WallTime now);
+    bool besides(WallTime now);
     void startSynchronisation();
     void startLiveView();
     Task<> showLivePicture();
 
     Station& station_;
-    std::int64_t filedMinute_ = -1; ///< the due minute that was captured last
+    RepeatedLine reasons_;          ///< why captures fail
+    std::int64_t filedMinute_ = -1; ///< the latest that was captured, by being due or by its name
     std::string fetchFault_;        ///< of the last capture; empty when it brought a picture
     std::string missed_;            ///< the warning of missed minutes, with its reason
     std::chrono::local_days sunDay_{};
@@ -42,8 +48,8 @@ class MainLoop {
     bool watchedRecording_ = false;
     std::filesystem::path watchedFolder_;
     Ticks nextLive_{0};
-    Task<> live_;
-    Task<> synchronisation_;
+    Task<bool> live_;
+    Task<bool> synchronisation_;
 };
 
 } // namespace orvane

@@ -18,10 +18,12 @@ void countUp(std::int16_t& ticks) {
 
 } // namespace
 
-PanelStatus::PanelStatus(Module1& module, OperationPanel& panel, Clock& clock)
-    : Timer1(clock, 1000ms, [this] { Timer1_Timer(); }),
-      Tim_sync(clock, 10000ms, [this] { Tim_sync_Timer(); }), module_(module), panel_(panel),
-      clock_(clock) {}
+PanelStatus::PanelStatus(Module1& module, OperationPanel& panel, Clock& clock, Faults& faults)
+    : Timer1(
+          clock, 1000ms, [this] { Timer1_Timer(); }, faults.reporter("Timer1")),
+      Tim_sync(
+          clock, 10000ms, [this] { Tim_sync_Timer(); }, faults.reporter("Tim_sync")),
+      module_(module), panel_(panel), clock_(clock) {}
 
 void PanelStatus::initStatus() {
     Timer1.enable();
@@ -36,11 +38,11 @@ void PanelStatus::initStatus() {
 }
 
 void PanelStatus::Timer1_Timer() {
+    countUp(module_.replyTicks); // first: waits end by them, whatever a label does
+    countUp(module_.searchTicks);
     const WallTime now = clock_.now();
     panel_.Label12.caption = dateText(now);
     panel_.Label13.caption = timeText(now);
-    countUp(module_.replyTicks);
-    countUp(module_.searchTicks);
 }
 
 void PanelStatus::Tim_sync_Timer() {

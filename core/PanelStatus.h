@@ -12,7 +12,7 @@ namespace orvane {
 /// the next synchronisation.
 class PanelStatus {
   public:
-    PanelStatus(Module1& module, OperationPanel& panel, Clock& clock);
+    PanelStatus(Module1& module, OperationPanel& panel, Clock& clock, Faults& faults);
 
     /// Resets the status display and starts `Timer1`.
     void initStatus();

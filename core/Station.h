@@ -13,6 +13,7 @@
 #include "platform/Operator.h"
 #include "station/Busy.h"
 #include "station/ErrorLog.h"
+#include "station/Faults.h"
 #include "station/ImageViews.h"
 #include "station/Module1.h"
 #include "station/OperationPanel.h"
@@ -38,6 +39,7 @@ struct Station {
     PictureArchive& archive;
     GapFilling& gaps;
     ErrorLog& log;
+    Faults& faults;
     Clock& clock;
     Operator& op;
     Warnings& warnings;

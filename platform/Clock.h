@@ -2,6 +2,7 @@
 
 #include "platform/Task.h"
 
+#include <cassert>
 #include <chrono>
 #include <coroutine>
 #include <cstdint>
@@ -72,7 +73,7 @@ class Clock : public WakeSource {
 };
 
 /// A one-shot event that one coroutine can wait for: `co_await signal`. Firing it before the wait
-/// is remembered.
+/// is remembered. A second one that waits is a programmer's mistake: one of them would never wake.
 class Signal final : public WakeSource {
   public:
     explicit Signal(Clock& clock) : clock_(clock) {}
@@ -95,6 +96,7 @@ class Signal final : public WakeSource {
     bool await_ready() const noexcept { return fired_; }
     template <class Promise>
     void await_suspend(std::coroutine_handle<Promise> waiting) {
+        assert(waiting_ == nullptr);
         waiting_ = &waiting.promise().wake;
         waiting_->hold(*this, waiting);
     }

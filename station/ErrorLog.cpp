@@ -20,17 +20,31 @@ std::string logStamp(const Clock& clock) {
 ErrorLog::ErrorLog(const std::filesystem::path& programFolder, Clock& clock, StatusLabel label)
     : file_(programFolder / "ERROR.LOG"), clock_(clock), label_(std::move(label)) {}
 
-bool ErrorLog::write(const std::string& message, bool show) {
+bool ErrorLog::append(const std::string& message) {
     std::ofstream file(file_, std::ios::binary | std::ios::app);
     file << logStamp(clock_) + message + "\r\n";
     file.close();
-    writable_ = file.good();
+    return file.good();
+}
+
+/// Only a line that was written shows that the disk takes one: an empty file can also be opened on
+/// a full disk.
+bool ErrorLog::probe() {
+    if (lost_ == 0) return true;
+    if (!append("ErrorLog:" + std::to_string(lost_) + " lines could not be written")) return false;
+    lost_ = 0;
+    return true;
+}
+
+bool ErrorLog::write(const std::string& message, bool show) {
+    const bool written = probe() && append(message);
+    if (!written) ++lost_;
     if (show && label_.setCaption) {
         endFlash();
         flashing_ = flash(message);
         flashing_.start();
     }
-    return writable_;
+    return written;
 }
 
 Task<> ErrorLog::flash(std::string message) {

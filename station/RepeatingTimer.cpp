@@ -16,7 +16,11 @@ Task<> RepeatingTimer::run() {
     while (true) {
         co_await clock_.sleepUntil(due);
         if (!enabled_) co_return;
-        tick_();
+        try {
+            tick_();
+        } catch (...) {
+            onFault_(std::current_exception());
+        }
         if (!enabled_) co_return;
         // after a suspended PC one tick is enough
         due = std::max(due + interval_, clock_.ticks());

@@ -1,16 +1,16 @@
 #pragma once
 
-#include "platform/Clock.h"
-
-#include <functional>
+#include "station/Faults.h"
 
 namespace orvane {
 
-/// Calls a handler at a fixed interval while it is enabled, without drift.
+/// Calls a handler at a fixed interval while it is enabled, without drift. A tick that fails goes
+/// to `onFault`, and the next one comes.
 class RepeatingTimer {
   public:
-    RepeatingTimer(Clock& clock, Ticks interval, std::function<void()> tick)
-        : clock_(clock), interval_(interval), tick_(std::move(tick)) {}
+    RepeatingTimer(Clock& clock, Ticks interval, std::function<void()> tick, FaultHandler onFault)
+        : clock_(clock), interval_(interval), tick_(std::move(tick)), onFault_(std::move(onFault)) {
+    }
 
     bool enabled() const { return enabled_; }
     /// May not be called from the handler itself.
@@ -24,6 +24,7 @@ class RepeatingTimer {
     Clock& clock_;
     Ticks interval_;
     std::function<void()> tick_;
+    FaultHandler onFault_;
     bool enabled_ = false;
     Task<> task_;
 };

@@ -1,8 +1,7 @@
 #pragma once
 
-#include "platform/Task.h"
+#include "station/Faults.h"
 
-#include <functional>
 #include <list>
 
 namespace orvane {
@@ -11,9 +10,7 @@ namespace orvane {
 /// is reported once through the fault handler; the rest go on.
 class TaskGroup {
   public:
-    using FaultHandler = std::function<void(std::exception_ptr)>;
-
-    explicit TaskGroup(FaultHandler onFault = {}) : onFault_(std::move(onFault)) {}
+    explicit TaskGroup(FaultHandler onFault) : onFault_(std::move(onFault)) {}
 
     /// Runs `task` up to its first wait and keeps it until it is done.
     void spawn(Task<> task) {
@@ -35,7 +32,7 @@ class TaskGroup {
         try {
             co_await task;
         } catch (...) {
-            if (onFault) onFault(std::current_exception());
+            onFault(std::current_exception());
         }
     }
     void prune() {

@@ -10,12 +10,14 @@ namespace orvane {
 
 namespace {
 
+constexpr const char* kLineSettings = "38400,N,8,1";
 constexpr std::size_t kMaxData = 252;
 constexpr int kReceiveBuffer = 513;
 constexpr std::int16_t kReplyTicks = 2;
 constexpr Ticks kPollInterval = 2ms;
-/// Five bytes take 1.3 ms at 38400 baud; by then a whole echo has arrived behind its first byte.
-constexpr Ticks kEchoTime = 5ms;
+/// A frame without data. It takes 1.3 ms at 38400 baud, but an adapter delivers it in portions.
+constexpr std::size_t kEchoSize = 5;
+constexpr Ticks kEchoSilence = 20ms;
 
 std::string hex(std::uint8_t byte) {
     char digits[3];
@@ -42,9 +44,29 @@ std::vector<std::uint8_t> MakeFrame(std::uint8_t cmd, const std::string& data) {
 
 bool FrameLink::initCommunication() {
     module_.replyTicks = 0;
+    exchangeEnd_ = Ticks::max();
     const std::int16_t port = toInt16(storedPort(store_)).value_or(0);
-    if (MSComm1_.open(port, kLineSettings)) return true;
-    return fail("initCommunication:COM Port EEROR");
+    inUse_ = MSComm1_.open(port, kLineSettings);
+    return inUse_ || fail("initCommunication:COM Port EEROR");
+}
+
+void FrameLink::closeCommunication() noexcept {
+    inUse_ = false;
+    try {
+        MSComm1_.close();
+    } catch (...) {
+        fail("closeCommunication:COM Port ERROR");
+    }
+}
+
+bool FrameLink::tryPort(std::int16_t portNumber) {
+    if (inUse_ || !MSComm1_.open(portNumber, kLineSettings)) return false;
+    MSComm1_.close();
+    return true;
+}
+
+bool FrameLink::isOver() const {
+    return module_.replyTicks > kReplyTicks || clock_.ticks() >= exchangeEnd_;
 }
 
 Task<> FrameLink::SendFrame(std::uint8_t cmd, const std::string& data) {
@@ -60,7 +82,7 @@ Task<> FrameLink::SendByte(std::uint8_t byte) {
 /// A line that takes nothing off is given up like one that answers nothing.
 Task<> FrameLink::waitForOutput() {
     module_.replyTicks = 0;
-    while (MSComm1_.outputCount().value_or(0) > 0 && module_.replyTicks <= kReplyTicks)
+    while (MSComm1_.outputCount().value_or(0) > 0 && !isOver())
         co_await clock_.sleep(kPollInterval);
 }
 
@@ -68,7 +90,7 @@ Task<> FrameLink::waitForOutput() {
 Task<bool> FrameLink::waitForInput() {
     module_.replyTicks = 0;
     while (MSComm1_.inputCount() == std::size_t{0}) {
-        if (module_.replyTicks > kReplyTicks) co_return false;
+        if (isOver()) co_return false;
         co_await clock_.sleep(kPollInterval);
     }
     co_return true;
@@ -124,9 +146,26 @@ Task<bool> FrameLink::recMessage(Reply& reply) {
     co_return fail("recMessage:SUM ERROR");
 }
 
-Task<bool> FrameLink::GetCmd(std::uint8_t& cmd) {
+/// Ends also when the port has failed. Once there is a first byte this is bounded by the silences.
+Task<> FrameLink::waitForEcho() {
     Task<bool> waiting = waitForInput();
-    if (co_await waiting) co_await clock_.sleep(kEchoTime);
+    if (!co_await waiting) co_return;
+    std::size_t known = 0;
+    Ticks silentSince{};
+    while (true) {
+        const std::size_t count = MSComm1_.inputCount().value_or(kEchoSize);
+        if (count >= kEchoSize) co_return;
+        const Ticks now = clock_.ticks();
+        if (count != known) silentSince = now;
+        known = count;
+        if (now - silentSince >= kEchoSilence) co_return;
+        co_await clock_.sleep(kPollInterval);
+    }
+}
+
+Task<bool> FrameLink::GetCmd(std::uint8_t& cmd) {
+    Task<> waiting = waitForEcho();
+    co_await waiting;
     const std::size_t count = MSComm1_.inputCount().value_or(0);
     for (std::size_t position = 1; position <= count; ++position) {
         const auto byte = MSComm1_.readByte();

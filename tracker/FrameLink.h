@@ -6,6 +6,7 @@
 #include "station/Module1.h"
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -29,7 +30,7 @@ struct Reply {
 std::vector<std::uint8_t> MakeFrame(std::uint8_t cmd, const std::string& data = {});
 
 /// Frames and single bytes over the serial port. Every wait for a byte ends with the third tick of
-/// the panel's clock timer, which counts `Module1::replyTicks`.
+/// the panel's clock timer, which counts `Module1::replyTicks`, and with the exchange's time.
 class FrameLink {
   public:
     FrameLink(SerialPort& MSComm1, SettingsStore& store, ErrorLog& log, Clock& clock,
@@ -38,8 +39,14 @@ class FrameLink {
 
     /// Opens the stored port; false after logging.
     bool initCommunication();
-    void closeCommunication() { MSComm1_.close(); }
-    bool isOpen() const { return MSComm1_.isOpen(); }
+    void closeCommunication() noexcept;
+    /// Between the two; also while a port that has failed is not given up yet.
+    bool inUse() const { return inUse_; }
+    /// Whether `portNumber` can be opened; it is closed again at once. False also while in use.
+    bool tryPort(std::int16_t portNumber);
+
+    /// From now on all waits together end within 15 s, as the time-out of the byte waited for does.
+    void beginExchange() { exchangeEnd_ = clock_.ticks() + kExchangeTime; }
 
     Task<> SendFrame(std::uint8_t cmd, const std::string& data);
     Task<> SendByte(std::uint8_t byte);
@@ -48,13 +55,18 @@ class FrameLink {
     /// Receives and checks one frame; false after logging what was wrong. A frame without data is
     /// not received.
     Task<bool> recMessage(Reply& reply);
-    /// Waits for the echo and takes its third byte; a shorter echo leaves `cmd` as it was.
+    /// Waits for the echo, five bytes or 20 ms of silence, and takes its third byte; a shorter echo
+    /// leaves `cmd` as it was.
     Task<bool> GetCmd(std::uint8_t& cmd);
     void FlushInput();
 
   private:
+    static constexpr Ticks kExchangeTime = 15s;
+
     Task<bool> waitForInput();
+    Task<> waitForEcho();
     Task<> waitForOutput();
+    bool isOver() const;
     bool fail(const std::string& message);
 
     SerialPort& MSComm1_;
@@ -62,6 +74,15 @@ class FrameLink {
     ErrorLog& log_;
     Clock& clock_;
     Module1& module_;
+    bool inUse_ = false;
+    Ticks exchangeEnd_ = Ticks::max();
 };
+
+struct ClosePort {
+    void operator()(FrameLink* link) const noexcept { link->closeCommunication(); }
+};
+/// The port, opened for one procedure; closed when this goes, in whatever way the procedure or the
+/// task that runs it ends. Null: it could not be opened.
+using OpenPort = std::unique_ptr<FrameLink, ClosePort>;
 
 } // namespace orvane

@@ -23,10 +23,7 @@ std::optional<int> PortSelection::storedIndex() const {
 
 Task<bool> PortSelection::confirm(std::optional<int> index) {
     const std::string chosen = index ? std::to_string(*index + 1) : storedPort(store_);
-    // a port that an exchange is using is left alone
-    const bool usable = !port_.isOpen() && port_.open(toInt16(chosen).value_or(0), kLineSettings);
-    if (usable) {
-        port_.close();
+    if (link_.tryPort(toInt16(chosen).value_or(0))) {
         store_.SaveSetting(kSection, kKey, chosen);
         co_return true;
     }

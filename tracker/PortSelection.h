@@ -1,16 +1,12 @@
 #pragma once
 
 #include "platform/Operator.h"
-#include "platform/SerialPort.h"
-#include "platform/SettingsStore.h"
-#include "station/ErrorLog.h"
+#include "tracker/FrameLink.h"
 
 #include <optional>
 #include <string>
 
 namespace orvane {
-
-inline constexpr const char* kLineSettings = "38400,N,8,1";
 
 /// The stored number of the tracker's COM port, as text.
 std::string storedPort(const SettingsStore& store);
@@ -19,8 +15,8 @@ std::string storedPort(const SettingsStore& store);
 /// be opened.
 class PortSelection {
   public:
-    PortSelection(SettingsStore& store, SerialPort& port, ErrorLog& log, Operator& op)
-        : store_(store), port_(port), log_(log), op_(op) {}
+    PortSelection(SettingsStore& store, FrameLink& link, ErrorLog& log, Operator& op)
+        : store_(store), link_(link), log_(log), op_(op) {}
 
     /// Index 0 to 3 of the option button to select; nothing for a stored value that no button
     /// stands for.
@@ -31,7 +27,7 @@ class PortSelection {
 
   private:
     SettingsStore& store_;
-    SerialPort& port_;
+    FrameLink& link_;
     ErrorLog& log_;
     Operator& op_;
 };

@@ -88,7 +88,8 @@ Task<std::optional<std::string>> TimeSetting::setTrackerClock(bool automatic) {
 /// Stops the sun tracking, sets the clock and starts the tracking again, whatever came of it.
 Task<std::optional<std::string>> TimeSetting::exchangeClock() {
     putClock(std::span(commands_.buffer).subspan<1, kClockDigits>(), target_);
-    if (!commands_.open()) co_return "Initialization of a communication port went wrong.";
+    const OpenPort port = commands_.open();
+    if (!port) co_return "Initialization of a communication port went wrong.";
     Task<> stopping = switchTracking(false);
     co_await stopping;
 
@@ -99,7 +100,6 @@ Task<std::optional<std::string>> TimeSetting::exchangeClock() {
 
     Task<> starting = switchTracking(true);
     co_await starting;
-    commands_.close();
     co_return fault;
 }
 

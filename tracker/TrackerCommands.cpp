@@ -53,6 +53,7 @@ void putSerial(std::span<std::uint8_t, 16> to, const std::string& text) {
 }
 
 Task<Exchange> TrackerCommands::sendCommand(TrackerCommand command, int count) {
+    link_.beginExchange();
     link_.FlushInput();
     const std::string data = std::to_string(count);
     Task<> sending = link_.SendFrame(static_cast<std::uint8_t>(command), data);

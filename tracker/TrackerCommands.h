@@ -40,18 +40,20 @@ void putClock(std::span<std::uint8_t, 12> to, WallTime time);
 /// it.
 void putSerial(std::span<std::uint8_t, 16> to, const std::string& text);
 
-/// The commands of the sun tracker over an open link. Only `open` and `close` handle the port.
+/// The commands of the sun tracker over an open link.
 class TrackerCommands {
   public:
     explicit TrackerCommands(FrameLink& link) : link_(link) {}
 
-    /// False also while another procedure has the port open; only who has opened it closes it.
-    bool open() { return !link_.isOpen() && link_.initCommunication(); }
-    void close() { link_.closeCommunication(); }
+    /// Null also while another procedure uses the port.
+    OpenPort open() {
+        return OpenPort(!link_.inUse() && link_.initCommunication() ? &link_ : nullptr);
+    }
 
     CommandBuffer buffer{};
 
-    /// Sends a command with its parameter count, and takes the acknowledgement and the echo.
+    /// Sends a command with its parameter count, and takes the acknowledgement and the echo. As
+    /// `request`, at most 15 s.
     Task<Exchange> exchange(TrackerCommand command, int count);
     /// Sends a read request and takes the reply frame; acknowledges it when its command is right.
     /// `NoReply` also for a frame that is not valid.

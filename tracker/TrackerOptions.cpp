@@ -70,24 +70,24 @@ TrackerOptions::TrackerOptions(OptionForm& form, Module1& module, TrackerCommand
 Task<> TrackerOptions::activate() {
     const Busy::Hold busy(busy_);
     const Scope working([this](bool on) { setWorking(on); });
-    if (!open("Reading the tracker's options ...")) co_return;
+    const OpenPort port = open("Reading the tracker's options ...");
+    if (!port) co_return;
     Task<> serial = readSerial();
     co_await serial;
     Task<> site = readSite();
     co_await site;
     Task<> origin = readOrigin();
     co_await origin;
-    commands_.close();
     finish("Read from the tracker.");
 }
 
 /// Shows `status` while the exchange goes on.
-bool TrackerOptions::open(const char* status) {
+OpenPort TrackerOptions::open(const char* status) {
     form_.status.caption = status;
     failures_.clear();
-    if (commands_.open()) return true;
-    form_.status.caption = "The tracker's port cannot be opened, or is in use.";
-    return false;
+    OpenPort port = commands_.open();
+    if (!port) form_.status.caption = "The tracker's port cannot be opened, or is in use.";
+    return port;
 }
 
 void TrackerOptions::finish(const std::string& success) {
@@ -168,7 +168,8 @@ Task<> TrackerOptions::Command1_Click() {
     {
         const Busy::Hold busy(busy_);
         const Scope working([this](bool on) { setWorking(on); });
-        if (!open("Sending to the tracker ...")) co_return;
+        const OpenPort port = open("Sending to the tracker ...");
+        if (!port) co_return;
         Task<> serial = writeSerial();
         co_await serial;
         message = siteFault();
@@ -178,7 +179,6 @@ Task<> TrackerOptions::Command1_Click() {
         }
         Task<> origin = writeOrigin();
         co_await origin;
-        commands_.close();
         finish(message.empty() ? "Sent to the tracker." : message);
     }
     // told when the port is closed: a box may stay open for days

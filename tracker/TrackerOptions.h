@@ -37,7 +37,7 @@ class TrackerOptions {
     Task<> Command1_Click();
 
   private:
-    bool open(const char* status);
+    OpenPort open(const char* status);
     void finish(const std::string& success);
     bool succeeded(Exchange result, const char* name, bool reading);
     void refuse(const char* name, const char* fault);

@@ -4,7 +4,6 @@
 
 #include <QString>
 
-#include <exception>
 #include <string>
 
 namespace orvane {
@@ -21,17 +20,6 @@ inline QString toQString(const std::filesystem::path& path) {
 
 inline std::filesystem::path toPath(const QString& text) {
     return pathFromUtf8(text.toStdString());
-}
-
-/// What a task ended with that nobody expected.
-inline std::string textOf(const std::exception_ptr& fault) {
-    try {
-        std::rethrow_exception(fault);
-    } catch (const std::exception& error) {
-        return error.what();
-    } catch (...) {
-        return "unknown fault";
-    }
 }
 
 } // namespace orvane

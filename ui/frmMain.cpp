@@ -28,9 +28,10 @@ frmMain::frmMain(Parts parts)
     : parts_(parts), operation_(new frmOperation(parts.operation)), area_(new PictureArea) {
     setObjectName("frmMain");
     setWindowTitle("Orvane");
-    auto* strip = new ThumbnailStrip(parts_.views.loader());
+    auto* strip =
+        new ThumbnailStrip(parts_.views.loader(), parts_.faults.reporter("ThumbnailStrip"));
     QHBoxLayout* above = row({new PanelScroll(*operation_), {column({{area_, 1}, strip}, 0), 1}});
-    auto* day = new DayView({parts_.days, parts_.module, parts_.clock});
+    auto* day = new DayView({parts_.days, parts_.module, parts_.clock, parts_.faults});
     setCentralWidget(inWidget(column({{above, 1}, day}, 0)));
 
     addFileMenu();

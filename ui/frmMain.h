@@ -44,6 +44,7 @@ class frmMain : public QMainWindow {
         DayWatch& days;
         Tracker tracker;
         Clock& clock;
+        Faults& faults;
         Operator& op;
         SystemInfo& systemInfo;
     };

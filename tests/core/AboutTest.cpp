@@ -52,7 +52,7 @@ TEST(AboutTest, TheToolIsFoundThroughTheRegistry) {
         FakeSystemInfo info;
         info.registry = test.registry;
         info.files = test.files;
-        TaskGroup tasks;
+        TaskGroup tasks(noFault);
         tasks.spawn(startSystemInformation(info, op));
         clock.run(2s);
         EXPECT_EQ(tasks.running(), 0u);

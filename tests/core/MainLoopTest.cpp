@@ -109,6 +109,15 @@ TEST(MainLoop, FailedFetchIsTriedAgainWithinItsMinute) {
     EXPECT_EQ(s.http.urls.back(), "http://192.168.0.10:80/Images/full.jpg");
 }
 
+TEST(MainLoop, ANewDataFolderIsLogged) {
+    TestStation s(at(2006, 11, 15, 8, 0));
+    s.start(false);
+    s.panel.Dir1[0].path = s.folder.path() / "other";
+    s.clock.run(1s);
+    EXPECT_EQ(s.logged().back(), "Data folder: " + utf8FromPath(s.folder.path() / "other"));
+    EXPECT_EQ(s.logged().size(), 2U);
+}
+
 /// What is not a whole new picture is never filed, whatever the transfer says.
 TEST(MainLoop, RefusesWhatIsNotANewPicture) {
     const std::string whole = jpegLike("x");
@@ -199,19 +208,6 @@ TEST(MainLoop, AnEmptyFileIsNoPicture) {
     EXPECT_EQ(s.days.plan().missed, 0);
 }
 
-TEST(MainLoop, AClockPutForwardBringsNoWarning) {
-    TestStation s(at(2006, 11, 15, 8, 55));
-    s.setSchedule("9", "17", "10");
-    s.start(true);
-    s.clock.runUntil(at(2006, 11, 15, 9, 35));
-    s.clock.jumpWall(1h);
-    s.clock.runUntil(at(2006, 11, 15, 10, 50, 30));
-    EXPECT_TRUE(s.warnings.text.get().empty()) << s.warnings.text.get();
-    EXPECT_EQ(s.gapBrowser.pages().size(), 0U);
-    s.days.refresh();
-    EXPECT_EQ(s.days.plan().missed, 0);
-}
-
 /// A short answer over a longer old working picture must not bring the old tail into the archive.
 TEST(MainLoop, FilesExactlyTheBytesThatTheCameraSent) {
     TestStation s(at(2006, 11, 15, 9, 29));
@@ -257,27 +253,6 @@ TEST(MainLoop, StopDuringThePauseEndsItAndStaysStopped) {
     EXPECT_TRUE(s.panel.Command1.enabled);
     s.clock.runUntil(at(2006, 11, 15, 12, 0));
     EXPECT_EQ(s.imagesOf("20061115").size(), 1U);
-}
-
-/// The wall clock is set by the operator and by daylight saving; nothing filed is ever replaced.
-TEST(MainLoop, SurvivesAJumpingWallClock) {
-    TestStation s(at(2006, 11, 15, 9, 29));
-    s.setSchedule("9", "17", "10");
-    s.start(true);
-    s.clock.runUntil(at(2006, 11, 15, 11, 5));
-    EXPECT_EQ(s.imagesOf("20061115").size(), 10U); // 9:30 to 11:00
-    s.clock.jumpWall(-1h);
-    s.clock.runUntil(at(2006, 11, 15, 11, 5));
-    const Names images = s.imagesOf("20061115");
-    EXPECT_EQ(images.size(), 16U); // 10:10 to 11:00 once more
-    EXPECT_EQ(std::ranges::count(images, "20061115_103000_01.jpg"), 1);
-    s.clock.jumpWall(+2h);
-    s.clock.runUntil(at(2006, 11, 15, 13, 15));
-    EXPECT_EQ(s.imagesOf("20061115").size(), 17U);
-    s.clock.jumpWall(24h * 400);
-    s.clock.run(24h);
-    EXPECT_EQ(s.imagesOf("20071220").size() + s.imagesOf("20071221").size(), 48U);
-    EXPECT_TRUE(s.warnings.text.get().empty()) << s.warnings.text.get();
 }
 
 TEST(MainLoop, UnusableDataFolderIsToldAndRecoversByItself) {

@@ -110,7 +110,8 @@ struct Countdown : testing::Test {
         module,
         store,
         clock,
-        {[this] { trace += "closed "; }, [this] { trace += "loop"; }, [this] { trace += "end"; }}};
+        {[this] { trace += "closed "; }, [this] { trace += "loop"; }, [this] { trace += "end"; }},
+        noFault};
 };
 
 TEST_F(Countdown, RunsOutAtThe99thTick) {
@@ -143,7 +144,8 @@ TEST_F(Countdown, CancelStartsWithoutRecordingAndEndEnds) {
         module,
         store,
         clock,
-        {[this] { trace += "closed "; }, [this] { trace += "loop"; }, [this] { trace += "end"; }}};
+        {[this] { trace += "closed "; }, [this] { trace += "loop"; }, [this] { trace += "end"; }},
+        noFault};
     other.Form_Load();
     other.Command2_Click();
     clock.run(1min);
@@ -227,6 +229,13 @@ TEST(ErrorLog, AFailureIsAResultAndAWarningAndStopsNothing) {
     s.clock.runUntil(at(2006, 11, 15, 9, 31));
     EXPECT_EQ(s.imagesOf("20061115").size(), 1U);
     EXPECT_EQ(s.warnings.text.get(), "ERROR.LOG in the program's folder cannot be written.");
+    // a station that has nothing to log finds out as well
+    std::filesystem::remove(s.module.programFolder / "ERROR.LOG");
+    s.clock.run(1min);
+    EXPECT_TRUE(s.warnings.text.get().empty());
+    EXPECT_EQ(s.logged(), std::vector<std::string>{"ErrorLog:3 lines could not be written"});
+    s.clock.run(1min);
+    EXPECT_EQ(s.logged().size(), 1U);
 }
 
 TEST(DiskWatch, TellsDaysAtTodaysRate) {

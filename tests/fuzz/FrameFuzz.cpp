@@ -36,7 +36,7 @@ struct Link {
     FakeTracker port{clock};
     FrameLink link{port, store, log, clock, module};
     TrackerCommands commands{link};
-    RepeatingTimer timer{clock, 1000ms, [this] { ++module.replyTicks; }};
+    RepeatingTimer timer{clock, 1000ms, [this] { ++module.replyTicks; }, noFault};
 
     Link() {
         timer.enable();

@@ -1,5 +1,6 @@
 #include "station/RepeatingTimer.h"
 #include "station/TaskGroup.h"
+#include "tests/support/Fakes.h"
 #include "tests/support/JumpingClock.h"
 
 #include <gtest/gtest.h>
@@ -87,7 +88,7 @@ TEST(Task, DestroyingTheOwnerTakesTheWakeUpAlong) {
 TEST(Task, WakesInTheOrderOfDeadlinesAndOfComing) {
     JumpingClock clock(kStart);
     std::string trace;
-    TaskGroup tasks;
+    TaskGroup tasks(noFault);
     tasks.spawn(record(clock, trace, 'c', 30ms));
     tasks.spawn(record(clock, trace, 'a', 10ms));
     tasks.spawn(record(clock, trace, 'b', 10ms));
@@ -101,13 +102,7 @@ TEST(Task, WakesInTheOrderOfDeadlinesAndOfComing) {
 TEST(Task, AGroupReportsAFaultOnceAndGoesOn) {
     JumpingClock clock(kStart);
     std::string faults;
-    TaskGroup tasks([&](std::exception_ptr fault) {
-        try {
-            std::rethrow_exception(fault);
-        } catch (const std::exception& e) {
-            faults += e.what();
-        }
-    });
+    TaskGroup tasks([&](const std::exception_ptr& fault) { faults += textOf(fault); });
     tasks.spawn(failing(clock));
     clock.run(10ms);
     EXPECT_EQ(faults, "fault");
@@ -140,9 +135,11 @@ TEST(Signal, WakesFromTheClockAndRemembersAnEarlyFire) {
 TEST(RepeatingTimer, TicksWithoutDriftUntilDisabled) {
     JumpingClock clock(kStart);
     int ticks = 0;
-    RepeatingTimer timer(clock, 1000ms, [&] {
+    const auto tick = [&](RepeatingTimer& timer) {
         if (++ticks == 5) timer.disable();
-    });
+    };
+    RepeatingTimer timer(
+        clock, 1000ms, [&] { tick(timer); }, noFault);
     timer.enable();
     timer.enable(); // once is enough
     clock.run(3999ms);
@@ -154,6 +151,32 @@ TEST(RepeatingTimer, TicksWithoutDriftUntilDisabled) {
     timer.enable();
     clock.run(2s);
     EXPECT_EQ(ticks, 7);
+}
+
+TEST(RepeatingTimer, ATickThatFailsIsReportedAndTheNextOneComes) {
+    JumpingClock clock(kStart);
+    int ticks = 0;
+    std::string faults;
+    RepeatingTimer timer(
+        clock, 1000ms,
+        [&] {
+            if (++ticks < 3) throw std::runtime_error("tick " + std::to_string(ticks));
+        },
+        [&](const std::exception_ptr& fault) { faults += textOf(fault) + " "; });
+    timer.enable();
+    clock.run(4s);
+    EXPECT_EQ(ticks, 4);
+    EXPECT_EQ(faults, "tick 1 tick 2 ");
+}
+
+TEST(Signal, ASecondOneThatWaitsIsRefused) {
+    JumpingClock clock(kStart);
+    std::string trace;
+    Signal signal(clock);
+    Task<> first = waitFor(signal, trace);
+    first.start();
+    Task<> second = waitFor(signal, trace);
+    EXPECT_DEBUG_DEATH(second.start(), "waiting_ == nullptr");
 }
 
 } // namespace

@@ -5,6 +5,7 @@
 
 #include <deque>
 #include <functional>
+#include <stdexcept>
 #include <string>
 #include <vector>
 
@@ -33,7 +34,10 @@ class FakeTracker final : public SerialPort {
         return isOpen_;
     }
     bool isOpen() const override { return isOpen_; }
-    void close() override { isOpen_ = false; }
+    void close() override {
+        isOpen_ = false;
+        if (closingFails) throw std::runtime_error("closing failed");
+    }
     std::optional<std::size_t> inputCount() override {
         if (!isOpen_) return std::nullopt;
         std::size_t count = 0;
@@ -99,6 +103,7 @@ class FakeTracker final : public SerialPort {
     Bytes origin{0x40, 0x76, 0x7F, 0xD7, 0x0A, 0x3D, 0x70, 0xA4}; ///< 359.99 degrees
     bool openable = true;
     bool unplugAfterInput = false; ///< vanishes when the last byte has been read
+    bool closingFails = false;
     std::size_t stuckOutput = 0;
     int opened = 0;
     int lastPort = 0;

@@ -8,6 +8,7 @@
 #include "platform/SettingsStore.h"
 #include "station/ImageViews.h"
 
+#include <exception>
 #include <functional>
 #include <map>
 #include <string>
@@ -32,6 +33,11 @@ inline void note(std::vector<std::string>& trace, std::string entry) {
     constexpr std::size_t kKept = 100;
     if (trace.size() == kKept) trace.erase(trace.begin());
     trace.push_back(std::move(entry));
+}
+
+/// For what must not fail in an unforeseen way: ends the test with the fault.
+inline void noFault(const std::exception_ptr& fault) noexcept {
+    std::rethrow_exception(fault);
 }
 
 class FakeStore final : public SettingsStore {

@@ -93,11 +93,12 @@ class TestStation {
     Warnings warnings;
     Busy busy;
     PanelSettings settings{module, panel, store, folder.path() / "pictures" / "Orvane"};
-    PanelStatus status{module, panel, clock};
     ErrorLog log{folder.path() / "program",
                  clock,
                  {[this] { return panel.Label7.caption.get(); },
                   [this](const std::string& text) { panel.Label7.caption = text; }}};
+    Faults faults{log, clock, op};
+    PanelStatus status{module, panel, clock, faults};
     Recording recording{module, panel, settings, status, log, op, clock};
     CameraPanel camera{module, panel, http, switches, views, busy, op, clock};
     bool unlistable = false; ///< dated folders can be written but not listed
@@ -125,7 +126,7 @@ class TestStation {
     OptionForm optionForm;
     int siteChanges = 0;
     TrackerOptions options{optionForm, module, commands, log, op, busy, [this] { ++siteChanges; }};
-    PortSelection portSelection{store, port, log, op};
+    PortSelection portSelection{store, link, log, op};
     int exitCode = -1;
     int windowsShown = 0;
     Station station{module,
@@ -141,6 +142,7 @@ class TestStation {
                     archive,
                     gaps,
                     log,
+                    faults,
                     clock,
                     op,
                     warnings,
@@ -151,7 +153,7 @@ class TestStation {
                     [this](int code) { exitCode = code; }};
     MainLoop loop{station};
     Task<> loopTask;
-    TaskGroup tasks;
+    TaskGroup tasks{faults.teller("Orvane")};
 };
 
 } // namespace orvane::test

@@ -45,7 +45,8 @@ inline void show(QWidget& window) {
 /// The main window over a station whose main loop does not run.
 struct Window : TestStation {
     explicit Window(Operator& asked)
-        : TestStation(at(2006, 11, 15, 8, 0)), pictures(clock, asked, module, days, control),
+        : TestStation(at(2006, 11, 15, 8, 0)),
+          pictures(clock, faults, asked, module, days, control),
           shutdown(settings, store, busy, asked, [this] { ++ended; }),
           main({{panel, recording, settings, camera, imageStore, folderScan, tasks},
                 module,
@@ -55,6 +56,7 @@ struct Window : TestStation {
                 days,
                 {portSelection, timeForm, timeSetting, optionForm, options},
                 clock,
+                faults,
                 asked,
                 systemInfo}) {
         settings.initOperation();

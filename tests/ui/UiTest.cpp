@@ -299,7 +299,8 @@ TEST_F(Ui, CountdownExits) {
         Frm_AutoStart* form = nullptr;
         AutoStart autoStart(module, store, clock,
                             {[&] { form->closeDialog(); }, [&] { exit = Exit::MainLoop; },
-                             [&] { exit = Exit::End; }});
+                             [&] { exit = Exit::End; }},
+                            noFault);
         Frm_AutoStart dialog(autoStart);
         form = &dialog;
         show(dialog);
@@ -315,7 +316,7 @@ TEST_F(Ui, ThumbnailsAreDecodedOnce) {
     TempFolder folder;
     LibjpegImageControl control(clock);
     PictureLoader loader(clock, control);
-    ThumbnailStrip strip(loader);
+    ThumbnailStrip strip(loader, noFault);
     ThumbnailHistory history;
     const auto file = [&](int hour) {
         return folder.path() / ("20061115_" + std::to_string(hour) + "3000_00.jpg");

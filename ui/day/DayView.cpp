@@ -14,7 +14,9 @@ constexpr Ticks kLookInterval = 1s;
 }
 
 DayView::DayView(Parts parts, QWidget* parent)
-    : QWidget(parent), parts_(parts), timer_(parts.clock, kLookInterval, [this] { refresh(); }) {
+    : QWidget(parent), parts_(parts),
+      timer_(
+          parts.clock, kLookInterval, [this] { refresh(); }, parts.faults.reporter("DayView")) {
     setObjectName("dayView");
     setFocusPolicy(Qt::StrongFocus);
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);

@@ -19,6 +19,7 @@ class DayView : public QWidget {
         DayWatch& days;
         const Module1& module; ///< for the site
         Clock& clock;
+        Faults& faults;
     };
 
     explicit DayView(Parts parts, QWidget* parent = nullptr);

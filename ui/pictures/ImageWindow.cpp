@@ -30,7 +30,9 @@ QString bytesText(qint64 bytes) {
 
 ImageWindow::ImageWindow(ImageServices& services, QWidget* parent)
     : QWidget(parent), services_(services), view_(new PictureView), details_(new ElidedLabel),
-      status_(row({{details_, 1}}, 12)), tasks_([this](const std::exception_ptr& fault) {
+      status_(row({{details_, 1}}, 12)), copying_(services.faults.teller("Orvane")),
+      tasks_([this](const std::exception_ptr& fault) {
+          services_.faults.report("ImageWindow", fault);
           showText(toQString("The picture cannot be shown: " + textOf(fault) + "."));
       }) {
     setObjectName("frmImage");

@@ -16,6 +16,7 @@ class ImageWindow;
 /// What all picture windows share. Outlives them.
 struct ImageServices {
     PictureLoader& loader;
+    Faults& faults;
     QPointer<ImageWindow> fullHolder; ///< the one window that may hold a whole picture
 };
 

@@ -21,13 +21,14 @@ std::string ageText(std::chrono::milliseconds age) {
 }
 
 LatestWindow::LatestWindow(ImageServices& services, Clock& clock, const DayWatch& days)
-    : ImageWindow(services), clock_(clock), days_(days), age_(new QLabel) {
+    : ImageWindow(services), clock_(clock), days_(days), age_(new QLabel),
+      ageTimer_(
+          clock, 1s, [this] { updateAge(); }, services.faults.reporter("LatestWindow")) {
     setObjectName("frmLatest");
     age_->setObjectName("imageAge");
     statusLine()->addWidget(age_);
     keepJpeg();
-    ageTask_ = followAge();
-    ageTask_.start();
+    ageTimer_.enable();
 }
 
 void LatestWindow::showFile(const std::filesystem::path& file) {
@@ -50,13 +51,6 @@ void LatestWindow::showNone() {
     updateAge();
     setWindowTitle("Latest Image");
     showText("No picture has been recorded yet.");
-}
-
-Task<> LatestWindow::followAge() {
-    for (;;) {
-        updateAge();
-        co_await clock_.sleep(1s);
-    }
 }
 
 void LatestWindow::updateAge() {

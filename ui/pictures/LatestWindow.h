@@ -1,6 +1,7 @@
 #pragma once
 
 #include "archive/DayWatch.h"
+#include "station/RepeatingTimer.h"
 #include "ui/pictures/ImageWindow.h"
 
 #include <optional>
@@ -29,14 +30,13 @@ class LatestWindow : public ImageWindow {
     bool canStep() const override { return false; }
 
   private:
-    Task<> followAge();
     void updateAge();
 
     Clock& clock_;
     const DayWatch& days_;
     QLabel* age_;
     std::optional<WallTime> taken_; ///< nothing: there is no picture
-    Task<> ageTask_;
+    RepeatingTimer ageTimer_;
 };
 
 } // namespace orvane

@@ -9,12 +9,10 @@
 
 namespace orvane {
 
-QtImageViews::QtImageViews(Clock& clock, Operator& op, const Module1& module, const DayWatch& days,
-                           LibjpegImageControl& control)
+QtImageViews::QtImageViews(Clock& clock, Faults& faults, Operator& op, const Module1& module,
+                           const DayWatch& days, LibjpegImageControl& control)
     : op_(op), clock_(clock), module_(module), days_(days), loader_(clock, control),
-      tasks_([this](const std::exception_ptr& fault) {
-          tasks_.spawn(op_.tell("A fault occurred: " + textOf(fault)));
-      }) {}
+      services_{loader_, faults, {}}, tasks_(faults.teller("Orvane")) {}
 
 void QtImageViews::attach(PictureArea* area, ThumbnailStrip* strip) {
     area_ = area;

@@ -17,8 +17,8 @@ class QtImageViews final : public ImageViews {
   public:
     static constexpr int kMaxWindows = 24; ///< bounds the memory: each keeps a screenful of pixels
 
-    QtImageViews(Clock& clock, Operator& op, const Module1& module, const DayWatch& days,
-                 LibjpegImageControl& control);
+    QtImageViews(Clock& clock, Faults& faults, Operator& op, const Module1& module,
+                 const DayWatch& days, LibjpegImageControl& control);
 
     void attach(PictureArea* area, ThumbnailStrip* strip);
     /// Decodes for every view.
@@ -60,7 +60,7 @@ class QtImageViews final : public ImageViews {
     const Module1& module_;
     const DayWatch& days_;
     PictureLoader loader_;
-    ImageServices services_{loader_, {}};
+    ImageServices services_;
     QPointer<PictureArea> area_;
     QPointer<ThumbnailStrip> strip_;
     QPointer<LatestWindow> latest_;

@@ -88,8 +88,8 @@ void Thumbnail::paintEvent(QPaintEvent*) {
     if (marked) painter.drawRect(frame.adjusted(1, 1, -1, -1));
 }
 
-ThumbnailStrip::ThumbnailStrip(PictureLoader& loader, QWidget* parent)
-    : QWidget(parent), loader_(loader) {
+ThumbnailStrip::ThumbnailStrip(PictureLoader& loader, FaultHandler onFault, QWidget* parent)
+    : QWidget(parent), loader_(loader), tasks_(std::move(onFault)) {
     setObjectName("thumbnails");
     setAccessibleName("Newest pictures");
     QHBoxLayout* layout = row({}, 2);

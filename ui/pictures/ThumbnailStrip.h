@@ -53,7 +53,7 @@ class ThumbnailStrip : public QWidget {
     Q_OBJECT
 
   public:
-    explicit ThumbnailStrip(PictureLoader& loader, QWidget* parent = nullptr);
+    ThumbnailStrip(PictureLoader& loader, FaultHandler onFault, QWidget* parent = nullptr);
 
     void showHistory(const ThumbnailHistory& history);
 

@@ -1,0 +1,196 @@
+#include "tests/support/TestStation.h"
+
+#include <gtest/gtest.h>
+
+namespace orvane::test {
+namespace {
+
+using Lines = std::vector<std::string>;
+
+[[noreturn]] void fail() {
+    throw std::runtime_error("unforeseen");
+}
+
+struct FailingViews final : ImageViews {
+    void refreshThumbnails(const ThumbnailHistory&) override {}
+    void showLatest(const std::filesystem::path&) override {}
+    void showLive(const std::string&) override { fail(); }
+};
+
+std::exception_ptr faultOf(const std::string& text) {
+    return std::make_exception_ptr(std::runtime_error(text));
+}
+
+struct RepeatedLines : testing::Test {
+    TestStation s{at(2006, 11, 15)};
+    RepeatedLine line{s.log, s.clock};
+};
+
+TEST_F(RepeatedLines, OnceAndItsCountWhenTheMinuteIsOver) {
+    for (int i = 0; i < 37; ++i)
+        line.write("a");
+    s.clock.run(59s);
+    EXPECT_EQ(s.logged(), Lines{"a"});
+    s.clock.run(1s);
+    EXPECT_EQ(s.logged(), (Lines{"a", "a (37 times)"}));
+    line.write("a");
+    s.clock.run(2min);
+    EXPECT_EQ(s.logged(), (Lines{"a", "a (37 times)", "a"}));
+}
+
+TEST_F(RepeatedLines, AnotherTextAndAnEndTellTheCountAtOnce) {
+    line.write("a");
+    line.write("a");
+    line.write("b");
+    line.settle();
+    s.clock.run(30s);
+    line.write("b");
+    line.write("b");
+    s.clock.run(59s); // a minute of its own
+    EXPECT_EQ(s.logged(), (Lines{"a", "a (2 times)", "b", "b"}));
+    s.clock.run(1s);
+    EXPECT_EQ(s.logged().back(), "b (2 times)");
+}
+
+TEST(Faults, AreLoggedOnceAMinuteEachAndToldOnce) {
+    TestStation s(at(2006, 11, 15));
+    s.op.patience = 10min;
+    for (int i = 0; i < 60 * 20; ++i) { // as two windows that cannot be painted
+        s.faults.tell("Orvane", faultOf("first"));
+        s.faults.tell("Orvane", faultOf("second"));
+        s.clock.run(100ms);
+    }
+    s.clock.run(1min);
+    EXPECT_EQ(s.op.told, (Lines{"A fault occurred: first\nThe program goes on.",
+                                "A fault occurred: second\nThe program goes on."}));
+    EXPECT_EQ(s.countLogged("Orvane:first"), 2);
+    EXPECT_EQ(s.countLogged("Orvane:second (600 times)"), 2);
+    EXPECT_EQ(s.logged().size(), 8U);
+    s.clock.run(10min);
+    s.faults.tell("Orvane", faultOf("first")); // the box was closed
+    EXPECT_EQ(s.op.told.size(), 3U);
+}
+
+TEST(Faults, WhatIsNoStandardExceptionIsReportedAsWell) {
+    TestStation s(at(2006, 11, 15));
+    EXPECT_FALSE(s.faults.attempt("here", [] { throw 1; }));
+    EXPECT_TRUE(s.faults.attempt("here", [] {}));
+    EXPECT_EQ(s.logged(), Lines{"here:unknown fault"});
+}
+
+/// What can fail in a way nobody foresaw, in each part of the main loop: it is told in few lines,
+/// and the recording goes on.
+TEST(Faults, TheRecordingGoesOn) {
+    struct Case {
+        const char* where;
+        std::function<void(TestStation&)> spoil;
+    };
+    const Case cases[] = {
+        {"MainLoop:unforeseen", // at every look at the day
+         [](TestStation& s) { s.station.keepAwake = [](bool) { fail(); }; }},
+        {"MainLoop:unforeseen", // and at the disk
+         [](TestStation& s) {
+             s.panel.lbl_free.caption.observe([](const std::string& text) {
+                 if (!text.empty()) fail();
+             });
+         }},
+        {"LiveView:unforeseen",
+         [](TestStation& s) {
+             static FailingViews views;
+             s.views.shown = &views;
+         }},
+        {"Synchronisation:unforeseen",
+         [](TestStation& s) {
+             s.panel.pgb_run.visible.observe([](bool visible) {
+                 if (visible) fail();
+             });
+         }},
+        {"DailyClocks:unforeseen",
+         [](TestStation& s) {
+             s.store.values["Settings/AdjTime"] = "1";
+             s.port.answer = [](const Bytes&) { fail(); };
+         }},
+        {"Timer1:unforeseen",
+         [](TestStation& s) {
+             s.panel.Label13.caption.observe([](const std::string& text) {
+                 if (!text.empty()) fail();
+             });
+         }},
+    };
+    for (const auto& [where, spoil] : cases) {
+        TestStation s(at(2006, 11, 15, 8, 50));
+        s.setSchedule("9", "17", "1");
+        spoil(s);
+        s.start(true);
+        s.panel.chkLive.ticked = true;
+        s.clock.runUntil(at(2006, 11, 15, 11, 0));
+        EXPECT_EQ(s.imagesOf("20061115").size(), 120U) << where;
+        EXPECT_GT(s.countLogged(where), 0) << where;
+        EXPECT_LT(s.logged().size(), 2U * 130 + 10) << where;
+        EXPECT_TRUE(s.timeDialog.empty() || s.timeDialog == "open unloaded ") << s.timeDialog;
+        EXPECT_FALSE(s.port.isOpen());
+    }
+}
+
+/// A capture that fails so ten times a second used to write 6,000 lines in ten minutes.
+TEST(Faults, PassesThatFailComeLessAndLessOften) {
+    TestStation s(at(2006, 11, 15, 8, 59));
+    s.setSchedule("9", "17", "1");
+    bool broken = true;
+    std::vector<Ticks> failures;
+    s.panel.Label7.caption.observe([&](const std::string& text) {
+        if (!broken || text != "Recording Now...") return;
+        failures.push_back(s.clock.ticks());
+        fail();
+    });
+    s.start(true);
+    s.clock.runUntil(at(2006, 11, 15, 9, 10));
+    ASSERT_GT(failures.size(), 10U);
+    EXPECT_EQ(failures[1] - failures[0], 200ms);
+    EXPECT_EQ(failures[2] - failures[1], 400ms);
+    EXPECT_EQ(failures.back() - *(failures.end() - 2), 10s);
+    EXPECT_LT(s.logged().size(), 30U);
+    broken = false;
+    s.clock.runUntil(at(2006, 11, 15, 9, 20));
+    EXPECT_EQ(s.imagesOf("20061115").size(), 10U);
+    // and a failure later begins with a short pause again
+    failures.clear();
+    broken = true;
+    s.clock.runUntil(at(2006, 11, 15, 9, 21));
+    ASSERT_GT(failures.size(), 2U);
+    EXPECT_EQ(failures[1] - failures[0], 200ms);
+}
+
+/// "DownLoad Error" stands for each attempt, its reason once a minute with its count.
+TEST(ErrorLog, TheLogSaysWhyADownloadFailed) {
+    TestStation s(at(2006, 11, 15, 9, 29, 59));
+    std::string fault = "HTTP status 503";
+    s.http.answer = [&](const std::string&) { return FakeHttp::failed(fault); };
+    s.start(true);
+    const std::size_t before = s.logged().size();
+    s.clock.runUntil(at(2006, 11, 15, 9, 30, 30));
+    const int first = s.countLogged("DownLoad Error");
+    fault = "refused";
+    s.clock.runUntil(at(2006, 11, 15, 9, 31, 50));
+    const int second = s.countLogged("DownLoad Error") - first;
+    const Lines log = s.logged();
+    EXPECT_EQ(log[before], "DownLoad Error");
+    EXPECT_EQ(log[before + 1], "Capture:HTTP status 503");
+    EXPECT_EQ(log[before + 2], "DownLoad Error");
+    EXPECT_GT(first, 10);
+    EXPECT_EQ(s.countLogged("Capture:HTTP status 503 (" + std::to_string(first) + " times)"), 1);
+    EXPECT_EQ(log.back(), "Capture:refused (" + std::to_string(second) + " times)");
+    EXPECT_EQ(log.size() - before, static_cast<std::size_t>(first + second + 4));
+
+    // a picture tells the count before its minute is over
+    s.clock.runUntil(at(2006, 11, 15, 10, 0, 5));
+    int attempts = 0;
+    s.http.answer = [&](const std::string&) {
+        return ++attempts < 3 ? FakeHttp::failed("late") : FakeHttp::picture("x");
+    };
+    s.clock.runUntil(at(2006, 11, 15, 10, 0, 20));
+    EXPECT_EQ(s.logged().back(), "Capture:late (2 times)");
+}
+
+} // namespace
+} // namespace orvane::test
