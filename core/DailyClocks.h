@@ -24,7 +24,7 @@ class DailyClocks {
     /// Whether to run it now, with nothing else going on; `justCaptured` right after a capture,
     /// before its pause.
     bool isDue(WallTime now, bool justCaptured) const;
-    /// Bounded: about 11 seconds for the camera and at most some 30 for a silent tracker.
+    /// Bounded: about 11 seconds for the camera and at most 45 for a slow tracker.
     Task<> run();
 
   private:
