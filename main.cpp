@@ -141,9 +141,9 @@ class Program {
     PictureArchive archive_{
         {module_, days_, disk_, files_, imageControl_, views_, warnings_, log_, clock_}};
     ImageStore imageStore_{{module_, panel_, archive_, inetFileGet_, WbBrowser1_, WbBrowser2_, log_,
-                            op_, clock_, busy_}};
+                            faults_, op_, clock_, busy_}};
     GapFilling gaps_{
-        {module_, panel_, days_, archive_, gapPages_, gapTransfer_, log_, clock_, busy_}};
+        {module_, panel_, days_, archive_, gapPages_, gapTransfer_, log_, faults_, clock_, busy_}};
     FolderScan folderScan_{module_, panel_};
     FrameLink link_{*MSComm1_, store_, log_, clock_, module_};
     TrackerCommands commands_{link_};

@@ -30,7 +30,9 @@ void GapFilling::step() {
     std::vector<Minute> minutes = gaps();
     seen_ = parts_.days.revision();
     if (minutes.empty()) return;
-    round_ = round(std::move(minutes));
+    stoodBack_ = false;
+    nextLook_ = now; // whatever ends the round, the rest of the gaps is looked at
+    round_ = parts_.faults.run("GapFilling", round(std::move(minutes)));
     round_.start();
 }
 
@@ -69,19 +71,7 @@ std::vector<GapFilling::Minute> GapFilling::gaps() {
     return minutes;
 }
 
-/// What nobody foresaw ends the round, not the filling.
 Task<> GapFilling::round(std::vector<Minute> minutes) {
-    stoodBack_ = false;
-    nextLook_ = parts_.clock.ticks(); // whatever ends the round, the rest of the gaps is looked at
-    try {
-        Task<> filling = fillAll(std::move(minutes));
-        co_await filling;
-    } catch (const std::exception& fault) {
-        parts_.log.write(std::string("GapFilling:") + fault.what());
-    }
-}
-
-Task<> GapFilling::fillAll(std::vector<Minute> minutes) {
     for (const Minute minute : minutes) {
         if (!wanted()) co_return;
         asked_[minute].next = parts_.clock.ticks() + kBetweenAskings;

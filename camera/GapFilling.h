@@ -3,6 +3,7 @@
 #include "archive/PictureArchive.h"
 #include "platform/HttpTransfer.h"
 #include "station/Busy.h"
+#include "station/Faults.h"
 
 #include <cstdint>
 #include <map>
@@ -30,6 +31,7 @@ class GapFilling {
         HttpTransfer& pages;    ///< for this alone
         HttpTransfer& transfer; ///< so is this
         ErrorLog& log;
+        Faults& faults;
         Clock& clock;
         Busy& busy;
     };
@@ -60,7 +62,6 @@ class GapFilling {
     bool wanted() const;
     std::vector<Minute> gaps();
     Task<> round(std::vector<Minute> minutes);
-    Task<> fillAll(std::vector<Minute> minutes);
     Task<Outcome> fill(Minute minute);
     Task<Outcome> fetch(std::string path);
     static std::string pathOf(std::string_view reply, Minute minute);
@@ -68,7 +69,7 @@ class GapFilling {
     void giveUp(Minute minute);
 
     Parts parts_;
-    Task<> round_;
+    Task<bool> round_;
     std::map<Minute, Asked> asked_; ///< of the day and folder that were looked at last
     std::filesystem::path folder_;
     std::int64_t seen_ = -1; ///< the days' revision at the last look

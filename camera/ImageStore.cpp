@@ -48,13 +48,8 @@ Task<> ImageStore::run(Chain chain, Start start) {
     if (running_) co_return;
     const Busy::Hold busy(parts_.busy);
     const Scope running([this](bool on) { setRunning(on); });
-    try {
-        Task<> pages = runPages(chain, start);
-        co_await pages;
-    } catch (const std::exception& fault) {
-        parts_.panel.Label7.caption = kError;
-        parts_.log.write(std::string("ImageStore:") + fault.what());
-    }
+    Task<bool> pages = parts_.faults.run("ImageStore", runPages(chain, start));
+    if (!co_await pages) parts_.panel.Label7.caption = kError;
     parts_.archive.flush(); // of a page that ended so
 }
 

@@ -2,6 +2,7 @@
 
 #include "archive/PictureArchive.h"
 #include "camera/CameraPanel.h"
+#include "station/Faults.h"
 
 namespace orvane {
 
@@ -14,6 +15,7 @@ struct StoreParts {
     HttpTransfer& WbBrowser1; ///< for the pages of searches
     HttpTransfer& WbBrowser2; ///< for the pages of synchronisations
     ErrorLog& log;
+    Faults& faults;
     Operator& op;
     Clock& clock;
     Busy& busy;

@@ -79,12 +79,14 @@ struct StoreTransfer : testing::Test {
     Module1 module;
     OperationPanel panel;
     ErrorLog log{folder.path() / "program", clock};
+    Faults faults{log, clock, op};
     Warnings warnings;
     DayWatch days{module, panel, clock};
     DiskWatch disk;
     FileWriter files{FileWriter::Force::No};
     PictureArchive archive{{module, days, disk, files, imageControl, views, warnings, log, clock}};
-    ImageStore store{{module, panel, archive, transfer, pages1, pages2, log, op, clock, busy}};
+    ImageStore store{
+        {module, panel, archive, transfer, pages1, pages2, log, faults, op, clock, busy}};
 };
 
 TEST_F(StoreTransfer, DownloadsWhatTheCameraLists) {

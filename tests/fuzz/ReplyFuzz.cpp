@@ -48,11 +48,13 @@ struct Store {
     Busy busy;
     Warnings warnings;
     ErrorLog log{folder.path() / "program", clock};
+    Faults faults{log, clock, op};
     DayWatch days{module, panel, clock};
     DiskWatch disk;
     FileWriter files{FileWriter::Force::No};
     PictureArchive archive{{module, days, disk, files, imageControl, views, warnings, log, clock}};
-    ImageStore store{{module, panel, archive, http, browser1, browser2, log, op, clock, busy}};
+    ImageStore store{
+        {module, panel, archive, http, browser1, browser2, log, faults, op, clock, busy}};
 };
 
 } // namespace

@@ -110,8 +110,9 @@ class TestStation {
     DiskWatch disk;
     FailingFileWriter files;
     PictureArchive archive{{module, days, disk, files, imageControl, views, warnings, log, clock}};
-    ImageStore imageStore{{module, panel, archive, http, browser1, browser2, log, op, clock, busy}};
-    GapFilling gaps{{module, panel, days, archive, gapBrowser, gapHttp, log, clock, busy}};
+    ImageStore imageStore{
+        {module, panel, archive, http, browser1, browser2, log, faults, op, clock, busy}};
+    GapFilling gaps{{module, panel, days, archive, gapBrowser, gapHttp, log, faults, clock, busy}};
     FolderScan folderScan{module, panel};
     FakeTracker port{clock};
     FakeHttp wbSystemTm{clock};
