@@ -108,7 +108,7 @@ class Program {
     /// The tracker has told or taken another site than the panel shows.
     void takeSite() {
         settings_.showSite();
-        if (const auto fault = computeSunTimes(station_)) log_.write(*fault);
+        computeSunTimes(station_);
     }
     void enterMainLoop() {
         loopTask_ = loop_.run();

@@ -24,22 +24,20 @@ void addCount(std::int32_t& count, std::int32_t by) {
 } // namespace
 
 Task<> MainLoop::run() {
-    if (const auto fault = StartUp(station_)) {
-        std::string message = *fault;
-        co_await station_.op.tell(std::move(message));
+    std::string failure;
+    try {
+        Task<Fault> starting = start();
+        failure = (co_await starting).value_or("");
+    } catch (const std::exception& fault) {
+        failure = fault.what();
+    }
+    if (!failure.empty()) {
+        station_.log.write("StartUp:" + failure);
+        Task<> telling = station_.op.tell(std::move(failure));
+        co_await telling;
         station_.endProgram(1);
         co_return;
     }
-    Module1& module = station_.module;
-    station_.panel.chkLive.ticked = false;
-    sunDay_ = std::chrono::floor<std::chrono::days>(station_.clock.now());
-    loadTodaysThumbnails(station_);
-    if (module.RecordFlg) {
-        Task<> start = station_.recording.Command1_Click();
-        co_await start;
-    }
-    station_.status.showCount();
-
     while (true) {
         try {
             Task<> passing = pass();
@@ -50,6 +48,21 @@ Task<> MainLoop::run() {
         }
         co_await station_.clock.sleep(kPass);
     }
+}
+
+/// Everything up to the first pass. Answers why the program cannot go on, or nothing.
+Task<Fault> MainLoop::start() {
+    if (Fault fault = StartUp(station_)) co_return fault;
+    sunDay_ = std::chrono::floor<std::chrono::days>(station_.clock.now());
+    sunSite_ = station_.module.site;
+    station_.panel.chkLive.ticked = false;
+    loadTodaysThumbnails(station_);
+    if (station_.module.RecordFlg) {
+        Task<> starting = station_.recording.Command1_Click();
+        co_await starting;
+    }
+    station_.status.showCount();
+    co_return std::nullopt;
 }
 
 Task<> MainLoop::pass() {
@@ -139,11 +152,15 @@ void MainLoop::endOfWindow() {
     module.filesFetched = 0;
 }
 
+/// The sun times belong to a day; while they cannot be computed, another site is tried at once.
 void MainLoop::watchDay(WallTime now) {
     const auto day = std::chrono::floor<std::chrono::days>(now);
-    if (day == sunDay_) return;
+    const SiteValues& site = station_.module.site;
+    const bool missing = station_.warnings.stands(Warnings::Cause::SunTimes);
+    if (day == sunDay_ && (!missing || site == sunSite_)) return;
     sunDay_ = day;
-    if (const auto fault = computeSunTimes(station_)) station_.log.write(*fault);
+    sunSite_ = site;
+    computeSunTimes(station_);
 }
 
 /// Once a minute, and when recording is switched or another data folder is chosen: is there

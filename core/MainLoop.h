@@ -17,6 +17,7 @@ class MainLoop {
     Task<> run();
 
   private:
+    Task<Fault> start();
     Task<> pass();
     Task<> recordNow(std::int64_t dueMinute);
     Task<> pause(std::int64_t minute);
@@ -37,6 +38,7 @@ class MainLoop {
     std::string fetchFault_;        ///< of the last capture; empty when it brought a picture
     std::string missed_;            ///< the warning of missed minutes, with its reason
     std::chrono::local_days sunDay_{};
+    SiteValues sunSite_;
     std::int64_t watchedRevision_ = -1; ///< of the day's watch
     std::int64_t watchedMinute_ = -1;
     bool watchedRecording_ = false;

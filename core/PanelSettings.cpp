@@ -4,6 +4,7 @@
 #include "platform/Paths.h"
 
 #include <algorithm>
+#include <cmath>
 #include <variant>
 #include <vector>
 
@@ -149,17 +150,18 @@ void PanelSettings::chk_time_Click() {
 }
 
 bool PanelSettings::txt_lat_Change() {
-    return take(toDouble(panel_.txt_lat.text.get()), module_.site.latitude);
+    const auto degrees = toDouble(panel_.txt_lat.text.get());
+    return degrees && std::abs(*degrees) <= 90 && take(degrees, module_.site.latitude);
 }
 
 bool PanelSettings::txt_long_Change() {
-    return take(toDouble(panel_.txt_long.text.get()), module_.site.longitude);
+    const auto degrees = toDouble(panel_.txt_long.text.get());
+    return degrees && std::abs(*degrees) <= 180 && take(degrees, module_.site.longitude);
 }
 
 bool PanelSettings::txt_tz_Change() {
     const auto hours = toInt16(panel_.txt_tz.text.get());
-    // the product must fit 16 bits too
-    if (!hours || *hours < INT16_MIN / 60 || *hours > INT16_MAX / 60) return false;
+    if (!hours || *hours < -12 || *hours > 14) return false;
     module_.site.Tz = static_cast<std::int16_t>(*hours * 60);
     return true;
 }

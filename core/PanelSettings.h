@@ -32,7 +32,8 @@ class PanelSettings {
     void chk_time_Click();
 
     /// After an edit of a site field: a number takes effect at once. False: the text is not a
-    /// usable number and the value in force stays.
+    /// usable number (latitude -90 to 90, longitude -180 to 180 degrees, zone -12 to 14 hours) and
+    /// the value in force stays.
     bool txt_lat_Change();
     bool txt_long_Change();
     bool txt_tz_Change();

@@ -347,6 +347,33 @@ TEST(MainLoop, SunTimesFollowTheDate) {
     EXPECT_NE(s.panel.lbl_sunset.caption.get(), first);
 }
 
+/// The sun rises before the local day begins: no such time of day, and no reason not to record.
+TEST(MainLoop, ASiteWithoutSunTimesIsWarnedOfAndRecords) {
+    TestStation s(at(2006, 11, 15, 9, 29));
+    s.store.values["Operation/Tz"] = "32400"; // 540, typed as hours
+    s.module.sun.SunriseText = "5:00:00";
+    s.start(true);
+    s.clock.runUntil(at(2006, 11, 15, 9, 31));
+    EXPECT_EQ(s.exitCode, -1);
+    EXPECT_TRUE(s.op.told.empty());
+    EXPECT_EQ(s.module.image.JpegTyp, 98) << "the rest of the start-up";
+    EXPECT_EQ(s.imagesOf("20061115"), Names{"20061115_093000_00.jpg"});
+    EXPECT_EQ(s.panel.lbl_sunrise.caption.get(), "");
+    EXPECT_EQ(s.panel.lbl_sunset.caption.get(), "");
+    EXPECT_EQ(s.module.sun.SunriseText, "5:00:00");
+    const std::string warning = s.warnings.text;
+    EXPECT_TRUE(warning.starts_with("The sun times of the site cannot be computed")) << warning;
+    EXPECT_EQ(s.countLogged(warning), 1);
+    s.clock.runUntil(at(2006, 11, 16, 0, 1));
+    EXPECT_NE(s.logged().back(), warning) << "another day, another impossible time";
+    EXPECT_EQ(s.logged().back(), s.warnings.text.get());
+    s.panel.txt_tz.text = "9"; // the operator corrects it
+    EXPECT_TRUE(s.settings.txt_tz_Change());
+    s.clock.run(2min);
+    EXPECT_TRUE(s.warnings.text.get().empty());
+    EXPECT_FALSE(s.panel.lbl_sunset.caption.get().empty());
+}
+
 /// Random faults for a virtual week: only whole new pictures are filed, and every good minute
 /// after a bad one brings its image.
 TEST(MainLoop, RandomFaultsForAWeek) {

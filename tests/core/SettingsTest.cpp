@@ -68,6 +68,7 @@ TEST(PanelSettings, AnUnreadableNumberEndsTheProgramWithItsKeyAndText) {
             const std::string name = std::string(key).substr(std::string(key).find('/') + 1);
             EXPECT_NE(s.op.told[0].find(name), std::string::npos) << s.op.told[0];
             EXPECT_NE(s.op.told[0].find('"' + std::string(text) + '"'), std::string::npos);
+            EXPECT_EQ(s.logged().back(), "StartUp:" + s.op.told[0]);
             EXPECT_EQ(s.exitCode, 1);
             EXPECT_TRUE(s.loopTask.done());
             // the window is closed, the session ends: what is stored stays
@@ -141,8 +142,13 @@ TEST(PanelSettings, SiteFieldsTakeEffectAsTheyAreTyped) {
     EXPECT_EQ(s.module.site.Tz, 360);
     EXPECT_TRUE(type(s.panel.txt_tz, "-4.5", &PanelSettings::txt_tz_Change));
     EXPECT_EQ(s.module.site.Tz, -240);
-    EXPECT_FALSE(type(s.panel.txt_tz, "600", &PanelSettings::txt_tz_Change));
-    EXPECT_FALSE(type(s.panel.txt_lat, "-", &PanelSettings::txt_lat_Change));
+    for (const char* text : {"540", "15", "-13", ""})
+        EXPECT_FALSE(type(s.panel.txt_tz, text, &PanelSettings::txt_tz_Change)) << text;
+    for (const char* text : {"-", "90.1", "-91"})
+        EXPECT_FALSE(type(s.panel.txt_lat, text, &PanelSettings::txt_lat_Change)) << text;
+    for (const char* text : {"181", "-180.5"})
+        EXPECT_FALSE(type(s.panel.txt_long, text, &PanelSettings::txt_long_Change)) << text;
+    EXPECT_EQ(s.module.site.Tz, -240);
     EXPECT_DOUBLE_EQ(s.module.site.latitude, 35.738); // the value in force stays
     EXPECT_TRUE(type(s.panel.txt_lat, "-7.25", &PanelSettings::txt_lat_Change));
     EXPECT_TRUE(type(s.panel.txt_long, "1e1", &PanelSettings::txt_long_Change));

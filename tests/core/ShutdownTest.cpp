@@ -165,6 +165,26 @@ TEST(StartUp, ComesInOrder) {
     EXPECT_FALSE(s.panel.Command2.enabled);
 }
 
+TEST(StartUp, WhatNobodyForesawIsToldAndEndsTheProgram) {
+    TestStation s(at(2006, 11, 15, 7, 0));
+    s.station.showMainWindow = [] { throw std::runtime_error("no window"); };
+    s.start(true);
+    EXPECT_EQ(s.op.told, std::vector<std::string>{"no window"});
+    EXPECT_EQ(s.exitCode, -1) << "the box is still open";
+    s.clock.run(2s);
+    EXPECT_EQ(s.exitCode, 1);
+    EXPECT_EQ(s.logged(), std::vector<std::string>{"StartUp:no window"});
+
+    TestStation late(at(2006, 11, 15, 7, 0)); // behind the start-up's own steps
+    late.panel.Command1.enabled.observe([](bool enabled) {
+        if (!enabled) throw std::runtime_error("no button");
+    });
+    late.start(true);
+    late.clock.run(2s);
+    EXPECT_EQ(late.op.told, std::vector<std::string>{"no button"});
+    EXPECT_EQ(late.exitCode, 1);
+}
+
 TEST(StartUp, ThumbnailsShowTodaysNewestImages) {
     TestStation s(at(2006, 11, 15, 12, 0));
     const auto today = s.dataFolder() / "20061115";
