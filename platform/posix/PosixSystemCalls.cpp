@@ -1,9 +1,11 @@
 #include "platform/SystemCalls.h"
 
 #include <cerrno>
+#include <csignal>
 #include <system_error>
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <unistd.h>
 
 namespace orvane {
@@ -36,6 +38,42 @@ Fault forceFolderToDisk(const std::filesystem::path& folder) {
     if (result == 0 || reason == EINVAL || reason == ENOSYS || reason == ENOTSUP)
         return std::nullopt;
     return std::generic_category().message(reason);
+}
+
+/// Open for reading only, which is enough: another user's file can be locked too.
+FileLock::Outcome FileLock::take(const std::filesystem::path& file) {
+    handle_ = ::open(file.c_str(), O_RDONLY | O_CREAT | O_CLOEXEC, 0644);
+    if (handle_ >= 0 && ::flock(static_cast<int>(handle_), LOCK_EX | LOCK_NB) == 0) return {};
+    const int reason = errno;
+    if (handle_ >= 0 && reason == EWOULDBLOCK) return {true, std::nullopt};
+    return {false, std::generic_category().message(reason)};
+}
+
+FileLock::~FileLock() {
+    if (handle_ >= 0) ::close(static_cast<int>(handle_));
+}
+
+namespace {
+
+volatile std::sig_atomic_t requested = 0;
+
+void note(int number) {
+    requested = number;
+}
+
+} // namespace
+
+void keepEndRequests() {
+    for (const int number : {SIGTERM, SIGINT, SIGHUP}) {
+        // what the program was started to ignore (nohup) stays ignored
+        if (std::signal(number, note) == SIG_IGN) std::signal(number, SIG_IGN);
+    }
+}
+
+std::string endRequest() {
+    if (requested == SIGTERM) return "SIGTERM";
+    if (requested == SIGINT) return "SIGINT";
+    return requested == SIGHUP ? "SIGHUP" : "";
 }
 
 /// Nothing to ask for: a recording machine's sleep is switched off in its system settings, and the
