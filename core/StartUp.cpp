@@ -13,6 +13,12 @@ Fault StartUp(Station& station) {
     station.status.initStatus();
     station.recording.ready();
     station.log.write("Orvane Starting");
+    if (const Fault fault = station.settings.unreadable()) {
+        const std::string text = "The settings cannot be read: " + *fault +
+                                 ". Their defaults are in force, and nothing is stored.";
+        station.log.write(text);
+        station.warnings.set(Warnings::Cause::Settings, text);
+    }
     for (WebBrowser* browser : station.browsers)
         browser->navigate("about:blank");
 

@@ -9,6 +9,7 @@
 #include "platform/WebBrowser.h"
 #include "station/ImageViews.h"
 
+#include <algorithm>
 #include <functional>
 #include <map>
 #include <string>
@@ -40,20 +41,23 @@ class FakeStore final : public SettingsStore {
     std::string GetSetting(const std::string& section, const std::string& key,
                            const std::string& fallback) const override {
         const auto found = values.find(section + "/" + key);
-        return found == values.end() ? fallback : found->second;
+        return fault || found == values.end() ? fallback : found->second;
     }
     bool SaveSetting(const std::string& section, const std::string& key,
                      const std::string& value) override {
-        if (readOnly) return false;
+        if (readOnly || fault) return false;
         values[section + "/" + key] = value;
         return true;
     }
 
+    Fault unreadable() const override { return fault; }
+
     bool readOnly = false;
+    Fault fault; ///< why nothing can be read
     std::map<std::string, std::string> values;
 };
 
-/// Answers after `latency` whatever `answer` gives.
+/// Answers after `latency` whatever `answer` gives; a cancelled one within a tenth of a second.
 class FakeHttp final : public HttpTransfer {
   public:
     explicit FakeHttp(Clock& clock) : clock_(clock) {}
@@ -62,7 +66,10 @@ class FakeHttp final : public HttpTransfer {
         note(urls, url);
         ++requests;
         const int call = ++call_;
-        co_await clock_.sleep(latency);
+        const Ticks end = clock_.ticks() + latency;
+        do
+            co_await clock_.sleepUntil(std::min(end, clock_.ticks() + 100ms));
+        while (call == call_ && clock_.ticks() < end);
         HttpReply reply = call == call_ ? answer(url) : failed("cancelled");
         co_return reply;
     }
