@@ -33,11 +33,23 @@
 namespace orvane {
 namespace {
 
+constexpr Ticks kLook = 200ms; ///< for what the system asks of the program
+
 QIcon programIcon() {
     QIcon icon;
     for (const char* size : {"16", "32", "48", "256"})
         icon.addFile(QStringLiteral(":/icons/orvane-%1.png").arg(size));
     return icon;
+}
+
+std::filesystem::path programFolder() {
+    return toPath(QCoreApplication::applicationDirPath());
+}
+
+Task<> tellAndExit(Operator& op, std::string text, int code) {
+    Task<> telling = op.tell(std::move(text));
+    co_await telling;
+    QCoreApplication::exit(code);
 }
 
 /// Every object of the program, in the order in which they depend on each other; the tasks come
@@ -46,25 +58,30 @@ class Program {
   public:
     Program() {
         prepareManager(manager_);
-        module_.programFolder = toPath(QCoreApplication::applicationDirPath());
+        module_.programFolder = programFolder();
     }
 
-    /// Opens the countdown dialog and nothing else.
-    void open() {
+    /// Opens the countdown dialog and nothing else. `unlocked`: why a second start cannot be told
+    /// from the first.
+    void open(const Fault& unlocked) {
+        if (unlocked) log_.write("The program's lock cannot be made: " + *unlocked);
+        endRequests_.enable();
         countdown_ = std::make_unique<Frm_AutoStart>(autoStart_);
         countdown_->show();
     }
 
-    /// A failure that escaped every handler: told, and the program goes on.
+    /// A failure that escaped every handler: told, and the program goes on; but for one before the
+    /// main loop runs, which would never run then.
     void tellFault(const std::exception_ptr& fault) {
         const std::string text = textOf(fault);
         log_.write("Orvane:" + text);
+        if (loopTask_.done()) return faults_.spawn(tellAndExit(op_, text, 1));
         faults_.spawn(op_.tell("A fault occurred: " + text + "\nThe program goes on."));
     }
 
-    /// The operating system ends the session: nobody is asked.
-    void saveForSessionEnd() {
-        if (main_) settings_.writeSetup();
+    /// The operating system ends the program: nobody is asked.
+    void end(const std::string& reason) {
+        shutdown_.end(reason, main_ ? main_->place() : std::nullopt);
     }
 
   private:
@@ -82,6 +99,7 @@ class Program {
             module_,
             busy_,
             shutdown_,
+            wishes_,
             views_,
             days_,
             {portSelection_, timeForm_, timeSetting_, optionForm_, options_},
@@ -109,6 +127,10 @@ class Program {
     void takeSite() {
         settings_.showSite();
         computeSunTimes(station_);
+    }
+    void lookForEndRequest() {
+        const std::string request = endRequest();
+        if (!request.empty()) end(request);
     }
     void enterMainLoop() {
         loopTask_ = loop_.run();
@@ -139,13 +161,12 @@ class Program {
     DayWatch days_{module_, panel_, clock_};
     DiskWatch disk_;
     QtImageViews views_{clock_, op_, module_, days_, viewsControl_};
-    ErrorLog log_{toPath(QCoreApplication::applicationDirPath()),
+    ErrorLog log_{programFolder(),
                   clock_,
                   {[this] { return panel_.Label7.caption.get(); },
                    [this](const std::string& caption) { panel_.Label7.caption = caption; }}};
     PanelSettings settings_{module_, panel_, store_, defaultDataFolder()};
     PanelStatus status_{module_, panel_, clock_};
-    Recording recording_{module_, panel_, settings_, status_, log_, op_, clock_};
     CameraPanel camera_{module_, panel_, http_, *webBrowserTst_, views_, busy_, op_};
     FileWriter files_{FileWriter::Force::Yes};
     PictureArchive archive_{
@@ -154,6 +175,8 @@ class Program {
         {module_, panel_, archive_, http_, *wbBrowser1_, *wbBrowser2_, log_, op_, clock_, busy_}};
     GapFilling gaps_{
         {module_, panel_, days_, archive_, *gapBrowser_, gapTransfer_, log_, clock_, busy_}};
+    Wishes wishes_{{module_, busy_, http_, imageStore_, clock_}};
+    Recording recording_{module_, panel_, settings_, status_, log_, op_, wishes_, clock_};
     FolderScan folderScan_{module_, panel_};
     FrameLink link_{*MSComm1_, store_, log_, clock_, module_};
     TrackerCommands commands_{link_};
@@ -165,7 +188,9 @@ class Program {
                             [this] { takeSite(); }};
     DailyClocks dailyClocks_{module_, timeSetting_, warnings_,
                              busy_,   clock_,       [this](bool open) { showTimeDialog(open); }};
-    Shutdown shutdown_{settings_, store_, busy_, op_, [] { QCoreApplication::exit(0); }};
+    Shutdown shutdown_{
+        {settings_, store_, busy_, wishes_, op_, log_, [] { QCoreApplication::exit(0); }}};
+    RepeatingTimer endRequests_{clock_, kLook, [this] { lookForEndRequest(); }};
     Station station_{module_,
                      panel_,
                      settings_,
@@ -179,6 +204,7 @@ class Program {
                      disk_,
                      archive_,
                      gaps_,
+                     wishes_,
                      log_,
                      clock_,
                      op_,
@@ -194,7 +220,8 @@ class Program {
                          store_,
                          clock_,
                          {[this] { countdown_->closeDialog(); }, [this] { enterMainLoop(); },
-                          [] { QCoreApplication::exit(0); }}};
+                          [] { QCoreApplication::exit(0); },
+                          [this](const std::exception_ptr& fault) { tellFault(fault); }}};
 
     std::unique_ptr<Frm_AutoStart> countdown_;
     std::unique_ptr<frmMain> main_;
@@ -223,6 +250,29 @@ class Application : public QApplication {
     Program* program_ = nullptr;
 };
 
+int run(Application& application, const Fault& unlocked) {
+    Program program;
+    const Scope known([&](bool on) { application.setProgram(on ? &program : nullptr); });
+    QObject context;
+    QObject::connect(&application, &QGuiApplication::commitDataRequest, &context,
+                     [&] { program.end("the session ends"); });
+    program.open(unlocked);
+    return QApplication::exec();
+}
+
+/// Tells why there is no program.
+int runBox(const std::string& text, int code) {
+    QtClock clock;
+    QtOperator op(clock);
+    RepeatingTimer endRequests(clock, kLook, [code] {
+        if (!endRequest().empty()) QCoreApplication::exit(code);
+    });
+    endRequests.enable();
+    Task<> telling = tellAndExit(op, text, code);
+    telling.start();
+    return QApplication::exec();
+}
+
 } // namespace
 } // namespace orvane
 
@@ -234,12 +284,16 @@ int main(int argc, char** argv) {
     QApplication::setQuitOnLastWindowClosed(false);
     QApplication::setWindowIcon(programIcon());
 
-    Program program;
-    application.setProgram(&program);
-    QObject::connect(&application, &QGuiApplication::commitDataRequest, &application,
-                     [&] { program.saveForSessionEnd(); });
-    program.open();
-    const int code = QApplication::exec();
-    application.setProgram(nullptr);
-    return code;
+    FileLock lock;
+    const FileLock::Outcome locked = lock.take(programFolder() / "orvane.lock");
+    if (locked.isOthers) return runBox("Orvane is running already.", 3);
+    keepEndRequests();
+    try {
+        return run(application, locked.fault);
+    } catch (...) {
+        const std::string text = textOf(std::current_exception());
+        QtClock clock;
+        ErrorLog(programFolder(), clock).write("Orvane:" + text);
+        return runBox(text, 1);
+    }
 }

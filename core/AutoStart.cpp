@@ -8,7 +8,18 @@ constexpr std::int16_t kLastTick = 99;
 
 AutoStart::AutoStart(Module1& module, SettingsStore& store, Clock& clock, Exits exits)
     : module_(module), store_(store), exits_(std::move(exits)),
-      timer_(clock, 105ms, [this] { Timer1_Timer(); }) {}
+      timer_(clock, 105ms, [this] { tick(); }) {}
+
+/// A failure at the end of the countdown is one of the program's start.
+void AutoStart::tick() {
+    try {
+        Timer1_Timer();
+    } catch (...) {
+        timer_.disable();
+        if (!exits_.fail) throw;
+        exits_.fail(std::current_exception());
+    }
+}
 
 void AutoStart::Timer1_Timer() {
     ++counter_;

@@ -5,6 +5,7 @@
 #include "station/RepeatingTimer.h"
 #include "station/Value.h"
 
+#include <exception>
 #include <functional>
 
 namespace orvane {
@@ -17,6 +18,8 @@ class AutoStart {
         std::function<void()> closeDialog;
         std::function<void()> enterMainLoop;
         std::function<void()> endProgram;
+        /// What nobody foresaw at the countdown's end; without it, it goes on to the timer.
+        std::function<void(const std::exception_ptr&)> fail = nullptr;
     };
 
     AutoStart(Module1& module, SettingsStore& store, Clock& clock, Exits exits);
@@ -31,6 +34,7 @@ class AutoStart {
     Value<int> PBar1{100}; ///< 0 to 100
 
   private:
+    void tick();
     void leave(const std::function<void()>& exit);
 
     Module1& module_;

@@ -9,6 +9,16 @@ namespace orvane {
 
 namespace {
 
+constexpr Ticks kLook = 200ms;
+
+/// The capture's two waits before its fetch, until a wish of the operator ends them.
+Task<> waitForFetch(Station& station) {
+    const int delay = std::max<int>(station.module.image.Delay, 0);
+    const Ticks end = station.clock.ticks() + 1000ms + std::chrono::seconds(delay);
+    while (station.clock.ticks() < end && !station.wishes.standing())
+        co_await station.clock.sleepUntil(std::min(end, station.clock.ticks() + kLook));
+}
+
 /// The working picture is removed first, so that no old tail gets behind a shorter new one.
 Task<HttpReply> fetch(Station& station) {
     HttpReply reply;
@@ -46,15 +56,17 @@ Task<Captured> captureImage(Station& station) {
     const Busy::Hold busy(station.busy);
     station.panel.Label7.caption = "Recording Now...";
     station.panel.Command2.enabled = false;
-    co_await station.clock.sleep(1000ms);
-    const int delay = std::max<int>(station.module.image.Delay, 0);
-    co_await station.clock.sleep(std::chrono::seconds(delay));
+    Task<> waiting = waitForFetch(station);
+    co_await waiting;
 
     Captured captured;
+    captured.cutShort = station.wishes.standing();
+    if (captured.cutShort) co_return captured;
     Task<Filing> filing = fetchAndFile(station, captured);
     const Filing filed = co_await filing;
     captured.filed = filed.inArchive();
-    if (filed.outcome == Filing::Outcome::Refused) {
+    captured.cutShort = !captured.filed && station.wishes.standing();
+    if (filed.outcome == Filing::Outcome::Refused && !captured.cutShort) {
         captured.fault = filed.fault;
         station.log.write("DownLoad Error");
         station.panel.Label7.caption = "DownLoad Error ?";

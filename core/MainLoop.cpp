@@ -2,6 +2,7 @@
 
 #include "core/Capture.h"
 #include "core/StartUp.h"
+#include "platform/Paths.h"
 
 #include <limits>
 #include <utility>
@@ -69,6 +70,7 @@ Task<> MainLoop::pass() {
     Module1& module = station_.module;
     const WallTime now = station_.clock.now();
     watch(now);
+    if (station_.wishes.standing()) co_return; // what they wait for must come to its end
     if (!module.RecordFlg) {
         station_.panel.Label11.caption = std::string();
     } else if (isDue(now)) {
@@ -93,6 +95,7 @@ bool MainLoop::isDue(WallTime now) const {
 
 Task<> MainLoop::recordNow(std::int64_t dueMinute) {
     Captured captured;
+    watchFolder();
     live_.reset(); // a capture never waits for the live view
     station_.gaps.standBack();
     try {
@@ -104,11 +107,16 @@ Task<> MainLoop::recordNow(std::int64_t dueMinute) {
         station_.log.write(std::string("MainLoop:") + fault.what());
     }
     station_.panel.Command2.enabled = station_.module.RecordFlg;
+    if (captured.cutShort) {
+        station_.panel.Label7.caption = "Recording Standby";
+        co_return;
+    }
     fetchFault_ = captured.fault;
     const std::int32_t fetched = station_.module.filesFetched; // a run in the pause resets it
     if (captured.filed) {
         filedMinute_ = dueMinute;
-        if (station_.dailyClocks.isDue(station_.clock.now(), true)) {
+        const bool mayBegin = !station_.wishes.standing();
+        if (mayBegin && station_.dailyClocks.isDue(station_.clock.now(), true)) {
             Task<> clocks = station_.dailyClocks.run();
             co_await clocks;
         }
@@ -173,6 +181,7 @@ void MainLoop::watch(WallTime now) {
     watchDay(now);
     const std::int64_t minute = minuteIndex(now);
     const bool recording = station_.module.RecordFlg;
+    if (minute != watchedMinute_) watchFolder();
     const std::filesystem::path& folder = station_.panel.Dir1[0].path;
     const bool moved = folder.native() != watchedFolder_.native();
     if (minute == watchedMinute_ && recording == watchedRecording_ && !moved) return;
@@ -187,6 +196,16 @@ void MainLoop::watch(WallTime now) {
         Warnings::Cause::ErrorLog,
         station_.log.writable() ? "" : "ERROR.LOG in the program's folder cannot be written.");
     watchMissed();
+}
+
+/// Told and logged once each time that it goes or comes.
+void MainLoop::watchFolder() {
+    const std::string warning = station_.settings.followDataFolder().value_or("");
+    if (warning == folderWarning_) return;
+    folderWarning_ = warning;
+    const std::string folder = utf8FromPath(station_.panel.Dir1[0].path);
+    station_.log.write(warning.empty() ? "Pictures go to " + folder + " again." : warning);
+    station_.warnings.set(Warnings::Cause::ChosenFolder, warning);
 }
 
 /// The reason is that of the moment when the warning came up: a changed text would open it again.
@@ -219,11 +238,12 @@ void MainLoop::watchDisk() {
 
 /// What may wait, while no due minute waits for its picture.
 void MainLoop::besides(WallTime now) {
-    const Module1& module = station_.module;
+    if (station_.wishes.standing()) return;
     startLiveView();
-    if (!module.RecordFlg || isDue(now)) return;
+    if (!station_.module.RecordFlg || isDue(now)) return;
     startSynchronisation();
-    station_.gaps.step();
+    // what lies in a folder that is not there is not missing
+    if (!station_.warnings.stands(Warnings::Cause::ChosenFolder)) station_.gaps.step();
 }
 
 void MainLoop::startSynchronisation() {

@@ -25,6 +25,7 @@ class MainLoop {
     void endOfWindow();
     void watchDay(WallTime now);
     void watch(WallTime now);
+    void watchFolder();
     void watchDisk();
     void watchMissed();
     bool isDue(WallTime now) const;
@@ -43,6 +44,7 @@ class MainLoop {
     std::int64_t watchedMinute_ = -1;
     bool watchedRecording_ = false;
     std::filesystem::path watchedFolder_;
+    std::string folderWarning_; ///< why the chosen folder is not used
     Ticks nextLive_{0};
     Task<> live_;
     Task<> synchronisation_;

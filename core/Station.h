@@ -8,6 +8,7 @@
 #include "core/PanelSettings.h"
 #include "core/PanelStatus.h"
 #include "core/Recording.h"
+#include "core/Wishes.h"
 #include "platform/Clock.h"
 #include "platform/HttpTransfer.h"
 #include "platform/Operator.h"
@@ -39,6 +40,7 @@ struct Station {
     DiskWatch& disk;
     PictureArchive& archive;
     GapFilling& gaps;
+    Wishes& wishes;
     ErrorLog& log;
     Clock& clock;
     Operator& op;

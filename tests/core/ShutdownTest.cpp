@@ -11,7 +11,7 @@ namespace {
 struct Closing : testing::Test {
     TestStation s{at(2006, 11, 15, 9, 29)};
     int ended = 0;
-    Shutdown shutdown{s.settings, s.store, s.busy, s.op, [this] { ++ended; }};
+    Shutdown shutdown{{s.settings, s.store, s.busy, s.wishes, s.op, s.log, [this] { ++ended; }}};
 
     bool query(UnloadMode mode) {
         Task<bool> task = shutdown.MDIForm_QueryUnload(mode);
@@ -33,18 +33,49 @@ TEST_F(Closing, SavesThenAsks) {
     EXPECT_TRUE(query(UnloadMode::Other));
 }
 
+/// A close box that is refused is kept as a wish; what comes from elsewhere goes ahead.
 TEST_F(Closing, ABusyStationRefusesItsCloseBoxOnly) {
     s.start(true);
-    s.clock.runUntil(at(2006, 11, 15, 9, 30, 0));
-    s.http.latency = 30s;
-    s.clock.run(3s);
-    EXPECT_FALSE(query(UnloadMode::User));
+    const Busy::Hold busy(s.busy);
+    Task<bool> refused = shutdown.MDIForm_QueryUnload(UnloadMode::User);
+    refused.start();
+    s.clock.run(20s);
     EXPECT_EQ(s.op.beeps, 1);
+    EXPECT_FALSE(refused.done());
+    EXPECT_EQ(s.wishes.text.get(), "Orvane closes after the work in progress.");
+    EXPECT_FALSE(query(UnloadMode::User)) << "one wish is enough";
     EXPECT_TRUE(query(UnloadMode::Other));
     EXPECT_TRUE(s.op.asked.empty());
-    s.clock.run(60s); // the capture ends by itself, then the box asks again
+    s.wishes.drop();
+    s.clock.run(1s);
+    EXPECT_FALSE(refused.result());
+    EXPECT_TRUE(s.op.asked.empty());
+    EXPECT_EQ(s.wishes.text.get(), "");
+}
+
+TEST_F(Closing, SettingsThatCannotBeStoredAreNotLostWithoutAWord) {
+    s.start(false);
+    s.store.readOnly = true;
     EXPECT_TRUE(query(UnloadMode::User));
-    EXPECT_EQ(s.op.asked.size(), 1U);
+    ASSERT_EQ(s.op.asked.size(), 2U);
+    EXPECT_NE(s.op.asked[1].find("cannot be stored"), std::string::npos);
+    EXPECT_EQ(s.countLogged("writeSetup:Settings cannot be stored"), 1);
+    s.store.readOnly = false;
+    EXPECT_TRUE(query(UnloadMode::User));
+    EXPECT_EQ(s.op.asked.size(), 3U);
+}
+
+TEST_F(Closing, TheSystemEndsTheProgramWithoutAQuestion) {
+    s.start(true);
+    s.panel.txtIp.text = "10.0.0.7";
+    s.clock.runUntil(at(2006, 11, 15, 9, 30, 1)); // in a capture
+    shutdown.end("SIGTERM", WindowPlace{1, 0, 1024, 747});
+    shutdown.end("SIGHUP", std::nullopt);
+    EXPECT_EQ(ended, 1);
+    EXPECT_TRUE(s.op.asked.empty());
+    EXPECT_EQ(s.store.values["Settings/IP"], "10.0.0.7");
+    EXPECT_EQ(s.store.values["Settings/MainLeft"], "15");
+    EXPECT_EQ(s.logged().back(), "Orvane Ending (SIGTERM)");
 }
 
 TEST_F(Closing, OneQuestionAtATime) {
@@ -75,7 +106,9 @@ TEST_F(Closing, StoresThePlaceInTwipsUnlessMinimised) {
     s.start(false);
     shutdown.MDIForm_Unload(std::nullopt);
     EXPECT_FALSE(s.store.values.contains("Settings/MainLeft"));
-    shutdown.MDIForm_Unload(WindowPlace{-4, 10, 1024, 747});
+    EXPECT_EQ(s.logged().back(), "Orvane Ending");
+    Shutdown other{{s.settings, s.store, s.busy, s.wishes, s.op, s.log, [this] { ++ended; }}};
+    other.MDIForm_Unload(WindowPlace{-4, 10, 1024, 747});
     EXPECT_EQ(s.store.values["Settings/MainLeft"], "-60");
     EXPECT_EQ(s.store.values["Settings/MainTop"], "150");
     EXPECT_EQ(s.store.values["Settings/MainWidth"], "15360");
@@ -148,6 +181,38 @@ TEST_F(Countdown, CancelStartsWithoutRecordingAndEndEnds) {
     other.Command2_Click();
     clock.run(1min);
     EXPECT_EQ(trace, "closed end");
+}
+
+TEST_F(Countdown, WhatNobodyForesawAtItsEndIsHandedOn) {
+    std::string told;
+    AutoStart failing{module,
+                      store,
+                      clock,
+                      {[] {}, [] { throw std::runtime_error("no loop"); }, [] {},
+                       [&](const std::exception_ptr& fault) {
+                           try {
+                               std::rethrow_exception(fault);
+                           } catch (const std::exception& unforeseen) {
+                               told += unforeseen.what();
+                           }
+                       }}};
+    failing.Form_Load();
+    clock.run(1min);
+    EXPECT_EQ(told, "no loop");
+    EXPECT_EQ(clock.pending(), 0U);
+}
+
+TEST(StartUp, SettingsThatCannotBeReadAreToldAndKept) {
+    TestStation s(at(2006, 11, 15, 9, 29));
+    s.store.fault = "/etc/Orvane.ini: Permission denied";
+    s.start(true);
+    s.clock.runUntil(at(2006, 11, 15, 9, 31));
+    const std::string told = "The settings cannot be read: /etc/Orvane.ini: Permission denied. "
+                             "Their defaults are in force, and nothing is stored.";
+    EXPECT_EQ(s.countLogged(told), 1);
+    EXPECT_EQ(s.warnings.text.get(), told);
+    EXPECT_EQ(s.http.urls.front(), "http://192.168.0.10:80/Images/full.jpg") << "it records";
+    EXPECT_FALSE(s.settings.writeSetup()) << "as the operator hears when closing";
 }
 
 TEST(StartUp, ComesInOrder) {

@@ -97,7 +97,6 @@ class TestStation {
                  clock,
                  {[this] { return panel.Label7.caption.get(); },
                   [this](const std::string& text) { panel.Label7.caption = text; }}};
-    Recording recording{module, panel, settings, status, log, op, clock};
     CameraPanel camera{module, panel, http, browser, views, busy, op};
     bool unlistable = false; ///< dated folders can be written but not listed
     int listings = 0;
@@ -110,6 +109,8 @@ class TestStation {
     PictureArchive archive{{module, days, disk, files, imageControl, views, warnings, log, clock}};
     ImageStore imageStore{{module, panel, archive, http, browser1, browser2, log, op, clock, busy}};
     GapFilling gaps{{module, panel, days, archive, gapBrowser, gapHttp, log, clock, busy}};
+    Wishes wishes{{module, busy, http, imageStore, clock}};
+    Recording recording{module, panel, settings, status, log, op, wishes, clock};
     FolderScan folderScan{module, panel};
     FakeTracker port{clock};
     FakeBrowser wbSystemTm{clock};
@@ -140,6 +141,7 @@ class TestStation {
                     disk,
                     archive,
                     gaps,
+                    wishes,
                     log,
                     clock,
                     op,
