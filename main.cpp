@@ -284,10 +284,10 @@ int main(int argc, char** argv) {
     QApplication::setQuitOnLastWindowClosed(false);
     QApplication::setWindowIcon(programIcon());
 
+    keepEndRequests();
     FileLock lock;
     const FileLock::Outcome locked = lock.take(programFolder() / "orvane.lock");
     if (locked.isOthers) return runBox("Orvane is running already.", 3);
-    keepEndRequests();
     try {
         return run(application, locked.fault);
     } catch (...) {
