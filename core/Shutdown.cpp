@@ -38,6 +38,7 @@ Task<bool> Shutdown::MDIForm_QueryUnload(UnloadMode mode) {
 }
 
 void Shutdown::end(const std::string& reason, std::optional<WindowPlace> place) {
+    if (left_) return;
     saveSettings();
     leave(place, "Orvane Ending (" + reason + ")");
 }

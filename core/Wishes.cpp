@@ -40,8 +40,9 @@ void Wishes::cutShort() {
 
 std::string Wishes::describe() const {
     if (!standing()) return {};
-    if (!parts_.module.capturing) return "Orvane closes after the work in progress.";
-    return close_ ? "Orvane closes after this picture." : "Recording stops after this picture.";
+    if (!close_) return "Recording stops after this picture.";
+    return parts_.module.capturing ? "Orvane closes after this picture."
+                                   : "Orvane closes after the work in progress.";
 }
 
 } // namespace orvane
