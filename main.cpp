@@ -25,6 +25,7 @@
 
 #include <QApplication>
 #include <QIcon>
+#include <QSocketNotifier>
 #include <QStandardPaths>
 
 #include <memory>
@@ -39,24 +40,44 @@ QIcon programIcon() {
     return icon;
 }
 
+std::filesystem::path programFolder() {
+    return toPath(QCoreApplication::applicationDirPath());
+}
+
+Task<> tellAndExit(Operator& op, std::string text, int code) {
+    Task<> telling = op.tell(std::move(text));
+    co_await telling;
+    QCoreApplication::exit(code);
+}
+
 /// Every object of the program, in the order in which they depend on each other; the tasks come
 /// last, so that they are destroyed first.
 class Program {
   public:
-    Program() { module_.programFolder = toPath(QCoreApplication::applicationDirPath()); }
+    Program() { module_.programFolder = programFolder(); }
 
-    /// Opens the countdown dialog and nothing else.
-    void open() {
+    /// Opens the countdown dialog and nothing else. `unlocked`: why a second start cannot be told
+    /// from the first.
+    void open(const Fault& unlocked) {
+        if (unlocked) log_.write("The program's lock cannot be made: " + *unlocked);
         countdown_ = std::make_unique<Frm_AutoStart>(autoStart_);
         countdown_->show();
     }
 
-    /// A failure that escaped every handler: told, and the program goes on.
-    void tellFault(const std::exception_ptr& fault) { faults_.tell("Orvane", fault); }
+    /// A failure that escaped every handler: told, and the program goes on; but for one before the
+    /// main loop runs, which would never run then.
+    void tellFault(const std::exception_ptr& fault) {
+        if (!startFault_.done()) return faults_.report("StartUp", fault);
+        if (!loopTask_.done()) return faults_.tell("Orvane", fault);
+        const std::string text = textOf(fault);
+        log_.write("StartUp:" + text);
+        startFault_ = tellAndExit(op_, text, 1);
+        startFault_.start();
+    }
 
-    /// The operating system ends the session: nobody is asked.
-    void saveForSessionEnd() {
-        if (main_) settings_.writeSetup();
+    /// The operating system ends the program: nobody is asked.
+    void end(const std::string& reason) {
+        shutdown_.end(reason, main_ ? main_->place() : std::nullopt);
     }
 
   private:
@@ -70,6 +91,7 @@ class Program {
             module_,
             busy_,
             shutdown_,
+            wishes_,
             views_,
             days_,
             {portSelection_, timeForm_, timeSetting_, optionForm_, options_},
@@ -97,7 +119,7 @@ class Program {
     /// The tracker has told or taken another site than the panel shows.
     void takeSite() {
         settings_.showSite();
-        if (const auto fault = computeSunTimes(station_)) log_.write(*fault);
+        computeSunTimes(station_);
     }
     void enterMainLoop() {
         loopTask_ = loop_.run();
@@ -125,7 +147,7 @@ class Program {
     OperationPanel panel_;
     Warnings warnings_;
     Busy busy_;
-    ErrorLog log_{toPath(QCoreApplication::applicationDirPath()),
+    ErrorLog log_{programFolder(),
                   clock_,
                   {[this] { return panel_.Label7.caption.get(); },
                    [this](const std::string& caption) { panel_.Label7.caption = caption; }}};
@@ -135,7 +157,6 @@ class Program {
     QtImageViews views_{clock_, faults_, op_, module_, days_, viewsControl_};
     PanelSettings settings_{module_, panel_, store_, defaultDataFolder()};
     PanelStatus status_{module_, panel_, clock_, faults_};
-    Recording recording_{module_, panel_, settings_, status_, log_, op_, clock_};
     CameraPanel camera_{module_, panel_, inetFileGet_, WebBrowserTst_, views_, busy_, op_, clock_};
     FileWriter files_{FileWriter::Force::Yes};
     PictureArchive archive_{
@@ -144,6 +165,8 @@ class Program {
                             faults_, op_, clock_, busy_}};
     GapFilling gaps_{
         {module_, panel_, days_, archive_, gapPages_, gapTransfer_, log_, faults_, clock_, busy_}};
+    Wishes wishes_{{module_, busy_, inetFileGet_, imageStore_, clock_}};
+    Recording recording_{module_, panel_, settings_, status_, log_, op_, wishes_, clock_};
     FolderScan folderScan_{module_, panel_};
     FrameLink link_{*MSComm1_, store_, log_, clock_, module_};
     TrackerCommands commands_{link_};
@@ -155,7 +178,8 @@ class Program {
                             [this] { takeSite(); }};
     DailyClocks dailyClocks_{module_, timeSetting_, warnings_,
                              busy_,   clock_,       [this](bool open) { showTimeDialog(open); }};
-    Shutdown shutdown_{settings_, store_, busy_, op_, [] { QCoreApplication::exit(0); }};
+    Shutdown shutdown_{
+        {settings_, store_, busy_, wishes_, op_, log_, [] { QCoreApplication::exit(0); }}};
     Station station_{module_,
                      panel_,
                      settings_,
@@ -168,6 +192,7 @@ class Program {
                      disk_,
                      archive_,
                      gaps_,
+                     wishes_,
                      log_,
                      faults_,
                      clock_,
@@ -185,13 +210,14 @@ class Program {
                          clock_,
                          {[this] { countdown_->closeDialog(); }, [this] { enterMainLoop(); },
                           [] { QCoreApplication::exit(0); }},
-                         faults_.teller("Orvane")};
+                         [this](const std::exception_ptr& fault) { tellFault(fault); }};
 
     std::unique_ptr<Frm_AutoStart> countdown_;
     std::unique_ptr<frmMain> main_;
     std::unique_ptr<Frm_massege> warningWindow_;
     TaskGroup tasks_{faults_.teller("Orvane")};
     Task<> loopTask_;
+    Task<> startFault_;
 };
 
 /// Keeps a failing event handler from ending the program.
@@ -213,6 +239,41 @@ class Application : public QApplication {
     Program* program_ = nullptr;
 };
 
+/// Has the system's requests to end the program handed to `end`.
+class EndRequests {
+  public:
+    EndRequests(std::optional<int> requests, std::function<void(const std::string&)> end) {
+        if (!requests) return;
+        notifier_.emplace(*requests, QSocketNotifier::Read);
+        QObject::connect(&*notifier_, &QSocketNotifier::activated, &*notifier_,
+                         [end = std::move(end)] { end(endRequest()); });
+    }
+
+  private:
+    std::optional<QSocketNotifier> notifier_;
+};
+
+int run(Application& application, const Fault& unlocked, std::optional<int> requests) {
+    Program program;
+    const EndRequests ending(requests, [&](const std::string& request) { program.end(request); });
+    const Scope known([&](bool on) { application.setProgram(on ? &program : nullptr); });
+    QObject context;
+    QObject::connect(&application, &QGuiApplication::commitDataRequest, &context,
+                     [&] { program.end("the session ends"); });
+    program.open(unlocked);
+    return QApplication::exec();
+}
+
+/// Tells why there is no program.
+int runBox(const std::string& text, int code, std::optional<int> requests) {
+    QtClock clock;
+    QtOperator op(clock);
+    const EndRequests ending(requests, [code](const auto&) { QCoreApplication::exit(code); });
+    Task<> telling = tellAndExit(op, text, code);
+    telling.start();
+    return QApplication::exec();
+}
+
 } // namespace
 } // namespace orvane
 
@@ -224,12 +285,16 @@ int main(int argc, char** argv) {
     QApplication::setQuitOnLastWindowClosed(false);
     QApplication::setWindowIcon(programIcon());
 
-    Program program;
-    application.setProgram(&program);
-    QObject::connect(&application, &QGuiApplication::commitDataRequest, &application,
-                     [&] { program.saveForSessionEnd(); });
-    program.open();
-    const int code = QApplication::exec();
-    application.setProgram(nullptr);
-    return code;
+    const std::optional<int> requests = keepEndRequests();
+    FileLock lock;
+    const FileLock::Outcome locked = lock.take(programFolder() / "orvane.lock");
+    if (locked.isOthers) return runBox("Orvane is running already.", 3, requests);
+    try {
+        return run(application, locked.fault, requests);
+    } catch (...) {
+        const std::string text = textOf(std::current_exception());
+        QtClock clock;
+        ErrorLog(programFolder(), clock).write("Orvane:" + text);
+        return runBox(text, 1, requests);
+    }
 }

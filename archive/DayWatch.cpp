@@ -33,7 +33,7 @@ void DayWatch::follow() {
     const bool planStands = planned_ == revision_ && !moved && isOnlyLater(seen);
     ++revision_;
     if (planStands) planned_ = revision_;
-    if (seen.recording && !seen_.recording) since_ = seen.minute;
+    if ((seen.recording && !seen_.recording) || moved) since_ = seen.minute;
     const Seen before = std::exchange(seen_, seen);
     if (moved) dataFolder_ = dataFolder;
     const auto today = std::chrono::floor<std::chrono::days>(now);

@@ -10,8 +10,8 @@ namespace orvane {
 
 /// Today and yesterday in the data folder: what is due, what became of it, and what follows from
 /// that. Everything is worked out from the schedule and the files, but for two things that no file
-/// tells: since when recording has been on, and which minutes never were because the clock was put
-/// forward over them. Those are not due.
+/// tells: since when recording has been on into this data folder, and which minutes never were
+/// because the clock was put forward over them. Those are not due.
 class DayWatch {
   public:
     /// `module`, `panel` and `clock` outlive this object.
@@ -79,7 +79,8 @@ class DayWatch {
     Day yesterday_;
     Seen seen_;
     std::filesystem::path dataFolder_; ///< looked at for a change as well
-    /// The minute in which recording was switched on, or the clock set back.
+    /// The minute in which recording was switched on, the clock set back, or another data folder
+    /// taken into use.
     std::int64_t since_ = 0;
     std::vector<std::pair<std::int64_t, std::int64_t>> neverWere_; ///< first and last minutes
     WallTime lastTime_{};

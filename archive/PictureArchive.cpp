@@ -56,14 +56,6 @@ Place placeFor(const std::filesystem::path& wanted, const std::string& bytes, Ar
     return placeAmongFrames(wanted.parent_path(), *name, bytes, arrival);
 }
 
-Fault makeFolders(const std::filesystem::path& datedFolder) {
-    const std::filesystem::path edit = datedFolder.parent_path() / "Edit";
-    for (const auto& folder : {edit, datedFolder, edit / datedFolder.filename()}) {
-        if (const Fault fault = makeFolder(folder)) return utf8FromPath(folder) + ": " + *fault;
-    }
-    return std::nullopt;
-}
-
 std::string cannotWrite(const std::string& reason) {
     return "The data folder cannot be written: " + reason + ".";
 }
@@ -113,6 +105,18 @@ Task<Fault> PictureArchive::refusal(const std::string& bytes, const std::filesys
     Task<Fault> checking = pictureFault(parts_.imageControl, bytes);
     Fault fault = co_await checking;
     co_return fault;
+}
+
+Fault PictureArchive::makeFolders(const std::filesystem::path& datedFolder) const {
+    const std::filesystem::path data = datedFolder.parent_path();
+    std::error_code error;
+    if (data != parts_.module.defaultDataFolder && !std::filesystem::is_directory(data, error))
+        return utf8FromPath(data) + " is not there";
+    const std::filesystem::path edit = data / "Edit";
+    for (const auto& folder : {edit, datedFolder, edit / datedFolder.filename()}) {
+        if (const Fault fault = makeFolder(folder)) return utf8FromPath(folder) + ": " + *fault;
+    }
+    return std::nullopt;
 }
 
 Fault PictureArchive::write(const std::string& bytes, const std::filesystem::path& image) {

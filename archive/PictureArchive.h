@@ -39,6 +39,8 @@ struct Filing {
 /// A capture is never replaced, whatever comes under its name: bytes that a frame of its second
 /// holds already are no work, others get the next free frame. The local copy of a stored picture is
 /// replaced by each download. A file that holds no whole picture may always be replaced.
+///
+/// Of data folders only the default one is made; another that is not there is a failure.
 class PictureArchive {
   public:
     /// What it works with; all of it outlives the archive.
@@ -57,7 +59,7 @@ class PictureArchive {
     explicit PictureArchive(Parts parts) : parts_(parts), recent_(parts.clock) {}
 
     /// Files `bytes` as `wanted`, D/yyyymmdd/name, in whose place another frame may be taken. The
-    /// folders are made. Two may be on their way at a time.
+    /// folders below D are made. Two may be on their way at a time.
     Task<Filing> take(std::string bytes, std::filesystem::path wanted, Arrival arrival);
     /// Forces the names of a run's pictures to the disk; the other arrivals' are at once.
     void flush();
@@ -65,6 +67,7 @@ class PictureArchive {
   private:
     Task<Fault> refusal(const std::string& bytes, const std::filesystem::path& wanted,
                         Arrival arrival);
+    Fault makeFolders(const std::filesystem::path& datedFolder) const;
     Fault write(const std::string& bytes, const std::filesystem::path& image);
     Fault forceNames(const std::filesystem::path& datedFolder);
     void removeLeftOvers(const std::filesystem::path& datedFolder);

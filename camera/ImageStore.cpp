@@ -108,6 +108,8 @@ void ImageStore::makeFolders(const Start& start) {
     const std::string day = dateDigits(fromDate_);
     datedFolder_ = data / day / "";
     std::error_code error; // a folder that cannot be made fails each of its files, told there
+    if (data != parts_.module.defaultDataFolder && !std::filesystem::is_directory(data, error))
+        return;
     std::filesystem::create_directories(datedFolder_, error);
     if (start.editFolders) std::filesystem::create_directories(data / "Edit" / day, error);
 }

@@ -9,6 +9,16 @@ namespace orvane {
 
 namespace {
 
+constexpr Ticks kLook = 200ms;
+
+/// The capture's two waits before its fetch, until a wish of the operator ends them.
+Task<> waitForFetch(Station& station) {
+    const int delay = std::max<int>(station.module.image.Delay, 0);
+    const Ticks end = station.clock.ticks() + 1000ms + std::chrono::seconds(delay);
+    while (station.clock.ticks() < end && !station.wishes.standing())
+        co_await station.clock.sleepUntil(std::min(end, station.clock.ticks() + kLook));
+}
+
 /// The working picture is removed first, so that no old tail gets behind a shorter new one.
 Task<HttpReply> fetch(Station& station) {
     HttpReply reply;
@@ -19,8 +29,10 @@ Task<HttpReply> fetch(Station& station) {
             "cannot remove the old " + std::string(kWorkingPicture) + ": " + error.message();
         co_return reply;
     }
-    while (station.store.transferring()) // a run's picture on its way, 60 s at most
+    // a run's picture on its way, 60 s at most
+    while (station.store.transferring() && !station.wishes.standing())
         co_await station.clock.sleep(10ms);
+    if (station.wishes.standing()) co_return reply;
     Task<HttpReply> download =
         station.camera.DownloadFile(cameraBaseUrl(station.panel) + kLatestImagePath,
                                     station.module.programFolder / "", kWorkingPicture);
@@ -48,16 +60,18 @@ Task<Captured> captureImage(Station& station, RepeatedLine& reasons) {
     const Busy::Hold busy(station.busy);
     station.panel.Label7.caption = "Recording Now...";
     station.panel.Command2.enabled = false;
-    co_await station.clock.sleep(1000ms);
-    const int delay = std::max<int>(station.module.image.Delay, 0);
-    co_await station.clock.sleep(std::chrono::seconds(delay));
+    Task<> waiting = waitForFetch(station);
+    co_await waiting;
 
     Captured captured;
+    captured.cutShort = station.wishes.standing();
+    if (captured.cutShort) co_return captured;
     Task<Filing> filing = fetchAndFile(station, captured);
     const Filing filed = co_await filing;
     captured.filed = filed.inArchive();
+    captured.cutShort = !captured.filed && station.wishes.standing();
     if (captured.filed) reasons.settle();
-    if (filed.outcome == Filing::Outcome::Refused) {
+    if (filed.outcome == Filing::Outcome::Refused && !captured.cutShort) {
         captured.fault = filed.fault;
         station.log.write("DownLoad Error");
         reasons.write("Capture:" + captured.fault);

@@ -9,13 +9,14 @@ namespace orvane {
 /// What one capture came to.
 struct Captured {
     bool filed = false;
-    WallTime copyTime{}; ///< when the image was copied to its folder; its name says this minute
-    std::string fault;   ///< why the camera brought no picture that can be filed; else empty
+    bool cutShort = false; ///< by a wish of the operator: as if it had not been tried
+    WallTime copyTime{};   ///< when the image was copied to its folder; its name says this minute
+    std::string fault;     ///< why the camera brought no picture that can be filed; else empty
 };
 
 /// Fetches the camera's picture once and hands it to the archive, from "Recording Now..." to the
 /// end of the processing. What went wrong has been logged, the reason of a "DownLoad Error" in
-/// `reasons`. Both outlive the task.
+/// `reasons`; to be cut short is nothing wrong. Both outlive the task.
 Task<Captured> captureImage(Station& station, RepeatedLine& reasons);
 
 } // namespace orvane

@@ -30,22 +30,20 @@ void addCount(std::int32_t& count, std::int32_t by) {
 } // namespace
 
 Task<> MainLoop::run() {
-    if (const auto fault = StartUp(station_)) {
-        std::string message = *fault;
-        co_await station_.op.tell(std::move(message));
+    std::string failure;
+    try {
+        Task<Fault> starting = start();
+        failure = (co_await starting).value_or("");
+    } catch (const std::exception& fault) {
+        failure = fault.what();
+    }
+    if (!failure.empty()) {
+        station_.log.write("StartUp:" + failure);
+        Task<> telling = station_.op.tell(std::move(failure));
+        co_await telling;
         station_.endProgram(1);
         co_return;
     }
-    Module1& module = station_.module;
-    station_.panel.chkLive.ticked = false;
-    sunDay_ = std::chrono::floor<std::chrono::days>(station_.clock.now());
-    loadTodaysThumbnails(station_);
-    if (module.RecordFlg) {
-        Task<> start = station_.recording.Command1_Click();
-        co_await start;
-    }
-    station_.status.showCount();
-
     Ticks rest = kPass;
     while (true) {
         bool worked = false;
@@ -60,12 +58,28 @@ Task<> MainLoop::run() {
     }
 }
 
+/// Everything up to the first pass. Answers why the program cannot go on, or nothing.
+Task<Fault> MainLoop::start() {
+    if (Fault fault = StartUp(station_)) co_return fault;
+    sunDay_ = std::chrono::floor<std::chrono::days>(station_.clock.now());
+    sunSite_ = station_.module.site;
+    station_.panel.chkLive.ticked = false;
+    loadTodaysThumbnails(station_);
+    if (station_.module.RecordFlg) {
+        Task<> starting = station_.recording.Command1_Click();
+        co_await starting;
+    }
+    station_.status.showCount();
+    co_return std::nullopt;
+}
+
 /// False: a part of it failed in a way nobody foresaw, which has been reported. The other parts
 /// are done all the same, above all the recording.
 Task<bool> MainLoop::pass() {
     Module1& module = station_.module;
     const WallTime now = station_.clock.now();
     bool worked = station_.faults.attempt(kWhere, [&] { watch(now); });
+    if (station_.wishes.standing()) co_return worked; // what they wait for must come to its end
     if (!module.RecordFlg) {
         station_.panel.Label11.caption = std::string();
     } else if (isDue(now)) {
@@ -104,16 +118,22 @@ Task<> MainLoop::capture(Captured& captured) {
 /// False: the capture failed in a way nobody foresaw.
 Task<bool> MainLoop::recordNow(std::int64_t dueMinute) {
     Captured captured;
+    watchFolder();
     live_.reset(); // a capture never waits for the live view
     station_.gaps.standBack();
     Task<bool> capturing = station_.faults.run(kWhere, capture(captured));
     const bool worked = co_await capturing;
     station_.panel.Command2.enabled = station_.module.RecordFlg;
+    if (captured.cutShort) {
+        station_.panel.Label7.caption = "Recording Standby";
+        co_return worked;
+    }
     fetchFault_ = captured.fault;
     const std::int32_t fetched = station_.module.filesFetched; // a run in the pause resets it
     if (captured.filed) {
         filedMinute_ = std::max({filedMinute_, dueMinute, minuteIndex(captured.copyTime)});
-        if (station_.dailyClocks.isDue(station_.clock.now(), true)) {
+        const bool mayBegin = !station_.wishes.standing();
+        if (mayBegin && station_.dailyClocks.isDue(station_.clock.now(), true)) {
             Task<bool> clocks = setClocks();
             co_await clocks;
         }
@@ -158,11 +178,15 @@ void MainLoop::endOfWindow() {
     module.filesFetched = 0;
 }
 
+/// The sun times belong to a day; while they cannot be computed, another site is tried at once.
 void MainLoop::watchDay(WallTime now) {
     const auto day = std::chrono::floor<std::chrono::days>(now);
-    if (day == sunDay_) return;
+    const SiteValues& site = station_.module.site;
+    const bool missing = station_.warnings.stands(Warnings::Cause::SunTimes);
+    if (day == sunDay_ && (!missing || site == sunSite_)) return;
     sunDay_ = day;
-    if (const auto fault = computeSunTimes(station_)) station_.log.write(*fault);
+    sunSite_ = site;
+    computeSunTimes(station_);
 }
 
 /// Once a minute, and when recording is switched or another data folder is chosen: is there
@@ -175,6 +199,7 @@ void MainLoop::watch(WallTime now) {
     watchDay(now);
     const std::int64_t minute = minuteIndex(now);
     const bool recording = station_.module.RecordFlg;
+    if (minute != watchedMinute_) watchFolder();
     const std::filesystem::path& folder = station_.panel.Dir1[0].path;
     const bool moved = folder.native() != watchedFolder_.native();
     if (minute == watchedMinute_ && recording == watchedRecording_ && !moved) return;
@@ -196,6 +221,15 @@ void MainLoop::noteFolder() {
     if (!watchedFolder_.empty()) station_.log.write("Data folder: " + utf8FromPath(folder));
     watchedFolder_ = folder;
     station_.warnings.clear(Warnings::Cause::DataFolder);
+}
+
+/// Told and logged once each time that it goes or comes.
+void MainLoop::watchFolder() {
+    const std::string warning = station_.settings.followDataFolder().value_or("");
+    if (warning == folderWarning_) return;
+    folderWarning_ = warning;
+    if (!warning.empty()) station_.log.write(warning);
+    station_.warnings.set(Warnings::Cause::ChosenFolder, warning);
 }
 
 /// The reason is that of the moment when the warning came up: a changed text would open it again.
@@ -230,10 +264,12 @@ void MainLoop::watchDisk() {
 /// foresaw.
 bool MainLoop::besides(WallTime now) {
     return station_.faults.attempt(kWhere, [&] {
+        if (station_.wishes.standing()) return;
         startLiveView();
         if (!station_.module.RecordFlg || isDue(now)) return;
         startSynchronisation();
-        station_.gaps.step();
+        // what lies in a folder that is not there is not missing
+        if (!station_.warnings.stands(Warnings::Cause::ChosenFolder)) station_.gaps.step();
     });
 }
 

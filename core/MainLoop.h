@@ -19,6 +19,7 @@ class MainLoop {
     Task<> run();
 
   private:
+    Task<Fault> start();
     Task<bool> pass();
     Task<> capture(Captured& captured);
     Task<bool> recordNow(std::int64_t dueMinute);
@@ -29,6 +30,7 @@ class MainLoop {
     void watchDay(WallTime now);
     void watch(WallTime now);
     void noteFolder();
+    void watchFolder();
     void watchDisk();
     void watchMissed();
     bool isDue(WallTime now) const;
@@ -43,10 +45,12 @@ class MainLoop {
     std::string fetchFault_;        ///< of the last capture; empty when it brought a picture
     std::string missed_;            ///< the warning of missed minutes, with its reason
     std::chrono::local_days sunDay_{};
+    SiteValues sunSite_;
     std::int64_t watchedRevision_ = -1; ///< of the day's watch
     std::int64_t watchedMinute_ = -1;
     bool watchedRecording_ = false;
     std::filesystem::path watchedFolder_;
+    std::string folderWarning_; ///< why the chosen folder is not used
     Ticks nextLive_{0};
     Task<bool> live_;
     Task<bool> synchronisation_;

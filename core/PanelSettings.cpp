@@ -4,6 +4,7 @@
 #include "platform/Paths.h"
 
 #include <algorithm>
+#include <cmath>
 #include <variant>
 #include <vector>
 
@@ -106,7 +107,7 @@ std::vector<Setting> settingsOf(Module1& module, OperationPanel& panel) {
 
 } // namespace
 
-std::optional<std::string> PanelSettings::initOperation() {
+Fault PanelSettings::initOperation() {
     std::vector<Setting> settings = settingsOf(module_, panel_);
     std::ranges::stable_sort(settings, {}, [](const Setting& s) { return s.target.index(); });
     for (const auto& [section, key, fallback, target] : settings) {
@@ -118,10 +119,8 @@ std::optional<std::string> PanelSettings::initOperation() {
     showSite();
     panel_.chk_time.ticked = module_.AdjTime != 0;
 
-    const auto folder = pathFromUtf8(store_.GetSetting(kFolderSection, kFolderKey, ""));
-    std::error_code error;
-    const bool usable = !folder.empty() && std::filesystem::is_directory(folder, error);
-    panel_.Dir1[0].path = usable ? folder : defaultDataFolder_;
+    chosenFolder_ = pathFromUtf8(store_.GetSetting(kFolderSection, kFolderKey, ""));
+    followDataFolder();
     panel_.Dir1[1].path = panel_.Dir1[0].path.get();
     loaded_ = true;
     return std::nullopt;
@@ -132,16 +131,29 @@ bool PanelSettings::writeSetup() {
     bool stored = true;
     for (const auto& [section, key, fallback, target] : settingsOf(module_, panel_))
         stored = store_.SaveSetting(section, key, std::visit(Save{}, target)) && stored;
-    return stored;
+    if (!folderStored_) Dir1_Change();
+    return stored && folderStored_;
 }
 
 void PanelSettings::selectDataFolder(const std::filesystem::path& folder) {
+    chosenFolder_ = folder;
     panel_.Dir1[0].path = folder;
     Dir1_Change();
 }
 
 void PanelSettings::Dir1_Change() {
-    store_.SaveSetting(kFolderSection, kFolderKey, utf8FromPath(panel_.Dir1[0].path));
+    folderStored_ = store_.SaveSetting(kFolderSection, kFolderKey, utf8FromPath(chosenFolder_));
+}
+
+Fault PanelSettings::followDataFolder() {
+    const std::filesystem::path& standIn = module_.defaultDataFolder;
+    const bool chosen = !chosenFolder_.empty() && chosenFolder_ != standIn;
+    std::error_code error;
+    const bool isThere = chosen && std::filesystem::is_directory(chosenFolder_, error);
+    panel_.Dir1[0].path = isThere ? chosenFolder_ : standIn;
+    if (isThere || !chosen) return std::nullopt;
+    return "The data folder " + utf8FromPath(chosenFolder_) + " is not there. Pictures go to " +
+           utf8FromPath(standIn) + " meanwhile.";
 }
 
 void PanelSettings::chk_time_Click() {
@@ -149,17 +161,18 @@ void PanelSettings::chk_time_Click() {
 }
 
 bool PanelSettings::txt_lat_Change() {
-    return take(toDouble(panel_.txt_lat.text.get()), module_.site.latitude);
+    const auto degrees = toDouble(panel_.txt_lat.text.get());
+    return degrees && std::abs(*degrees) <= 90 && take(degrees, module_.site.latitude);
 }
 
 bool PanelSettings::txt_long_Change() {
-    return take(toDouble(panel_.txt_long.text.get()), module_.site.longitude);
+    const auto degrees = toDouble(panel_.txt_long.text.get());
+    return degrees && std::abs(*degrees) <= 180 && take(degrees, module_.site.longitude);
 }
 
 bool PanelSettings::txt_tz_Change() {
     const auto hours = toInt16(panel_.txt_tz.text.get());
-    // the product must fit 16 bits too
-    if (!hours || *hours < INT16_MIN / 60 || *hours > INT16_MAX / 60) return false;
+    if (!hours || *hours < -12 || *hours > 14) return false;
     module_.site.Tz = static_cast<std::int16_t>(*hours * 60);
     return true;
 }

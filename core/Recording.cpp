@@ -51,6 +51,7 @@ TimeOfDay createNextRecTime(TimeOfDay start, TimeOfDay end, TimeOfDay interval, 
 
 Task<> Recording::Command1_Click() {
     panel_.Command1.enabled = false;
+    mnuRecordingStart = false;
     enableInputs(false);
     panel_.UpDown1[kIntervalSecond].enabled = false;
     log_.write("Start Recording");
@@ -71,6 +72,7 @@ Task<> Recording::Command1_Click() {
     module_.RecDoneFlg = false;
     panel_.Command1.enabled = false;
     panel_.Command2.enabled = true;
+    mnuRecordingStop = true;
     status_.runSync(true);
     status_.NumberOfRec();
     panel_.Label7.caption = "Recording Standby";
@@ -85,9 +87,19 @@ void Recording::Command2_Click() {
     panel_.Label7.caption = "Ready";
 }
 
+Task<> Recording::mnuRecordingStop_Click() {
+    if (module_.capturing) {
+        Task<bool> waiting = wishes_.toStop();
+        if (!co_await waiting) co_return;
+    }
+    if (module_.RecordFlg) Command2_Click();
+}
+
 void Recording::ready() {
     panel_.Command1.enabled = true;
     panel_.Command2.enabled = false;
+    mnuRecordingStart = true;
+    mnuRecordingStop = false;
     enableInputs(true);
 }
 

@@ -2,6 +2,7 @@
 
 #include "core/PanelSettings.h"
 #include "core/PanelStatus.h"
+#include "core/Wishes.h"
 #include "platform/Operator.h"
 #include "station/ErrorLog.h"
 #include "station/Module1.h"
@@ -20,15 +21,17 @@ TimeOfDay createNextRecTime(TimeOfDay start, TimeOfDay end, TimeOfDay interval, 
 class Recording {
   public:
     Recording(Module1& module, OperationPanel& panel, PanelSettings& settings, PanelStatus& status,
-              ErrorLog& log, Operator& op, Clock& clock)
+              ErrorLog& log, Operator& op, Wishes& wishes, Clock& clock)
         : module_(module), panel_(panel), settings_(settings), status_(status), log_(log), op_(op),
-          clock_(clock) {}
+          wishes_(wishes), clock_(clock) {}
 
     /// Start Recording. A schedule that is not usable is told in a box; the task ends when the box
     /// is closed, in Ready.
     Task<> Command1_Click();
     /// Stop Recording.
     void Command2_Click();
+    /// "Stop" of the menu, which a capture does not lock as it locks Command2: cuts that short.
+    Task<> mnuRecordingStop_Click();
     /// The panel as it is when nothing is recorded, for start-up.
     void ready();
     /// After an edit of field `index`: a value inside its range goes to the spinner.
@@ -40,6 +43,9 @@ class Recording {
     /// Locks or unlocks the schedule fields.
     void chk_auto_Click();
 
+    Value<bool> mnuRecordingStart{true}; ///< the menu entries' enabled states
+    Value<bool> mnuRecordingStop{false};
+
   private:
     std::optional<int> validate();
     void enableInputs(bool enabled);
@@ -50,6 +56,7 @@ class Recording {
     PanelStatus& status_;
     ErrorLog& log_;
     Operator& op_;
+    Wishes& wishes_;
     Clock& clock_;
 };
 

@@ -12,27 +12,54 @@ std::string twips(int pixels) {
 } // namespace
 
 Task<bool> Shutdown::MDIForm_QueryUnload(UnloadMode mode) {
-    settings_.writeSetup();
-    if (busy_.active()) {
-        const bool refused = mode == UnloadMode::User;
-        if (refused) op_.beep();
-        co_return !refused;
+    bool stored = saveSettings();
+    if (parts_.busy.active() && mode == UnloadMode::User) {
+        parts_.op.beep();
+        if (asking_) co_return false;
+        Task<bool> waiting = parts_.wishes.toClose();
+        if (!co_await waiting) co_return false;
+        stored = saveSettings();
+    } else if (parts_.busy.active() && stored) {
+        co_return true;
     }
     if (asking_) co_return false;
     const Scope asking(asking_);
-    std::string question = "Program End ? ";
-    const bool mayClose = co_await op_.ask(std::move(question));
+    if (!parts_.busy.active()) {
+        std::string question = "Program End ? ";
+        Task<bool> ending = parts_.op.ask(std::move(question));
+        if (!co_await ending) co_return false;
+    }
+    if (stored) co_return true;
+    std::string question = "The settings cannot be stored: what was changed since the program's "
+                           "start is lost. Close anyway?";
+    Task<bool> losing = parts_.op.ask(std::move(question));
+    const bool mayClose = co_await losing;
     co_return mayClose;
 }
 
-void Shutdown::MDIForm_Unload(std::optional<WindowPlace> place) {
+void Shutdown::end(const std::string& reason, std::optional<WindowPlace> place) {
+    if (left_) return;
+    saveSettings();
+    leave(place, "Orvane Ending (" + reason + ")");
+}
+
+bool Shutdown::saveSettings() {
+    const bool stored = parts_.settings.writeSetup();
+    if (!stored) parts_.log.write("writeSetup:Settings cannot be stored");
+    return stored;
+}
+
+/// Once: several signals may come, and a window's close request after the session's end.
+void Shutdown::leave(std::optional<WindowPlace> place, const std::string& line) {
+    if (std::exchange(left_, true)) return;
     if (place) {
-        store_.SaveSetting("Settings", "MainLeft", twips(place->left));
-        store_.SaveSetting("Settings", "MainTop", twips(place->top));
-        store_.SaveSetting("Settings", "MainWidth", twips(place->width));
-        store_.SaveSetting("Settings", "MainHeight", twips(place->height));
+        parts_.store.SaveSetting("Settings", "MainLeft", twips(place->left));
+        parts_.store.SaveSetting("Settings", "MainTop", twips(place->top));
+        parts_.store.SaveSetting("Settings", "MainWidth", twips(place->width));
+        parts_.store.SaveSetting("Settings", "MainHeight", twips(place->height));
     }
-    endProgram_();
+    parts_.log.write(line);
+    parts_.endProgram();
 }
 
 } // namespace orvane

@@ -1,8 +1,9 @@
 #pragma once
 
 #include "core/PanelSettings.h"
+#include "core/Wishes.h"
 #include "platform/Operator.h"
-#include "station/Busy.h"
+#include "station/ErrorLog.h"
 
 #include <functional>
 #include <optional>
@@ -23,28 +24,40 @@ struct WindowPlace {
     int height = 0;
 };
 
-/// What happens when the main window is closed: save, ask or refuse, store the place, end.
+/// What happens when the program is to end: save, ask or refuse, store the window's place, end.
 class Shutdown {
   public:
-    Shutdown(PanelSettings& settings, SettingsStore& store, Busy& busy, Operator& op,
-             std::function<void()> endProgram)
-        : settings_(settings), store_(store), busy_(busy), op_(op),
-          endProgram_(std::move(endProgram)) {}
+    struct Parts {
+        PanelSettings& settings;
+        SettingsStore& store;
+        Busy& busy;
+        Wishes& wishes;
+        Operator& op;
+        ErrorLog& log;
+        std::function<void()> endProgram;
+    };
 
-    /// True: the window may close. One question at a time; a second request meanwhile is false.
+    explicit Shutdown(Parts parts) : parts_(std::move(parts)) {}
+
+    /// True: the window may close. While the station is busy the close box is refused, with a beep,
+    /// and taken for a wish: the question follows as soon as it may. One question at a time; a
+    /// second request meanwhile is false. Settings that cannot be stored are told last.
     Task<bool> MDIForm_QueryUnload(UnloadMode mode);
     /// Stores `place` (nothing while the window is minimised) and ends the program.
-    void MDIForm_Unload(std::optional<WindowPlace> place);
+    void MDIForm_Unload(std::optional<WindowPlace> place) { leave(place, "Orvane Ending"); }
     /// "Exit": saves. The caller then closes the window, with mode `Other`.
-    void mnuFileExit_Click() { settings_.writeSetup(); }
+    void mnuFileExit_Click() { parts_.settings.writeSetup(); }
+    /// The operating system ends the program for `reason`, such as "SIGTERM". Stores the settings
+    /// and `place` and ends it; nobody is asked.
+    void end(const std::string& reason, std::optional<WindowPlace> place);
 
   private:
-    PanelSettings& settings_;
-    SettingsStore& store_;
-    Busy& busy_;
-    Operator& op_;
-    std::function<void()> endProgram_;
+    bool saveSettings();
+    void leave(std::optional<WindowPlace> place, const std::string& line);
+
+    Parts parts_;
     bool asking_ = false;
+    bool left_ = false;
 };
 
 } // namespace orvane

@@ -4,19 +4,25 @@
 
 namespace orvane {
 
-std::optional<std::string> StartUp(Station& station) {
+Fault StartUp(Station& station) {
     Module1& module = station.module;
     station.showMainWindow();
     module.thumbnails = {};
     module.lastImage.clear();
-    if (auto fault = station.settings.initOperation()) return fault;
+    if (Fault fault = station.settings.initOperation()) return fault;
     station.status.initStatus();
     station.recording.ready();
     station.log.write("Orvane Starting");
+    if (const Fault fault = station.settings.unreadable()) {
+        const std::string text = "The settings cannot be read: " + *fault +
+                                 ". Their defaults are in force, and nothing is stored.";
+        station.log.write(text);
+        station.warnings.set(Warnings::Cause::Settings, text);
+    }
 
     module.imageProcessing = true;
     module.syncPending = false;
-    if (auto fault = computeSunTimes(station)) return fault;
+    computeSunTimes(station);
     module.image.DateFlg = 0;
     module.image.LrFlg = 0;
     module.image.JpegTyp = ImageControl::kFormat444;
@@ -25,13 +31,15 @@ std::optional<std::string> StartUp(Station& station) {
     return std::nullopt;
 }
 
-std::optional<std::string> computeSunTimes(Station& station) {
+void computeSunTimes(Station& station) {
     Module1& module = station.module;
-    auto fault = ComputeSunriseSunset(module.site, dayOf(station.clock.now()), module.sun);
-    station.panel.lbl_sunrise.caption = module.sun.SunriseText;
-    station.panel.lbl_sunset.caption = module.sun.SunsetText;
-    if (fault) *fault = "The sun times of the site cannot be computed: " + *fault;
-    return fault;
+    const Fault fault = ComputeSunriseSunset(module.site, dayOf(station.clock.now()), module.sun);
+    station.panel.lbl_sunrise.caption = fault ? std::string() : module.sun.SunriseText;
+    station.panel.lbl_sunset.caption = fault ? std::string() : module.sun.SunsetText;
+    const std::string warning =
+        fault ? "The sun times of the site cannot be computed: " + *fault + "." : "";
+    if (fault) station.log.write(warning);
+    station.warnings.set(Warnings::Cause::SunTimes, warning);
 }
 
 void loadTodaysThumbnails(Station& station) {

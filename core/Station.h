@@ -8,6 +8,7 @@
 #include "core/PanelSettings.h"
 #include "core/PanelStatus.h"
 #include "core/Recording.h"
+#include "core/Wishes.h"
 #include "platform/Clock.h"
 #include "platform/HttpTransfer.h"
 #include "platform/Operator.h"
@@ -38,6 +39,7 @@ struct Station {
     DiskWatch& disk;
     PictureArchive& archive;
     GapFilling& gaps;
+    Wishes& wishes;
     ErrorLog& log;
     Faults& faults;
     Clock& clock;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/Fault.h"
+
 #include <string>
 
 namespace orvane {
@@ -8,6 +10,9 @@ namespace orvane {
 class SettingsStore {
   public:
     virtual ~SettingsStore() = default;
+    /// Why what is stored cannot be read, or nothing. Every setting then reads as its fallback, and
+    /// none can be saved: that would lose what is there.
+    virtual Fault unreadable() const { return std::nullopt; }
     /// The stored text, or `fallback` when section or key does not exist.
     virtual std::string GetSetting(const std::string& section, const std::string& key,
                                    const std::string& fallback) const = 0;

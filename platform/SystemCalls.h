@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <optional>
+#include <string>
 
 namespace orvane {
 
@@ -26,6 +27,35 @@ std::optional<std::uint32_t> attributeWord(const std::filesystem::path& entry);
 bool forceToDisk(std::FILE* file);
 /// The same for the names in a folder. A file system that knows no such request is no failure.
 Fault forceFolderToDisk(const std::filesystem::path& folder);
+
+/// A lock of the operating system on a file, which is made where it is not there. Held while this
+/// lives; a program that is killed leaves no lock behind.
+class FileLock {
+  public:
+    /// What came of it: held, held by another program, or not to be had at all, with the reason.
+    struct Outcome {
+        bool isOthers = false;
+        Fault fault;
+    };
+
+    FileLock() = default;
+    FileLock(const FileLock&) = delete;
+    FileLock& operator=(const FileLock&) = delete;
+    ~FileLock();
+
+    /// May be called once.
+    Outcome take(const std::filesystem::path& file);
+
+  private:
+    std::intptr_t handle_ = -1; ///< the system's own, -1 for none
+};
+
+/// From now on the system's requests to end the program (SIGTERM, SIGINT, SIGHUP, where there are
+/// such) do not end it but are kept for `endRequest`. Answers the descriptor that can be read when
+/// one has come; nothing where there are none. For one call in a program.
+std::optional<int> keepEndRequests();
+/// Takes the request that came first, such as "SIGTERM"; empty: none came.
+std::string endRequest();
 
 /// Asks the operating system not to put the PC to sleep (the screen may go dark) while `awake` is
 /// true. Ends with the program. Does nothing where the system has no such request.

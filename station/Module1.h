@@ -19,6 +19,9 @@ using ThumbnailHistory = std::array<std::filesystem::path, 10>;
 /// The process-wide state. `main` owns the only one and hands it down.
 struct Module1 {
     std::filesystem::path programFolder; ///< holds ERROR.LOG and the working picture full.jpg
+    /// The one data folder that the station makes itself. Any other may be the place of a disk that
+    /// is not connected.
+    std::filesystem::path defaultDataFolder;
 
     Schedule schedule;
     bool RecordFlg = false;  ///< recording is switched on

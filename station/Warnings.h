@@ -11,7 +11,17 @@ namespace orvane {
 /// while any cause holds, and the operator may close it until a text changes.
 class Warnings {
   public:
-    enum class Cause { NoImage, DataFolder, Unreadable, ErrorLog, DiskSpace, ClockSetting };
+    enum class Cause {
+        NoImage,
+        ChosenFolder, ///< not there: pictures go elsewhere meanwhile
+        DataFolder,
+        Unreadable,
+        Settings,
+        ErrorLog,
+        DiskSpace,
+        ClockSetting,
+        SunTimes
+    };
 
     /// All texts, one per line; empty: nothing to warn of.
     Value<std::string> text;
@@ -19,6 +29,7 @@ class Warnings {
     /// Sets the text of a cause; an empty one says that the cause has gone.
     void set(Cause cause, const std::string& message);
     void clear(Cause cause) { set(cause, {}); }
+    bool stands(Cause cause) const { return messages_.contains(cause); }
 
   private:
     std::map<Cause, std::string> messages_;

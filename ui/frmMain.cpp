@@ -2,6 +2,7 @@
 
 #include "ui/Layout.h"
 #include "ui/Text.h"
+#include "ui/WishBar.h"
 #include "ui/day/DayView.h"
 #include "ui/dialogs/FrmComPort.h"
 #include "ui/dialogs/FrmSave.h"
@@ -13,15 +14,12 @@
 
 #include <QCloseEvent>
 #include <QFileDialog>
-#include <QGuiApplication>
 #include <QMdiSubWindow>
 #include <QMenuBar>
 
 namespace orvane {
 namespace {
 constexpr QSize kSize(1024, 747); // with its frame
-/// How long after the session's end was announced its close request may come.
-constexpr std::chrono::seconds kSessionEnd{30};
 } // namespace
 
 frmMain::frmMain(Parts parts)
@@ -33,9 +31,11 @@ frmMain::frmMain(Parts parts)
     QHBoxLayout* above = row({new PanelScroll(*operation_), {column({{area_, 1}, strip}, 0), 1}});
     auto* day = new DayView({parts_.days, parts_.module, parts_.clock, parts_.faults});
     setCentralWidget(inWidget(column({{above, 1}, day}, 0)));
+    new WishBar(parts_.wishes, centralWidget());
 
     addFileMenu();
     addToolsMenu();
+    addRecordingMenu();
     new ImageMenu(*saveAs_, addMenu("mnuImage", "Pict&ure"), *area_, parts_.views);
     addWindowMenu();
     addEntry(addMenu("mnuHelp", "&Help"),
@@ -48,8 +48,6 @@ frmMain::frmMain(Parts parts)
     connect(operation_, &frmOperation::imageWanted, this,
             [this](const std::filesystem::path& file) { parts_.views.openImage(file); });
     connect(operation_, &frmOperation::pictureWanted, this, [this] { parts_.views.wantLatest(); });
-    connect(qGuiApp, &QGuiApplication::commitDataRequest, this,
-            [this] { sessionEnd_.setRemainingTime(kSessionEnd); });
     MDIForm_Load();
     operation_->focusStart();
 }
@@ -93,6 +91,20 @@ void frmMain::addToolsMenu() {
                              {"mnuTKROption", "Tracker &Options...",
                               "Reads and writes the tracker's site, origin and serial number."},
                              {Qt::CTRL | Qt::Key_R}, this, &frmMain::mnuTKROption_Click);
+}
+
+void frmMain::addRecordingMenu() {
+    QMenu& menu = addMenu("mnuRecording", "Rec&ording");
+    Recording& recording = parts_.operation.recording;
+    TaskGroup& tasks = parts_.operation.tasks;
+    QAction* start = addEntry(
+        menu, {"mnuRecordingStart", "&Start", "Checks the schedule and records at its times."}, {},
+        this, [&] { tasks.spawn(recording.Command1_Click()); });
+    QAction* stop = addEntry(
+        menu, {"mnuRecordingStop", "S&top", "Stops recording, also while a picture is taken."}, {},
+        this, [&] { tasks.spawn(recording.mnuRecordingStop_Click()); });
+    bindings_.follow(recording.mnuRecordingStart, [start](bool on) { start->setEnabled(on); });
+    bindings_.follow(recording.mnuRecordingStop, [stop](bool on) { stop->setEnabled(on); });
 }
 
 /// A tracker exchange must not be disturbed by a second one on the same port.
@@ -202,9 +214,7 @@ void frmMain::mnuHelpAbout_Click() {
 void frmMain::closeEvent(QCloseEvent* event) {
     event->setAccepted(unloaded_);
     if (unloaded_) return;
-    // Whether the event is spontaneous does not tell: Qt sends its own close requests the same way.
-    const bool byUser = !exiting_ && sessionEnd_.hasExpired();
-    parts_.operation.tasks.spawn(unload(this, byUser ? UnloadMode::User : UnloadMode::Other));
+    parts_.operation.tasks.spawn(unload(this, exiting_ ? UnloadMode::Other : UnloadMode::User));
 }
 
 Task<> frmMain::unload(QPointer<frmMain> window, UnloadMode mode) {

@@ -5,7 +5,6 @@
 #include "ui/panel/frmOperation.h"
 #include "ui/pictures/QtImageViews.h"
 
-#include <QDeadlineTimer>
 #include <QMainWindow>
 
 namespace orvane {
@@ -40,6 +39,7 @@ class frmMain : public QMainWindow {
         Module1& module;
         Busy& busy;
         Shutdown& shutdown;
+        Wishes& wishes;
         QtImageViews& views;
         DayWatch& days;
         Tracker tracker;
@@ -54,6 +54,8 @@ class frmMain : public QMainWindow {
     frmOperation& operation() { return *operation_; }
     /// The clock dialog, made on first use and not shown by that. It lives as long as the window.
     FrmTKRTimeAuto* timeDialog();
+    /// Where the window stands; nothing while it is minimised.
+    std::optional<WindowPlace> place() const;
 
   protected:
     void closeEvent(QCloseEvent* event) override;
@@ -63,6 +65,7 @@ class frmMain : public QMainWindow {
   private:
     void addFileMenu();
     void addToolsMenu();
+    void addRecordingMenu();
     void addWindowMenu();
     void addHelpMenu();
     void followBusy(bool idle);
@@ -76,7 +79,6 @@ class frmMain : public QMainWindow {
     void mnuTKROption_Click();
     void mnuHelpAbout_Click();
     static Task<> unload(QPointer<frmMain> window, UnloadMode mode);
-    std::optional<WindowPlace> place() const;
 
     Parts parts_;
     frmOperation* operation_;
@@ -91,7 +93,6 @@ class frmMain : public QMainWindow {
     QList<QAction*> windowActions_; ///< the menu's list of windows, as it was last shown
     QString openFolder_;            ///< where a picture was opened last
     bool exiting_ = false;          ///< "Exit" closes the window
-    QDeadlineTimer sessionEnd_{0};  ///< until then a close request is the operating system's
     bool placed_ = false;
     bool unloaded_ = false;
     Bindings bindings_;

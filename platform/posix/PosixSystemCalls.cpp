@@ -1,9 +1,11 @@
 #include "platform/SystemCalls.h"
 
 #include <cerrno>
+#include <csignal>
 #include <system_error>
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <unistd.h>
 
 namespace orvane {
@@ -36,6 +38,47 @@ Fault forceFolderToDisk(const std::filesystem::path& folder) {
     if (result == 0 || reason == EINVAL || reason == ENOSYS || reason == ENOTSUP)
         return std::nullopt;
     return std::generic_category().message(reason);
+}
+
+/// Open for reading only, which is enough: another user's file can be locked too.
+FileLock::Outcome FileLock::take(const std::filesystem::path& file) {
+    handle_ = ::open(file.c_str(), O_RDONLY | O_CREAT | O_CLOEXEC, 0644);
+    if (handle_ >= 0 && ::flock(static_cast<int>(handle_), LOCK_EX | LOCK_NB) == 0) return {};
+    const int reason = errno;
+    if (handle_ >= 0 && reason == EWOULDBLOCK) return {true, std::nullopt};
+    return {false, std::generic_category().message(reason)};
+}
+
+FileLock::~FileLock() {
+    if (handle_ >= 0) ::close(static_cast<int>(handle_));
+}
+
+namespace {
+
+int requests[2]{-1, -1}; ///< a pipe, to be read and written
+
+void note(int number) {
+    const int reason = errno;
+    const char request = static_cast<char>(number);
+    static_cast<void>(::write(requests[1], &request, 1) + 1); // a full pipe holds requests enough
+    errno = reason;
+}
+
+} // namespace
+
+std::optional<int> keepEndRequests() {
+    if (::pipe2(requests, O_CLOEXEC | O_NONBLOCK) != 0) return std::nullopt;
+    for (const int number : {SIGTERM, SIGINT, SIGHUP}) {
+        // what the program was started to ignore (nohup) stays ignored
+        if (std::signal(number, note) == SIG_IGN) std::signal(number, SIG_IGN);
+    }
+    return requests[0];
+}
+
+std::string endRequest() {
+    char request = 0;
+    if (::read(requests[0], &request, 1) != 1) return {};
+    return request == SIGTERM ? "SIGTERM" : request == SIGINT ? "SIGINT" : "SIGHUP";
 }
 
 /// Nothing to ask for: a recording machine's sleep is switched off in its system settings, and the

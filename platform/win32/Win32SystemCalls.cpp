@@ -1,5 +1,7 @@
 #include "platform/SystemCalls.h"
 
+#include <system_error>
+
 #include <io.h>
 #include <windows.h>
 
@@ -25,6 +27,31 @@ Fault forceFolderToDisk(const std::filesystem::path& folder) {
     ::FlushFileBuffers(handle);
     ::CloseHandle(handle);
     return std::nullopt;
+}
+
+/// Opened without sharing, which is a lock; it goes with the program, and the file with it.
+FileLock::Outcome FileLock::take(const std::filesystem::path& file) {
+    const HANDLE handle =
+        ::CreateFileW(file.c_str(), GENERIC_READ | GENERIC_WRITE, 0, nullptr, OPEN_ALWAYS,
+                      FILE_ATTRIBUTE_NORMAL | FILE_FLAG_DELETE_ON_CLOSE, nullptr);
+    handle_ = reinterpret_cast<std::intptr_t>(handle);
+    if (handle != INVALID_HANDLE_VALUE) return {};
+    const DWORD reason = ::GetLastError();
+    if (reason == ERROR_SHARING_VIOLATION) return {true, std::nullopt};
+    return {false, std::system_category().message(static_cast<int>(reason))};
+}
+
+FileLock::~FileLock() {
+    if (handle_ != -1) ::CloseHandle(reinterpret_cast<HANDLE>(handle_));
+}
+
+/// A program without a console is told of the session's end by its windows only.
+std::optional<int> keepEndRequests() {
+    return std::nullopt;
+}
+
+std::string endRequest() {
+    return {};
 }
 
 /// The request belongs to the calling thread, so every call must come from the same one.

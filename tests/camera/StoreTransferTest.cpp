@@ -28,6 +28,7 @@ struct StoreTransfer : testing::Test {
         module.programFolder = folder.path() / "program";
         std::filesystem::create_directory(module.programFolder);
         panel.Dir1[0].path = data;
+        module.defaultDataFolder = data; // which is made when it is not there
         panel.txtIp.text = "127.0.0.1";
         panel.txtPort.text = std::to_string(simulator->port());
         panel.Text1[5].text = "30";

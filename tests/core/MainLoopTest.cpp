@@ -255,30 +255,6 @@ TEST(MainLoop, StopDuringThePauseEndsItAndStaysStopped) {
     EXPECT_EQ(s.imagesOf("20061115").size(), 1U);
 }
 
-TEST(MainLoop, UnusableDataFolderIsToldAndRecoversByItself) {
-    TestStation s(at(2006, 11, 15, 9, 29));
-    const auto blocked = s.folder.path() / "file" / "data";
-    std::ofstream(s.folder.path() / "file") << "not a folder";
-    s.start(true);
-    s.panel.Dir1[0].path = blocked;
-    s.clock.runUntil(at(2006, 11, 15, 9, 31));
-    EXPECT_NE(s.warnings.text.get().find("The data folder cannot be written"), std::string::npos);
-    EXPECT_GT(s.http.requests, 10); // tried again within the minute
-    std::filesystem::remove(s.folder.path() / "file");
-    s.clock.runUntil(at(2006, 11, 15, 10, 1));
-    EXPECT_TRUE(s.warnings.text.get().empty()) << s.warnings.text.get();
-    EXPECT_TRUE(std::filesystem::exists(blocked / "20061115" / "20061115_100000_00.jpg"));
-}
-
-TEST(MainLoop, ADeletedDataFolderIsMadeAgain) {
-    TestStation s(at(2006, 11, 15, 9, 29));
-    s.start(true);
-    s.clock.runUntil(at(2006, 11, 15, 9, 31));
-    std::filesystem::remove_all(s.dataFolder());
-    s.clock.runUntil(at(2006, 11, 15, 10, 1));
-    EXPECT_EQ(s.imagesOf("20061115"), Names{"20061115_100000_00.jpg"});
-}
-
 TEST(MainLoop, TwoMissedMinutesRaiseAWarningThatGoesWithTheNextImage) {
     TestStation s(at(2006, 11, 15, 9, 29));
     const auto picture = s.http.answer;
@@ -320,6 +296,33 @@ TEST(MainLoop, SunTimesFollowTheDate) {
     EXPECT_FALSE(first.empty());
     s.clock.run(24h * 30);
     EXPECT_NE(s.panel.lbl_sunset.caption.get(), first);
+}
+
+/// The sun rises before the local day begins: no such time of day, and no reason not to record.
+TEST(MainLoop, ASiteWithoutSunTimesIsWarnedOfAndRecords) {
+    TestStation s(at(2006, 11, 15, 9, 29));
+    s.store.values["Operation/Tz"] = "32400"; // 540, typed as hours
+    s.module.sun.SunriseText = "5:00:00";
+    s.start(true);
+    s.clock.runUntil(at(2006, 11, 15, 9, 31));
+    EXPECT_EQ(s.exitCode, -1);
+    EXPECT_TRUE(s.op.told.empty());
+    EXPECT_EQ(s.module.image.JpegTyp, 98) << "the rest of the start-up";
+    EXPECT_EQ(s.imagesOf("20061115"), Names{"20061115_093000_00.jpg"});
+    EXPECT_EQ(s.panel.lbl_sunrise.caption.get(), "");
+    EXPECT_EQ(s.panel.lbl_sunset.caption.get(), "");
+    EXPECT_EQ(s.module.sun.SunriseText, "5:00:00");
+    const std::string warning = s.warnings.text;
+    EXPECT_TRUE(warning.starts_with("The sun times of the site cannot be computed")) << warning;
+    EXPECT_EQ(s.countLogged(warning), 1);
+    s.clock.runUntil(at(2006, 11, 16, 0, 1));
+    EXPECT_NE(s.logged().back(), warning) << "another day, another impossible time";
+    EXPECT_EQ(s.logged().back(), s.warnings.text.get());
+    s.panel.txt_tz.text = "9"; // the operator corrects it
+    EXPECT_TRUE(s.settings.txt_tz_Change());
+    s.clock.run(2min);
+    EXPECT_TRUE(s.warnings.text.get().empty());
+    EXPECT_FALSE(s.panel.lbl_sunset.caption.get().empty());
 }
 
 /// Random faults for a virtual week: only whole new pictures are filed, and every good minute

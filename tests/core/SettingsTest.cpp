@@ -68,6 +68,7 @@ TEST(PanelSettings, AnUnreadableNumberEndsTheProgramWithItsKeyAndText) {
             const std::string name = std::string(key).substr(std::string(key).find('/') + 1);
             EXPECT_NE(s.op.told[0].find(name), std::string::npos) << s.op.told[0];
             EXPECT_NE(s.op.told[0].find('"' + std::string(text) + '"'), std::string::npos);
+            EXPECT_EQ(s.logged().back(), "StartUp:" + s.op.told[0]);
             EXPECT_EQ(s.exitCode, 1);
             EXPECT_TRUE(s.loopTask.done());
             // the window is closed, the session ends: what is stored stays
@@ -141,8 +142,13 @@ TEST(PanelSettings, SiteFieldsTakeEffectAsTheyAreTyped) {
     EXPECT_EQ(s.module.site.Tz, 360);
     EXPECT_TRUE(type(s.panel.txt_tz, "-4.5", &PanelSettings::txt_tz_Change));
     EXPECT_EQ(s.module.site.Tz, -240);
-    EXPECT_FALSE(type(s.panel.txt_tz, "600", &PanelSettings::txt_tz_Change));
-    EXPECT_FALSE(type(s.panel.txt_lat, "-", &PanelSettings::txt_lat_Change));
+    for (const char* text : {"540", "15", "-13", ""})
+        EXPECT_FALSE(type(s.panel.txt_tz, text, &PanelSettings::txt_tz_Change)) << text;
+    for (const char* text : {"-", "90.1", "-91"})
+        EXPECT_FALSE(type(s.panel.txt_lat, text, &PanelSettings::txt_lat_Change)) << text;
+    for (const char* text : {"181", "-180.5"})
+        EXPECT_FALSE(type(s.panel.txt_long, text, &PanelSettings::txt_long_Change)) << text;
+    EXPECT_EQ(s.module.site.Tz, -240);
     EXPECT_DOUBLE_EQ(s.module.site.latitude, 35.738); // the value in force stays
     EXPECT_TRUE(type(s.panel.txt_lat, "-7.25", &PanelSettings::txt_lat_Change));
     EXPECT_TRUE(type(s.panel.txt_long, "1e1", &PanelSettings::txt_long_Change));
@@ -162,6 +168,17 @@ TEST(PanelSettings, AGoneDataFolderFallsBackWithoutBeingForgotten) {
     EXPECT_EQ(s.store.values["DataPath/PathDataFile"], s.folder.path().string());
 }
 
+TEST(PanelSettings, AFolderThatCouldNotBeStoredIsStoredLater) {
+    TestStation s(at(2006, 11, 15));
+    s.start(false);
+    s.store.readOnly = true;
+    s.settings.selectDataFolder(s.folder.path());
+    EXPECT_FALSE(s.settings.writeSetup());
+    s.store.readOnly = false;
+    EXPECT_TRUE(s.settings.writeSetup());
+    EXPECT_EQ(s.store.values["DataPath/PathDataFile"], s.folder.path().string());
+}
+
 TEST(QtSettingsStore, KeepsTextsInAFileThatIsWrittenByHand) {
     TempFolder folder;
     const auto path = folder.path() / "Orvane.ini";
@@ -177,6 +194,56 @@ TEST(QtSettingsStore, KeepsTextsInAFileThatIsWrittenByHand) {
     }
     EXPECT_TRUE(store.SaveSetting("Operation", "Mode Auto", "True"));
     EXPECT_EQ(store.GetSetting("Operation", "Mode Auto", ""), "True");
+}
+
+/// Written by hand, a comma makes a list and a semicolon a comment; saving another setting must
+/// not spoil the path either.
+TEST(QtSettingsStore, AHandWrittenPathIsReadAsItStands) {
+    TempFolder folder;
+    const auto path = folder.path() / "Orvane.ini";
+    for (const std::string text : {"/data/a,b;c", "/data/a, b", "/空;の=写真", "/data/a"}) {
+        std::ofstream(path) << "[Other]\nPathDataFile=/x,y\n[DataPath]\nPathDataFile = " << text
+                            << "\n[Operation]\nTz=540 ; nine hours\n";
+        const QString file = QString::fromStdString(path.string());
+        {
+            QtSettingsStore store(file);
+            EXPECT_EQ(store.GetSetting("DataPath", "PathDataFile", ""), text);
+            EXPECT_EQ(store.GetSetting("Operation", "Tz", ""), "540");
+            EXPECT_TRUE(store.SaveSetting("Operation", "Mode Auto", text));
+        }
+        EXPECT_EQ(QtSettingsStore(file).GetSetting("DataPath", "PathDataFile", ""), text);
+        std::filesystem::remove(path);
+    }
+}
+
+TEST(QtSettingsStore, ASaveThatFailedIsForgottenWithTheNextThatDoesNot) {
+    TempFolder folder;
+    const auto blocked = folder.path() / "config";
+    std::ofstream(blocked) << "not a folder";
+    const QString file = QString::fromStdString((blocked / "Orvane.ini").string());
+    QtSettingsStore store(file);
+    EXPECT_EQ(store.unreadable(), std::nullopt) << "not there";
+    EXPECT_FALSE(store.SaveSetting("Settings", "IP", "10.0.0.7"));
+    EXPECT_FALSE(store.SaveSetting("Settings", "IP", "10.0.0.7")) << "not on the disk yet";
+    std::filesystem::remove(blocked);
+    EXPECT_TRUE(store.SaveSetting("Settings", "IP", "10.0.0.7"));
+    EXPECT_TRUE(store.SaveSetting("Settings", "IP-Port", "81"));
+    EXPECT_EQ(QtSettingsStore(file).GetSetting("Settings", "IP", "?"), "10.0.0.7");
+    std::ifstream text(blocked / "Orvane.ini");
+    EXPECT_NE(std::string(std::istreambuf_iterator<char>(text), {}).find("10.0.0.7"),
+              std::string::npos);
+}
+
+TEST(QtSettingsStore, WhatCannotBeReadIsToldAndNotReplaced) {
+    TempFolder folder;
+    const auto path = folder.path() / "Orvane.ini";
+    std::filesystem::create_directory(path);
+    QtSettingsStore store(QString::fromStdString(path.string()));
+    ASSERT_TRUE(store.unreadable());
+    EXPECT_TRUE(store.unreadable()->starts_with(path.generic_string())) << *store.unreadable();
+    EXPECT_EQ(store.GetSetting("Settings", "IP", "none"), "none");
+    EXPECT_FALSE(store.SaveSetting("Settings", "IP", "10.0.0.7"));
+    EXPECT_TRUE(std::filesystem::is_directory(path));
 }
 
 TEST(Conversions, NumbersFromText) {

@@ -3,15 +3,13 @@
 
 #include <gtest/gtest.h>
 
-#include <fstream>
-
 namespace orvane::test {
 namespace {
 
 struct Closing : testing::Test {
     TestStation s{at(2006, 11, 15, 9, 29)};
     int ended = 0;
-    Shutdown shutdown{s.settings, s.store, s.busy, s.op, [this] { ++ended; }};
+    Shutdown shutdown{{s.settings, s.store, s.busy, s.wishes, s.op, s.log, [this] { ++ended; }}};
 
     bool query(UnloadMode mode) {
         Task<bool> task = shutdown.MDIForm_QueryUnload(mode);
@@ -33,18 +31,49 @@ TEST_F(Closing, SavesThenAsks) {
     EXPECT_TRUE(query(UnloadMode::Other));
 }
 
+/// A close box that is refused is kept as a wish; what comes from elsewhere goes ahead.
 TEST_F(Closing, ABusyStationRefusesItsCloseBoxOnly) {
     s.start(true);
-    s.clock.runUntil(at(2006, 11, 15, 9, 30, 0));
-    s.http.latency = 30s;
-    s.clock.run(3s);
-    EXPECT_FALSE(query(UnloadMode::User));
+    const Busy::Hold busy(s.busy);
+    Task<bool> refused = shutdown.MDIForm_QueryUnload(UnloadMode::User);
+    refused.start();
+    s.clock.run(20s);
     EXPECT_EQ(s.op.beeps, 1);
+    EXPECT_FALSE(refused.done());
+    EXPECT_EQ(s.wishes.text.get(), "Orvane closes after the work in progress.");
+    EXPECT_FALSE(query(UnloadMode::User)) << "one wish is enough";
     EXPECT_TRUE(query(UnloadMode::Other));
     EXPECT_TRUE(s.op.asked.empty());
-    s.clock.run(60s); // the capture ends by itself, then the box asks again
+    s.wishes.drop();
+    s.clock.run(1s);
+    EXPECT_FALSE(refused.result());
+    EXPECT_TRUE(s.op.asked.empty());
+    EXPECT_EQ(s.wishes.text.get(), "");
+}
+
+TEST_F(Closing, SettingsThatCannotBeStoredAreNotLostWithoutAWord) {
+    s.start(false);
+    s.store.readOnly = true;
     EXPECT_TRUE(query(UnloadMode::User));
-    EXPECT_EQ(s.op.asked.size(), 1U);
+    ASSERT_EQ(s.op.asked.size(), 2U);
+    EXPECT_NE(s.op.asked[1].find("cannot be stored"), std::string::npos);
+    EXPECT_EQ(s.countLogged("writeSetup:Settings cannot be stored"), 1);
+    s.store.readOnly = false;
+    EXPECT_TRUE(query(UnloadMode::User));
+    EXPECT_EQ(s.op.asked.size(), 3U);
+}
+
+TEST_F(Closing, TheSystemEndsTheProgramWithoutAQuestion) {
+    s.start(true);
+    s.panel.txtIp.text = "10.0.0.7";
+    s.clock.runUntil(at(2006, 11, 15, 9, 30, 1)); // in a capture
+    shutdown.end("SIGTERM", WindowPlace{1, 0, 1024, 747});
+    shutdown.end("SIGHUP", std::nullopt);
+    EXPECT_EQ(ended, 1);
+    EXPECT_TRUE(s.op.asked.empty());
+    EXPECT_EQ(s.store.values["Settings/IP"], "10.0.0.7");
+    EXPECT_EQ(s.store.values["Settings/MainLeft"], "15");
+    EXPECT_EQ(s.logged().back(), "Orvane Ending (SIGTERM)");
 }
 
 TEST_F(Closing, OneQuestionAtATime) {
@@ -75,7 +104,9 @@ TEST_F(Closing, StoresThePlaceInTwipsUnlessMinimised) {
     s.start(false);
     shutdown.MDIForm_Unload(std::nullopt);
     EXPECT_FALSE(s.store.values.contains("Settings/MainLeft"));
-    shutdown.MDIForm_Unload(WindowPlace{-4, 10, 1024, 747});
+    EXPECT_EQ(s.logged().back(), "Orvane Ending");
+    Shutdown other{{s.settings, s.store, s.busy, s.wishes, s.op, s.log, [this] { ++ended; }}};
+    other.MDIForm_Unload(WindowPlace{-4, 10, 1024, 747});
     EXPECT_EQ(s.store.values["Settings/MainLeft"], "-60");
     EXPECT_EQ(s.store.values["Settings/MainTop"], "150");
     EXPECT_EQ(s.store.values["Settings/MainWidth"], "15360");
@@ -152,45 +183,17 @@ TEST_F(Countdown, CancelStartsWithoutRecordingAndEndEnds) {
     EXPECT_EQ(trace, "closed end");
 }
 
-TEST(StartUp, ComesInOrder) {
-    TestStation s(at(2006, 11, 15, 7, 0));
-    s.module.thumbnails[0] = "old";
-    s.start(false);
-    EXPECT_EQ(s.windowsShown, 1);
-    EXPECT_EQ(s.logged(), std::vector<std::string>{"Orvane Starting"});
-    EXPECT_TRUE(s.module.thumbnails[0].empty());
-    EXPECT_FALSE(s.module.sun.SunriseText.empty());
-    EXPECT_EQ(s.module.image.JpegTyp, 98);
-    EXPECT_EQ(s.panel.Label7.caption.get(), "Ready");
-    EXPECT_FALSE(s.panel.Command2.enabled);
-}
-
-TEST(StartUp, ThumbnailsShowTodaysNewestImages) {
-    TestStation s(at(2006, 11, 15, 12, 0));
-    const auto today = s.dataFolder() / "20061115";
-    std::filesystem::create_directory(today);
-    for (int hour = 0; hour < 12; ++hour) {
-        char name[32];
-        std::snprintf(name, sizeof name, "20061115_%02d0000_00.jpg", hour);
-        EXPECT_FALSE(writeToFinalName(jpegLike(name), today / name));
-    }
-    std::ofstream(today / "20061115_113000_00.jpg") << "left empty";
-    std::ofstream(today / "99999999_notes.txt") << "x";
-    s.start(false);
-    EXPECT_EQ(s.module.thumbnails[0], today / "20061115_110000_00.jpg");
-    EXPECT_EQ(s.module.thumbnails[9], today / "20061115_020000_00.jpg");
-    EXPECT_EQ(s.views.newest, s.module.thumbnails[0]);
-}
-
-TEST(StartUp, AnUnusableStoredScheduleIsToldAndTheStationStaysReady) {
-    TestStation s(at(2006, 11, 15, 9, 29));
-    s.setSchedule("17", "9", "30");
-    s.start(true);
-    s.clock.run(48h);
-    EXPECT_EQ(s.op.told, std::vector<std::string>{"You must be Start Time < End Time."});
-    EXPECT_EQ(s.panel.Label7.caption.get(), "Ready");
-    EXPECT_TRUE(s.panel.Command1.enabled);
-    EXPECT_EQ(s.http.requests, 0);
+TEST_F(Countdown, WhatNobodyForesawAtItsEndIsHandedOn) {
+    std::string told;
+    AutoStart failing{module,
+                      store,
+                      clock,
+                      {[] {}, [] { throw std::runtime_error("no loop"); }, [] {}},
+                      [&](const std::exception_ptr& fault) { told += textOf(fault); }};
+    failing.Form_Load();
+    clock.run(1min);
+    EXPECT_EQ(told, "no loop");
+    EXPECT_EQ(clock.pending(), 0U);
 }
 
 TEST(ErrorLog, AppendsStampedLines) {

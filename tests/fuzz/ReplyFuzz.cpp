@@ -71,7 +71,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     require(!nextPicturePath(rest) && recordCount(reply) == expected.size());
 
     Store s;
-    s.panel.Dir1[0].path = s.folder.path() / "data";
+    s.panel.Dir1[0].path = s.module.defaultDataFolder = s.folder.path() / "data";
     s.module.imageProcessing = false;
     s.browser1.answer = [&](const std::string&) { return reply; };
     s.http.latency = 0ms;

@@ -8,6 +8,7 @@
 #include "platform/SettingsStore.h"
 #include "station/ImageViews.h"
 
+#include <algorithm>
 #include <exception>
 #include <functional>
 #include <map>
@@ -45,20 +46,23 @@ class FakeStore final : public SettingsStore {
     std::string GetSetting(const std::string& section, const std::string& key,
                            const std::string& fallback) const override {
         const auto found = values.find(section + "/" + key);
-        return found == values.end() ? fallback : found->second;
+        return fault || found == values.end() ? fallback : found->second;
     }
     bool SaveSetting(const std::string& section, const std::string& key,
                      const std::string& value) override {
-        if (readOnly) return false;
+        if (readOnly || fault) return false;
         values[section + "/" + key] = value;
         return true;
     }
 
+    Fault unreadable() const override { return fault; }
+
     bool readOnly = false;
+    Fault fault; ///< why nothing can be read
     std::map<std::string, std::string> values;
 };
 
-/// Answers after `latency` whatever `answer` gives.
+/// Answers after `latency` whatever `answer` gives; a cancelled one within a tenth of a second.
 class FakeHttp final : public HttpTransfer {
   public:
     explicit FakeHttp(Clock& clock) : clock_(clock) {}

@@ -99,7 +99,6 @@ class TestStation {
                   [this](const std::string& text) { panel.Label7.caption = text; }}};
     Faults faults{log, clock, op};
     PanelStatus status{module, panel, clock, faults};
-    Recording recording{module, panel, settings, status, log, op, clock};
     CameraPanel camera{module, panel, http, switches, views, busy, op, clock};
     bool unlistable = false; ///< dated folders can be written but not listed
     int listings = 0;
@@ -113,6 +112,8 @@ class TestStation {
     ImageStore imageStore{
         {module, panel, archive, http, browser1, browser2, log, faults, op, clock, busy}};
     GapFilling gaps{{module, panel, days, archive, gapBrowser, gapHttp, log, faults, clock, busy}};
+    Wishes wishes{{module, busy, http, imageStore, clock}};
+    Recording recording{module, panel, settings, status, log, op, wishes, clock};
     FolderScan folderScan{module, panel};
     FakeTracker port{clock};
     FakeHttp wbSystemTm{clock};
@@ -142,6 +143,7 @@ class TestStation {
                     disk,
                     archive,
                     gaps,
+                    wishes,
                     log,
                     faults,
                     clock,

@@ -47,11 +47,12 @@ struct Window : TestStation {
     explicit Window(Operator& asked)
         : TestStation(at(2006, 11, 15, 8, 0)),
           pictures(clock, faults, asked, module, days, control),
-          shutdown(settings, store, busy, asked, [this] { ++ended; }),
+          shutdown({settings, store, busy, wishes, asked, log, [this] { ++ended; }}),
           main({{panel, recording, settings, camera, imageStore, folderScan, tasks},
                 module,
                 busy,
                 shutdown,
+                wishes,
                 pictures,
                 days,
                 {portSelection, timeForm, timeSetting, optionForm, options},

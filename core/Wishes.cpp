@@ -1,0 +1,49 @@
+#include "core/Wishes.h"
+
+namespace orvane {
+
+namespace {
+constexpr Ticks kLook = 50ms; // shorter than the main loop's rest between two attempts
+}
+
+Task<bool> Wishes::toStop() {
+    return wait(stop_, [this] { return !parts_.module.capturing; });
+}
+
+Task<bool> Wishes::toClose() {
+    return wait(close_, [this] { return !parts_.busy.active(); });
+}
+
+Task<bool> Wishes::wait(bool& wish, std::function<bool()> possible) {
+    if (wish) co_return false;
+    const Scope standing([this, &wish](bool on) {
+        wish = on;
+        text = describe();
+    });
+    cutShort();
+    while (wish && !possible())
+        co_await parts_.clock.sleep(kLook);
+    co_return wish;
+}
+
+/// The waits end at their next look.
+void Wishes::drop() {
+    stop_ = close_ = false;
+    text = describe();
+}
+
+/// A capture looks for wishes itself while it waits for its fetch; the fetch must be told. What a
+/// run has in transfer then is not the capture's.
+void Wishes::cutShort() {
+    if (parts_.module.capturing && !parts_.store.transferring()) parts_.http.cancel();
+    if (close_) parts_.store.Command6_Click();
+}
+
+std::string Wishes::describe() const {
+    if (!standing()) return {};
+    if (!close_) return "Recording stops after this picture.";
+    return parts_.module.capturing ? "Orvane closes after this picture."
+                                   : "Orvane closes after the work in progress.";
+}
+
+} // namespace orvane
