@@ -63,6 +63,26 @@ Task<> outer(Clock& clock, bool& gone) {
     co_await inner;
 }
 
+Task<int> startedEarlier(Clock& clock, Ticks wait) {
+    Task<int> waited = later(clock, 10ms, 7);
+    waited.start();
+    co_await clock.sleep(wait);
+    const int value = co_await waited;
+    co_return value;
+}
+
+/// While it still waits, and when it is done already.
+TEST(Task, AStartedOneCanBeAwaited) {
+    for (const Ticks wait : {Ticks(1ms), Ticks(1s)}) {
+        JumpingClock clock(kStart);
+        Task<int> task = startedEarlier(clock, wait);
+        task.start();
+        clock.run(2s);
+        ASSERT_TRUE(task.done());
+        EXPECT_EQ(task.result(), 7);
+    }
+}
+
 TEST(Task, ManyTasksThatEndAtOnceDoNotGrowTheStack) {
     JumpingClock clock(kStart);
     Task<int> task = sumOf(clock, 300'000);

@@ -83,6 +83,7 @@ class FakeHttp final : public HttpTransfer {
     void cancel() override {
         if (running_ == nullptr) return;
         running_->cancelled = true;
+        ++cancelled;
         running_->ended.fire();
         running_ = nullptr;
     }
@@ -99,6 +100,7 @@ class FakeHttp final : public HttpTransfer {
     std::chrono::milliseconds latency{50};
     std::vector<std::string> urls;
     std::int64_t requests = 0;
+    int cancelled = 0; ///< of them
 
   private:
     struct Transfer {
