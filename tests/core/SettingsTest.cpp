@@ -240,7 +240,8 @@ TEST(QtSettingsStore, WhatCannotBeReadIsToldAndNotReplaced) {
     std::filesystem::create_directory(path);
     QtSettingsStore store(QString::fromStdString(path.string()));
     ASSERT_TRUE(store.unreadable());
-    EXPECT_TRUE(store.unreadable()->starts_with(path.generic_string())) << *store.unreadable();
+    EXPECT_NE(store.unreadable()->find(path.filename().string() + ": "), std::string::npos)
+        << *store.unreadable();
     EXPECT_EQ(store.GetSetting("Settings", "IP", "none"), "none");
     EXPECT_FALSE(store.SaveSetting("Settings", "IP", "10.0.0.7"));
     EXPECT_TRUE(std::filesystem::is_directory(path));
