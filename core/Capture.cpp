@@ -9,16 +9,6 @@ namespace orvane {
 
 namespace {
 
-constexpr Ticks kLook = 200ms;
-
-/// The capture's two waits before its fetch, until a wish of the operator ends them.
-Task<> waitForFetch(Station& station) {
-    const int delay = std::max<int>(station.module.image.Delay, 0);
-    const Ticks end = station.clock.ticks() + 1000ms + std::chrono::seconds(delay);
-    while (station.clock.ticks() < end && !station.wishes.standing())
-        co_await station.clock.sleepUntil(std::min(end, station.clock.ticks() + kLook));
-}
-
 /// The working picture is removed first, so that no old tail gets behind a shorter new one.
 Task<HttpReply> fetch(Station& station) {
     HttpReply reply;
@@ -60,7 +50,8 @@ Task<Captured> captureImage(Station& station, RepeatedLine& reasons) {
     const Busy::Hold busy(station.busy);
     station.panel.Label7.caption = "Recording Now...";
     station.panel.Command2.enabled = false;
-    Task<> waiting = waitForFetch(station);
+    const std::chrono::seconds delay(std::max<int>(station.module.image.Delay, 0));
+    Task<> waiting = station.wishes.sleepUntil(station.clock.ticks() + 1000ms + delay);
     co_await waiting;
 
     Captured captured;

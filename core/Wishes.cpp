@@ -26,15 +26,29 @@ Task<bool> Wishes::wait(bool& wish, std::function<bool()> possible) {
     co_return wish;
 }
 
+Task<> Wishes::sleepUntil(Ticks end) {
+    if (standing()) co_return;
+    Signal woken(parts_.clock);
+    const Scope sleeping([&](bool on) { sleeper_ = on ? &woken : nullptr; });
+    Task<> waking = wakeAt(woken, end);
+    waking.start();
+    co_await woken;
+}
+
+Task<> Wishes::wakeAt(Signal& sleeper, Ticks end) {
+    co_await parts_.clock.sleepUntil(end);
+    sleeper.fire();
+}
+
 /// The waits end at their next look.
 void Wishes::drop() {
     stop_ = close_ = false;
     text = describe();
 }
 
-/// A capture looks for wishes itself while it waits for its fetch; the fetch must be told. What a
-/// run has in transfer then is not the capture's.
+/// What a run has in transfer while a capture waits for it is not the capture's.
 void Wishes::cutShort() {
+    if (sleeper_ != nullptr) sleeper_->fire();
     if (parts_.module.capturing && !parts_.store.transferring()) parts_.http.cancel();
     if (close_) parts_.store.Command6_Click();
 }

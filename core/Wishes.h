@@ -25,6 +25,8 @@ class Wishes {
     Task<bool> toStop();
     /// Waits until nothing is busy. False as above.
     Task<bool> toClose();
+    /// Sleeps until `end` (as `Clock::ticks`) or until a wish is made. For one sleeper at a time.
+    Task<> sleepUntil(Ticks end);
     /// Drops every wish.
     void drop();
     bool standing() const { return stop_ || close_; }
@@ -34,9 +36,11 @@ class Wishes {
   private:
     Task<bool> wait(bool& wish, std::function<bool()> possible);
     void cutShort();
+    Task<> wakeAt(Signal& sleeper, Ticks end);
     std::string describe() const;
 
     Parts parts_;
+    Signal* sleeper_ = nullptr; ///< in the frame of the running sleepUntil()
     bool stop_ = false;
     bool close_ = false;
 };
