@@ -50,6 +50,7 @@ void DayReport::start(DaySpan span, const std::filesystem::path& target) {
     table_ = kHeader;
     unread_ = 0;
     written_ = false;
+    log("to " + utf8FromPath(target_));
     begin(span);
 }
 
@@ -104,7 +105,7 @@ Fault DayReport::finish() {
 
 std::string DayReport::outcome() const {
     if (!written_) return "No report was written.";
-    std::string told = "Written to " + utf8FromPath(target_) + ".";
+    std::string told = utf8FromPath(target_.filename()) + " is written.";
     if (unread_ == 1) told += " The folder of 1 day cannot be read.";
     if (unread_ > 1) told += " The folders of " + std::to_string(unread_) + " days cannot be read.";
     return told;
