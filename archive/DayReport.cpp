@@ -2,6 +2,7 @@
 
 #include "platform/Files.h"
 #include "platform/Paths.h"
+#include "station/PanelSchedule.h"
 
 #include <algorithm>
 
@@ -45,7 +46,7 @@ std::string csvField(const std::string& text) {
 void DayReport::start(DaySpan span, const std::filesystem::path& target) {
     if (running) return;
     target_ = target;
-    schedule_ = module_.schedule;
+    schedule_ = scheduleOf(parts().panel);
     delay_ = wholeMinutes(std::chrono::seconds(std::max<int>(module_.image.Delay, 0)));
     table_ = kHeader;
     unread_ = 0;

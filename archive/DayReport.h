@@ -7,8 +7,9 @@
 namespace orvane {
 
 /// Writes how complete some days are as a table: CSV as RFC 4180 has it, in UTF-8, with a header
-/// and a line for each day. The days are judged by the schedule as it is when the work begins and
-/// by the files in the dated folders. The file is written whole, at the end, or not at all.
+/// and a line for each day. The days are judged by the schedule that stands on the panel when the
+/// work begins and by the files in the dated folders. The file is written whole, at the end, or not
+/// at all.
 ///
 ///     date,due,taken,fetched,missed,first,last,note
 ///     2006/11/15,144,140,3,1,06:00:00,17:55:00,

@@ -18,7 +18,9 @@ std::chrono::local_days dayOfNovember(unsigned number) {
 struct Days {
     Days() {
         s.panel.Dir1[0].path = s.dataFolder();
-        s.module.schedule = {9h, 11h, 30min};
+        const char* fields[] = {"9", "0", "11", "0", "", "30", "0"};
+        for (std::size_t i = 0; i < std::size(fields); ++i)
+            s.panel.Text1[i].text = std::string(fields[i]);
         s.module.image.Delay = 0;
     }
     void write(const std::string& day, const std::string& name, const std::string& bytes) const {
@@ -125,7 +127,7 @@ TEST(DayReport, OneScheduleForAllDays) {
     Days d;
     d.start(1, 10);
     d.s.clock.run(20ms);
-    d.s.module.schedule.IntervalTime = 1min;
+    d.s.panel.Text1[5].text = std::string("1");
     const std::string table = d.reportOf(1, 1); // one at a time
     EXPECT_EQ(std::ranges::count(table, '\n'), 11);
     EXPECT_NE(table.find("2006/11/10,4,0,0,4,,,\r\n"), std::string::npos) << table;

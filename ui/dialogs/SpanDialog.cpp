@@ -149,9 +149,10 @@ SpanDialog* copiesDialog(CopiesAnew& copies, const Module1& module, const Clock&
 
 SpanDialog* reportDialog(DayReport& report, const Clock& clock, QWidget* parent) {
     const auto purpose = [] {
-        return QString("Saves how complete each of these days is as a table (CSV): minutes that "
-                       "were due by the present schedule, taken, fetched later and missed, first "
-                       "and last picture.");
+        return QString(
+            "Saves how complete each of these days is as a table (CSV): minutes that "
+            "were due by the schedule on the panel, taken, fetched later and missed, first "
+            "and last picture.");
     };
     const auto start = [&report](DaySpan span, SpanDialog& form) {
         const QString days =
