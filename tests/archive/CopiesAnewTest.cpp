@@ -189,6 +189,28 @@ TEST(CopiesAnew, AllElseGoesFirst) {
     EXPECT_FALSE(t.s.busy.active());
 }
 
+/// Copies while a picture is taken every minute: neither misses any.
+TEST(CopiesAnew, RecordingGoesOnBesideThem) {
+    Days t;
+    for (int minute = 0; minute < 20; ++minute)
+        for (int second = 1; second < 60; second += 2) {
+            const std::string name =
+                "20061114_10" + twoDigits(minute) + twoDigits(second) + "_00.jpg";
+            t.write("20061114", name, jpegLike(name));
+        }
+    t.s.setSchedule("9", "17", "1");
+    t.s.store.values["Settings/Delay"] = "30";
+    t.s.start(true);
+    t.s.clock.runUntil(at(2006, 11, 20, 12, 0, 59));
+    t.start(days(14, 14));
+    t.s.clock.runUntil(at(2006, 11, 20, 12, 1, 20));
+    EXPECT_TRUE(t.s.module.capturing);
+    EXPECT_TRUE(t.copies.running);
+    t.s.clock.runUntil(at(2006, 11, 20, 12, 5, 59));
+    EXPECT_EQ(t.text(), "602 copies made.");
+    EXPECT_EQ(t.s.imagesOf("20061120").size(), 6U);
+}
+
 TEST(CopiesAnew, TheOptionsAreToldInWords) {
     const std::pair<ImageOptions, std::string> cases[] = {
         {{}, "not mirrored, without date stamp, EXIF, high quality"},
