@@ -1,3 +1,5 @@
+#include "archive/CopiesAnew.h"
+#include "archive/DayReport.h"
 #include "archive/FolderScan.h"
 #include "core/AutoStart.h"
 #include "core/DailyClocks.h"
@@ -95,6 +97,8 @@ class Program {
             views_,
             days_,
             {portSelection_, timeForm_, timeSetting_, optionForm_, options_},
+            copies_,
+            report_,
             clock_,
             faults_,
             op_,
@@ -140,6 +144,7 @@ class Program {
         makeSerialPort([this](int port) { return devicePath(port); });
     LibjpegImageControl imageControl_{clock_};
     LibjpegImageControl viewsControl_{clock_}; ///< holds what the windows decode, over waits
+    LibjpegImageControl copiesControl_{clock_};
     std::unique_ptr<SystemInfo> systemInfo_ = makeSystemInfo();
     QtOperator op_{clock_};
 
@@ -168,6 +173,8 @@ class Program {
     Wishes wishes_{{module_, busy_, inetFileGet_, imageStore_, clock_}};
     Recording recording_{module_, panel_, settings_, status_, log_, op_, wishes_, clock_};
     FolderScan folderScan_{module_, panel_};
+    CopiesAnew copies_{{panel_, busy_, log_, faults_, clock_}, copiesControl_};
+    DayReport report_{{panel_, busy_, log_, faults_, clock_}, module_};
     FrameLink link_{*MSComm1_, store_, log_, clock_, module_};
     TrackerCommands commands_{link_};
     PortSelection portSelection_{store_, link_, log_, op_};

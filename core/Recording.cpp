@@ -1,8 +1,8 @@
 #include "core/Recording.h"
 
 #include "platform/Conversions.h"
+#include "station/PanelSchedule.h"
 
-#include <algorithm>
 #include <array>
 
 namespace orvane {
@@ -32,13 +32,6 @@ constexpr int kNoInterval = 7;
 bool inRange(const TextBox& field, std::size_t index) {
     const double value = leadingNumber(field.text.get());
     return value >= 0 && value <= OperationPanel::kFieldLimits[index];
-}
-
-/// The field's value in whole units. An interval's seconds come here unchecked, so what no clock
-/// shows is brought to the nearest value that one does.
-template <class Unit>
-Unit whole(const TextBox& field) {
-    return Unit(static_cast<int>(std::clamp(leadingNumber(field.text.get()), 0.0, 59.0)));
 }
 
 } // namespace
@@ -128,9 +121,7 @@ std::optional<int> Recording::validate() {
 
     using namespace std::chrono;
     Schedule& schedule = module_.schedule;
-    schedule.StartTime = whole<hours>(panel_.Text1[0]) + whole<minutes>(panel_.Text1[1]);
-    schedule.EndTime = whole<hours>(panel_.Text1[2]) + whole<minutes>(panel_.Text1[3]);
-    schedule.IntervalTime = whole<minutes>(panel_.Text1[5]) + whole<seconds>(panel_.Text1[6]);
+    schedule = scheduleOf(panel_);
     schedule.NextRecTime =
         createNextRecTime(schedule.StartTime, schedule.EndTime, schedule.IntervalTime,
                           floor<seconds>(timeOfDay(clock_.now())));

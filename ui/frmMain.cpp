@@ -7,6 +7,7 @@
 #include "ui/dialogs/FrmComPort.h"
 #include "ui/dialogs/FrmSave.h"
 #include "ui/dialogs/FrmTKRTimeAuto.h"
+#include "ui/dialogs/SpanDialog.h"
 #include "ui/dialogs/frmAbout.h"
 #include "ui/dialogs/frmOption.h"
 #include "ui/panel/PanelScroll.h"
@@ -73,6 +74,9 @@ void frmMain::addFileMenu() {
     addEntry(file, {"mnuFileSaveOptions", "&Save Options...", "Sets how pictures are saved."},
              {Qt::CTRL | Qt::Key_T}, this,
              [this] { openOnce(new FrmSave(parts_.module.image, this)); });
+    addEntry(file, {"mnuFileReport", "Save &Report...", "Saves how complete some days are."},
+             {Qt::CTRL | Qt::Key_E}, reportDialog(parts_.report, parts_.clock, this),
+             &SpanDialog::bring);
     file.addSeparator();
     addEntry(file, {"mnuFileExit", "E&xit", "Saves the settings and ends."}, {Qt::CTRL | Qt::Key_Q},
              this, &frmMain::mnuFileExit_Click);
@@ -91,6 +95,12 @@ void frmMain::addToolsMenu() {
                              {"mnuTKROption", "Tracker &Options...",
                               "Reads and writes the tracker's site, origin and serial number."},
                              {Qt::CTRL | Qt::Key_R}, this, &frmMain::mnuTKROption_Click);
+    tools.addSeparator();
+    addEntry(tools,
+             {"mnuCopiesAnew", "&Processed Copies Anew...",
+              "Makes the processed copies of some days anew."},
+             {Qt::CTRL | Qt::Key_P}, copiesDialog(parts_.copies, parts_.module, parts_.clock, this),
+             &SpanDialog::bring);
 }
 
 void frmMain::addRecordingMenu() {

@@ -9,6 +9,8 @@
 
 namespace orvane {
 
+class CopiesAnew;
+class DayReport;
 class FrmComPort;
 class FrmTKRTimeAuto;
 class PortSelection;
@@ -43,6 +45,8 @@ class frmMain : public QMainWindow {
         QtImageViews& views;
         DayWatch& days;
         Tracker tracker;
+        CopiesAnew& copies;
+        DayReport& report;
         Clock& clock;
         Faults& faults;
         Operator& op;

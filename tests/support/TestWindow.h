@@ -1,5 +1,7 @@
 #pragma once
 
+#include "archive/CopiesAnew.h"
+#include "archive/DayReport.h"
 #include "tests/support/FakeSystemInfo.h"
 #include "tests/support/TestStation.h"
 #include "ui/frmMain.h"
@@ -56,6 +58,8 @@ struct Window : TestStation {
                 pictures,
                 days,
                 {portSelection, timeForm, timeSetting, optionForm, options},
+                copies,
+                report,
                 clock,
                 faults,
                 asked,
@@ -71,6 +75,8 @@ struct Window : TestStation {
     QtImageViews pictures;
     FakeSystemInfo systemInfo;
     Shutdown shutdown;
+    CopiesAnew copies{{panel, busy, log, faults, clock}, imageControl};
+    DayReport report{{panel, busy, log, faults, clock}, module};
     frmMain main;
 };
 

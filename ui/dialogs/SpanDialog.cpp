@@ -1,0 +1,174 @@
+#include "ui/dialogs/SpanDialog.h"
+
+#include "archive/CopiesAnew.h"
+#include "archive/DayReport.h"
+#include "ui/Layout.h"
+#include "ui/Text.h"
+#include "ui/panel/PanelControls.h"
+
+#include <QDateEdit>
+#include <QFileDialog>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QShowEvent>
+#include <QStandardPaths>
+
+#include <algorithm>
+
+namespace orvane {
+namespace {
+
+constexpr int kTextWidth = 430;
+constexpr int kTextLines = 3;
+
+QLabel* text(const char* name) {
+    auto* label = control<QLabel>(name, {});
+    label->setTextFormat(Qt::PlainText);
+    label->setWordWrap(true);
+    label->setFixedWidth(kTextWidth);
+    label->setMinimumHeight(kTextLines * label->fontMetrics().lineSpacing());
+    label->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+    return label;
+}
+
+QDateEdit* dateField(const char* name, const QString& tip) {
+    auto* field = new QDateEdit;
+    field->setObjectName(name);
+    field->setToolTip(tip);
+    field->setDisplayFormat("yyyy/MM/dd");
+    field->setCalendarPopup(true);
+    return field;
+}
+
+QDate dateOf(WallTime time) {
+    const std::chrono::year_month_day day = dayOf(time);
+    return {static_cast<int>(day.year()), static_cast<int>(static_cast<unsigned>(day.month())),
+            static_cast<int>(static_cast<unsigned>(day.day()))};
+}
+
+std::chrono::local_days dayOf(QDate date) {
+    return std::chrono::local_days(std::chrono::days(QDate(1970, 1, 1).daysTo(date)));
+}
+
+} // namespace
+
+SpanDialog::SpanDialog(Job job, QWidget* parent)
+    : QDialog(parent), job_(std::move(job)), purpose_(text("lblPurpose")),
+      from_(dateField("dtpFrom", "The first day.")), to_(dateField("dtpTo", "The last day.")),
+      bar_(new QProgressBar), text_(text("lblOutcome")),
+      start_(control<QPushButton>("cmdStart", "&Start", "Begins the work for these days.")),
+      cancel_(
+          control<QPushButton>("cmdCancel", "Ca&ncel", "Ends the work; what has been done stays.")),
+      close_(control<QPushButton>("cmdClose", "&Close",
+                                  "Closes this window; work that has begun goes on.")) {
+    bar_->setObjectName("prgDays");
+    bar_->setToolTip("How far the work is.");
+    bar_->setRange(0, SpanWork::kWhole);
+    setUp(*this, job_.name, job_.title, {purpose_, span(), bar_, text_, buttons()});
+    bindings_.follow(job_.work.progress, [this](int done) { bar_->setValue(done); });
+    bindings_.follow(job_.work.text,
+                     [this](const std::string& told) { text_->setText(toQString(told)); });
+    bindings_.follow(job_.work.running, [this](bool running) { followRunning(running); });
+}
+
+QLayout* SpanDialog::span() {
+    return row({captionOf(from_, "&From"), from_, captionOf(to_, "&to"), to_, Item()}, 8);
+}
+
+QLayout* SpanDialog::buttons() {
+    start_->setDefault(true);
+    for (QPushButton* other : {cancel_, close_})
+        other->setAutoDefault(false);
+    connect(start_, &QPushButton::clicked, this, [this] { start(); });
+    connect(cancel_, &QPushButton::clicked, this, [this] { job_.work.cancel(); });
+    connect(close_, &QPushButton::clicked, this, &QDialog::reject);
+    return row({start_, cancel_, Item(), close_});
+}
+
+void SpanDialog::bring() {
+    show();
+    raise();
+    activateWindow();
+}
+
+void SpanDialog::showEvent(QShowEvent* event) {
+    QDialog::showEvent(event);
+    if (event->spontaneous()) return;
+    if (!used_) {
+        const QDate today = dateOf(job_.clock.now());
+        from_->setDate(today);
+        to_->setDate(today);
+    }
+    from_->setFocus();
+}
+
+/// What the work would do may have changed in another window.
+bool SpanDialog::event(QEvent* event) {
+    if (event->type() == QEvent::Show || event->type() == QEvent::WindowActivate)
+        purpose_->setText(job_.purpose());
+    return QDialog::event(event);
+}
+
+/// In whatever order the two days were given.
+DaySpan SpanDialog::chosen() const {
+    const auto [first, last] = std::minmax({dayOf(from_->date()), dayOf(to_->date())});
+    return {first, last};
+}
+
+void SpanDialog::start() {
+    used_ = true;
+    for (QDateEdit* field : {from_, to_})
+        field->interpretText(); // a key may start it while a day is being typed
+    job_.start(chosen(), *this);
+}
+
+void SpanDialog::followRunning(bool running) {
+    // a control that is disabled hands its focus on, to whichever comes next
+    if (running) {
+        cancel_->setEnabled(true);
+        cancel_->setFocus();
+    }
+    for (QWidget* control : std::initializer_list<QWidget*>{from_, to_, start_})
+        control->setEnabled(!running);
+    if (!running && cancel_->hasFocus()) close_->setFocus();
+    cancel_->setEnabled(running);
+}
+
+SpanDialog* copiesDialog(CopiesAnew& copies, const Module1& module, const Clock& clock,
+                         QWidget* parent) {
+    const auto purpose = [&module] {
+        return "Makes the processed copies of all pictures of these days anew, with the save "
+               "options as they are now: " +
+               toQString(describe(module.image)) +
+               ". The pictures themselves stay as they are, and captures go first.";
+    };
+    const auto start = [&](DaySpan span, SpanDialog&) { copies.start(span, module.image); };
+    return new SpanDialog({"frmCopiesAnew", "Processed Copies Anew", copies, purpose, start, clock},
+                          parent);
+}
+
+SpanDialog* reportDialog(DayReport& report, const Clock& clock, QWidget* parent) {
+    const auto purpose = [] {
+        return QString(
+            "Saves how complete each of these days is as a table (CSV): minutes that "
+            "were due by the schedule on the panel, taken, fetched later and missed, first "
+            "and last picture.");
+    };
+    const auto start = [&report](DaySpan span, SpanDialog& form) {
+        const QString days =
+            toQString(dateDigits(WallTime(span.first)) + "-" + dateDigits(WallTime(span.last)));
+        auto* dialog = new QFileDialog(
+            &form, "Save Report",
+            QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation), "Tables (*.csv)");
+        dialog->setAcceptMode(QFileDialog::AcceptSave); // asks before it replaces a file
+        dialog->setDefaultSuffix("csv");
+        dialog->selectFile("orvane-" + days + ".csv");
+        QObject::connect(
+            dialog, &QFileDialog::fileSelected, &form,
+            [&report, span](const QString& file) { report.start(span, toPath(file)); });
+        openOnce(dialog);
+    };
+    return new SpanDialog({"frmDayReport", "Save Report", report, purpose, start, clock}, parent);
+}
+
+} // namespace orvane

@@ -1,0 +1,71 @@
+#pragma once
+
+#include "archive/SpanWork.h"
+#include "ui/panel/Bindings.h"
+
+#include <QDialog>
+
+#include <functional>
+
+class QDateEdit;
+class QLabel;
+class QProgressBar;
+class QPushButton;
+
+namespace orvane {
+
+class CopiesAnew;
+class DayReport;
+struct Module1;
+
+/// Starts work over a span of days, shows how far it is and how it ended, and cancels it. It does
+/// not hold up the rest of the program, and the work goes on when it is closed. The days stand as
+/// they were used last while the program runs, before that both are today.
+class SpanDialog : public QDialog {
+  public:
+    /// What is done. All but the texts outlive the dialog.
+    struct Job {
+        const char* name; ///< the dialog's
+        QString title;
+        SpanWork& work;
+        std::function<QString()> purpose; ///< what a start would do now, in sentences
+        std::function<void(DaySpan, SpanDialog&)> start;
+        const Clock& clock;
+    };
+
+    SpanDialog(Job job, QWidget* parent);
+
+    /// Brings the dialog before the operator.
+    void bring();
+
+  protected:
+    void showEvent(QShowEvent* event) override;
+    bool event(QEvent* event) override;
+
+  private:
+    QLayout* span();
+    QLayout* buttons();
+    DaySpan chosen() const;
+    void start();
+    void followRunning(bool running);
+
+    Job job_;
+    QLabel* purpose_;
+    QDateEdit* from_;
+    QDateEdit* to_;
+    QProgressBar* bar_;
+    QLabel* text_;
+    QPushButton* start_;
+    QPushButton* cancel_;
+    QPushButton* close_;
+    bool used_ = false; ///< the days are the operator's
+    Bindings bindings_;
+};
+
+/// "Processed Copies Anew".
+SpanDialog* copiesDialog(CopiesAnew& copies, const Module1& module, const Clock& clock,
+                         QWidget* parent);
+/// "Save Report", which asks for the file.
+SpanDialog* reportDialog(DayReport& report, const Clock& clock, QWidget* parent);
+
+} // namespace orvane
