@@ -134,6 +134,7 @@ void DayWatch::refresh() {
 const DayPlan& DayWatch::plan() {
     if (planned_ == revision_) return plan_;
     planned_ = revision_;
+    ++plans_;
     const DayPictures& pictures = today_.folder.origins();
     plan_ = seen_.recording ? planDay(seen_.schedule, today_.isDue, pictures, minuteOfDay(),
                                       seen_.delay, today_.ledger.watch())
@@ -165,8 +166,11 @@ std::string DayWatch::fileOf(const Day& day, const DayPlan& plan, int minute) co
 }
 
 std::vector<LedgerLine> DayWatch::newLines() {
-    // somebody else may have put there what seems to be missed
-    if (std::ranges::any_of(newLines(today_, plan()), isMissed)) refresh();
+    plan();
+    if (std::exchange(told_, plans_) == plans_) return {};
+    std::vector<LedgerLine> lines = newLines(today_, plan());
+    if (std::ranges::none_of(lines, isMissed)) return lines;
+    refresh(); // somebody else may have put there what seems to be missed
     return newLines(today_, plan());
 }
 

@@ -35,7 +35,8 @@ class DayWatch {
     /// The name of the file that a minute of today is judged by, or why it was missed; else empty.
     std::string detailOf(int minute);
 
-    /// What today is judged otherwise than its ledger tells, without offsets and reasons.
+    /// What today is judged otherwise than its ledger tells, without offsets and reasons; each
+    /// judgement is told once.
     std::vector<LedgerLine> newLines();
     /// The same of yesterday, as it ended.
     std::vector<LedgerLine> yesterdaysNewLines();
@@ -101,6 +102,8 @@ class DayWatch {
     Ticks lastTicks_{0};
     std::int64_t revision_ = 0;
     std::int64_t planned_ = -1; ///< the revision that `plan_` belongs to
+    std::int64_t plans_ = 0;    ///< how many were made
+    std::int64_t told_ = 0;     ///< the one that `newLines` told of
     DayPlan plan_;
 };
 

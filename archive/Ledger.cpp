@@ -4,8 +4,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
-#include <fstream>
 
 namespace orvane {
 
@@ -82,22 +80,6 @@ std::size_t at(int minute) {
 Watch watchFrom(LedgerEntry entry) {
     if (entry == LedgerEntry::RecordingOn) return Watch::Recording;
     return entry == LedgerEntry::ProgramEnded ? Watch::NotRunning : Watch::Off;
-}
-
-bool endsWithLine(const std::filesystem::path& file) {
-    std::ifstream stream(file, std::ios::binary);
-    stream.seekg(-1, std::ios::end);
-    return stream.get() == '\n';
-}
-
-/// Takes away what follows the last line's end, so that nothing is appended to half a line.
-Fault mend(const std::filesystem::path& file) {
-    std::string text;
-    if (endsWithLine(file)) return std::nullopt;
-    if (Fault fault = readWholeFile(file, text)) return fault;
-    std::error_code error;
-    std::filesystem::resize_file(file, text.rfind('\n') + 1, error); // none: all of it
-    return error ? Fault(error.message()) : std::nullopt;
 }
 
 } // namespace
@@ -221,23 +203,23 @@ LedgerDay readLedger(const std::filesystem::path& file) {
     return day;
 }
 
-Fault appendToLedger(const std::filesystem::path& file, std::string_view lines) {
-    const std::filesystem::path folder = file.parent_path();
+Fault mendLedger(const std::filesystem::path& file) {
     std::error_code error;
-    if (!std::filesystem::is_directory(folder, error)) {
-        std::filesystem::create_directory(folder, error);
-        if (error) return error.message();
-    }
+    if (!std::filesystem::is_regular_file(file, error)) return std::nullopt;
+    std::string text;
+    if (Fault fault = readWholeFile(file, text)) return fault;
+    const std::size_t end = text.rfind('\n') + 1; // 0: there is none
+    if (end != text.size()) std::filesystem::resize_file(file, end, error);
+    return error ? Fault(error.message()) : std::nullopt;
+}
+
+Fault appendToLedger(const std::filesystem::path& file, std::string_view lines) {
+    std::error_code error;
     const auto size = std::filesystem::file_size(file, error);
-    if (!error && size > 0)
-        if (Fault fault = mend(file)) return fault;
-    errno = 0;
-    std::ofstream stream(file, std::ios::binary | std::ios::app);
-    if (stream.tellp() == 0) stream << kHeader;
-    stream << lines;
-    stream.close();
-    if (stream.good()) return std::nullopt;
-    return errno == 0 ? "Input/output error" : std::generic_category().message(errno);
+    if (!error && size > 0) return appendToFile(lines, file);
+    std::filesystem::create_directory(file.parent_path(), error);
+    if (error) return error.message();
+    return appendToFile(std::string(kHeader).append(lines), file);
 }
 
 } // namespace orvane

@@ -75,8 +75,10 @@ std::filesystem::path ledgerOf(const std::filesystem::path& dataFolder,
 /// Nothing that stands in the file is a fault, and no file is an empty day. Lines that are no such
 /// lines are passed over, and what follows the last line's end: it was cut by a loss of power.
 LedgerDay readLedger(const std::filesystem::path& file);
+/// Takes away what follows the last line's end, so that nothing is appended to half a line.
+Fault mendLedger(const std::filesystem::path& file);
 /// Appends `lines`, each with its end; the file is open within this call only. Makes the folder of
-/// the file, but not the one above it. Answers why nothing, or not all of it, was written.
+/// the file, but not the one above it. After a failure the file may need to be mended.
 Fault appendToLedger(const std::filesystem::path& file, std::string_view lines);
 
 } // namespace orvane

@@ -1,6 +1,6 @@
 #include "archive/LedgerKeeper.h"
 
-#include <limits>
+#include <utility>
 
 namespace orvane {
 
@@ -56,6 +56,7 @@ void LedgerKeeper::turnTo(const std::filesystem::path& file) {
     });
     day_ = today;
     file_ = file;
+    mended_ = false;
 }
 
 /// What is in force: `all` of it, or only what has changed. A schedule is in force while recording
@@ -109,16 +110,20 @@ std::chrono::minutes LedgerKeeper::offsetOf(std::int64_t minute) const {
 /// Once each time that there is something new: a disk that is full is not asked on and on.
 void LedgerKeeper::write() {
     if (unwritten_.empty()) return;
-    std::error_code error;
-    if (!std::filesystem::is_directory(file_.parent_path().parent_path(), error)) return;
-    const Fault fault = appendToLedger(file_, unwritten_);
+    Fault fault = mended_ ? std::nullopt : mendLedger(file_);
+    if (!fault) fault = appendToLedger(file_, unwritten_);
+    mended_ = !fault;
     if (!fault) {
         unwritten_.clear();
-    } else if (unwritten_.size() > kMostUnwritten) {
-        unwritten_.erase(0, unwritten_.find('\n', unwritten_.size() - kMostUnwritten) + 1);
+        told_ = false;
+        return;
     }
-    if (fault && !failed_) parts_.log.write("The day's ledger cannot be written: " + *fault);
-    failed_ = fault.has_value();
+    if (unwritten_.size() > kMostUnwritten)
+        unwritten_.erase(0, unwritten_.find('\n', unwritten_.size() - kMostUnwritten) + 1);
+    std::error_code error;
+    const bool hasData = std::filesystem::is_directory(file_.parent_path().parent_path(), error);
+    if (hasData && !std::exchange(told_, true))
+        parts_.log.write("The day's ledger cannot be written: " + *fault);
 }
 
 } // namespace orvane

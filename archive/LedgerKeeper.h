@@ -53,7 +53,8 @@ class LedgerKeeper {
     std::string schedule_;
     std::map<std::int64_t, std::string> failures_; ///< by due minute
     std::string unwritten_;                        ///< lines for `file_`
-    bool failed_ = false;                          ///< the last attempt to write
+    bool mended_ = false;                          ///< `file_` ends with a whole line
+    bool told_ = false;                            ///< that it cannot be written
     std::chrono::minutes offset_{};
     std::chrono::minutes offsetBefore_{}; ///< before `offsetSince_`, a minute
     std::int64_t offsetSince_ = 0;

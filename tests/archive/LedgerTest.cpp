@@ -127,6 +127,7 @@ TEST(Ledger, ACutLineIsPassedOver) {
                                                 ? ".."
                                                 : "oo")
             << size;
+        ASSERT_FALSE(mendLedger(file));
         ASSERT_FALSE(appendToLedger(file, "12:10,+09:00,recording off,,\r\n"));
         std::string mended;
         ASSERT_FALSE(readWholeFile(file, mended));

@@ -137,7 +137,7 @@ TEST_F(Band, MarksAreSeenOnLightAndDarkGround) {
         }
         const QRectF taken = band.markRect(2); // the first stands on the window's edge
         const QPointF above(taken.center().x(), taken.top() + taken.height() * 0.3);
-        EXPECT_LT(contrast(colourAt(above), colourAt(above + QPointF(12, 0))), 1.1)
+        EXPECT_LT(contrast(colourAt(above), colourAt(above - QPointF(12, 0))), 1.1)
             << "only what is missed reaches so high";
         const QRectF fetched = band.markRect(1);
         EXPECT_GE(contrast(colourAt(fetched.center() + QPointF(0, fetched.height() / 4)),
