@@ -183,12 +183,13 @@ std::vector<LedgerLine> DayWatch::yesterdaysNewLines() {
 
 std::vector<LedgerLine> DayWatch::newLines(const Day& day, const DayPlan& plan) const {
     std::vector<LedgerLine> lines;
-    for (int minute = 0; minute < kDayMinutes; ++minute) {
-        const auto place = static_cast<std::size_t>(minute);
-        if (!plan.isDue[place]) continue;
-        const auto entry = entryOf(plan.states[place]);
-        if (entry && entry != day.ledger.judged(minute))
-            lines.push_back({minute, {}, *entry, fileOf(day, plan, minute), {}});
+    const auto& told = day.ledger.judged();
+    for (std::size_t minute = 0; minute < kDayMinutes; ++minute) {
+        const DayState state = plan.states[minute];
+        if (state == told[minute] || state == DayState::ToCome || !plan.isDue[minute]) continue;
+        const int place = static_cast<int>(minute);
+        if (const auto entry = entryOf(state))
+            lines.push_back({place, {}, *entry, fileOf(day, plan, place), {}});
     }
     return lines;
 }

@@ -76,6 +76,11 @@ std::size_t at(int minute) {
     return static_cast<std::size_t>(minute);
 }
 
+DayState stateOf(LedgerEntry entry) {
+    if (entry == LedgerEntry::Taken) return DayState::Taken;
+    return entry == LedgerEntry::Fetched ? DayState::Fetched : DayState::Missed;
+}
+
 /// What holds from a line of that kind on.
 Watch watchFrom(LedgerEntry entry) {
     if (entry == LedgerEntry::RecordingOn) return Watch::Recording;
@@ -127,7 +132,7 @@ void LedgerDay::apply(const LedgerLine& line) {
     skip(line);
     offset_ = line.offset;
     if (line.entry >= LedgerEntry::ProgramStarted) return begin(line);
-    judged_[at(line.minute)] = line.entry;
+    judged_[at(line.minute)] = stateOf(line.entry);
     if (line.entry == LedgerEntry::Missed) reasons_[line.minute] = line.detail;
     // what was seen to be missed was not passed over by nobody
     if (line.entry == LedgerEntry::Missed) set(line.minute, line.minute + 1, Watch::Recording);
@@ -173,10 +178,6 @@ DueMinutes LedgerDay::dueBy(const Schedule& present, int now) const {
                             isDueMinute(known ? schedules_[place].second : present, minute);
     }
     return isDue;
-}
-
-std::optional<LedgerEntry> LedgerDay::judged(int minute) const {
-    return judged_[at(minute)];
 }
 
 std::string LedgerDay::reasonOf(int minute) const {

@@ -50,8 +50,9 @@ class LedgerDay {
     /// The minutes that were due by the schedule in force in each, from minute `now` on by
     /// `present`. Before the first schedule that is known, that one counts.
     DueMinutes dueBy(const Schedule& present, int now) const;
-    /// What the last line of a due minute tells; nothing when there is none.
-    std::optional<LedgerEntry> judged(int minute) const;
+    /// What the last lines of the due minutes tell: taken, fetched or missed; `NotDue` where there
+    /// is none. Index: minute of the day.
+    const std::array<DayState, kDayMinutes>& judged() const { return judged_; }
     /// Why a minute was missed; empty when nobody knows.
     std::string reasonOf(int minute) const;
 
@@ -61,7 +62,7 @@ class LedgerDay {
     void skip(const LedgerLine& line);
 
     WatchMinutes watch_{};
-    std::array<std::optional<LedgerEntry>, kDayMinutes> judged_{};
+    std::array<DayState, kDayMinutes> judged_{};
     std::map<int, std::string> reasons_;
     std::vector<std::pair<int, Schedule>> schedules_; ///< with the minute that each begins in
     DueMinutes skipped_{};          ///< never were: the clock was put forward for summer time
