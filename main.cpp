@@ -125,6 +125,10 @@ class Program {
         settings_.showSite();
         computeSunTimes(station_);
     }
+    void endProgram() {
+        ledger_.end();
+        QCoreApplication::exit(0);
+    }
     void enterMainLoop() {
         loopTask_ = loop_.run();
         loopTask_.start();
@@ -158,6 +162,8 @@ class Program {
                    [this](const std::string& caption) { panel_.Label7.caption = caption; }}};
     Faults faults_{log_, clock_, op_};
     DayWatch days_{module_, panel_, clock_};
+    LedgerKeeper ledger_{
+        {days_, module_, panel_, clock_, log_, [this] { return clock_.utcOffset(); }}};
     DiskWatch disk_;
     QtImageViews views_{clock_, faults_, op_, module_, days_, viewsControl_};
     PanelSettings settings_{module_, panel_, store_, defaultDataFolder()};
@@ -185,8 +191,7 @@ class Program {
                             [this] { takeSite(); }};
     DailyClocks dailyClocks_{module_, timeSetting_, warnings_,
                              busy_,   clock_,       [this](bool open) { showTimeDialog(open); }};
-    Shutdown shutdown_{
-        {settings_, store_, busy_, wishes_, op_, log_, [] { QCoreApplication::exit(0); }}};
+    Shutdown shutdown_{{settings_, store_, busy_, wishes_, op_, log_, [this] { endProgram(); }}};
     Station station_{module_,
                      panel_,
                      settings_,
@@ -196,6 +201,7 @@ class Program {
                      imageStore_,
                      inetFileGet_,
                      days_,
+                     ledger_,
                      disk_,
                      archive_,
                      gaps_,

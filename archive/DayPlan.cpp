@@ -25,7 +25,14 @@ DayState stateOf(PictureOrigin origin) {
     return DayState::NotDue;
 }
 
-void judge(DayPlan& plan, const DayPictures& pictures, int minute, int now, int delay) {
+/// Of a due minute that is over and has no picture.
+DayState withoutPicture(Watch watch) {
+    if (watch == Watch::Off) return DayState::Off;
+    return watch == Watch::NotRunning ? DayState::NotRunning : DayState::Missed;
+}
+
+void judge(DayPlan& plan, const DayPictures& pictures, int minute, int now, int delay,
+           const WatchMinutes& watch) {
     DayState& state = plan.states[at(minute)];
     if (state == DayState::Taken) {
         ++plan.taken;
@@ -36,10 +43,25 @@ void judge(DayPlan& plan, const DayPictures& pictures, int minute, int now, int 
         state = DayState::Taken;
     }
     if (state == DayState::NotDue)
-        state = minute + delay < now ? DayState::Missed : DayState::ToCome;
+        state = minute + delay < now ? withoutPicture(watch[at(minute)]) : DayState::ToCome;
     plan.taken += state == DayState::Taken;
     plan.fetched += state == DayState::Fetched;
     plan.missed += state == DayState::Missed;
+    plan.notRecorded += state == DayState::Off || state == DayState::NotRunning;
+    plan.gaps += isGap(state);
+}
+
+void judgeAll(DayPlan& plan, const DayPictures& pictures, int now, int delay,
+              const WatchMinutes& watch) {
+    plan.due = static_cast<int>(std::ranges::count(plan.isDue, true));
+    for (int minute = 0; minute < kDayMinutes; ++minute)
+        if (plan.isDue[at(minute)]) judge(plan, pictures, minute, now, delay, watch);
+}
+
+DayPlan planOf(const DayPictures& pictures) {
+    DayPlan plan;
+    std::ranges::transform(pictures, plan.states.begin(), stateOf);
+    return plan;
 }
 
 void findNext(DayPlan& plan) {
@@ -57,6 +79,7 @@ std::string planText(const DayPlan& plan) {
     text += (plan.nextIsToday ? ", next at " : ", next tomorrow at ") + minuteText(*plan.next);
     if (plan.fetched > 0) text += ", " + std::to_string(plan.fetched) + " fetched later";
     if (plan.missed > 0) text += ", " + std::to_string(plan.missed) + " missed";
+    if (plan.notRecorded > 0) text += ", " + std::to_string(plan.notRecorded) + " not recorded";
     return text;
 }
 
@@ -78,22 +101,23 @@ std::optional<int> captureOf(const DueMinutes& isDue, const DayPictures& picture
     return std::nullopt;
 }
 
-DayPlan planWithoutRecording(const DayPictures& pictures) {
-    DayPlan plan;
-    std::ranges::transform(pictures, plan.states.begin(), stateOf);
+DayPlan planWithoutRecording(const DayPictures& pictures, const DueMinutes& isDue, int now,
+                             int delay, const WatchMinutes& watch) {
+    DayPlan plan = planOf(pictures);
+    for (int minute = 0; minute + delay < now; ++minute)
+        plan.isDue[at(minute)] = isDue[at(minute)] && watch[at(minute)] != Watch::Unknown;
+    judgeAll(plan, pictures, now, delay, watch);
     plan.text = "recording is off";
     return plan;
 }
 
 DayPlan planDay(const Schedule& schedule, const DueMinutes& isDue, const DayPictures& pictures,
-                int now, int delay) {
-    DayPlan plan = planWithoutRecording(pictures);
+                int now, int delay, const WatchMinutes& watch) {
+    DayPlan plan = planOf(pictures);
     plan.isDue = isDue;
     plan.begin = wholeMinutes(schedule.StartTime);
     plan.end = wholeMinutes(schedule.EndTime);
-    plan.due = static_cast<int>(std::ranges::count(isDue, true));
-    for (int minute = 0; minute < kDayMinutes; ++minute)
-        if (isDue[at(minute)]) judge(plan, pictures, minute, now, delay);
+    judgeAll(plan, pictures, now, delay, watch);
     findNext(plan);
     plan.text = planText(plan);
     return plan;

@@ -30,25 +30,38 @@ DueMinutes dueMinutes(const Schedule& schedule);
 std::optional<int> captureOf(const DueMinutes& isDue, const DayPictures& pictures, int due,
                              int delay);
 
-/// What there is to say about one minute of a day.
-enum class DayState : std::uint8_t { NotDue, Taken, Missed, Fetched, ToCome };
-inline constexpr std::size_t kDayStates = 5;
+/// Whether somebody recorded in a minute, as far as the day's ledger tells.
+enum class Watch : std::uint8_t { Unknown, Recording, Off, NotRunning };
+/// Index: minute of the day, 0 to 1439.
+using WatchMinutes = std::array<Watch, kDayMinutes>;
+
+/// What there is to say about one minute of a day. A due minute without a picture was missed only
+/// when somebody recorded: else recording was off, or the program was not running.
+enum class DayState : std::uint8_t { NotDue, Taken, Missed, Fetched, ToCome, Off, NotRunning };
+inline constexpr std::size_t kDayStates = 7;
+
+/// Whether the camera's store may be asked for the minute's picture. Of a minute in which recording
+/// was switched off nobody wants one.
+inline bool isGap(DayState state) {
+    return state == DayState::Missed || state == DayState::NotRunning;
+}
 
 /// A day's due minutes and what became of them: the one judgement from which the warnings, the
-/// filling of gaps and the drawing of the day follow. It comes from the schedule and the day's
-/// files, so it is the same after a restart, with two consequences: an outage and a minute before
-/// recording was switched on both count as missed, and after a change of the schedule the past is
-/// judged by the new one. A picture outside the due minutes keeps its state but is not counted.
+/// filling of gaps and the drawing of the day follow. It comes from the schedule, the day's files
+/// and its ledger, so it is the same after a restart. What no ledger tells of counts as recorded. A
+/// picture outside the due minutes keeps its state but is not counted.
 ///
-/// While recording is off nobody expects a picture: nothing is due, missed or to come, and the
-/// states tell only what the folder holds.
+/// While recording is off nobody expects a picture: nothing is to come, and of the past only what a
+/// ledger tells of is due.
 struct DayPlan {
     std::array<DayState, kDayMinutes> states{}; ///< by minute of the day
     DueMinutes isDue{};
-    int due = 0; ///< minutes of the whole day; the next three count these only
+    int due = 0; ///< minutes of the whole day; the next four count these only
     int taken = 0;
     int fetched = 0;
     int missed = 0;
+    int notRecorded = 0;      ///< recording was off, or the program not running
+    int gaps = 0;             ///< `isGap`
     std::optional<int> next;  ///< minute of the next capture; nothing when no minute is due
     bool nextIsToday = false; ///< else `next` is tomorrow's
     std::optional<int> begin; ///< first minute of the recording window; nothing while it is off
@@ -59,9 +72,10 @@ struct DayPlan {
 /// Judges a day in which minute `now` is under way and recording is on. A due minute without a
 /// picture is still to come until it and the whole minutes of `delay` are over.
 DayPlan planDay(const Schedule& schedule, const DueMinutes& isDue, const DayPictures& pictures,
-                int now, int delay);
+                int now, int delay, const WatchMinutes& watch = {});
 /// The same while recording is off.
-DayPlan planWithoutRecording(const DayPictures& pictures);
+DayPlan planWithoutRecording(const DayPictures& pictures, const DueMinutes& isDue = {}, int now = 0,
+                             int delay = 0, const WatchMinutes& watch = {});
 
 /// "09:30" for minute 570 of the day; 1440 is "24:00".
 std::string minuteText(int minuteOfDay);

@@ -13,6 +13,23 @@ std::int64_t firstMinuteOf(std::chrono::local_days day) {
     return minuteIndex(WallTime(day));
 }
 
+std::optional<LedgerEntry> entryOf(DayState state) {
+    switch (state) {
+    case DayState::Taken:
+        return LedgerEntry::Taken;
+    case DayState::Fetched:
+        return LedgerEntry::Fetched;
+    case DayState::Missed:
+        return LedgerEntry::Missed;
+    default:
+        return std::nullopt;
+    }
+}
+
+bool isMissed(const LedgerLine& line) {
+    return line.entry == LedgerEntry::Missed;
+}
+
 } // namespace
 
 DayWatch::DayWatch(const Module1& module, const OperationPanel& panel, const Clock& clock,
@@ -45,11 +62,11 @@ void DayWatch::follow() {
 }
 
 /// Whether `seen` differs by a later minute only, before which no due one came to its end: nothing
-/// in the plan changes then.
+/// in the plan changes then. While recording is off nobody knows which is next.
 bool DayWatch::isOnlyLater(const Seen& seen) const {
     Seen later = seen_;
     later.minute = seen.minute;
-    if (seen != later || seen.minute < seen_.minute) return false;
+    if (seen != later || seen.minute < seen_.minute || !seen.recording) return false;
     const auto minute = static_cast<int>(seen.minute % kDayMinutes);
     return !plan_.nextIsToday || *plan_.next + seen.delay >= minute;
 }
@@ -86,6 +103,8 @@ void DayWatch::turn(std::chrono::local_days today) {
     std::swap(today_, yesterday_);
     yesterday_.folder.turnTo(folderOf(yesterday), yesterday);
     today_.folder.turnTo(folderOf(today), today);
+    yesterday_.ledger = readLedger(ledgerOf(dataFolder_, yesterday));
+    today_.ledger = readLedger(ledgerOf(dataFolder_, today));
     std::erase_if(neverWere_,
                   [=](const auto& range) { return range.second < firstMinuteOf(yesterday); });
     findDue();
@@ -98,8 +117,9 @@ void DayWatch::findDue() {
 }
 
 void DayWatch::findDue(Day& day) const {
-    day.isDue = dueMinutes(seen_.schedule);
     const std::int64_t begin = firstMinuteOf(day.folder.day());
+    const auto now = std::clamp<std::int64_t>(seen_.minute - begin, 0, kDayMinutes);
+    day.isDue = day.ledger.dueBy(seen_.schedule, static_cast<int>(now));
     for (const auto& [first, last] : neverWere_)
         for (auto minute = std::max(first, begin);
              minute <= std::min(last, begin + kDayMinutes - 1); ++minute)
@@ -114,18 +134,76 @@ void DayWatch::refresh() {
 const DayPlan& DayWatch::plan() {
     if (planned_ == revision_) return plan_;
     planned_ = revision_;
+    ++plans_;
     const DayPictures& pictures = today_.folder.origins();
-    plan_ = seen_.recording
-                ? planDay(seen_.schedule, today_.isDue, pictures, minuteOfDay(), seen_.delay)
-                : planWithoutRecording(pictures);
+    plan_ = seen_.recording ? planDay(seen_.schedule, today_.isDue, pictures, minuteOfDay(),
+                                      seen_.delay, today_.ledger.watch())
+                            : planWithoutRecording(pictures, today_.isDue, minuteOfDay(),
+                                                   seen_.delay, today_.ledger.watch());
     if (today_.folder.fault()) forgetMissed();
     return plan_;
 }
 
+std::string DayWatch::detailOf(int minute) {
+    const std::string file = fileOf(today_, plan(), minute);
+    const bool missed = plan_.states[static_cast<std::size_t>(minute)] == DayState::Missed;
+    return missed ? today_.ledger.reasonOf(minute) : file;
+}
+
+std::string DayWatch::fileOf(const Day& day, const DayPlan& plan, int minute) const {
+    const DayState state = plan.states[static_cast<std::size_t>(minute)];
+    const bool captured = state == DayState::Taken;
+    if (!captured && state != DayState::Fetched) return {};
+    const DayPictures& origins = day.folder.origins();
+    if (captured) minute = captureOf(plan.isDue, origins, minute, seen_.delay).value_or(minute);
+    const std::int64_t sought = firstMinuteOf(day.folder.day()) + minute;
+    const auto& pictures = day.folder.pictures();
+    auto picture = std::ranges::lower_bound(pictures, sought, {},
+                                            [](const auto& entry) { return entry.name.minute(); });
+    for (; picture != pictures.end() && picture->name.minute() == sought; ++picture)
+        if (picture->name.isCapture() == captured) return picture->name.text();
+    return {};
+}
+
+std::vector<LedgerLine> DayWatch::newLines() {
+    plan();
+    if (std::exchange(told_, plans_) == plans_) return {};
+    std::vector<LedgerLine> lines = newLines(today_, plan());
+    if (std::ranges::none_of(lines, isMissed)) return lines;
+    refresh(); // somebody else may have put there what seems to be missed
+    return newLines(today_, plan());
+}
+
+std::vector<LedgerLine> DayWatch::yesterdaysNewLines() {
+    yesterday_.folder.refresh();
+    if (yesterday_.folder.fault()) return {};
+    return newLines(yesterday_, planWithoutRecording(yesterday_.folder.origins(), yesterday_.isDue,
+                                                     kDayMinutes, 0, yesterday_.ledger.watch()));
+}
+
+std::vector<LedgerLine> DayWatch::newLines(const Day& day, const DayPlan& plan) const {
+    std::vector<LedgerLine> lines;
+    const auto& told = day.ledger.judged();
+    for (std::size_t minute = 0; minute < kDayMinutes; ++minute) {
+        const DayState state = plan.states[minute];
+        if (state == told[minute] || state == DayState::ToCome || !plan.isDue[minute]) continue;
+        const int place = static_cast<int>(minute);
+        if (const auto entry = entryOf(state))
+            lines.push_back({place, {}, *entry, fileOf(day, plan, place), {}});
+    }
+    return lines;
+}
+
+void DayWatch::note(const LedgerLine& line) {
+    today_.ledger.apply(line);
+    if (line.entry >= LedgerEntry::ProgramStarted) findDue();
+}
+
 /// Nobody knows what lies in a folder that cannot be read.
 void DayWatch::forgetMissed() {
-    std::ranges::replace(plan_.states, DayState::Missed, DayState::NotDue);
-    plan_.missed = 0;
+    for (const DayState state : {DayState::Missed, DayState::Off, DayState::NotRunning})
+        std::ranges::replace(plan_.states, state, DayState::NotDue);
+    plan_.missed = plan_.notRecorded = plan_.gaps = 0;
     plan_.text = "today's folder cannot be read";
 }
 
@@ -154,6 +232,12 @@ bool DayWatch::isTaken(std::int64_t minute) const {
         .has_value();
 }
 
+bool DayWatch::wasRecorded(std::int64_t minute) const {
+    const Watch watch =
+        dayOf(minute)->ledger.watch()[static_cast<std::size_t>(minute % kDayMinutes)];
+    return watch != Watch::Off && watch != Watch::NotRunning;
+}
+
 /// The due minutes without a capture after the newest one, and the first two of them.
 DayWatch::Missed DayWatch::missedInARow() const {
     Missed missed;
@@ -161,7 +245,7 @@ DayWatch::Missed DayWatch::missedInARow() const {
          --minute) {
         if (!isDue(minute)) continue;
         if (isTaken(minute)) break;
-        if (!isOver(minute)) continue;
+        if (!isOver(minute) || !wasRecorded(minute)) continue;
         missed.second = std::exchange(missed.first, minute);
         ++missed.count;
     }
@@ -183,7 +267,7 @@ bool DayWatch::isOverdue(WallTime taken) const {
     const std::int64_t last = std::max(minuteIndex(taken), seen_.minute - kDayMinutes);
     for (std::int64_t minute = seen_.minute - 1;
          minute > last && dayOf(minute) != nullptr && missing < 2; --minute)
-        missing += isDue(minute) && isOver(minute) && !isTaken(minute);
+        missing += isDue(minute) && isOver(minute) && wasRecorded(minute) && !isTaken(minute);
     return missing >= 2;
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "archive/DayFolder.h"
+#include "archive/Ledger.h"
 #include "station/Module1.h"
 #include "station/OperationPanel.h"
 
@@ -9,9 +10,9 @@
 namespace orvane {
 
 /// Today and yesterday in the data folder: what is due, what became of it, and what follows from
-/// that. Everything is worked out from the schedule and the files, but for two things that no file
-/// tells: since when recording has been on into this data folder, and which minutes never were
-/// because the clock was put forward over them. Those are not due.
+/// that. Everything is worked out from the schedule, the files and the days' ledgers, but for two
+/// things that none of them tells: since when recording has been on into this data folder, and
+/// which minutes never were because the clock was put forward over them. Those are not due.
 class DayWatch {
   public:
     /// `module`, `panel` and `clock` outlive this object.
@@ -31,6 +32,16 @@ class DayWatch {
     int minuteOfDay() const { return static_cast<int>(seen_.minute % kDayMinutes); }
     /// What today's folder holds.
     const DayFolder& folder() const { return today_.folder; }
+    /// The name of the file that a minute of today is judged by, or why it was missed; else empty.
+    std::string detailOf(int minute);
+
+    /// What today is judged otherwise than its ledger tells, without offsets and reasons; each
+    /// judgement is told once.
+    std::vector<LedgerLine> newLines();
+    /// The same of yesterday, as it ended.
+    std::vector<LedgerLine> yesterdaysNewLines();
+    /// Takes note of a line of today's ledger; it is not written here.
+    void note(const LedgerLine& line);
     /// A whole picture was filed.
     void add(const std::filesystem::path& file);
 
@@ -53,6 +64,7 @@ class DayWatch {
     struct Day {
         DayFolder folder;
         DueMinutes isDue{};
+        LedgerDay ledger{};
     };
     struct Missed {
         int count = 0;
@@ -69,6 +81,9 @@ class DayWatch {
     const Day* dayOf(std::int64_t minute) const;
     bool isDue(std::int64_t minute) const;
     bool isTaken(std::int64_t minute) const;
+    std::string fileOf(const Day& day, const DayPlan& plan, int minute) const;
+    std::vector<LedgerLine> newLines(const Day& day, const DayPlan& plan) const;
+    bool wasRecorded(std::int64_t minute) const;
     bool isOver(std::int64_t minute) const { return minute + seen_.delay < seen_.minute; }
     Missed missedInARow() const;
 
@@ -87,6 +102,8 @@ class DayWatch {
     Ticks lastTicks_{0};
     std::int64_t revision_ = 0;
     std::int64_t planned_ = -1; ///< the revision that `plan_` belongs to
+    std::int64_t plans_ = 0;    ///< how many were made
+    std::int64_t told_ = 0;     ///< the one that `newLines` told of
     DayPlan plan_;
 };
 

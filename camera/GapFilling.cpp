@@ -47,7 +47,7 @@ void GapFilling::standBack() {
 /// known.
 std::vector<GapFilling::Minute> GapFilling::gaps() {
     nextLook_ = kNever;
-    if (parts_.days.plan().missed == 0) return {};
+    if (parts_.days.plan().gaps == 0) return {};
     parts_.days.refresh();
     if (parts_.days.folder().fault()) return {};
     const auto folder = datedFolderOf(parts_.panel.Dir1[0].path, parts_.clock.now());
@@ -58,7 +58,7 @@ std::vector<GapFilling::Minute> GapFilling::gaps() {
     Minute minute = minuteIndex(WallTime(parts_.days.folder().day())) - 1;
     for (const DayState state : parts_.days.plan().states) {
         ++minute;
-        if (state != DayState::Missed) continue;
+        if (!isGap(state)) continue;
         const auto found = asked_.find(minute);
         const Asked asked = found == asked_.end() ? Asked{} : found->second;
         if (asked.answers >= kMostAnswers) continue;
@@ -98,8 +98,7 @@ void GapFilling::note(Minute minute, Outcome outcome) {
 void GapFilling::giveUp(Minute minute) {
     const Minute first = minuteIndex(WallTime(parts_.days.folder().day()));
     if (minute < first) return; // midnight has passed
-    if (parts_.days.plan().states[static_cast<std::size_t>(minute - first)] != DayState::Missed)
-        return;
+    if (!isGap(parts_.days.plan().states[static_cast<std::size_t>(minute - first)])) return;
     asked_[minute].answers = kMostAnswers;
     parts_.log.write("GapFilling:What was filed for " + hourMinute(momentOf(minute)) +
                      " does not count as its picture");

@@ -13,7 +13,8 @@ namespace orvane {
 
 /// Fetches the pictures of missed minutes from the camera's own store: each due minute of today
 /// that is over and has no picture in the data folder is asked for, oldest first, one request at a
-/// time. What comes is filed under its own name.
+/// time; also those in which the program was not running, but not those with recording off. What
+/// comes is filed under its own name.
 ///
 /// It stands back for everything else: it starts only while nothing else is in progress, and a
 /// capture that begins cuts its request off. A minute is asked for at most once a minute, and twice

@@ -60,6 +60,7 @@ Task<Captured> captureImage(Station& station, RepeatedLine& reasons) {
     Task<Filing> filing = fetchAndFile(station, captured);
     const Filing filed = co_await filing;
     captured.filed = filed.inArchive();
+    captured.notFiled = filed.fault;
     captured.cutShort = !captured.filed && station.wishes.standing();
     if (captured.filed) reasons.settle();
     if (filed.outcome == Filing::Outcome::Refused && !captured.cutShort) {

@@ -11,6 +11,7 @@ struct Captured {
     bool filed = false;
     bool cutShort = false; ///< by a wish of the operator: as if it had not been tried
     WallTime copyTime{};   ///< when the image was copied to its folder; its name says this minute
+    std::string notFiled;  ///< why there is no picture, whatever the cause; else empty
     std::string fault;     ///< why the camera brought no picture that can be filed; else empty
 };
 

@@ -129,6 +129,7 @@ Task<bool> MainLoop::recordNow(std::int64_t dueMinute) {
         co_return worked;
     }
     fetchFault_ = captured.fault;
+    if (!captured.filed) station_.ledger.noteFailure(dueMinute, captured.notFiled);
     const std::int32_t fetched = station_.module.filesFetched; // a run in the pause resets it
     if (captured.filed) {
         filedMinute_ = std::max({filedMinute_, dueMinute, minuteIndex(captured.copyTime)});
@@ -209,6 +210,7 @@ void MainLoop::watch(WallTime now) {
     watchedRecording_ = recording;
     if (!recording) filedMinute_ = -1;
     if (moved) noteFolder();
+    station_.ledger.follow();
     watchDisk();
     station_.warnings.set(
         Warnings::Cause::ErrorLog,

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "archive/LedgerKeeper.h"
 #include "archive/PictureArchive.h"
 #include "camera/CameraPanel.h"
 #include "camera/GapFilling.h"
@@ -36,6 +37,7 @@ struct Station {
     ImageStore& store;
     HttpTransfer& http;
     DayWatch& days;
+    LedgerKeeper& ledger;
     DiskWatch& disk;
     PictureArchive& archive;
     GapFilling& gaps;

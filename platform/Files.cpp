@@ -12,16 +12,18 @@ namespace {
 
 constexpr std::size_t kSizeLimit = 512u << 20;
 
-enum class Access { Read, Write };
+enum class Access { Read, Write, Append };
 
 // C streams: unlike file streams they promise the system's error number. Without their own buffer,
 // since files are read and written at one go.
 std::FILE* openFile(const std::filesystem::path& path, Access access) {
     errno = 0;
 #ifdef _WIN32
-    std::FILE* file = ::_wfopen(path.c_str(), access == Access::Read ? L"rb" : L"wb");
+    constexpr const wchar_t* kModes[] = {L"rb", L"wb", L"ab"};
+    std::FILE* file = ::_wfopen(path.c_str(), kModes[static_cast<int>(access)]);
 #else
-    std::FILE* file = std::fopen(path.c_str(), access == Access::Read ? "rb" : "wb");
+    constexpr const char* kModes[] = {"rb", "wb", "ab"};
+    std::FILE* file = std::fopen(path.c_str(), kModes[static_cast<int>(access)]);
 #endif
     if (file != nullptr) std::setvbuf(file, nullptr, _IONBF, 0);
     return file;
@@ -117,6 +119,16 @@ Fault copyToFinalName(const std::filesystem::path& from, const std::filesystem::
     std::string bytes;
     if (auto fault = readWholeFile(from, bytes)) return fault;
     return writeToFinalName(bytes, to);
+}
+
+Fault appendToFile(std::string_view bytes, const std::filesystem::path& to) {
+    std::FILE* file = openFile(to, Access::Append);
+    if (file == nullptr) return reason();
+    Fault fault;
+    if (std::fwrite(bytes.data(), 1, bytes.size(), file) != bytes.size()) fault = reason();
+    errno = 0;
+    if (std::fclose(file) != 0 && !fault) fault = reason();
+    return fault;
 }
 
 Fault readWholeFile(const std::filesystem::path& from, std::string& bytes) {

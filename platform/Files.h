@@ -55,6 +55,9 @@ Fault makeFolder(const std::filesystem::path& folder);
 /// Writes without forcing to the disk: for what can be made again.
 Fault writeToFinalName(std::string_view bytes, const std::filesystem::path& to);
 Fault copyToFinalName(const std::filesystem::path& from, const std::filesystem::path& to);
+/// Appends without forcing to the disk; the file is made when it is not there, and open within this
+/// call only. After a failure a part may have been written.
+Fault appendToFile(std::string_view bytes, const std::filesystem::path& to);
 /// Files beyond 512 MB are refused.
 Fault readWholeFile(const std::filesystem::path& from, std::string& bytes);
 

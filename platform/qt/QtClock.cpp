@@ -19,6 +19,10 @@ WallTime QtClock::now() const {
     return WallTime(std::chrono::milliseconds(utc.toMSecsSinceEpoch() + offset * 1000));
 }
 
+std::chrono::minutes QtClock::utcOffset() const {
+    return std::chrono::minutes(QDateTime::currentDateTime().offsetFromUtc() / 60);
+}
+
 /// With the time that the PC was asleep, as the system's clock on Windows counts it: after a sleep
 /// the wall clock has not been put forward.
 Ticks QtClock::ticks() const {

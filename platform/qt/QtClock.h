@@ -12,6 +12,8 @@ class QtClock final : public Clock {
     QtClock();
 
     WallTime now() const override;
+    /// Of the local time from universal time, now.
+    std::chrono::minutes utcOffset() const;
     Ticks ticks() const override;
     void wakeAt(Wake& wake, Ticks deadline) override;
     void forget(Wake& wake) noexcept override { queue_.remove(wake); }

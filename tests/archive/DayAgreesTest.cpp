@@ -8,7 +8,7 @@ namespace orvane::test {
 namespace {
 
 /// A day with an outage that the camera's store covers in part, a restart, a changed schedule and a
-/// synchronisation: what the drawing says of it is what lies in the folder.
+/// synchronisation: what the drawing says of it is what lies in the folder, and who recorded.
 class EventfulDay : public testing::Test {
   protected:
     EventfulDay() {
@@ -65,30 +65,35 @@ TEST_F(EventfulDay, IsShownAsItIsInTheFolder) {
 
     s->days.refresh();
     const DayPlan plan = s->days.plan();
-    int taken = 0, fetched = 0, missed = 0;
+    int taken = 0, fetched = 0, missed = 0, notRunning = 0;
     for (int minute = 9 * 60; minute < 16 * 60 + 20; ++minute) {
         const DayState state = plan.states[static_cast<std::size_t>(minute)];
         const bool captured = has(minute, "00");
         const bool stored = !captured && has(minute, "07");
-        const bool due = minute % 15 == 0;
+        const bool due = minute % (minute < 14 * 60 + 2 ? 10 : 15) == 0;
+        const bool ran = minute < 11 * 60 + 45 || minute >= 12 * 60 + 5;
         const DayState expected = captured ? DayState::Taken
                                   : stored ? DayState::Fetched
-                                  : due    ? DayState::Missed
-                                           : DayState::NotDue;
+                                  : !due   ? DayState::NotDue
+                                  : ran    ? DayState::Missed
+                                           : DayState::NotRunning;
         EXPECT_EQ(state, expected) << minuteText(minute);
         taken += due && captured;
         fetched += due && stored;
-        missed += due && !captured && !stored;
+        missed += state == DayState::Missed;
+        notRunning += state == DayState::NotRunning;
     }
     EXPECT_EQ(plan.taken, taken);
     EXPECT_EQ(plan.fetched, fetched);
     EXPECT_EQ(plan.missed, missed);
-    // by hand: of the outage 10:00 was fetched and 10:30 is lost; 12:00 passed during the restart;
-    // the other minutes of the new interval were not due in the morning
+    EXPECT_EQ(plan.notRecorded, notRunning);
+    // by hand: of the outage 10:00 was fetched and 10:30 is lost; 11:50 and 12:00 passed during the
+    // restart; the minutes of the new interval were not due in the morning
     EXPECT_EQ(plan.states[10 * 60], DayState::Fetched);
     EXPECT_EQ(plan.states[10 * 60 + 30], DayState::Missed);
-    EXPECT_EQ(plan.states[12 * 60], DayState::Missed);
-    EXPECT_EQ(plan.states[12 * 60 + 15], DayState::Missed);
+    EXPECT_EQ(plan.states[11 * 60 + 50], DayState::NotRunning);
+    EXPECT_EQ(plan.states[12 * 60], DayState::NotRunning);
+    EXPECT_EQ(plan.states[12 * 60 + 15], DayState::NotDue);
     EXPECT_EQ(plan.states[14 * 60 + 15], DayState::Taken);
     EXPECT_TRUE(plan.text.starts_with("taken ")) << plan.text;
     EXPECT_NE(plan.text.find("next at 16:30"), std::string::npos) << plan.text;

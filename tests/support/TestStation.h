@@ -106,6 +106,8 @@ class TestStation {
                       ++listings;
                       return unlistable ? DayListing{{}, "Permission denied"} : listDay(dated);
                   }};
+    std::chrono::minutes utcOffset{540};
+    LedgerKeeper ledger{{days, module, panel, clock, log, [this] { return utcOffset; }}};
     DiskWatch disk;
     FailingFileWriter files;
     PictureArchive archive{{module, days, disk, files, imageControl, views, warnings, log, clock}};
@@ -140,6 +142,7 @@ class TestStation {
                     imageStore,
                     http,
                     days,
+                    ledger,
                     disk,
                     archive,
                     gaps,

@@ -72,9 +72,9 @@ TEST_F(Band, TellsTheDayInOneLine) {
 }
 
 TEST_F(Band, EveryMarkHasItsToolTip) {
-    const char* texts[] = {"09:00 - taken",
-                           "09:30 - fetched from the camera's store",
-                           "09:45 - taken, not on the schedule",
+    const char* texts[] = {"09:00 - taken: 20061115_090000_00.jpg",
+                           "09:30 - fetched from the camera's store: 20061115_093017_00.jpg",
+                           "09:45 - taken, not on the schedule: 20061115_094500_00.jpg",
                            "10:00 - missed",
                            "10:30 - to come",
                            "11:00 - to come",
@@ -102,7 +102,7 @@ TEST_F(Band, ArrowKeysGoFromMarkToMark) {
     EXPECT_EQ(QToolTip::text(), "11:30 - to come") << "there is none beyond the last";
     QTest::keyClick(&band, Qt::Key_Home);
     QTest::keyClick(&band, Qt::Key_Left);
-    EXPECT_EQ(QToolTip::text(), "09:00 - taken");
+    EXPECT_EQ(QToolTip::text(), "09:00 - taken: 20061115_090000_00.jpg");
     QTest::keyClick(&band, Qt::Key_Tab);
     EXPECT_FALSE(band.accessibleDescription().contains("09:00")) << "the mark goes with the focus";
 }
@@ -128,13 +128,17 @@ TEST_F(Band, MarksAreSeenOnLightAndDarkGround) {
     dark.setColor(QPalette::Base, QColor(30, 30, 32));
     for (const QPalette& palette : {QPalette(QColor(239, 239, 239)), dark}) {
         band.setPalette(palette);
-        const double middle = band.markRect(0).top() + band.markRect(0).height() / 4;
-        // taken, then missed: both reach into the mark's upper half
-        for (const std::size_t mark : {0u, 3u}) {
-            const QPointF place(band.markRect(mark).center().x(), middle);
+        // taken, then missed, which stands out
+        for (const auto& [mark, height] : {std::pair{0u, 0.6}, std::pair{3u, 0.3}}) {
+            const QRectF rect = band.markRect(mark);
+            const QPointF place(rect.center().x(), rect.top() + rect.height() * height);
             const QPointF beside = place + QPointF(12, 0);
             EXPECT_GE(contrast(colourAt(place), colourAt(beside)), 3) << mark;
         }
+        const QRectF taken = band.markRect(2); // the first stands on the window's edge
+        const QPointF above(taken.center().x(), taken.top() + taken.height() * 0.3);
+        EXPECT_LT(contrast(colourAt(above), colourAt(above - QPointF(12, 0))), 1.1)
+            << "only what is missed reaches so high";
         const QRectF fetched = band.markRect(1);
         EXPECT_GE(contrast(colourAt(fetched.center() + QPointF(0, fetched.height() / 4)),
                            colourAt(fetched.center() - QPointF(0, fetched.height() / 4))),

@@ -27,6 +27,7 @@ struct LegendEntry {
 constexpr LegendEntry kLegend[] = {{"taken", DayState::Taken},
                                    {"missed", DayState::Missed},
                                    {"fetched later", DayState::Fetched},
+                                   {"not recording", DayState::NotRunning},
                                    {"to come", DayState::ToCome}};
 
 } // namespace
@@ -35,7 +36,7 @@ DayDrawing::DayDrawing(QPainter& painter, const DayLayout& layout, const QPalett
     : painter_(painter), layout_(layout), colours_(coloursFor(palette)) {}
 
 /// Blue, violet and vermilion keep their difference for those who do not see red or green; on a
-/// dark ground they are lighter.
+/// dark ground they are lighter. What nobody recorded has no colour at all.
 DayDrawing::Colours DayDrawing::coloursFor(const QPalette& palette) {
     const QColor ground = palette.color(QPalette::Base);
     const QColor ink = palette.color(QPalette::WindowText);
@@ -51,6 +52,7 @@ DayDrawing::Colours DayDrawing::coloursFor(const QPalette& palette) {
     colours.taken = dark ? QColor(105, 180, 240) : QColor(0, 100, 180);
     colours.fetched = dark ? QColor(205, 165, 250) : QColor(125, 70, 175);
     colours.missed = dark ? QColor(255, 130, 80) : QColor(205, 70, 0);
+    colours.notRecording = mixed(ground, ink, 0.5);
     colours.toCome = mixed(ground, ink, 0.55);
     return colours;
 }
@@ -194,30 +196,28 @@ void DayDrawing::drawWindow(int begin, int end) {
 
 void DayDrawing::drawMark(const QRectF& place, DayState state, bool isDue) {
     painter_.setPen(Qt::NoPen);
-    QRectF bar = place;
+    const auto barOf = [&](double height, const QColor& colour) {
+        painter_.setBrush(colour);
+        painter_.drawRect(place.adjusted(0, place.height() * (1 - height), 0, 0));
+    };
     switch (state) {
     case DayState::Taken:
-        painter_.setBrush(isDue ? QBrush(colours_.taken)
-                                : QBrush(mixed(colours_.ground, colours_.taken, 0.6)));
-        painter_.drawRect(bar);
+        barOf(0.6, isDue ? colours_.taken : mixed(colours_.ground, colours_.taken, 0.6));
         break;
     case DayState::Fetched:
-        bar.setTop(bar.top() + bar.height() * 0.5);
-        painter_.setBrush(colours_.fetched);
-        painter_.drawRect(bar);
+        barOf(0.4, colours_.fetched);
         break;
-    case DayState::Missed: {
-        bar.setBottom(bar.top() + bar.height() * 0.5);
-        painter_.setBrush(colours_.missed);
-        painter_.drawPolygon(
-            QPolygonF({bar.topLeft(), bar.topRight(), QPointF(bar.center().x(), bar.bottom())}));
+    case DayState::Missed:
+        barOf(1, colours_.missed);
         break;
-    }
+    case DayState::Off:
+    case DayState::NotRunning:
+        barOf(0.2, colours_.notRecording);
+        break;
     case DayState::ToCome:
-        bar.setTop(bar.top() + bar.height() * 0.72);
         painter_.setBrush(Qt::NoBrush);
         painter_.setPen(QPen(colours_.toCome, 1));
-        painter_.drawRect(bar.adjusted(0.5, 0, -0.5, -0.5));
+        painter_.drawRect(place.adjusted(0.5, place.height() * 0.72, -0.5, -0.5));
         break;
     case DayState::NotDue:
         break;

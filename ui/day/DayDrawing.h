@@ -8,8 +8,9 @@
 
 namespace orvane {
 
-/// Draws one day. States differ in colour, height and place: a taken mark is a bar of full height,
-/// a fetched one of half, one to come a low outline, a missed one a wedge above an empty place.
+/// Draws one day. States differ in colour and height: a missed mark, which is to be seen first, is
+/// a bar of full height, then come taken, fetched, not recorded, and the low outline of one to
+/// come.
 class DayDrawing {
   public:
     struct Content {
@@ -25,7 +26,8 @@ class DayDrawing {
 
   private:
     struct Colours {
-        QColor ground, night, day, ink, faint, sun, now, taken, fetched, missed, toCome;
+        QColor ground, night, day, ink, faint, sun, now, taken, fetched, missed, notRecording,
+            toCome;
     };
     static Colours coloursFor(const QPalette& palette);
 

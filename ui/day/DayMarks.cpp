@@ -15,10 +15,14 @@ StateFacts factsOf(DayState state) {
         return {"taken", 1};
     case DayState::ToCome:
         return {"to come", 2};
+    case DayState::Off:
+        return {"recording off", 3};
+    case DayState::NotRunning:
+        return {"program not running", 4};
     case DayState::Fetched:
-        return {"fetched from the camera's store", 3};
+        return {"fetched from the camera's store", 5};
     case DayState::Missed:
-        return {"missed", 4};
+        return {"missed", 6};
     case DayState::NotDue:
         break;
     }
@@ -38,7 +42,9 @@ std::vector<DayMark> dayMarks(const DayPlan& plan, int columnMinutes) {
         mark.last = minute;
         mark.isDue = mark.isDue || plan.isDue[static_cast<std::size_t>(minute)];
         ++mark.counts[static_cast<std::size_t>(state)];
-        if (factsOf(state).severity > factsOf(mark.state).severity) mark.state = state;
+        if (factsOf(state).severity <= factsOf(mark.state).severity) continue;
+        mark.state = state;
+        mark.worst = minute;
     }
     return marks;
 }
@@ -49,19 +55,21 @@ int columnMinutes(double pixelsPerMinute, double pixels) {
     return 60;
 }
 
-std::string markText(const DayMark& mark) {
+std::string markText(const DayMark& mark, const std::string& detail) {
     if (mark.first == mark.last)
         return minuteText(mark.first) + " - " + factsOf(mark.state).text +
-               (mark.isDue ? "" : ", not on the schedule");
+               (mark.isDue ? "" : ", not on the schedule") + (detail.empty() ? "" : ": " + detail);
     std::string text = minuteText(mark.first) + " to " + minuteText(mark.last) + " -";
     const char* separator = " ";
-    for (const DayState state :
-         {DayState::Taken, DayState::Fetched, DayState::Missed, DayState::ToCome}) {
+    for (const DayState state : {DayState::Taken, DayState::Fetched, DayState::Missed,
+                                 DayState::Off, DayState::NotRunning, DayState::ToCome}) {
         const int count = mark.counts[static_cast<std::size_t>(state)];
         if (count == 0) continue;
         text += separator + std::to_string(count) + " " + factsOf(state).text;
         separator = ", ";
     }
+    if (mark.state == DayState::Missed && !detail.empty())
+        text += "; " + minuteText(mark.worst) + ": " + detail;
     return text;
 }
 

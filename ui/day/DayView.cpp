@@ -57,9 +57,13 @@ void DayView::describe() {
     const QString text = toQString(parts_.days.plan().text);
     const int index = selected();
     setAccessibleName("Today: " + text);
-    setAccessibleDescription(
-        index < 0 ? text
-                  : text + "; " + toQString(markText(marks_[static_cast<std::size_t>(index)])));
+    setAccessibleDescription(index < 0 ? text
+                                       : text + "; " + textOf(static_cast<std::size_t>(index)));
+}
+
+QString DayView::textOf(std::size_t index) const {
+    const DayMark& mark = marks_[index];
+    return toQString(markText(mark, parts_.days.detailOf(mark.worst)));
 }
 
 /// The index of the keyboard's mark; -1 for none.
@@ -84,7 +88,7 @@ void DayView::select(int index) {
     describe();
     update();
     const QPointF below = markRect(mark).bottomLeft();
-    QToolTip::showText(mapToGlobal(below.toPoint()), toQString(markText(marks_[mark])), this);
+    QToolTip::showText(mapToGlobal(below.toPoint()), textOf(mark), this);
 }
 
 bool DayView::event(QEvent* event) {
@@ -101,7 +105,7 @@ bool DayView::event(QEvent* event) {
     const auto mark = static_cast<std::size_t>(index);
     // the tip goes as soon as the mouse leaves the mark
     const QRect area = day.markRect(marks_, mark).adjusted(-2, 0, 2, 0).toAlignedRect();
-    QToolTip::showText(help->globalPos(), toQString(markText(marks_[mark])), this, area);
+    QToolTip::showText(help->globalPos(), textOf(mark), this, area);
     return true;
 }
 

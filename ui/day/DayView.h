@@ -46,6 +46,7 @@ class DayView : public QWidget {
     bool computeSun();
     void mergeMarks();
     void describe();
+    QString textOf(std::size_t index) const;
     void select(int index);
     int selected() const;
     int marksBeforeNow() const;
