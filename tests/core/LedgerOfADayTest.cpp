@@ -44,6 +44,10 @@ TEST_F(LedgerOfADay, HasALineForEveryDueMinuteAndSwitch) {
     s->recording.Command2_Click();
     s->panel.Text1[5].text = "15";
     runUntil(10, 10);
+    const DayPlan off = s->days.plan();
+    EXPECT_EQ(off.states[9 * 60 + 30], DayState::Missed) << "what was stays";
+    EXPECT_EQ(off.states[10 * 60], DayState::Off);
+    EXPECT_EQ(std::ranges::count(off.states, DayState::ToCome), 0);
     s->press(&Recording::Command1_Click);
     s->files.failing = "write";
     s->http.answer = [](const std::string&) { return FakeHttp::picture("x"); };
