@@ -10,10 +10,13 @@ class LedgerOfADay : public testing::Test {
   protected:
     LedgerOfADay() { start(at(2006, 11, 15, 8, 50)); }
     void start(WallTime time) {
-        if (s) std::filesystem::rename(s->dataFolder(), kept.path() / "data");
+        const auto before = kept.path() / "data";
+        if (s) std::filesystem::rename(s->dataFolder(), before);
         s = std::make_unique<TestStation>(time);
-        std::error_code none;
-        std::filesystem::rename(kept.path() / "data", s->dataFolder(), none);
+        if (std::filesystem::exists(before)) {
+            std::filesystem::remove(s->dataFolder());
+            std::filesystem::rename(before, s->dataFolder());
+        }
         s->store.values["Settings/FillGaps"] = "0";
     }
     void failFrom(const std::string& fault) {
