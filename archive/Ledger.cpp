@@ -52,7 +52,7 @@ bool isDigit(char c) {
 /// "09:30" as minutes.
 std::optional<int> parseMinute(std::string_view text) {
     if (text.size() != 5 || text[2] != ':') return std::nullopt;
-    for (const std::size_t digit : {0, 1, 3, 4})
+    for (const std::size_t digit : {0U, 1U, 3U, 4U})
         if (!isDigit(text[digit])) return std::nullopt;
     const int hour = (text[0] - '0') * 10 + text[1] - '0';
     const int minute = (text[3] - '0') * 10 + text[4] - '0';

@@ -61,7 +61,7 @@ Task<> TimeSetting::activate() {
 }
 
 /// A request that has no answer yet is given up for the next one.
-void TimeSetting::request(std::string path) {
+void TimeSetting::request(const std::string& path) {
     request_ = wbSystemTm_.get(cameraBaseUrl(panel_) + path, Wanted::Nothing);
     request_.start();
 }

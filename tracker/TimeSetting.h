@@ -49,7 +49,7 @@ class TimeSetting {
     Task<> switchTracking(bool on);
     std::optional<std::string> faultOf(Exchange clockSet);
     void setRunning(bool running);
-    void request(std::string path);
+    void request(const std::string& path);
 
     TimeSettingForm& form_;
     OperationPanel& panel_;
