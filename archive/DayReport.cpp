@@ -1,5 +1,6 @@
 #include "archive/DayReport.h"
 
+#include "archive/Csv.h"
 #include "platform/Files.h"
 #include "platform/Paths.h"
 #include "station/PanelSchedule.h"
@@ -34,14 +35,6 @@ std::pair<std::string, std::string> firstAndLast(const DayFolder& folder) {
 }
 
 } // namespace
-
-std::string csvField(const std::string& text) {
-    if (text.find_first_of(",\"\r\n") == std::string::npos) return text;
-    std::string quoted = "\"";
-    for (const char c : text)
-        quoted += c == '"' ? "\"\"" : std::string(1, c);
-    return quoted + "\"";
-}
 
 void DayReport::start(DaySpan span, const std::filesystem::path& target) {
     if (running) return;

@@ -42,7 +42,4 @@ class DayReport final : public SpanWork {
     bool written_ = false;
 };
 
-/// A text as it stands between two commas of a table, quoted where it must be.
-std::string csvField(const std::string& text);
-
 } // namespace orvane

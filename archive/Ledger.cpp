@@ -1,5 +1,6 @@
 #include "archive/Ledger.h"
 
+#include "archive/Csv.h"
 #include "platform/Files.h"
 
 #include <algorithm>
@@ -17,13 +18,11 @@ constexpr std::size_t kFields = 5;
 /// A clock is put forward by an hour at most when summer time begins.
 constexpr std::chrono::minutes kLongestSkip{120};
 
-std::string quoted(const std::string& field) {
-    std::string text;
-    for (const char c : field) {
-        text += static_cast<unsigned char>(c) < ' ' ? ' ' : c;
-        if (c == '"') text += c;
-    }
-    return text.find_first_of(",\"") == std::string::npos ? text : '"' + text + '"';
+/// On one line, so that a cut one can be told.
+std::string fieldText(std::string text) {
+    std::ranges::replace_if(
+        text, [](char c) { return static_cast<unsigned char>(c) < ' '; }, ' ');
+    return csvField(text);
 }
 
 /// Takes the next field from the front of `text`, without its quotes; false: it is none.
@@ -91,8 +90,8 @@ Watch watchFrom(LedgerEntry entry) {
 
 std::string ledgerText(const LedgerLine& line) {
     return minuteText(line.minute) + "," + offsetText(line.offset) + "," +
-           std::string(kEntries[static_cast<std::size_t>(line.entry)]) + "," + quoted(line.file) +
-           "," + quoted(line.detail);
+           std::string(kEntries[static_cast<std::size_t>(line.entry)]) + "," +
+           fieldText(line.file) + "," + fieldText(line.detail);
 }
 
 std::optional<LedgerLine> parseLedgerLine(std::string_view text) {

@@ -1,4 +1,5 @@
 #include "archive/DayReport.h"
+#include "archive/Csv.h"
 
 #include "tests/support/TestPictures.h"
 #include "tests/support/TestStation.h"
