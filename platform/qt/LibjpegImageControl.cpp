@@ -8,6 +8,7 @@
 
 #include <QFontDatabase>
 #include <QGuiApplication>
+#include <QPainter>
 
 #include <algorithm>
 #include <vector>
@@ -24,10 +25,19 @@ LibjpegImageControl::~LibjpegImageControl() {
 }
 
 Task<Fault> LibjpegImageControl::load(std::filesystem::path file) {
+    return read(std::move(file), {});
+}
+
+Task<Fault> LibjpegImageControl::loadReduced(std::filesystem::path file, int rows) {
+    constexpr int kAnyWidth = 1 << 20;
+    return read(std::move(file), {kAnyWidth, rows});
+}
+
+Task<Fault> LibjpegImageControl::read(std::filesystem::path file, QSize bound) {
     clear();
     std::string bytes;
     if (auto reason = readWholeFile(file, bytes)) co_return reason;
-    Task<Fault> decoding = decode(bytes);
+    Task<Fault> decoding = decode(bytes, bound);
     Fault fault = co_await decoding;
     co_return fault;
 }
@@ -77,6 +87,40 @@ void LibjpegImageControl::drawText(const std::string& text) {
     drawStamp(picture_.pixels, QString::fromStdString(text), fontFamily_);
 }
 
+void LibjpegImageControl::fitInto(int width, int height) {
+    const QImage& pixels = picture_.pixels;
+    const QSize frame(width, height);
+    if (pixels.isNull() || pixels.size() == frame) return;
+    const QSize fitted =
+        pixels.size().scaled(frame, Qt::KeepAspectRatio).expandedTo({1, 1}).boundedTo(frame);
+    QImage whole(frame, QImage::Format_RGB32);
+    whole.fill(Qt::black);
+    QPainter painter(&whole);
+    painter.drawImage(QPoint((width - fitted.width()) / 2, (height - fitted.height()) / 2),
+                      pixels.scaled(fitted, Qt::IgnoreAspectRatio, Qt::SmoothTransformation));
+    painter.end();
+    picture_.pixels = whole;
+}
+
+Pixels LibjpegImageControl::pixels() const {
+    const QImage& from = picture_.pixels;
+    Pixels to{from.width(), from.height()};
+    to.data.reserve(static_cast<std::size_t>(to.width) * static_cast<std::size_t>(to.height));
+    for (int y = 0; y < to.height; ++y) {
+        const auto* row = reinterpret_cast<const QRgb*>(from.constScanLine(y));
+        to.data.insert(to.data.end(), row, row + to.width);
+    }
+    return to;
+}
+
+void LibjpegImageControl::take(Pixels pixels) {
+    picture_ = {};
+    const auto* data = reinterpret_cast<const uchar*>(pixels.data.data());
+    picture_.pixels =
+        QImage(data, pixels.width, pixels.height, pixels.width * 4, QImage::Format_RGB32).copy();
+    fullSize_ = picture_.pixels.size();
+}
+
 Task<Fault> LibjpegImageControl::save(std::filesystem::path file, std::int16_t format,
                                       std::int16_t factor, std::string stamp) {
     if (picture_.pixels.isNull()) co_return "No picture to save";
@@ -88,12 +132,26 @@ Task<Fault> LibjpegImageControl::save(std::filesystem::path file, std::int16_t f
             exifForUpright(picture.exif, stamp, picture.pixels.width(), picture.pixels.height());
     const auto form = format == kFormatExif ? JpegEncoder::Form::Exif : JpegEncoder::Form::Jfif444;
     JpegEncoder encoder(std::move(picture), form, std::clamp(100 - factor, 1, 100));
-    if (Fault fault = encoder.begin()) co_return fault;
-    while (encoder.more()) {
+    Task<Fault> encoding = run(encoder);
+    Fault fault = co_await encoding;
+    co_return fault ? fault : writeToFinalName(encoder.take(), file);
+}
+
+Task<std::string> LibjpegImageControl::encode(int quality) {
+    if (picture_.pixels.isNull()) co_return std::string();
+    JpegEncoder encoder({picture_.pixels, {}, {}, {}}, JpegEncoder::Form::Jfif444, quality);
+    Task<Fault> encoding = run(encoder);
+    const Fault fault = co_await encoding;
+    co_return fault ? std::string() : encoder.take();
+}
+
+Task<Fault> LibjpegImageControl::run(JpegEncoder& encoder) {
+    Fault fault = encoder.begin();
+    while (!fault && encoder.more()) {
         co_await clock_.yield(); // first: mirroring and drawing have just had a slice
-        if (Fault fault = encoder.encodeSlice()) co_return fault;
+        fault = encoder.encodeSlice();
     }
-    co_return writeToFinalName(encoder.take(), file);
+    co_return fault;
 }
 
 } // namespace orvane

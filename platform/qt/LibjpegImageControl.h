@@ -12,6 +12,7 @@
 namespace orvane {
 
 class JpegDecoder;
+class JpegEncoder;
 
 /// The imaging control on libjpeg-turbo, libexif and QPainter. Needs a QGuiApplication.
 ///
@@ -27,11 +28,16 @@ class LibjpegImageControl final : public ImageControl {
     LibjpegImageControl& operator=(const LibjpegImageControl&) = delete;
 
     Task<Fault> load(std::filesystem::path file) override;
+    Task<Fault> loadReduced(std::filesystem::path file, int rows) override;
     Task<Fault> check(const std::string& jpeg) override;
     void mirror() override;
     void drawText(const std::string& text) override;
+    void fitInto(int width, int height) override;
+    Pixels pixels() const override;
+    void take(Pixels pixels) override;
     Task<Fault> save(std::filesystem::path file, std::int16_t format, std::int16_t factor,
                      std::string stamp) override;
+    Task<std::string> encode(int quality) override;
     void clear() override { picture_ = {}; }
 
     /// Loads the picture from the bytes of a JPEG file, which outlive the task. With a `bound` it
@@ -46,7 +52,9 @@ class LibjpegImageControl final : public ImageControl {
     QSize fullSize() const { return fullSize_; }
 
   private:
+    Task<Fault> read(std::filesystem::path file, QSize bound);
     Task<Fault> run(JpegDecoder& decoder);
+    Task<Fault> run(JpegEncoder& encoder);
 
     Clock& clock_;
     int fontId_;

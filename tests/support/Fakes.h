@@ -190,12 +190,19 @@ class FakeImageControl final : public ImageControl {
         if (!failure.empty()) co_return failure;
         co_return readWholeFile(file, bytes_);
     }
+    Task<Fault> loadReduced(std::filesystem::path file, int) override { return load(file); }
     Task<Fault> check(const std::string&) override {
         if (unsound.empty()) co_return std::nullopt;
         co_return unsound;
     }
     void mirror() override { bytes_ += "mirrored"; }
     void drawText(const std::string& text) override { bytes_ += text; }
+    void fitInto(int, int) override { bytes_ += "fitted"; }
+    Pixels pixels() const override {
+        return {1, static_cast<int>(bytes_.size()), {bytes_.begin(), bytes_.end()}};
+    }
+    void take(Pixels pixels) override { bytes_.assign(pixels.data.begin(), pixels.data.end()); }
+    Task<std::string> encode(int) override { co_return bytes_; }
     Task<Fault> save(std::filesystem::path file, std::int16_t, std::int16_t, std::string) override {
         co_return writeToFinalName(bytes_, file);
     }
