@@ -1,6 +1,8 @@
 #include "archive/CopiesAnew.h"
 #include "archive/DayReport.h"
+#include "archive/DaySurvey.h"
 #include "archive/FolderScan.h"
+#include "archive/ShownDay.h"
 #include "core/AutoStart.h"
 #include "core/DailyClocks.h"
 #include "core/MainLoop.h"
@@ -95,7 +97,8 @@ class Program {
             shutdown_,
             wishes_,
             views_,
-            days_,
+            shownDay_,
+            survey_,
             {portSelection_, timeForm_, timeSetting_, optionForm_, options_},
             copies_,
             report_,
@@ -149,6 +152,7 @@ class Program {
     LibjpegImageControl imageControl_{clock_};
     LibjpegImageControl viewsControl_{clock_}; ///< holds what the windows decode, over waits
     LibjpegImageControl copiesControl_{clock_};
+    LibjpegImageControl keogramsControl_{clock_};
     std::unique_ptr<SystemInfo> systemInfo_ = makeSystemInfo();
     QtOperator op_{clock_};
 
@@ -179,6 +183,9 @@ class Program {
     Wishes wishes_{{module_, busy_, inetFileGet_, imageStore_, clock_}};
     Recording recording_{module_, panel_, settings_, status_, log_, op_, wishes_, clock_};
     FolderScan folderScan_{module_, panel_};
+    Keograms keograms_{{keogramsControl_, module_, busy_, clock_}};
+    ShownDay shownDay_{{days_, module_, panel_, keograms_, clock_, faults_}};
+    DaySurvey survey_{{days_, module_, panel_, clock_, faults_}};
     CopiesAnew copies_{{panel_, busy_, log_, faults_, clock_}, copiesControl_};
     DayReport report_{{panel_, busy_, log_, faults_, clock_}, module_};
     FrameLink link_{*MSComm1_, store_, log_, clock_, module_};

@@ -2,6 +2,7 @@
 
 #include "imaging/JpegMarkers.h"
 #include "platform/Files.h"
+#include "platform/Paths.h"
 
 #include <algorithm>
 #include <array>
@@ -30,6 +31,16 @@ bool isJpegName(const std::filesystem::path& file) {
 
 std::filesystem::path datedFolderOf(const std::filesystem::path& dataFolder, WallTime time) {
     return dataFolder / dateDigits(time);
+}
+
+std::optional<std::chrono::local_days> firstDayOf(const std::filesystem::path& dataFolder) {
+    for (const std::filesystem::path& entry : listFolder(dataFolder).entries) {
+        if (!isDatedName(entry)) continue;
+        // a day that no calendar knows is none
+        const auto name = ImageName::parse(utf8FromPath(entry.filename()) + "_000000_00.jpg");
+        if (name) return name->day();
+    }
+    return std::nullopt;
 }
 
 bool isInDatedFolder(const std::filesystem::path& file) {

@@ -10,6 +10,8 @@ namespace orvane {
 
 /// D/yyyymmdd, the folder of a day's pictures below the data folder D.
 std::filesystem::path datedFolderOf(const std::filesystem::path& dataFolder, WallTime time);
+/// The earliest day that has a folder below a data folder; nothing when none has.
+std::optional<std::chrono::local_days> firstDayOf(const std::filesystem::path& dataFolder);
 /// Whether `file` lies in a dated folder, one named by eight digits, outside the tree of processed
 /// copies ("Edit").
 bool isInDatedFolder(const std::filesystem::path& file);

@@ -9,6 +9,8 @@ namespace {
 
 /// The coarsest time stamps of a file system that pictures may be kept on are two seconds apart.
 constexpr std::chrono::seconds kCoarseStamp{3};
+/// Some milliseconds' work.
+constexpr std::size_t kFilesOfASlice = 50;
 
 /// The same value for every folder that is not there.
 std::filesystem::file_time_type changeTime(const std::filesystem::path& folder) {
@@ -21,6 +23,12 @@ bool isRecent(std::filesystem::file_time_type time) {
     if (time == std::filesystem::file_time_type::min()) return false;
     const auto age = std::filesystem::file_time_type::clock::now() - time;
     return age >= age.zero() && age < kCoarseStamp;
+}
+
+bool isFilled(const std::filesystem::path& file) {
+    std::error_code error;
+    const auto size = std::filesystem::file_size(file, error);
+    return !error && size > 0;
 }
 
 } // namespace
@@ -39,11 +47,8 @@ bool DayFolder::refresh() {
     const auto changed = changeTime(folder_);
     // a folder that could not be read may have been given back without a change in it
     if (changed == changed_ && !readAgain_ && !fault_) return false;
-    changed_ = changed;
-    readAgain_ = isRecent(changed);
-    DayListing listing = reader_(folder_);
     const bool wasUnreadable = fault_.has_value();
-    fault_ = std::move(listing.fault);
+    DayListing listing = list();
     if (fault_) return !wasUnreadable;
     std::erase_if(listing.pictures, [this](const FiledPicture& picture) {
         return !isKnown(picture.name) && !isWholePicture(picture.file);
@@ -53,6 +58,29 @@ bool DayFolder::refresh() {
     for (const FiledPicture& picture : pictures_)
         count(picture.name);
     return wasUnreadable || origins_ != before;
+}
+
+Task<> DayFolder::read(Look look, Turn turn) {
+    const DayListing listing = list();
+    std::size_t looked = 0;
+    for (const FiledPicture& picture : listing.pictures) {
+        const bool good =
+            look == Look::Whole ? isWholePicture(picture.file) : isFilled(picture.file);
+        if (good) add(picture.file);
+        if (++looked % kFilesOfASlice != 0) continue;
+        Task<> waiting = turn(looked, listing.pictures.size());
+        co_await waiting;
+    }
+}
+
+/// A fault of it leaves the listing empty.
+DayListing DayFolder::list() {
+    changed_ = changeTime(folder_);
+    readAgain_ = isRecent(changed_);
+    DayListing listing = reader_(folder_);
+    fault_ = std::exchange(listing.fault, {});
+    if (fault_) listing.pictures.clear();
+    return listing;
 }
 
 void DayFolder::add(const std::filesystem::path& file) {

@@ -2,6 +2,7 @@
 
 #include "archive/DataFolder.h"
 #include "archive/DayPlan.h"
+#include "platform/Task.h"
 
 #include <functional>
 
@@ -20,6 +21,12 @@ class DayFolder {
     void turnTo(const std::filesystem::path& folder, std::chrono::local_days day);
     /// Reads what has changed. Whether `origins` or `fault` have.
     bool refresh();
+    /// How a file is judged: whether it holds a whole picture, or whether it holds anything.
+    enum class Look : std::uint8_t { Whole, Size };
+    /// Awaited between two slices, with how many files of how many have been looked at.
+    using Turn = std::function<Task<>(std::size_t, std::size_t)>;
+    /// The first reading of a folder, in slices. Not beside another call.
+    Task<> read(Look look, Turn turn);
     /// A whole picture was filed; it counts at once when it lies in this folder.
     void add(const std::filesystem::path& file);
 
@@ -33,6 +40,7 @@ class DayFolder {
     const Fault& fault() const { return fault_; }
 
   private:
+    DayListing list();
     bool isKnown(const ImageName& name) const;
     void count(const ImageName& name);
 

@@ -74,9 +74,10 @@ void findNext(DayPlan& plan) {
 }
 
 std::string planText(const DayPlan& plan) {
-    if (!plan.next) return "no minute is due";
+    if (plan.due == 0) return "no minute is due";
     std::string text = "taken " + std::to_string(plan.taken) + " of " + std::to_string(plan.due);
-    text += (plan.nextIsToday ? ", next at " : ", next tomorrow at ") + minuteText(*plan.next);
+    if (plan.next)
+        text += (plan.nextIsToday ? ", next at " : ", next tomorrow at ") + minuteText(*plan.next);
     if (plan.fetched > 0) text += ", " + std::to_string(plan.fetched) + " fetched later";
     if (plan.missed > 0) text += ", " + std::to_string(plan.missed) + " missed";
     if (plan.notRecorded > 0) text += ", " + std::to_string(plan.notRecorded) + " not recorded";
@@ -119,6 +120,19 @@ DayPlan planDay(const Schedule& schedule, const DueMinutes& isDue, const DayPict
     plan.end = wholeMinutes(schedule.EndTime);
     judgeAll(plan, pictures, now, delay, watch);
     findNext(plan);
+    plan.text = planText(plan);
+    return plan;
+}
+
+DayPlan planPastDay(const DueMinutes& isDue, const DayPictures& pictures, int delay,
+                    const WatchMinutes& watch) {
+    DayPlan plan = planOf(pictures);
+    plan.isDue = isDue;
+    const auto first = std::ranges::find(isDue, true);
+    const auto last = std::find(isDue.rbegin(), isDue.rend(), true);
+    if (first != isDue.end()) plan.begin = static_cast<int>(first - isDue.begin());
+    if (first != isDue.end()) plan.end = static_cast<int>(last.base() - isDue.begin());
+    judgeAll(plan, pictures, kDayMinutes + delay, delay, watch);
     plan.text = planText(plan);
     return plan;
 }

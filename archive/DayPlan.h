@@ -76,6 +76,10 @@ DayPlan planDay(const Schedule& schedule, const DueMinutes& isDue, const DayPict
 /// The same while recording is off.
 DayPlan planWithoutRecording(const DayPictures& pictures, const DueMinutes& isDue = {}, int now = 0,
                              int delay = 0, const WatchMinutes& watch = {});
+/// Judges a day that is over: nothing is to come. Its window reaches from the first due minute to
+/// the last.
+DayPlan planPastDay(const DueMinutes& isDue, const DayPictures& pictures, int delay,
+                    const WatchMinutes& watch);
 
 /// "09:30" for minute 570 of the day; 1440 is "24:00".
 std::string minuteText(int minuteOfDay);

@@ -12,7 +12,6 @@ namespace orvane {
 namespace {
 
 constexpr std::string_view kHeader = "date,due,taken,fetched,missed,first,last,note\r\n";
-constexpr std::size_t kFilesOfASlice = 50;
 
 std::string lineOf(std::initializer_list<std::string> fields) {
     std::string text;
@@ -48,46 +47,43 @@ void DayReport::start(DaySpan span, const std::filesystem::path& target) {
     begin(span);
 }
 
-Task<Fault> DayReport::workOn(std::chrono::local_days day) {
-    DayFolder folder(listDay);
-    folder.turnTo(folderOf(day), day);
-    Task<Fault> reading = read(folder);
-    const Fault unread = co_await reading;
-    unread_ += unread.has_value();
-    table_ += line(folder, unread);
+Task<Fault> DayReport::workOn(std::chrono::local_days date) {
+    ArchiveDay day;
+    day.turnTo(dataFolder(), date);
+    const auto turn = [this](std::size_t done, std::size_t count) {
+        show(done, count);
+        return takeTurn();
+    };
+    Task<> reading = day.folder.read(DayFolder::Look::Whole, turn);
+    co_await reading;
+    unread_ += day.folder.fault().has_value();
+    table_ += line(day);
     co_return std::nullopt;
 }
 
-/// Each file is looked at, as when the day itself was watched, but in slices.
-Task<Fault> DayReport::read(DayFolder& folder) {
-    const DayListing listing = listDay(folderOf(folder.day()));
-    std::size_t looked = 0;
-    for (const FiledPicture& picture : listing.pictures) {
-        if (isWholePicture(picture.file)) folder.add(picture.file);
-        if (++looked % kFilesOfASlice != 0) continue;
-        show(looked, listing.pictures.size());
-        Task<> turn = takeTurn();
-        co_await turn;
-    }
-    co_return listing.fault;
-}
-
-std::string DayReport::line(const DayFolder& folder, const Fault& unread) const {
-    const int now = minuteUnderWay(folder.day());
-    const DayPlan plan = planDay(schedule_, dueMinutes(schedule_), folder.origins(), now, delay_);
-    const std::string date = dateText(WallTime(folder.day()));
+std::string DayReport::line(const ArchiveDay& day) const {
+    const std::chrono::local_days today =
+        std::chrono::floor<std::chrono::days>(parts().clock.now());
+    const std::chrono::local_days date = day.folder.day();
+    const DayPlan plan = date < today ? day.planPast(schedule_, delay_)
+                                      : day.plan(schedule_, minuteUnderWay(date), delay_);
+    const std::string begin = dateText(WallTime(date));
     const std::string due = std::to_string(plan.due);
-    if (unread) return lineOf({date, due, "", "", "", "", "", "cannot be read: " + *unread});
-    const auto [first, last] = firstAndLast(folder);
-    return lineOf({date, due, std::to_string(plan.taken), std::to_string(plan.fetched),
-                   std::to_string(plan.missed), first, last, now < kDayMinutes ? "not over" : ""});
+    if (const Fault& unread = day.folder.fault())
+        return lineOf({begin, due, "", "", "", "", "", "cannot be read: " + *unread});
+    std::string note = date < today ? "" : "not over";
+    if (plan.notRecorded > 0)
+        note += (note.empty() ? "" : ", ") + std::to_string(plan.notRecorded) + " not recorded";
+    const auto [first, last] = firstAndLast(day.folder);
+    return lineOf({begin, due, std::to_string(plan.taken), std::to_string(plan.fetched),
+                   std::to_string(plan.missed), first, last, note});
 }
 
-/// Of that day: behind its last due minute once it is over, 0 before it has begun.
+/// Of today or a day to come, which has not begun.
 int DayReport::minuteUnderWay(std::chrono::local_days day) const {
     const WallTime now = parts().clock.now();
     const auto since = minuteIndex(now) - minuteIndex(WallTime(day));
-    return static_cast<int>(std::clamp<std::int64_t>(since, 0, kDayMinutes + delay_));
+    return static_cast<int>(std::max<std::int64_t>(since, 0));
 }
 
 Fault DayReport::finish() {

@@ -1,22 +1,22 @@
 #pragma once
 
-#include "archive/DayFolder.h"
+#include "archive/ArchiveDay.h"
 #include "archive/SpanWork.h"
 #include "station/Module1.h"
 
 namespace orvane {
 
 /// Writes how complete some days are as a table: CSV as RFC 4180 has it, in UTF-8, with a header
-/// and a line for each day. The days are judged by the schedule that stands on the panel when the
-/// work begins and by the files in the dated folders. The file is written whole, at the end, or not
-/// at all.
+/// and a line for each day. The days are judged by the files in the dated folders and by the days'
+/// ledgers; without one, by the schedule that stands on the panel when the work begins. The file is
+/// written whole, at the end, or not at all.
 ///
 ///     date,due,taken,fetched,missed,first,last,note
 ///     2006/11/15,144,140,3,1,06:00:00,17:55:00,
 ///
 /// `taken`, `fetched` and `missed` count due minutes; `first` and `last` are the times of the day's
-/// first and last picture of any kind. A folder that cannot be read has none of these, and the
-/// reason as its note.
+/// first and last picture of any kind; the note counts the due minutes in which nobody recorded. A
+/// folder that cannot be read has none of these, and the reason as its note.
 class DayReport final : public SpanWork {
   public:
     /// `module` outlives it.
@@ -29,8 +29,7 @@ class DayReport final : public SpanWork {
     Task<Fault> workOn(std::chrono::local_days day) override;
     Fault finish() override;
     std::string outcome() const override;
-    Task<Fault> read(DayFolder& folder);
-    std::string line(const DayFolder& folder, const Fault& unread) const;
+    std::string line(const ArchiveDay& day) const;
     int minuteUnderWay(std::chrono::local_days day) const;
 
     const Module1& module_;

@@ -34,8 +34,7 @@ bool isMissed(const LedgerLine& line) {
 
 DayWatch::DayWatch(const Module1& module, const OperationPanel& panel, const Clock& clock,
                    const DayFolder::Reader& reader)
-    : module_(module), panel_(panel), clock_(clock), today_{DayFolder(reader)},
-      yesterday_{DayFolder(reader)} {}
+    : module_(module), panel_(panel), clock_(clock), today_(reader), yesterday_(reader) {}
 
 /// Ten times a second: nothing is allocated while nothing has changed, and the data folder is
 /// compared as text, since comparing paths part by part is slow.
@@ -97,14 +96,9 @@ void DayWatch::noteJump(WallTime now) {
 /// A picture of yesterday still counts when it is looked for since when none has come.
 void DayWatch::turn(std::chrono::local_days today) {
     const auto yesterday = today - std::chrono::days(1);
-    const auto folderOf = [this](std::chrono::local_days day) {
-        return datedFolderOf(dataFolder_, WallTime(day));
-    };
     std::swap(today_, yesterday_);
-    yesterday_.folder.turnTo(folderOf(yesterday), yesterday);
-    today_.folder.turnTo(folderOf(today), today);
-    yesterday_.ledger = readLedger(ledgerOf(dataFolder_, yesterday));
-    today_.ledger = readLedger(ledgerOf(dataFolder_, today));
+    yesterday_.turnTo(dataFolder_, yesterday);
+    today_.turnTo(dataFolder_, today);
     std::erase_if(neverWere_,
                   [=](const auto& range) { return range.second < firstMinuteOf(yesterday); });
     findDue();
@@ -144,27 +138,6 @@ const DayPlan& DayWatch::plan() {
     return plan_;
 }
 
-std::string DayWatch::detailOf(int minute) {
-    const std::string file = fileOf(today_, plan(), minute);
-    const bool missed = plan_.states[static_cast<std::size_t>(minute)] == DayState::Missed;
-    return missed ? today_.ledger.reasonOf(minute) : file;
-}
-
-std::string DayWatch::fileOf(const Day& day, const DayPlan& plan, int minute) const {
-    const DayState state = plan.states[static_cast<std::size_t>(minute)];
-    const bool captured = state == DayState::Taken;
-    if (!captured && state != DayState::Fetched) return {};
-    const DayPictures& origins = day.folder.origins();
-    if (captured) minute = captureOf(plan.isDue, origins, minute, seen_.delay).value_or(minute);
-    const std::int64_t sought = firstMinuteOf(day.folder.day()) + minute;
-    const auto& pictures = day.folder.pictures();
-    auto picture = std::ranges::lower_bound(pictures, sought, {},
-                                            [](const auto& entry) { return entry.name.minute(); });
-    for (; picture != pictures.end() && picture->name.minute() == sought; ++picture)
-        if (picture->name.isCapture() == captured) return picture->name.text();
-    return {};
-}
-
 std::vector<LedgerLine> DayWatch::newLines() {
     plan();
     if (std::exchange(told_, plans_) == plans_) return {};
@@ -188,8 +161,10 @@ std::vector<LedgerLine> DayWatch::newLines(const Day& day, const DayPlan& plan) 
         const DayState state = plan.states[minute];
         if (state == told[minute] || state == DayState::ToCome || !plan.isDue[minute]) continue;
         const int place = static_cast<int>(minute);
+        const FiledPicture* picture = day.pictureOf(plan, place, seen_.delay);
         if (const auto entry = entryOf(state))
-            lines.push_back({place, {}, *entry, fileOf(day, plan, place), {}});
+            lines.push_back(
+                {place, {}, *entry, picture == nullptr ? "" : picture->name.text(), {}});
     }
     return lines;
 }

@@ -1,7 +1,6 @@
 #pragma once
 
-#include "archive/DayFolder.h"
-#include "archive/Ledger.h"
+#include "archive/ArchiveDay.h"
 #include "station/Module1.h"
 #include "station/OperationPanel.h"
 
@@ -30,10 +29,10 @@ class DayWatch {
     /// Of today, as far as is known.
     const DayPlan& plan();
     int minuteOfDay() const { return static_cast<int>(seen_.minute % kDayMinutes); }
+    const ArchiveDay& today() const { return today_; }
     /// What today's folder holds.
     const DayFolder& folder() const { return today_.folder; }
-    /// The name of the file that a minute of today is judged by, or why it was missed; else empty.
-    std::string detailOf(int minute);
+    int delay() const { return seen_.delay; } ///< whole minutes of a capture's delay
 
     /// What today is judged otherwise than its ledger tells, without offsets and reasons; each
     /// judgement is told once.
@@ -61,10 +60,9 @@ class DayWatch {
 
         bool operator==(const Seen&) const = default;
     };
-    struct Day {
-        DayFolder folder;
+    struct Day : ArchiveDay {
+        explicit Day(const DayFolder::Reader& reader) : ArchiveDay(reader) {}
         DueMinutes isDue{};
-        LedgerDay ledger{};
     };
     struct Missed {
         int count = 0;
@@ -81,7 +79,6 @@ class DayWatch {
     const Day* dayOf(std::int64_t minute) const;
     bool isDue(std::int64_t minute) const;
     bool isTaken(std::int64_t minute) const;
-    std::string fileOf(const Day& day, const DayPlan& plan, int minute) const;
     std::vector<LedgerLine> newLines(const Day& day, const DayPlan& plan) const;
     bool wasRecorded(std::int64_t minute) const;
     bool isOver(std::int64_t minute) const { return minute + seen_.delay < seen_.minute; }

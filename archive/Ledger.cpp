@@ -1,6 +1,7 @@
 #include "archive/Ledger.h"
 
 #include "archive/Csv.h"
+#include "archive/DataFolder.h"
 #include "platform/Files.h"
 
 #include <algorithm>
@@ -86,6 +87,20 @@ Watch watchFrom(LedgerEntry entry) {
     return entry == LedgerEntry::ProgramEnded ? Watch::NotRunning : Watch::Off;
 }
 
+std::vector<LedgerLine> linesOf(const std::filesystem::path& file) {
+    std::vector<LedgerLine> lines;
+    std::string text;
+    if (readWholeFile(file, text)) return lines;
+    std::string_view rest = text;
+    for (auto end = rest.find('\n'); end != std::string_view::npos; end = rest.find('\n')) {
+        std::string_view line = rest.substr(0, end);
+        rest.remove_prefix(end + 1);
+        if (line.ends_with('\r')) line.remove_suffix(1);
+        if (const auto parsed = parseLedgerLine(line)) lines.push_back(*parsed);
+    }
+    return lines;
+}
+
 } // namespace
 
 std::string ledgerText(const LedgerLine& line) {
@@ -128,6 +143,7 @@ std::optional<Schedule> parseSchedule(std::string_view text) {
 }
 
 void LedgerDay::apply(const LedgerLine& line) {
+    isEmpty_ = false;
     skip(line);
     offset_ = line.offset;
     if (line.entry >= LedgerEntry::ProgramStarted) return begin(line);
@@ -148,6 +164,14 @@ void LedgerDay::begin(const LedgerLine& line) {
         set(line.minute, kDayMinutes, watchFrom(line.entry));
     }
     alive_ = line.minute;
+}
+
+WatchMinutes LedgerDay::watchOfPast() const {
+    WatchMinutes watch = watch_;
+    if (isEmpty_) return watch;
+    const auto broken = watch.begin() + std::min(alive_, kDayMinutes);
+    std::replace(broken, watch.end(), Watch::Recording, Watch::NotRunning);
+    return watch;
 }
 
 void LedgerDay::set(int first, int end, Watch watch) {
@@ -191,16 +215,22 @@ std::filesystem::path ledgerOf(const std::filesystem::path& dataFolder,
 
 LedgerDay readLedger(const std::filesystem::path& file) {
     LedgerDay day;
-    std::string text;
-    if (readWholeFile(file, text)) return day;
-    std::string_view rest = text;
-    for (auto end = rest.find('\n'); end != std::string_view::npos; end = rest.find('\n')) {
-        std::string_view line = rest.substr(0, end);
-        rest.remove_prefix(end + 1);
-        if (line.ends_with('\r')) line.remove_suffix(1);
-        if (const auto parsed = parseLedgerLine(line)) day.apply(*parsed);
-    }
+    for (const LedgerLine& line : linesOf(file))
+        day.apply(line);
     return day;
+}
+
+bool wasProgramAway(const std::filesystem::path& dataFolder, std::chrono::local_days day) {
+    const std::filesystem::path sought = ledgerOf(dataFolder, day);
+    bool isLater = false; // than another ledger
+    for (const std::filesystem::path& file : listFolder(sought.parent_path()).entries) {
+        if (file.filename() > sought.filename()) {
+            const std::vector<LedgerLine> lines = linesOf(file);
+            return isLater && !lines.empty() && lines[0].entry == LedgerEntry::ProgramStarted;
+        }
+        isLater = true;
+    }
+    return false;
 }
 
 Fault mendLedger(const std::filesystem::path& file) {

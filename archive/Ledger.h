@@ -46,7 +46,11 @@ class LedgerDay {
   public:
     void apply(const LedgerLine& line);
 
+    bool isEmpty() const { return isEmpty_; } ///< no line has been read
     const WatchMinutes& watch() const { return watch_; }
+    /// The same of a day that is over. A program that records judges each due minute, so after the
+    /// last line it was not running.
+    WatchMinutes watchOfPast() const;
     /// The minutes that were due by the schedule in force in each, from minute `now` on by
     /// `present`. Before the first schedule that is known, that one counts.
     DueMinutes dueBy(const Schedule& present, int now) const;
@@ -61,6 +65,7 @@ class LedgerDay {
     void begin(const LedgerLine& line);
     void skip(const LedgerLine& line);
 
+    bool isEmpty_ = true;
     WatchMinutes watch_{};
     std::array<DayState, kDayMinutes> judged_{};
     std::map<int, std::string> reasons_;
@@ -76,6 +81,9 @@ std::filesystem::path ledgerOf(const std::filesystem::path& dataFolder,
 /// Nothing that stands in the file is a fault, and no file is an empty day. Lines that are no such
 /// lines are passed over, and what follows the last line's end: it was cut by a loss of power.
 LedgerDay readLedger(const std::filesystem::path& file);
+/// Whether a day without a ledger lies between two that have one, of which the later begins with
+/// the program's start: nobody was there to write one.
+bool wasProgramAway(const std::filesystem::path& dataFolder, std::chrono::local_days day);
 /// Takes away what follows the last line's end, so that nothing is appended to half a line.
 Fault mendLedger(const std::filesystem::path& file);
 /// Appends `lines`, each with its end; the file is open within this call only. Makes the folder of

@@ -58,6 +58,7 @@ class SpanWork {
     Task<> takeTurn();
     /// Shows that `done` of a day's `count` steps are done.
     void show(std::size_t done, std::size_t count);
+    const std::filesystem::path& dataFolder() const { return dataFolder_; }
     std::filesystem::path folderOf(std::chrono::local_days day) const;
     const Parts& parts() const { return parts_; }
     void log(const std::string& line) const;

@@ -3,6 +3,7 @@
 #include "ui/Layout.h"
 #include "ui/Text.h"
 #include "ui/WishBar.h"
+#include "ui/day/DayMenu.h"
 #include "ui/day/DayView.h"
 #include "ui/dialogs/FrmComPort.h"
 #include "ui/dialogs/FrmSave.h"
@@ -30,7 +31,7 @@ frmMain::frmMain(Parts parts)
     auto* strip =
         new ThumbnailStrip(parts_.views.loader(), parts_.faults.reporter("ThumbnailStrip"));
     QHBoxLayout* above = row({new PanelScroll(*operation_), {column({{area_, 1}, strip}, 0), 1}});
-    auto* day = new DayView({parts_.days, parts_.module, parts_.clock, parts_.faults});
+    auto* day = new DayView({parts_.day, parts_.module, parts_.clock, parts_.faults});
     setCentralWidget(inWidget(column({{above, 1}, day}, 0)));
     new WishBar(parts_.wishes, centralWidget());
 
@@ -38,6 +39,9 @@ frmMain::frmMain(Parts parts)
     addToolsMenu();
     addRecordingMenu();
     new ImageMenu(*saveAs_, addMenu("mnuImage", "Pict&ure"), *area_, parts_.views);
+    new DayMenu(
+        addMenu("mnuDay", "&Day"), *day, *area_,
+        {parts_.day, parts_.survey, parts_.module, parts_.clock, parts_.faults, parts_.views});
     addWindowMenu();
     addEntry(addMenu("mnuHelp", "&Help"),
              {"mnuHelpAbout", "&About...", "Shows the program's version."}, {}, this,

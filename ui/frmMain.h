@@ -11,9 +11,11 @@ namespace orvane {
 
 class CopiesAnew;
 class DayReport;
+class DaySurvey;
 class FrmComPort;
 class FrmTKRTimeAuto;
 class PortSelection;
+class ShownDay;
 class TimeSetting;
 class TrackerOptions;
 class frmOption;
@@ -43,7 +45,8 @@ class frmMain : public QMainWindow {
         Shutdown& shutdown;
         Wishes& wishes;
         QtImageViews& views;
-        DayWatch& days;
+        ShownDay& day;
+        DaySurvey& survey;
         Tracker tracker;
         CopiesAnew& copies;
         DayReport& report;

@@ -66,7 +66,7 @@ TEST_F(LedgerOfADay, HasALineForEveryDueMinuteAndSwitch) {
                            "on device.\n"
                            "10:20,+09:00,program ended,,\n");
     EXPECT_EQ(s->days.plan().text, "taken 1 of 30, next at 10:30, 2 missed, 1 not recorded");
-    EXPECT_EQ(s->days.detailOf(9 * 60 + 30), "HTTP status 503");
+    EXPECT_EQ(s->days.today().detailOf(s->days.plan(), 9 * 60 + 30, 0), "HTTP status 503");
 }
 
 /// The day goes on as it was; what nobody recorded is fetched from the store, but not what nobody
@@ -93,7 +93,7 @@ TEST_F(LedgerOfADay, IsKnownAfterARestart) {
     const auto& states = s->days.plan().states;
     EXPECT_EQ(states[10 * 60], DayState::Off);
     EXPECT_EQ(states[11 * 60], DayState::NotRunning);
-    EXPECT_EQ(s->days.detailOf(9 * 60 + 30), "HTTP status 503");
+    EXPECT_EQ(s->days.today().detailOf(s->days.plan(), 9 * 60 + 30, 0), "HTTP status 503");
     EXPECT_EQ(s->warnings.text.get(), "");
     EXPECT_EQ(std::ranges::count(asked, ' '), 5) << asked;
     EXPECT_EQ(asked.find("from_hour=10&from_min=0"), std::string::npos) << asked;

@@ -2,6 +2,8 @@
 
 #include "archive/CopiesAnew.h"
 #include "archive/DayReport.h"
+#include "archive/DaySurvey.h"
+#include "archive/ShownDay.h"
 #include "tests/support/FakeSystemInfo.h"
 #include "tests/support/TestStation.h"
 #include "ui/frmMain.h"
@@ -56,7 +58,8 @@ struct Window : TestStation {
                 shutdown,
                 wishes,
                 pictures,
-                days,
+                shownDay,
+                survey,
                 {portSelection, timeForm, timeSetting, optionForm, options},
                 copies,
                 report,
@@ -75,6 +78,10 @@ struct Window : TestStation {
     QtImageViews pictures;
     FakeSystemInfo systemInfo;
     Shutdown shutdown;
+    LibjpegImageControl keogramControl{clock};
+    Keograms keograms{{keogramControl, module, busy, clock}};
+    ShownDay shownDay{{days, module, panel, keograms, clock, faults}};
+    DaySurvey survey{{days, module, panel, clock, faults}};
     CopiesAnew copies{{panel, busy, log, faults, clock}, imageControl};
     DayReport report{{panel, busy, log, faults, clock}, module};
     frmMain main;

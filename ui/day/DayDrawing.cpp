@@ -53,6 +53,7 @@ DayDrawing::Colours DayDrawing::coloursFor(const QPalette& palette) {
     colours.fetched = dark ? QColor(205, 165, 250) : QColor(125, 70, 175);
     colours.missed = dark ? QColor(255, 130, 80) : QColor(205, 70, 0);
     colours.notRecording = mixed(ground, ink, 0.5);
+    colours.film = palette.color(QPalette::Highlight);
     colours.toCome = mixed(ground, ink, 0.55);
     return colours;
 }
@@ -60,17 +61,18 @@ DayDrawing::Colours DayDrawing::coloursFor(const QPalette& palette) {
 void DayDrawing::draw(const Content& content) {
     painter_.setRenderHint(QPainter::Antialiasing);
     painter_.fillRect(layout_.plot, colours_.ground);
-    if (content.sun) {
-        drawNight(*content.sun);
-        drawCurve(*content.sun);
-    }
+    onPicture_ = !content.keogram.isNull();
+    if (content.sun) drawNight(*content.sun);
+    if (onPicture_) drawKeogram(content.keogram);
+    if (content.sun) drawCurve(*content.sun);
     if (content.plan.begin && *content.plan.end > *content.plan.begin)
         drawWindow(*content.plan.begin, *content.plan.end);
     for (std::size_t i = 0; i < content.marks.size(); ++i)
         drawMark(layout_.markRect(content.marks, i), content.marks[i].state,
                  content.marks[i].isDue);
     drawHours();
-    drawNow(content.now);
+    if (content.now) drawNow(*content.now);
+    if (content.film >= 0) drawFilm(content.film);
     // above the line of the present time, which would strike them through
     if (content.sun && content.sun->sunrise) drawSunTime(*content.sun->sunrise, true);
     if (content.sun && content.sun->sunset) drawSunTime(*content.sun->sunset, false);
@@ -81,17 +83,18 @@ void DayDrawing::draw(const Content& content) {
             layout_.markRect(content.marks, static_cast<std::size_t>(content.selected))
                 .adjusted(-3, -1, 3, 1));
     }
-    drawText(toQString(content.plan.text), drawLegend());
+    const QString text = toQString(content.plan.text);
+    drawText(text, drawLegend(QFontMetricsF(painter_.font()).horizontalAdvance(text)));
 }
 
 /// From the right; answers where it begins. The text has precedence in a narrow window.
-double DayDrawing::drawLegend() {
+double DayDrawing::drawLegend(double textWidth) {
     const QFontMetricsF metrics(painter_.font());
     const double symbol = layout_.unit * 0.5;
     double width = 0;
     for (const LegendEntry& entry : kLegend)
         width += metrics.horizontalAdvance(entry.text) + symbol + layout_.unit * 1.2;
-    if (width > layout_.text.width() / 2) return layout_.text.right();
+    if (width + textWidth > layout_.text.width()) return layout_.text.right();
     double left = layout_.text.right() - width;
     const double begin = left;
     for (const LegendEntry& entry : kLegend) {
@@ -155,7 +158,7 @@ void DayDrawing::drawCurve(const SunDay& sun) {
     QPainterPath below = curve;
     below.lineTo(layout_.plot.right(), layout_.plot.bottom() * 4);
     below.lineTo(layout_.plot.left(), layout_.plot.bottom() * 4);
-    painter_.fillPath(below.intersected(sky), colours_.day);
+    if (!onPicture_) painter_.fillPath(below.intersected(sky), colours_.day);
     painter_.save();
     painter_.setClipRect(layout_.sun);
     painter_.strokePath(curve, QPen(colours_.sun, 1.5));
@@ -178,6 +181,7 @@ void DayDrawing::drawSunTime(int minute, bool rising) {
     if (!left && x + gap + width > layout_.plot.right()) left = true;
     const QRectF place(left ? x - gap - width : x + gap, layout_.sun.top() + 1, width,
                        layout_.unit);
+    if (onPicture_) painter_.fillRect(place, colours_.ground);
     painter_.setPen(colours_.ink);
     const Qt::AlignmentFlag side = left ? Qt::AlignRight : Qt::AlignLeft;
     painter_.drawText(place, static_cast<int>(Qt::AlignVCenter | side), text);
@@ -243,6 +247,27 @@ void DayDrawing::drawHours() {
     }
     painter_.setPen(QPen(colours_.faint, 1));
     painter_.drawLine(layout_.plot.bottomLeft(), layout_.plot.bottomRight());
+}
+
+/// In the sun's place, and faint behind the marks, which must be seen before all else.
+void DayDrawing::drawKeogram(const QImage& keogram) {
+    painter_.save();
+    painter_.setRenderHint(QPainter::SmoothPixmapTransform);
+    painter_.drawImage(layout_.plot, keogram, QRectF(keogram.rect()));
+    painter_.restore();
+    QColor veil = colours_.ground;
+    veil.setAlpha(190);
+    painter_.fillRect(layout_.lane, veil);
+}
+
+/// A frame around where the film is, unlike the line of the present time.
+void DayDrawing::drawFilm(int minute) {
+    const double x = layout_.x(minute + 0.5);
+    const double width = std::max(layout_.pixelsPerMinute(), layout_.unit * 0.35);
+    painter_.setPen(QPen(colours_.film, 2));
+    painter_.setBrush(Qt::NoBrush);
+    painter_.drawRoundedRect(
+        QRectF(x - width / 2, layout_.plot.top() + 1, width, layout_.plot.height() - 2), 2, 2);
 }
 
 void DayDrawing::drawNow(int minute) {

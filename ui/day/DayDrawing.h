@@ -17,8 +17,10 @@ class DayDrawing {
         const DayPlan& plan;
         const std::optional<SunDay>& sun;
         const std::vector<DayMark>& marks;
-        int now;      ///< minute of the day
-        int selected; ///< mark with the keyboard's frame; -1 for none
+        const QImage& keogram;  ///< behind the marks; null: none
+        std::optional<int> now; ///< minute of the day; nothing on a day that is over
+        int film;               ///< the minute that a film is at; -1 for none
+        int selected;           ///< mark with the keyboard's frame; -1 for none
     };
 
     DayDrawing(QPainter& painter, const DayLayout& layout, const QPalette& palette);
@@ -27,11 +29,11 @@ class DayDrawing {
   private:
     struct Colours {
         QColor ground, night, day, ink, faint, sun, now, taken, fetched, missed, notRecording,
-            toCome;
+            toCome, film;
     };
     static Colours coloursFor(const QPalette& palette);
 
-    double drawLegend();
+    double drawLegend(double textWidth);
     void drawText(const QString& text, double right);
     void drawNight(const SunDay& sun);
     void drawCurve(const SunDay& sun);
@@ -39,11 +41,14 @@ class DayDrawing {
     void drawWindow(int begin, int end);
     void drawMark(const QRectF& place, DayState state, bool isDue);
     void drawHours();
+    void drawKeogram(const QImage& keogram);
     void drawNow(int minute);
+    void drawFilm(int minute);
 
     QPainter& painter_;
     const DayLayout& layout_;
     Colours colours_;
+    bool onPicture_ = false; ///< a keogram lies behind
 };
 
 } // namespace orvane

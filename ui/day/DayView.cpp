@@ -1,6 +1,7 @@
 #include "ui/day/DayView.h"
 
 #include "ui/Text.h"
+#include "ui/day/DayBar.h"
 
 #include <QHelpEvent>
 #include <QKeyEvent>
@@ -10,16 +11,33 @@
 
 namespace orvane {
 namespace {
+
 constexpr Ticks kLookInterval = 1s;
+
+} // namespace
+
+QImage imageOf(const Pixels& pixels) {
+    const auto* data = reinterpret_cast<const uchar*>(pixels.data.data());
+    return QImage(data, pixels.width, pixels.height, pixels.width * 4, QImage::Format_RGB32).copy();
 }
 
 DayView::DayView(Parts parts, QWidget* parent)
-    : QWidget(parent), parts_(parts),
+    : QWidget(parent), parts_(parts), bar_(new DayBar(parts.day, this)),
       timer_(
           parts.clock, kLookInterval, [this] { refresh(); }, parts.faults.reporter("DayView")) {
     setObjectName("dayView");
     setFocusPolicy(Qt::StrongFocus);
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+    connect(bar_, &DayBar::turned, this, &DayView::turned);
+    connect(bar_, &DayBar::calendarWanted, this, &DayView::calendarWanted);
+    connect(this, &DayView::turned, this, &DayView::refresh);
+}
+
+/// The line of text begins behind the bar.
+DayLayout DayView::dayLayout() const {
+    DayLayout day(rect(), font());
+    day.text.setLeft(bar_->geometry().right() + day.unit * 0.6);
+    return day;
 }
 
 QSize DayView::sizeHint() const {
@@ -31,16 +49,30 @@ QSize DayView::minimumSizeHint() const {
 }
 
 void DayView::refresh() {
-    parts_.days.refresh();
+    parts_.day.refresh();
     const bool newSun = computeSun();
-    if (std::exchange(shown_, parts_.days.revision()) == parts_.days.revision() && !newSun) return;
+    const std::int64_t revision = parts_.day.revision();
+    if (std::exchange(shown_, revision) == revision && !newSun) return;
+    keogram_ = keogramShown_ ? imageOf(parts_.day.keogram()) : QImage();
+    bar_->follow();
     mergeMarks();
     update();
+    emit dayChanged();
+}
+
+void DayView::showKeogram(bool shown) {
+    keogramShown_ = shown;
+    shown_ = -1;
+    refresh();
+}
+
+void DayView::setFilm(int minute) {
+    if (std::exchange(film_, minute) != minute) update();
 }
 
 /// Nothing when the site's sun cannot be computed. Whether it has been computed anew.
 bool DayView::computeSun() {
-    const auto day = parts_.days.folder().day();
+    const auto day = parts_.day.day();
     if (day == sunDay_ && site_ == parts_.module.site) return false;
     sunDay_ = day;
     site_ = parts_.module.site;
@@ -49,21 +81,23 @@ bool DayView::computeSun() {
 }
 
 void DayView::mergeMarks() {
-    marks_ = dayMarks(parts_.days.plan(), dayLayout().columnMinutes());
+    marks_ = dayMarks(parts_.day.plan(), dayLayout().columnMinutes());
     describe();
 }
 
 void DayView::describe() {
-    const QString text = toQString(parts_.days.plan().text);
+    const QString text = toQString(parts_.day.plan().text);
     const int index = selected();
-    setAccessibleName("Today: " + text);
+    const QString name =
+        parts_.day.isToday() ? "Today" : toQString(dateText(WallTime(parts_.day.day())));
+    setAccessibleName(name + ": " + text);
     setAccessibleDescription(index < 0 ? text
                                        : text + "; " + textOf(static_cast<std::size_t>(index)));
 }
 
 QString DayView::textOf(std::size_t index) const {
     const DayMark& mark = marks_[index];
-    return toQString(markText(mark, parts_.days.detailOf(mark.worst)));
+    return toQString(markText(mark, parts_.day.detailOf(mark.worst)));
 }
 
 /// The index of the keyboard's mark; -1 for none.
@@ -77,7 +111,7 @@ int DayView::selected() const {
 
 /// How many marks lie before the line of the present time, where the keyboard starts from.
 int DayView::marksBeforeNow() const {
-    const int now = parts_.days.minuteOfDay();
+    const int now = parts_.day.now().value_or(kDayMinutes);
     return static_cast<int>(
         std::ranges::count_if(marks_, [now](const DayMark& mark) { return mark.first <= now; }));
 }
@@ -109,27 +143,63 @@ bool DayView::event(QEvent* event) {
     return true;
 }
 
-void DayView::keyPressEvent(QKeyEvent* event) {
+/// The mark that a key leads to; -1: the key is none of the band's.
+int DayView::selectionAfter(int key) const {
     const int last = static_cast<int>(marks_.size()) - 1;
     const int present = selected();
-    int index = present;
-    switch (event->key()) {
+    switch (key) {
     case Qt::Key_Left:
-        index = std::max((present < 0 ? marksBeforeNow() : present) - 1, 0);
-        break;
+        return std::max((present < 0 ? marksBeforeNow() : present) - 1, 0);
     case Qt::Key_Right:
-        index = std::min(present < 0 ? marksBeforeNow() : present + 1, last);
-        break;
+        return std::min(present < 0 ? marksBeforeNow() : present + 1, last);
     case Qt::Key_Home:
-        index = 0;
-        break;
+        return 0;
     case Qt::Key_End:
-        index = last;
-        break;
+        return last;
     default:
-        return QWidget::keyPressEvent(event);
+        return -1;
     }
-    if (last >= 0) select(index);
+}
+
+void DayView::keyPressEvent(QKeyEvent* event) {
+    const int index = marks_.empty() ? -1 : selectionAfter(event->key());
+    const bool opens = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    if (index >= 0) return select(index);
+    if (opens && selected() >= 0) return openMark(static_cast<std::size_t>(selected()));
+    QWidget::keyPressEvent(event);
+}
+
+void DayView::mousePressEvent(QMouseEvent* event) {
+    QWidget::mousePressEvent(event);
+    if (event->button() != Qt::LeftButton) return;
+    if (film_ >= 0) return seek(event->position());
+    const DayLayout day = dayLayout();
+    const int index = day.markAt(marks_, event->position());
+    if (index >= 0) openMark(static_cast<std::size_t>(index));
+}
+
+void DayView::mouseMoveEvent(QMouseEvent* event) {
+    QWidget::mouseMoveEvent(event);
+    if (film_ >= 0 && event->buttons().testFlag(Qt::LeftButton)) seek(event->position());
+}
+
+void DayView::seek(const QPointF& position) {
+    const DayLayout day = dayLayout();
+    const double minute = (position.x() - day.plot.left()) / day.pixelsPerMinute();
+    emit minuteSought(std::clamp(static_cast<int>(minute), 0, kDayMinutes - 1));
+}
+
+/// Of several minutes the first that has a picture. Where there is none the tip tells why.
+void DayView::openMark(std::size_t index) {
+    for (int minute = marks_[index].first; minute <= marks_[index].last; ++minute) {
+        const std::filesystem::path file = parts_.day.pictureOf(minute);
+        if (!file.empty()) {
+            QToolTip::hideText();
+            return emit pictureWanted(file);
+        }
+    }
+    const QPointF below = markRect(index).bottomLeft();
+    QToolTip::showText(mapToGlobal(below.toPoint()), textOf(index), this);
 }
 
 void DayView::focusOutEvent(QFocusEvent* event) {
@@ -144,7 +214,7 @@ void DayView::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     const DayLayout day = dayLayout();
     DayDrawing(painter, day, palette())
-        .draw({parts_.days.plan(), sun_, marks_, parts_.days.minuteOfDay(), selected()});
+        .draw({parts_.day.plan(), sun_, marks_, keogram_, parts_.day.now(), film_, selected()});
     if (!hasFocus()) return;
     painter.setRenderHint(QPainter::Antialiasing, false);
     painter.setPen(palette().color(QPalette::Highlight));
@@ -153,6 +223,9 @@ void DayView::paintEvent(QPaintEvent*) {
 }
 
 void DayView::resizeEvent(QResizeEvent*) {
+    const DayLayout day(rect(), font());
+    bar_->setGeometry(static_cast<int>(day.text.left()), static_cast<int>(day.text.top()),
+                      bar_->sizeHint().width(), static_cast<int>(day.text.height()));
     mergeMarks();
 }
 

@@ -2,6 +2,7 @@
 
 #include "archive/CopiesAnew.h"
 #include "archive/DayReport.h"
+#include "ui/Dates.h"
 #include "ui/Layout.h"
 #include "ui/Text.h"
 #include "ui/panel/PanelControls.h"
@@ -38,16 +39,6 @@ QDateEdit* dateField(const char* name, const QString& tip) {
     field->setDisplayFormat("yyyy/MM/dd");
     field->setCalendarPopup(true);
     return field;
-}
-
-QDate dateOf(WallTime time) {
-    const std::chrono::year_month_day day = dayOf(time);
-    return {static_cast<int>(day.year()), static_cast<int>(static_cast<unsigned>(day.month())),
-            static_cast<int>(static_cast<unsigned>(day.day()))};
-}
-
-std::chrono::local_days dayOf(QDate date) {
-    return std::chrono::local_days(std::chrono::days(QDate(1970, 1, 1).daysTo(date)));
 }
 
 } // namespace
@@ -95,7 +86,7 @@ void SpanDialog::showEvent(QShowEvent* event) {
     QDialog::showEvent(event);
     if (event->spontaneous()) return;
     if (!used_) {
-        const QDate today = dateOf(job_.clock.now());
+        const QDate today = dateOf(std::chrono::floor<std::chrono::days>(job_.clock.now()));
         from_->setDate(today);
         to_->setDate(today);
     }

@@ -1,5 +1,7 @@
 #include "ui/pictures/PictureArea.h"
 
+#include <QStyle>
+
 namespace orvane {
 
 PictureArea::PictureArea(QWidget* parent) : QMdiArea(parent) {
@@ -7,6 +9,23 @@ PictureArea::PictureArea(QWidget* parent) : QMdiArea(parent) {
     setBackground(palette().color(QPalette::Window).darker(125));
     setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
+}
+
+QMdiSubWindow& PictureArea::add(QWidget& window, QSize size) {
+    constexpr int kStep = 26;
+    constexpr int kSteps = 7;
+    const int offset = static_cast<int>(subWindowList().size()) % kSteps * kStep;
+    QMdiSubWindow* frame = addSubWindow(&window);
+    frame->setAttribute(Qt::WA_DeleteOnClose);
+    // The default pictogram of a sub-window says nothing about a picture.
+    frame->setWindowIcon(style()->standardIcon(QStyle::SP_FileDialogContentsView));
+    frame->setGeometry(QRect({offset, offset}, size));
+    frame->show();
+    return *frame;
+}
+
+void PictureArea::bring(const QWidget& window) {
+    setActiveSubWindow(qobject_cast<QMdiSubWindow*>(window.parentWidget()));
 }
 
 void PictureArea::resizeEvent(QResizeEvent* event) {

@@ -13,6 +13,10 @@ class PictureArea : public QMdiArea {
   public:
     explicit PictureArea(QWidget* parent = nullptr);
 
+    /// Adds a window that goes when it is closed, at its own size and a little beside the last one.
+    QMdiSubWindow& add(QWidget& window, QSize size);
+    /// Brings a window of the area to the front.
+    void bring(const QWidget& window);
     void fill(QMdiSubWindow& frame) { frame.setGeometry(viewport()->rect()); }
 
   protected:

@@ -5,7 +5,6 @@
 #include "ui/Text.h"
 
 #include <QApplication>
-#include <QStyle>
 
 namespace orvane {
 
@@ -37,7 +36,7 @@ void QtImageViews::openLatest(const std::filesystem::path& file) {
     if (latestFile_.empty()) latestFile_ = file.empty() ? module_.thumbnails[0] : file;
     const bool wasOpen = latest_ != nullptr;
     LatestWindow* window = latestWindow();
-    activate(*window);
+    area_->bring(*window);
     window->setFocus();
     if (wasOpen) return;
     if (latestFile_.empty()) {
@@ -63,10 +62,10 @@ void QtImageViews::openFiled(const std::filesystem::path& file) {
 bool QtImageViews::open(const PictureSource& source, const QString& title) {
     if (area_ == nullptr) return false;
     if (const ImageWindow* shown = find(source)) {
-        activate(*shown);
+        area_->bring(*shown);
         return true;
     }
-    if (area_->subWindowList().size() - (latest_ != nullptr ? 1 : 0) >= kMaxWindows) {
+    if (windows().size() >= kMaxWindows) {
         tasks_.spawn(op_.tell("No more than " + std::to_string(kMaxWindows) +
                               " pictures can be open at a time.\nPlease close some of them."));
         return false;
@@ -75,10 +74,6 @@ bool QtImageViews::open(const PictureSource& source, const QString& title) {
     add(*window);
     window->showPicture(source, title);
     return true;
-}
-
-void QtImageViews::activate(const ImageWindow& window) {
-    area_->setActiveSubWindow(qobject_cast<QMdiSubWindow*>(window.parentWidget()));
 }
 
 /// Those that the operator opened.
@@ -117,17 +112,9 @@ LatestWindow* QtImageViews::latestWindow() {
 }
 
 void QtImageViews::add(ImageWindow& window) {
-    constexpr int kStep = 26;
-    constexpr int kSteps = 7;
-    const int offset = static_cast<int>(area_->subWindowList().size()) % kSteps * kStep;
     QObject::connect(&window, &ImageWindow::trimmed, area_,
                      [this](const PictureSource& part, const QString& name) { open(part, name); });
-    QMdiSubWindow* frame = area_->addSubWindow(&window);
-    frame->setAttribute(Qt::WA_DeleteOnClose);
-    // The default pictogram of a sub-window says nothing about a picture.
-    frame->setWindowIcon(area_->style()->standardIcon(QStyle::SP_FileDialogContentsView));
-    frame->setGeometry(QRect({offset, offset}, area_->viewport()->size() * 3 / 4));
-    frame->show();
+    area_->add(window, area_->viewport()->size() * 3 / 4);
 }
 
 void QtImageViews::saveAs(const PictureSource& source, const std::filesystem::path& target) {

@@ -50,7 +50,6 @@ class QtImageViews final : public ImageViews {
     ImageWindow* find(const PictureSource& source) const;
     QList<ImageWindow*> windows() const;
     void add(ImageWindow& window);
-    void activate(const ImageWindow& window);
     LatestWindow* latestWindow();
     Task<> writeCopy(std::filesystem::path file);
     Task<> save(PictureSource source, std::filesystem::path target);
