@@ -184,8 +184,8 @@ class Program {
     Recording recording_{module_, panel_, settings_, status_, log_, op_, wishes_, clock_};
     FolderScan folderScan_{module_, panel_};
     Keograms keograms_{{keogramsControl_, module_, busy_, clock_}};
-    ShownDay shownDay_{{days_, module_, panel_, keograms_, clock_, faults_}};
-    DaySurvey survey_{{days_, module_, panel_, clock_, faults_}};
+    ShownDay shownDay_{{days_, panel_, keograms_, clock_, faults_}};
+    DaySurvey survey_{{days_, panel_, clock_, faults_}};
     CopiesAnew copies_{{panel_, busy_, log_, faults_, clock_}, copiesControl_};
     DayReport report_{{panel_, busy_, log_, faults_, clock_}, module_};
     FrameLink link_{*MSComm1_, store_, log_, clock_, module_};

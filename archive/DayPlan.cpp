@@ -133,7 +133,7 @@ DayPlan planPastDay(const DueMinutes& isDue, const DayPictures& pictures, int de
     if (first != isDue.end()) plan.begin = static_cast<int>(first - isDue.begin());
     if (first != isDue.end()) plan.end = static_cast<int>(last.base() - isDue.begin());
     judgeAll(plan, pictures, kDayMinutes + delay, delay, watch);
-    plan.text = planText(plan);
+    plan.text = plan.due == 0 ? "no minute was due" : planText(plan);
     return plan;
 }
 

@@ -1,5 +1,7 @@
 #include "archive/DaySurvey.h"
 
+#include "station/PanelSchedule.h"
+
 #include <algorithm>
 
 namespace orvane {
@@ -37,7 +39,7 @@ Task<> DaySurvey::look(DaySpan span) {
             if (const Fault& fault = day.folder.fault())
                 result.text = "cannot be read: " + *fault;
             else
-                result = resultOf(day.planPast(parts_.module.schedule, parts_.days.delay()));
+                result = resultOf(day.planPast(scheduleOf(parts_.panel), parts_.days.delay()));
         }
         results_[date] = std::move(result);
         found = static_cast<int>(results_.size());

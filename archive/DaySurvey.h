@@ -14,9 +14,8 @@ class DaySurvey {
   public:
     /// What it works with; all of it outlives this.
     struct Parts {
-        DayWatch& days; ///< for today
-        const Module1& module;
-        const OperationPanel& panel; ///< for the data folder in use
+        DayWatch& days;              ///< for today
+        const OperationPanel& panel; ///< for the data folder and the schedule
         Clock& clock;
         Faults& faults;
     };

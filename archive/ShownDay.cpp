@@ -1,5 +1,7 @@
 #include "archive/ShownDay.h"
 
+#include "station/PanelSchedule.h"
+
 #include <algorithm>
 
 namespace orvane {
@@ -36,15 +38,13 @@ Task<> ShownDay::pause() {
 
 void ShownDay::refresh() {
     parts_.days.refresh();
-    if (past_) followPast();
+    const bool moved = dataFolder_.native() != parts_.panel.Dir1[0].path.get().native();
+    if (moved || (past_ && past_->folder.day() >= today())) {
+        turnTo(today());
+    } else if (past_ && !isReading_ && past_->folder.refresh()) {
+        ++changes_;
+    }
     followKeogram();
-}
-
-void ShownDay::followPast() {
-    if (dataFolder_.native() != parts_.panel.Dir1[0].path.get().native() ||
-        past_->folder.day() >= today())
-        return turnTo(today());
-    if (!isReading_ && past_->folder.refresh()) ++changes_;
 }
 
 void ShownDay::followKeogram() {
@@ -74,7 +74,7 @@ const DayPlan& ShownDay::plan() {
         plan_ = DayPlan();
         plan_.text = "the day's folder cannot be read: " + *past_->folder.fault();
     } else {
-        plan_ = past_->planPast(parts_.module.schedule, parts_.days.delay());
+        plan_ = past_->planPast(scheduleOf(parts_.panel), parts_.days.delay());
     }
     return plan_;
 }

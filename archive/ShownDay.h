@@ -14,8 +14,7 @@ class ShownDay {
     /// What it works with; all of it outlives this.
     struct Parts {
         DayWatch& days;
-        const Module1& module;
-        const OperationPanel& panel; ///< for the data folder in use
+        const OperationPanel& panel; ///< for the data folder and the schedule
         Keograms& keograms;
         Clock& clock;
         Faults& faults;
@@ -59,13 +58,12 @@ class ShownDay {
     const ArchiveDay& shown() const { return past_ ? *past_ : parts_.days.today(); }
     Task<> read();
     Task<> pause();
-    void followPast();
     void followKeogram();
     Task<> readKeogram();
 
     Parts parts_;
     std::optional<ArchiveDay> past_;
-    std::filesystem::path dataFolder_; ///< of `past_`
+    std::filesystem::path dataFolder_; ///< as of the last turning
     std::chrono::local_days first_{};
     bool isReading_ = false;
     std::int64_t changes_ = 0;

@@ -80,8 +80,8 @@ struct Window : TestStation {
     Shutdown shutdown;
     LibjpegImageControl keogramControl{clock};
     Keograms keograms{{keogramControl, module, busy, clock}};
-    ShownDay shownDay{{days, module, panel, keograms, clock, faults}};
-    DaySurvey survey{{days, module, panel, clock, faults}};
+    ShownDay shownDay{{days, panel, keograms, clock, faults}};
+    DaySurvey survey{{days, panel, clock, faults}};
     CopiesAnew copies{{panel, busy, log, faults, clock}, imageControl};
     DayReport report{{panel, busy, log, faults, clock}, module};
     frmMain main;

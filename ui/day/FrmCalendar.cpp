@@ -45,6 +45,8 @@ FrmCalendar::FrmCalendar(ShownDay& day, DaySurvey& survey, QWidget* parent)
     calendar_->setGridVisible(true);
     calendar_->setVerticalHeaderFormat(QCalendarWidget::NoVerticalHeader);
     calendar_->setFirstDayOfWeek(Qt::Monday);
+    for (const Qt::DayOfWeek weekday : {Qt::Saturday, Qt::Sunday}) // red would read as a grade
+        calendar_->setWeekdayTextFormat(weekday, {});
     auto* today = control<QPushButton>("cmd_calendar_today", "&Today", "Goes back to today.");
     auto* close = control<QPushButton>("cmdClose", "&Close", "Closes the calendar.");
     for (QPushButton* button : {today, close})

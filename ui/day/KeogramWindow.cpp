@@ -40,7 +40,7 @@ void KeogramView::setImage(const QImage& image) {
 
 QRectF KeogramView::place() const {
     const double unit = fontMetrics().height();
-    return QRectF(rect()).adjusted(unit, unit * 0.5, -unit, -unit * 1.4);
+    return QRectF(rect()).adjusted(unit * 1.5, unit * 0.5, -unit * 1.5, -unit * 1.6);
 }
 
 std::optional<int> KeogramView::minuteAt(const QPointF& position) const {
