@@ -1,3 +1,4 @@
+#include "archive/Keograms.h"
 #include "imaging/JpegMarkers.h"
 #include "imaging/ProcessImageFile.h"
 #include "platform/Files.h"
@@ -81,7 +82,8 @@ std::string encode(const Rgb& picture, int quality, int sampling) {
     return result;
 }
 
-void decode(const std::string& jpeg, Rgb& picture) {
+/// `eighths` of its size.
+void decode(const std::string& jpeg, Rgb& picture, unsigned eighths = 8) {
     jpeg_decompress_struct info{};
     jpeg_error_mgr errors{};
     info.err = jpeg_std_error(&errors);
@@ -90,6 +92,8 @@ void decode(const std::string& jpeg, Rgb& picture) {
                  static_cast<unsigned long>(jpeg.size()));
     jpeg_read_header(&info, TRUE);
     info.out_color_space = JCS_RGB;
+    info.scale_num = eighths;
+    info.scale_denom = 8;
     jpeg_start_decompress(&info);
     picture.width = info.output_width;
     picture.height = info.output_height;
@@ -221,6 +225,63 @@ BENCHMARK(soundnessCheck)
     ->Args({1280, 960})
     ->Args({4000, 3000})
     ->UseManualTime()
+    ->Unit(benchmark::kMillisecond);
+
+/// The keogram of a day with a picture every minute and, taking turns with it hour by hour, reading
+/// the same files and decoding them in the same part of their size. "ratio" is the one over the
+/// other; the time shown is that of the keogram alone.
+void keogram(benchmark::State& state) {
+    const test::TempFolder folder;
+    const auto picture = folder.path() / "picture.jpg";
+    if (writeToFinalName(cameraPicture(state), picture)) state.SkipWithError("no space");
+    const std::filesystem::path day = folder.path() / "20250621";
+    std::filesystem::create_directory(day);
+    std::vector<FiledPicture> pictures;
+    for (int minute = 0; minute < kDayMinutes; ++minute) {
+        const ImageName name =
+            ImageName::ofCapture(test::at(2025, 6, 21) + std::chrono::minutes(minute));
+        pictures.push_back({name, day / name.text()});
+        std::filesystem::create_hard_link(picture, pictures.back().file);
+    }
+    test::JumpingClock clock(test::at(2025, 6, 22));
+    LibjpegImageControl control(clock);
+    const Module1 module;
+    const Busy busy;
+    double reading = 0;
+    double floor = 0;
+    for (auto _ : state) {
+        Keograms keograms({control, module, busy, clock});
+        double seconds = 0;
+        for (auto hour = pictures.begin(); hour != pictures.end(); hour += 60) {
+            auto start = std::chrono::steady_clock::now();
+            Task<> task = keograms.read({hour, hour + 60});
+            task.start();
+            clock.runUntil([&] { return task.done(); }, std::chrono::hours(1));
+            seconds += secondsSince(start);
+            start = std::chrono::steady_clock::now();
+            for (auto each = hour; each != hour + 60; ++each) {
+                std::string jpeg;
+                if (readWholeFile(each->file, jpeg)) state.SkipWithError("not read");
+                Rgb reduced;
+                decode(jpeg, reduced, 2);
+                benchmark::DoNotOptimize(reduced.bytes.data());
+            }
+            floor += secondsSince(start);
+        }
+        auto start = std::chrono::steady_clock::now();
+        benchmark::DoNotOptimize(keograms.draw(pictures[0].name.day(), pictures, {}).data.data());
+        state.counters["draw_ms"] = 1000 * secondsSince(start);
+        state.SetIterationTime(seconds);
+        reading += seconds;
+    }
+    state.counters["ratio"] = reading / floor;
+    state.counters["floor_ms"] = 1000 * floor / static_cast<double>(state.iterations());
+}
+BENCHMARK(keogram)
+    ->ArgNames({"w", "h"})
+    ->Args({1280, 960})
+    ->UseManualTime()
+    ->Iterations(2)
     ->Unit(benchmark::kMillisecond);
 
 void wholeJpegCheck(benchmark::State& state) {
