@@ -12,8 +12,9 @@ void ShownDay::turnTo(std::chrono::local_days day) {
     keogram_.reset();
     isReading_ = false;
     ++changes_;
-    dataFolder_ = parts_.panel.Dir1[0].path;
-    first_ = std::min(firstDayOf(dataFolder_).value_or(today()), today());
+    const std::filesystem::path& dataFolder = parts_.panel.Dir1[0].path;
+    if (std::exchange(dataFolder_, dataFolder).native() != dataFolder.native()) changed_ = {};
+    findFirst();
     day = std::max(day, first_);
     past_.reset();
     if (day >= today()) return;
@@ -44,7 +45,17 @@ void ShownDay::refresh() {
     } else if (past_ && !isReading_ && past_->folder.refresh()) {
         ++changes_;
     }
+    findFirst();
     followKeogram();
+}
+
+/// Looks through the data folder's names when something in it has changed.
+void ShownDay::findFirst() {
+    std::error_code error;
+    const auto changed = std::filesystem::last_write_time(dataFolder_, error);
+    if (std::exchange(changed_, changed) == changed) return;
+    first_ = firstDayOf(dataFolder_).value_or(today());
+    ++changes_;
 }
 
 void ShownDay::followKeogram() {

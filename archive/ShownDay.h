@@ -35,7 +35,7 @@ class ShownDay {
     bool isToday() const { return !past_; }
     /// Its folder is being looked through: of what is there nothing is known yet.
     bool isReading() const { return isReading_; }
-    /// The archive's first day; today while it is empty. As of the last turning.
+    /// The archive's first day; today while it is empty.
     std::chrono::local_days firstDay() const { return std::min(first_, day()); }
 
     const DayPlan& plan();
@@ -58,12 +58,14 @@ class ShownDay {
     const ArchiveDay& shown() const { return past_ ? *past_ : parts_.days.today(); }
     Task<> read();
     Task<> pause();
+    void findFirst();
     void followKeogram();
     Task<> readKeogram();
 
     Parts parts_;
     std::optional<ArchiveDay> past_;
-    std::filesystem::path dataFolder_; ///< as of the last turning
+    std::filesystem::path dataFolder_;        ///< as of the last turning
+    std::filesystem::file_time_type changed_; ///< of the data folder, when it was looked through
     std::chrono::local_days first_{};
     bool isReading_ = false;
     std::int64_t changes_ = 0;

@@ -1,0 +1,142 @@
+#include "archive/ShownDay.h"
+
+#include "tests/support/TestPictures.h"
+#include "tests/support/TestStation.h"
+
+#include <gtest/gtest.h>
+
+namespace orvane::test {
+namespace {
+
+std::chrono::local_days november(unsigned day) {
+    return std::chrono::floor<std::chrono::days>(at(2006, 11, day));
+}
+
+/// A station that records every half hour from 9 to 11; it is 9:45 of the 15th.
+class OtherDays : public testing::Test {
+  protected:
+    OtherDays() {
+        s.panel.Dir1[0].path = s.dataFolder();
+        const char* fields[] = {"9", "0", "11", "0", "", "30", "0"};
+        for (std::size_t i = 0; i < std::size(fields); ++i)
+            s.panel.Text1[i].text = std::string(fields[i]);
+        s.module.image.Delay = 0;
+        s.module.schedule = {9h, 11h, 30min, {}};
+        s.module.RecordFlg = true;
+        for (const char* name : {"20061112_090000_00.jpg", "20061114_090000_00.jpg",
+                                 "20061114_093007_00.jpg", "20061115_090000_00.jpg"})
+            file(name);
+        shown.refresh();
+    }
+    void file(const std::string& name) {
+        const auto folder = s.dataFolder() / name.substr(0, 8);
+        std::filesystem::create_directory(folder);
+        writeFile(folder / name, jpegLike(name));
+    }
+    void ledger(const std::string& day, const std::string& lines) {
+        std::filesystem::create_directory(s.dataFolder() / "Ledger");
+        writeFile(s.dataFolder() / "Ledger" / (day + ".csv"),
+                  "time,offset,event,file,detail\r\n" + lines);
+    }
+    const std::string& textOf(unsigned day) {
+        shown.turnTo(november(day));
+        s.clock.runUntil([this] { return !shown.isReading(); }, 1min);
+        shown.refresh();
+        return shown.plan().text;
+    }
+
+    TestStation s{at(2006, 11, 15, 9, 45)};
+    Keograms keograms{{s.imageControl, s.module, s.busy, s.clock}};
+    ShownDay shown{{s.days, s.panel, keograms, s.clock, s.faults}};
+};
+
+TEST_F(OtherDays, EachIsJudgedAsOneThatIsOver) {
+    EXPECT_TRUE(shown.isToday());
+    EXPECT_EQ(shown.now(), 9 * 60 + 45);
+    EXPECT_EQ(shown.firstDay(), november(12));
+    EXPECT_EQ(textOf(14), "taken 1 of 4, 1 fetched later, 2 missed");
+    EXPECT_FALSE(shown.isToday());
+    EXPECT_EQ(shown.now(), std::nullopt);
+    EXPECT_EQ(shown.plan().begin, 9 * 60);
+    EXPECT_EQ(shown.pictureOf(9 * 60 + 30).filename(), "20061114_093007_00.jpg");
+    EXPECT_EQ(shown.pictureOf(10 * 60), "");
+    EXPECT_EQ(textOf(13), "taken 0 of 4, 4 missed");
+    EXPECT_EQ(textOf(12), "taken 1 of 4, 3 missed");
+    EXPECT_EQ(textOf(15), s.days.plan().text);
+    EXPECT_TRUE(shown.isToday());
+}
+
+TEST_F(OtherDays, StayWithinTheArchive) {
+    textOf(1);
+    EXPECT_EQ(shown.day(), november(12));
+    textOf(30);
+    EXPECT_EQ(shown.day(), november(15));
+    shown.turnTo(std::chrono::local_days::max());
+    EXPECT_EQ(shown.day(), november(15));
+}
+
+TEST_F(OtherDays, FollowWhatIsFiledLater) {
+    textOf(14);
+    const std::int64_t before = shown.revision();
+    file("20061114_100000_00.jpg");
+    std::filesystem::last_write_time(s.dataFolder() / "20061114",
+                                     std::filesystem::file_time_type::clock::now() + 1min);
+    shown.refresh();
+    EXPECT_GT(shown.revision(), before);
+    EXPECT_EQ(shown.plan().text, "taken 2 of 4, 1 fetched later, 1 missed");
+}
+
+/// Midnight moves today; a day that was turned to stays.
+TEST_F(OtherDays, MidnightAndAnotherFolder) {
+    s.clock.run(24h);
+    shown.refresh();
+    EXPECT_EQ(shown.day(), november(16));
+    EXPECT_TRUE(shown.isToday());
+    textOf(14);
+    s.clock.run(24h);
+    shown.refresh();
+    EXPECT_EQ(shown.day(), november(14));
+    s.clock.jumpWall(-72h); // the clock was wrong: it is the 14th
+    shown.refresh();
+    EXPECT_TRUE(shown.isToday());
+    EXPECT_EQ(shown.day(), november(14));
+    textOf(12);
+    s.panel.Dir1[0].path = s.folder.path() / "elsewhere";
+    shown.refresh();
+    EXPECT_TRUE(shown.isToday());
+    EXPECT_EQ(shown.firstDay(), november(14)) << "an archive without a folder begins today";
+}
+
+/// What the ledgers say of days on which nobody was there.
+TEST_F(OtherDays, WhenTheProgramDidNotRun) {
+    const std::string start = "09:00,+09:00,program started,,\r\n"
+                              "09:00,+09:00,schedule,,09:00 to 11:00 every 30 min\r\n"
+                              "09:00,+09:00,recording on,,\r\n";
+    ledger("20061112", start + "09:00,+09:00,taken,20061112_090000_00.jpg,\r\n");
+    ledger("20061114", start);
+    EXPECT_EQ(textOf(12), "taken 1 of 4, 3 not recorded") << "its lines end at 9:00";
+    EXPECT_EQ(textOf(13), "taken 0 of 4, 4 not recorded") << "the next start is a day later";
+    EXPECT_EQ(shown.plan().states[600], DayState::NotRunning);
+    // a day whose ledger is lost, between two on which the program ran
+    ledger("20061114", "00:00,+09:00,recording on,,\r\n");
+    EXPECT_EQ(textOf(13), "taken 0 of 4, 4 missed");
+}
+
+TEST_F(OtherDays, ReadingIsSlicedAndCanBeLeft) {
+    for (int minute = 0; minute < kDayMinutes; ++minute) {
+        char name[64];
+        std::snprintf(name, sizeof name, "20061113_%02d%02d00_00.jpg", minute / 60, minute % 60);
+        file(name);
+    }
+    shown.turnTo(november(13));
+    EXPECT_TRUE(shown.isReading());
+    EXPECT_EQ(shown.plan().text, "reading the day's folder...");
+    EXPECT_LT(shown.pictures().size(), 100U) << "the window is not held up for the whole folder";
+    shown.turnTo(november(14));
+    s.clock.run(1s);
+    EXPECT_EQ(shown.plan().text, "taken 1 of 4, 1 fetched later, 2 missed");
+    EXPECT_EQ(textOf(13), "taken 4 of 4");
+}
+
+} // namespace
+} // namespace orvane::test
