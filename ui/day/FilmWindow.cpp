@@ -28,9 +28,9 @@ bool isSame(const std::vector<FiledPicture>& a, const std::vector<FiledPicture>&
 FilmWindow::FilmWindow(Parts parts, QWidget* parent)
     : QWidget(parent), parts_(parts), control_(parts.clock), loader_(parts.clock, control_),
       player_(loader_, parts.clock, parts.faults.reporter("Film")), view_(new PictureView),
-      back_(control<QPushButton>("cmd_film_back", "", "One picture back (Page Up).")),
+      back_(control<QPushButton>("cmd_film_back", "", "One picture back (Left).")),
       play_(control<QPushButton>("cmd_film_play", "&Play", "Plays the day's pictures (Space).")),
-      forward_(control<QPushButton>("cmd_film_forward", "", "One picture on (Page Down).")),
+      forward_(control<QPushButton>("cmd_film_forward", "", "One picture on (Right).")),
       rate_(new QComboBox), where_(new QLabel),
       save_(control<QPushButton>("cmd_film_save", "&Save Film...",
                                  "Saves the day's pictures as a film that other programs play.")) {
@@ -139,10 +139,20 @@ void FilmWindow::step(int by) {
 }
 
 void FilmWindow::keyPressEvent(QKeyEvent* event) {
-    if (event->key() == Qt::Key_Space) return toggle();
-    if (event->key() == Qt::Key_Home) return player_.seek(0);
-    if (event->key() == Qt::Key_End) return player_.seek(player_.count() - 1);
-    QWidget::keyPressEvent(event);
+    switch (event->key()) {
+    case Qt::Key_Space:
+        return toggle();
+    case Qt::Key_Left:
+        return step(-1);
+    case Qt::Key_Right:
+        return step(1);
+    case Qt::Key_Home:
+        return player_.seek(0);
+    case Qt::Key_End:
+        return player_.seek(player_.count() - 1);
+    default:
+        QWidget::keyPressEvent(event);
+    }
 }
 
 /// What nobody sees costs nothing.
@@ -155,6 +165,7 @@ void FilmWindow::hideEvent(QHideEvent* event) {
 void FilmWindow::showEvent(QShowEvent* event) {
     QWidget::showEvent(event);
     follow();
+    if (player_.index() >= 0) player_.seek(player_.index()); // and the band shows where it is
 }
 
 } // namespace orvane

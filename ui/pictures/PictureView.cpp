@@ -188,7 +188,7 @@ bool PictureView::panKey(int key) {
     if (key == Qt::Key_Right) by = {-width() * kPanKey, 0};
     if (key == Qt::Key_Up) by = {0, height() * kPanKey};
     if (key == Qt::Key_Down) by = {0, -height() * kPanKey};
-    if (by.isNull() || !hasPicture()) return false;
+    if (by.isNull() || !geometry_.canPan()) return false;
     geometry_.pan(by);
     moved();
     return true;
