@@ -44,7 +44,7 @@ QGroupBox* findGroup(PanelControls& controls, OperationPanel& panel, FolderScan&
         panel.txt_find, {});
     text->setPlaceholderText("part of the name");
     QPushButton* button = controls.button(
-        {"cmd_find", "Fin&d", "Looks through the folder; at most 24 files are listed."},
+        {"cmd_find", "Fi&nd", "Looks through the folder; at most 24 files are listed."},
         panel.cmd_find, [&scan] { scan.cmd_find_Click(); });
     QObject::connect(text, &QLineEdit::returnPressed, button, &QPushButton::click);
     QVBoxLayout* rows = controls.folder(

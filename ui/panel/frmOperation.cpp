@@ -196,7 +196,7 @@ QWidget* frmOperation::folderGroup() {
         "Pictures are filed below %1", panel.Dir1[0],
         [this](const std::filesystem::path& path) { parts_.settings.selectDataFolder(path); });
     folder->addWidget(controls_.button(
-        {"Command3", "Select &Data Save Folder", "Chooses the folder that pictures are filed in."},
+        {"Command3", "Select Data Sa&ve Folder", "Chooses the folder that pictures are filed in."},
         panel.Command3, [this] { selectFolder(); }));
     QGroupBox* frame = panelGroup("Data folder", folder);
     frame->setObjectName("Frame3_1");
