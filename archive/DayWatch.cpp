@@ -8,6 +8,8 @@ namespace {
 
 /// The two clocks of a PC do not run quite alike.
 constexpr auto kClockError = 1s;
+/// A capture takes longer, so no more of a minute than this is none of it.
+constexpr auto kNoMinute = 2s;
 
 std::int64_t firstMinuteOf(std::chrono::local_days day) {
     return minuteIndex(WallTime(day));
@@ -71,7 +73,8 @@ bool DayWatch::isOnlyLater(const Seen& seen) const {
 }
 
 /// A clock that is put forward skips the minutes between; one that is set back has them come again,
-/// and what is missed counts from there. Up to a minute forward skips no whole one.
+/// and what is missed counts from there. Up to a minute forward skips no whole one. When summer
+/// time begins, the jump is found a moment behind the minute's end.
 void DayWatch::noteJump(WallTime now) {
     const Ticks ticks = clock_.ticks();
     const WallTime expected = lastTime_ == WallTime() ? now : lastTime_ + (ticks - lastTicks_);
@@ -79,7 +82,7 @@ void DayWatch::noteJump(WallTime now) {
     lastTicks_ = ticks;
     if (now <= expected + 1min && now >= expected - kClockError) return;
     const std::int64_t minute = minuteIndex(now);
-    const std::int64_t first = minuteIndex(expected) + 1;
+    const std::int64_t first = minuteIndex(expected - kNoMinute) + 1;
     if (minute > first) {
         neverWere_.emplace_back(first, minute - 1);
     } else if (now < expected) {
