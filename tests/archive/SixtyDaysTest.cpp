@@ -29,8 +29,18 @@ class SixtyDays : public testing::Test {
 
     static constexpr Schedule kPresent{6h, 18h, 10min, {}};
 
-    TempFolder folder;
-    SampleArchive archive{folder.path(), kLastDay, SampleArchive::paintGrey};
+    /// Nothing of it is changed.
+    struct Shared {
+        TempFolder folder;
+        SampleArchive archive{folder.path(), kLastDay, SampleArchive::paintGrey};
+    };
+    static Shared& shared() {
+        static Shared shared;
+        return shared;
+    }
+
+    const TempFolder& folder = shared().folder;
+    const SampleArchive& archive = shared().archive;
     TestStation s{WallTime(kLastDay + std::chrono::days(1)) + 12h};
 };
 
@@ -80,7 +90,7 @@ TEST_F(SixtyDays, AreAsTheStoryTells) {
         {24, 72, 65, 1, 6, 0, 0},   {25, 72, 66, 0, 6, 0, 0},   {26, 72, 58, 0, 0, 0, 14},
         {27, 72, 64, 0, 0, 0, 8},   {28, 72, 69, 0, 3, 0, 0},   {29, 95, 95, 0, 0, 0, 0},
         {30, 144, 144, 0, 0, 0, 0}, {31, 138, 138, 0, 0, 0, 0}, {32, 121, 121, 0, 0, 0, 0},
-        {36, 240, 233, 0, 7, 0, 0}, {38, 72, 72, 0, 0, 0, 0},   {40, 72, 72, 0, 0, 0, 0},
+        {36, 240, 234, 0, 6, 0, 0}, {38, 72, 72, 0, 0, 0, 0},   {40, 72, 72, 0, 0, 0, 0},
         {44, 104, 104, 0, 0, 0, 0}, {45, 144, 144, 0, 0, 0, 0}, {46, 121, 120, 0, 1, 0, 0},
         {52, 72, 54, 0, 0, 9, 9},   {53, 72, 60, 0, 0, 12, 0},  {54, 72, 70, 0, 2, 0, 0},
         {56, 72, 0, 0, 72, 0, 0},   {58, 72, 63, 2, 7, 0, 0},   {59, 72, 72, 0, 0, 0, 0}};

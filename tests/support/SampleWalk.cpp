@@ -71,8 +71,7 @@ void SampleWalk::playMinute() {
     judgeMinute();
     while (eventIsNext(false)) {
         happen(sampleStory()[next_++]);
-        if (at(minute_).truth == Truth::Off || at(minute_).truth == Truth::NotRunning)
-            judgeMinute();
+        if (at(minute_).truth != Truth::Taken) judgeMinute();
     }
 }
 
@@ -131,6 +130,7 @@ void SampleWalk::happen(const SampleEvent& event) {
 void SampleWalk::startProgram(bool recording) {
     runs_ = true;
     records_ = recording;
+    notedSchedule_.clear();
     write(minute_, "program started");
     noteSwitches(true);
     tellJudgements();

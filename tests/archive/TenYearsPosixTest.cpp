@@ -1,0 +1,112 @@
+#include "archive/DaySurvey.h"
+#include "archive/ShownDay.h"
+#include "tests/support/SampleArchive.h"
+#include "tests/support/TestPictures.h"
+#include "tests/support/TestStation.h"
+
+#include <gtest/gtest.h>
+
+#include <map>
+#include <sys/inotify.h>
+#include <unistd.h>
+
+namespace orvane::test {
+namespace {
+
+constexpr int kDays = 3650;
+constexpr std::chrono::local_days kToday{std::chrono::days(13467)}; // 2006/11/15
+
+/// Tells which folders of some were opened, or had one of their files opened: the system says so.
+class Opened {
+  public:
+    ~Opened() { close(queue_); }
+
+    bool watch(const std::filesystem::path& folder) {
+        const int number = inotify_add_watch(queue_, folder.c_str(), IN_OPEN);
+        names_[number] = folder.filename().string();
+        return number >= 0;
+    }
+    /// Since the last call.
+    std::set<std::string> folders() const {
+        std::set<std::string> folders;
+        alignas(inotify_event) char bytes[4096];
+        for (ssize_t size = read(queue_, bytes, sizeof bytes); size > 0;
+             size = read(queue_, bytes, sizeof bytes))
+            for (ssize_t at = 0; at < size;) {
+                const auto* event = reinterpret_cast<const inotify_event*>(bytes + at);
+                folders.insert(names_.at(event->wd));
+                at += static_cast<ssize_t>(sizeof(inotify_event) + event->len);
+            }
+        return folders;
+    }
+
+  private:
+    int queue_ = inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
+    std::map<int, std::string> names_;
+};
+
+/// A day each, with one picture and a ledger, and a station that looks at them.
+class TenYears : public testing::Test {
+  protected:
+    void SetUp() override {
+        const auto ledgers = folder.path() / "Ledger";
+        std::filesystem::create_directory(ledgers);
+        for (auto day = kToday - std::chrono::days(kDays); day <= kToday; ++day) {
+            const auto dated = datedFolderOf(folder.path(), WallTime(day));
+            const std::string name = dated.filename().string();
+            std::filesystem::create_directory(dated);
+            SampleArchive::paintGrey(dated / (name + "_090000_00.jpg"), 0);
+            writeFile(ledgers / (name + ".csv"), "time,offset,event,file,detail\r\n");
+            // a folder that has just been changed is read again
+            const auto written = std::filesystem::last_write_time(dated);
+            std::filesystem::last_write_time(dated, written - 1h);
+            if (!opened.watch(dated)) GTEST_SKIP() << "the system watches no more folders";
+        }
+        s.panel.Dir1[0].path = folder.path();
+        s.module.schedule = {9h, 10h, 30min, {}};
+        s.days.refresh();
+        opened.folders();
+    }
+    void turnTo(std::chrono::local_days day) {
+        shown.turnTo(day);
+        shown.wantKeogram(true);
+        ASSERT_TRUE(s.clock.runUntil([&] { return !shown.isReading(); }, 1min));
+        for (int second = 0; second < 5; ++second) {
+            shown.refresh();
+            shown.plan();
+            s.clock.run(1s);
+        }
+    }
+
+    TempFolder folder;
+    Opened opened;
+    TestStation s{WallTime(kToday) + 12h};
+    FakeImageControl control;
+    Keograms keograms{{control, s.module, s.busy, s.clock}};
+    ShownDay shown{{s.days, s.module, s.panel, keograms, s.clock, s.faults}};
+};
+
+using Names = std::set<std::string>;
+
+TEST_F(TenYears, OnlyTheDayInViewIsRead) {
+    turnTo(kToday - std::chrono::days(2000));
+    EXPECT_EQ(opened.folders(), Names{"20010525"});
+    turnTo(kToday - std::chrono::days(1));
+    EXPECT_EQ(opened.folders(), Names{"20061114"});
+    turnTo(kToday - std::chrono::days(9999));
+    EXPECT_EQ(shown.day(), kToday - std::chrono::days(kDays));
+    EXPECT_EQ(opened.folders(), Names{"19961117"});
+    EXPECT_EQ(shown.plan().text, "taken 1 of 2, 1 missed");
+}
+
+TEST_F(TenYears, OnlyTheMonthInViewIsSurveyed) {
+    DaySurvey survey{{s.days, s.module, s.panel, s.clock, s.faults}};
+    const auto first = kToday - std::chrono::days(1000);
+    survey.start({first, first + std::chrono::days(2)});
+    ASSERT_TRUE(s.clock.runUntil([&] { return survey.found == 3; }, 1min));
+    s.clock.run(1min);
+    EXPECT_EQ(opened.folders(), (Names{"20040219", "20040220", "20040221"}));
+}
+
+} // namespace
+} // namespace orvane::test
