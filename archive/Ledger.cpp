@@ -88,17 +88,9 @@ Watch watchFrom(LedgerEntry entry) {
 }
 
 std::vector<LedgerLine> linesOf(const std::filesystem::path& file) {
-    std::vector<LedgerLine> lines;
     std::string text;
-    if (readWholeFile(file, text)) return lines;
-    std::string_view rest = text;
-    for (auto end = rest.find('\n'); end != std::string_view::npos; end = rest.find('\n')) {
-        std::string_view line = rest.substr(0, end);
-        rest.remove_prefix(end + 1);
-        if (line.ends_with('\r')) line.remove_suffix(1);
-        if (const auto parsed = parseLedgerLine(line)) lines.push_back(*parsed);
-    }
-    return lines;
+    if (readWholeFile(file, text)) return {};
+    return parseLedger(text);
 }
 
 } // namespace
@@ -122,6 +114,17 @@ std::optional<LedgerLine> parseLedgerLine(std::string_view text) {
     if (!minute || !offset || entry == kEntries.end()) return std::nullopt;
     return LedgerLine{*minute, *offset, static_cast<LedgerEntry>(entry - kEntries.begin()),
                       std::move(fields[3]), std::move(fields[4])};
+}
+
+std::vector<LedgerLine> parseLedger(std::string_view text) {
+    std::vector<LedgerLine> lines;
+    for (auto end = text.find('\n'); end != std::string_view::npos; end = text.find('\n')) {
+        std::string_view line = text.substr(0, end);
+        text.remove_prefix(end + 1);
+        if (line.ends_with('\r')) line.remove_suffix(1);
+        if (const auto parsed = parseLedgerLine(line)) lines.push_back(*parsed);
+    }
+    return lines;
 }
 
 std::string scheduleText(const Schedule& schedule) {

@@ -36,6 +36,9 @@ struct LedgerLine {
 std::string ledgerText(const LedgerLine& line);
 /// Nothing for what this program does not write.
 std::optional<LedgerLine> parseLedgerLine(std::string_view text);
+/// The lines of a whole file. What is no such line is passed over, and what follows the last line's
+/// end: it was cut by a loss of power.
+std::vector<LedgerLine> parseLedger(std::string_view text);
 /// "09:00 to 17:00 every 30 min", and back.
 std::string scheduleText(const Schedule& schedule);
 std::optional<Schedule> parseSchedule(std::string_view text);
@@ -79,8 +82,7 @@ class LedgerDay {
 /// D/Ledger/yyyymmdd.csv
 std::filesystem::path ledgerOf(const std::filesystem::path& dataFolder,
                                std::chrono::local_days day);
-/// Nothing that stands in the file is a fault, and no file is an empty day. Lines that are no such
-/// lines are passed over, and what follows the last line's end: it was cut by a loss of power.
+/// Nothing that stands in the file is a fault, and no file is an empty day.
 LedgerDay readLedger(const std::filesystem::path& file);
 /// Whether a day without a ledger lies between two that have one, of which the later begins with
 /// the program's start: nobody was there to write one.

@@ -108,6 +108,8 @@ TEST_F(SixtyDays, AreAsTheStoryTells) {
     EXPECT_EQ(archive.day(38).minutes[9 * 60 + 10].detail,
               archive.day(38).digits + "_091100_00.jpg");
     EXPECT_TRUE(archive.day(46).pictures.contains(archive.day(46).digits + "_021000_01.jpg"));
+    const auto file = archive.day(1).digits + "_120000_00.jpg";
+    EXPECT_EQ(decoded(folder.path() / archive.day(1).digits / file).size(), QSize(64, 48));
     EXPECT_EQ(archive.day(24).countBySize(Truth::Taken), 68);
     EXPECT_EQ(archive.day(24).countBySize(Truth::Missed), 4);
     EXPECT_EQ(archive.day(58).countBySize(Truth::Taken), 64);

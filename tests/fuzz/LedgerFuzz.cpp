@@ -1,0 +1,149 @@
+// Feeds arbitrary bytes, as a day's ledger, to what reads it.
+
+#include "archive/Ledger.h"
+
+#include <algorithm>
+#include <cstdlib>
+
+namespace {
+
+using namespace orvane;
+
+void require(bool condition) {
+    if (!condition) std::abort();
+}
+
+bool isSame(const LedgerLine& a, const LedgerLine& b) {
+    return a.minute == b.minute && a.offset == b.offset && a.entry == b.entry && a.file == b.file &&
+           a.detail == b.detail;
+}
+
+/// The five fields of a line as RFC 4180 has them, worked out apart from the reader; none when it
+/// has others.
+std::vector<std::string> fieldsOf(const std::string& line) {
+    std::vector<std::string> fields(1);
+    enum { Begin, Plain, Quoted, Behind } place = Begin;
+    for (const char c : line) {
+        if (place == Quoted || (place == Behind && c == '"')) {
+            // the second one of two quotes stands for itself
+            if (place == Behind || c != '"') fields.back() += c;
+            place = place == Quoted && c == '"' ? Behind : Quoted;
+        } else if (c == ',') {
+            fields.emplace_back();
+            place = Begin;
+        } else if (place == Begin && c == '"') {
+            place = Quoted;
+        } else if (place == Behind || c == '"') {
+            return {};
+        } else {
+            fields.back() += c;
+            place = Plain;
+        }
+    }
+    if (place == Quoted || fields.size() != 5) fields.clear();
+    return fields;
+}
+
+bool isTime(const std::string& text) {
+    if (text.size() != 5 || text[2] != ':') return false;
+    for (const std::size_t i : {0U, 1U, 3U, 4U})
+        if (text[i] < '0' || text[i] > '9') return false;
+    return text.substr(0, 2) < "24" && text.substr(3) < "60";
+}
+
+bool isLine(const std::string& line) {
+    static const std::string events = "|taken|fetched later|missed|program started|program ended|"
+                                      "recording on|recording off|schedule|";
+    const auto fields = fieldsOf(line);
+    if (fields.empty()) return false;
+    const std::string& offset = fields[1];
+    const bool isSigned = !offset.empty() && (offset[0] == '+' || offset[0] == '-');
+    return isTime(fields[0]) && isSigned && isTime(offset.substr(1)) && !fields[2].empty() &&
+           fields[2].find('|') == std::string::npos &&
+           events.find("|" + fields[2] + "|") != std::string::npos;
+}
+
+std::vector<std::string> wholeLines(const std::string& text) {
+    std::vector<std::string> lines(1);
+    for (const char c : text) {
+        if (c != '\n') {
+            lines.back() += c;
+            continue;
+        }
+        if (lines.back().ends_with('\r')) lines.back().pop_back();
+        lines.emplace_back();
+    }
+    lines.pop_back();
+    return lines;
+}
+
+/// What is read from `line` is what is read again when it has been written.
+void requireRoundTrip(const LedgerLine& line) {
+    LedgerLine expected = line;
+    for (std::string* field : {&expected.file, &expected.detail})
+        for (char& c : *field)
+            if (c >= 0 && c < ' ') c = ' ';
+    const std::string text = ledgerText(line);
+    require(text.find_first_of("\r\n") == std::string::npos && isLine(text));
+    const auto read = parseLedgerLine(text);
+    require(read && isSame(*read, expected));
+}
+
+void requireDay(const std::vector<LedgerLine>& lines) {
+    LedgerDay day;
+    std::array<std::string, kDayMinutes> reasons;
+    std::array<DayState, kDayMinutes> states{};
+    for (const LedgerLine& line : lines) {
+        const auto minute = static_cast<std::size_t>(line.minute);
+        if (line.entry == LedgerEntry::Missed) reasons[minute] = line.detail;
+        if (line.entry == LedgerEntry::Taken) states[minute] = DayState::Taken;
+        if (line.entry == LedgerEntry::Fetched) states[minute] = DayState::Fetched;
+        if (line.entry == LedgerEntry::Missed) states[minute] = DayState::Missed;
+        day.apply(line);
+    }
+    require(day.isEmpty() == lines.empty() && day.judged() == states);
+    const WatchMinutes watch = day.watchOfPast();
+    for (int minute = 0; minute < kDayMinutes; ++minute) {
+        const auto place = static_cast<std::size_t>(minute);
+        require(day.reasonOf(minute) == reasons[place]);
+        // a day that is over is known as far as it was before, but for a program that broke off
+        require(watch[place] == day.watch()[place] || watch[place] == Watch::NotRunning);
+        if (lines.empty()) require(watch[place] == Watch::Unknown);
+    }
+    const Schedule present{
+        std::chrono::hours(9), std::chrono::hours(17), std::chrono::minutes(30), {}};
+    for (const int now : {0, 720, kDayMinutes}) {
+        const DueMinutes isDue = day.dueBy(present, now);
+        for (int minute = now; minute < kDayMinutes; ++minute)
+            require(!isDue[static_cast<std::size_t>(minute)] ||
+                    (minute >= 540 && minute < 1020 && minute % 30 == 0));
+    }
+}
+
+} // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    if (size < 2) return 0;
+    const std::size_t cut = data[0] * 256U + data[1];
+    const std::string text(reinterpret_cast<const char*>(data + 2), size - 2);
+    const std::vector<LedgerLine> lines = parseLedger(text);
+    const std::vector<std::string> texts = wholeLines(text);
+    require(lines.size() == static_cast<std::size_t>(std::ranges::count_if(texts, isLine)));
+    std::size_t next = 0;
+    for (const std::string& line : texts) {
+        if (!isLine(line)) continue;
+        const auto fields = fieldsOf(line);
+        require(lines[next].file == fields[3] && lines[next].detail == fields[4]);
+        require(minuteText(lines[next].minute) == fields[0]);
+        requireRoundTrip(lines[next++]);
+    }
+    // of a file that is cut the first lines are known, and nothing else
+    const auto first = parseLedger(std::string_view(text).substr(0, std::min(cut, text.size())));
+    require(first.size() <= lines.size() &&
+            std::equal(first.begin(), first.end(), lines.begin(), isSame));
+    requireDay(lines);
+    for (const LedgerLine& line : lines)
+        if (const auto schedule = parseSchedule(line.detail))
+            require(scheduleText(*schedule) == line.detail);
+    return 0;
+}
