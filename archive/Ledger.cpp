@@ -163,17 +163,10 @@ void LedgerDay::begin(const LedgerLine& line) {
         if (const auto schedule = parseSchedule(line.detail))
             schedules_.emplace_back(line.minute, *schedule);
     } else {
-        if (line.entry == LedgerEntry::ProgramStarted) breakOff(line.minute);
+        if (line.entry == LedgerEntry::ProgramStarted) set(alive_, line.minute, Watch::NotRunning);
         set(line.minute, kDayMinutes, watchFrom(line.entry));
     }
     alive_ = line.minute;
-}
-
-/// The program that started in minute `next` had not been running since its last line. When
-/// recording was off by then, nobody wanted pictures, and when it ended has left no trace.
-void LedgerDay::breakOff(int next) {
-    for (int minute = alive_; minute < next; ++minute)
-        if (watch_[at(minute)] != Watch::Off) watch_[at(minute)] = Watch::NotRunning;
 }
 
 WatchMinutes LedgerDay::watchOfPast() const {

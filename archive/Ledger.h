@@ -66,7 +66,6 @@ class LedgerDay {
   private:
     void set(int first, int end, Watch watch);
     void begin(const LedgerLine& line);
-    void breakOff(int next);
     void skip(const LedgerLine& line);
 
     bool isEmpty_ = true;

@@ -58,11 +58,6 @@ TEST(Ledger, TellsWhoRecorded) {
          "08:00,+09:00,program started,,\n08:00,+09:00,recording on,,\n"
          "09:40,+09:00,recording off,,\n11:40,+09:00,recording on,,\n",
          "  xxooooxx"},
-        {"killed while it was off, and started again",
-         "08:00,+09:00,program started,,\n08:00,+09:00,recording on,,\n"
-         "09:40,+09:00,recording off,,\n11:40,+09:00,program started,,\n"
-         "11:40,+09:00,recording on,,\n",
-         "  xxooooxx"},
         {"other schedules",
          "08:00,+09:00,program started,,\n08:00,+09:00,schedule,,08:00 to 10:00 every 30 min\n"
          "08:00,+09:00,recording on,,\n11:00,+09:00,schedule,,09:00 to 17:00 every 60 min\n"
