@@ -40,9 +40,7 @@ struct CloseFile {
 } // namespace
 
 Fault FileWriter::put(std::string_view bytes, const std::filesystem::path& to) {
-    std::filesystem::path temporary = to.parent_path() / ".";
-    temporary += to.filename();
-    temporary += ".part";
+    const std::filesystem::path temporary = temporaryOf(to);
     Fault fault = open(temporary);
     if (!fault) {
         fault = fill(bytes);
@@ -98,6 +96,13 @@ Fault FileWriter::rename(const std::filesystem::path& from, const std::filesyste
 
 Fault FileWriter::flushFolder(const std::filesystem::path& folder) {
     return forceFolderToDisk(folder);
+}
+
+std::filesystem::path temporaryOf(const std::filesystem::path& file) {
+    std::filesystem::path temporary = file.parent_path() / ".";
+    temporary += file.filename();
+    temporary += ".part";
+    return temporary;
 }
 
 bool isTemporary(const std::filesystem::path& file) {

@@ -26,8 +26,7 @@ class FileWriter {
     FileWriter& operator=(const FileWriter&) = delete;
     virtual ~FileWriter() = default;
 
-    /// `to` is replaced at once or stays as it was. The temporary, "." + name + ".part", is removed
-    /// on failure.
+    /// `to` is replaced at once or stays as it was. The temporary is removed on failure.
     Fault put(std::string_view bytes, const std::filesystem::path& to);
     /// Forces a folder's names to the disk, where forcing is on and the system can.
     Fault flush(const std::filesystem::path& folder);
@@ -47,6 +46,8 @@ class FileWriter {
     std::FILE* file_ = nullptr;
 };
 
+/// What `FileWriter` calls the temporary beside `file`: "." + name + ".part".
+std::filesystem::path temporaryOf(const std::filesystem::path& file);
 /// Whether a name is that of a temporary of `FileWriter`, as a killed program leaves it behind.
 bool isTemporary(const std::filesystem::path& file);
 
