@@ -90,9 +90,9 @@ const std::vector<SampleEvent>& sampleStory() {
         {52, hm(9, 35), End},
         {52, hm(11, 5), StartOff},
         {52, hm(12, 5), On},
-        // killed while recording is off
-        {53, hm(9, 5), Off},
-        {53, hm(9, 35), Kill},
+        // killed while recording is off: from its last line to the next start it was not running
+        {53, hm(9, 7), Off},
+        {53, hm(9, 8), Kill},
         {53, hm(11, 5), Start},
         {54, hm(7, 5), Fails, "Saved as \"a, b\": no space"},
         {54, hm(7, 25), Works},

@@ -47,7 +47,6 @@ void SampleWalk::run(int until) {
 
 void SampleWalk::playDay(int until) {
     told_ = {};
-    wasOff_ = false;
     busyUntil_ = -1;
     for (minute_ = 0; minute_ < until; ++minute_) {
         if (eventIsNext(true)) {
@@ -80,8 +79,7 @@ void SampleWalk::judgeMinute() {
     minute.isDue = isDue(schedule_, minute_);
     if (!minute.isDue) return;
     if (runs_ && records_) return capture();
-    if (minute.truth == Truth::Nothing)
-        minute.truth = runs_ || wasOff_ ? Truth::Off : Truth::NotRunning;
+    if (minute.truth == Truth::Nothing) minute.truth = runs_ ? Truth::Off : Truth::NotRunning;
 }
 
 /// The program looks once a minute, but for the time in which it waits for a picture.
@@ -102,7 +100,6 @@ void SampleWalk::happen(const SampleEvent& event) {
         return;
     case Happens::Kill:
         runs_ = false;
-        wasOff_ = !records_;
         return;
     case Happens::On:
     case Happens::Off:
