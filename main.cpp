@@ -1,6 +1,7 @@
 #include "archive/CopiesAnew.h"
 #include "archive/DayReport.h"
 #include "archive/DaySurvey.h"
+#include "archive/FilmFile.h"
 #include "archive/FolderScan.h"
 #include "archive/ShownDay.h"
 #include "core/AutoStart.h"
@@ -14,6 +15,7 @@
 #include "platform/curl/CurlTransfer.h"
 #include "platform/qt/LibjpegImageControl.h"
 #include "platform/qt/QtClock.h"
+#include "platform/qt/QtProcess.h"
 #include "platform/qt/QtSettingsStore.h"
 #include "station/TaskGroup.h"
 #include "tracker/PortSelection.h"
@@ -102,6 +104,7 @@ class Program {
             {portSelection_, timeForm_, timeSetting_, optionForm_, options_},
             copies_,
             report_,
+            film_,
             clock_,
             faults_,
             op_,
@@ -153,6 +156,8 @@ class Program {
     LibjpegImageControl viewsControl_{clock_}; ///< holds what the windows decode, over waits
     LibjpegImageControl copiesControl_{clock_};
     LibjpegImageControl keogramsControl_{clock_};
+    LibjpegImageControl filmControl_{clock_};
+    QtProcess ffmpeg_{clock_};
     std::unique_ptr<SystemInfo> systemInfo_ = makeSystemInfo();
     QtOperator op_{clock_};
 
@@ -188,6 +193,7 @@ class Program {
     DaySurvey survey_{{days_, panel_, clock_, faults_}};
     CopiesAnew copies_{{panel_, busy_, log_, faults_, clock_}, copiesControl_};
     DayReport report_{{panel_, busy_, log_, faults_, clock_}, module_};
+    FilmFile film_{{panel_, busy_, log_, faults_, clock_}, filmControl_, ffmpeg_, store_};
     FrameLink link_{*MSComm1_, store_, log_, clock_, module_};
     TrackerCommands commands_{link_};
     PortSelection portSelection_{store_, link_, log_, op_};

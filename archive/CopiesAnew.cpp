@@ -14,10 +14,6 @@ namespace {
 constexpr int kLogged = 10;
 constexpr int kFailedInARow = 5;
 
-std::string counted(int count, const std::string& one, const std::string& many) {
-    return std::to_string(count) + " " + (count == 1 ? one : many);
-}
-
 } // namespace
 
 void CopiesAnew::start(DaySpan span, const ImageOptions& options) {

@@ -86,11 +86,11 @@ int DayReport::minuteUnderWay(std::chrono::local_days day) const {
     return static_cast<int>(std::max<std::int64_t>(since, 0));
 }
 
-Fault DayReport::finish() {
-    const Fault fault = writeToFinalName(table_, target_);
+Task<Fault> DayReport::finish() {
+    Fault fault = writeToFinalName(table_, target_);
     written_ = !fault;
-    if (fault) return "the report cannot be written: " + *fault;
-    return std::nullopt;
+    if (fault) fault = "the report cannot be written: " + *fault;
+    co_return fault;
 }
 
 std::string DayReport::outcome() const {

@@ -27,7 +27,7 @@ class DayReport final : public SpanWork {
 
   private:
     Task<Fault> workOn(std::chrono::local_days day) override;
-    Fault finish() override;
+    Task<Fault> finish() override;
     std::string outcome() const override;
     std::string line(const ArchiveDay& day) const;
     int minuteUnderWay(std::chrono::local_days day) const;

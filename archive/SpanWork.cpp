@@ -52,12 +52,20 @@ Task<> SpanWork::days(DaySpan span) {
             fault = "the data folder is not there";
         }
     }
-    if (!fault) fault = finish();
+    if (!fault) {
+        Task<Fault> finishing = finish();
+        fault = co_await finishing;
+    }
     if (!fault) progress = kWhole;
     end(fault ? "Ended early: " + *fault + "." : "");
 }
 
+Task<Fault> SpanWork::finish() {
+    co_return std::nullopt;
+}
+
 void SpanWork::end(const std::string& how) {
+    close();
     const std::string done = outcome();
     const std::string both = how.empty() || done.empty() ? how + done : how + " " + done;
     log(dateText(WallTime(span_.first)) + " to " + dateText(WallTime(span_.last)) + ": " + both);
@@ -85,6 +93,10 @@ void SpanWork::show(std::size_t done, std::size_t count) {
 
 std::filesystem::path SpanWork::folderOf(std::chrono::local_days day) const {
     return datedFolderOf(dataFolder_, WallTime(day));
+}
+
+std::string SpanWork::counted(int count, const std::string& one, const std::string& many) {
+    return number(count) + " " + (count == 1 ? one : many);
 }
 
 void SpanWork::log(const std::string& line) const {

@@ -50,7 +50,9 @@ class SpanWork {
     /// What is to be done for one day. A fault ends the work.
     virtual Task<Fault> workOn(std::chrono::local_days day) = 0;
     /// What is to be done when all days have been worked on.
-    virtual Fault finish() { return std::nullopt; }
+    virtual Task<Fault> finish();
+    /// Lets go of what it holds; called when it ends, in whatever way.
+    virtual void close() {}
     /// What has been done so far, as sentences; empty: nothing that is worth telling.
     virtual std::string outcome() const = 0;
 
@@ -62,6 +64,8 @@ class SpanWork {
     std::filesystem::path folderOf(std::chrono::local_days day) const;
     const Parts& parts() const { return parts_; }
     void log(const std::string& line) const;
+    /// "1 picture", "2 pictures".
+    static std::string counted(int count, const std::string& one, const std::string& many);
 
   private:
     Task<> run(DaySpan span);

@@ -5,6 +5,7 @@
 #include "ui/WishBar.h"
 #include "ui/day/DayMenu.h"
 #include "ui/day/DayView.h"
+#include "ui/dialogs/FilmDialog.h"
 #include "ui/dialogs/FrmComPort.h"
 #include "ui/dialogs/FrmSave.h"
 #include "ui/dialogs/FrmTKRTimeAuto.h"
@@ -39,9 +40,13 @@ frmMain::frmMain(Parts parts)
     addToolsMenu();
     addRecordingMenu();
     new ImageMenu(*saveAs_, addMenu("mnuImage", "Pict&ure"), *area_, parts_.views);
-    new DayMenu(
+    auto* days = new DayMenu(
         addMenu("mnuDay", "&Day"), *day, *area_,
         {parts_.day, parts_.survey, parts_.module, parts_.clock, parts_.faults, parts_.views});
+    SpanDialog* film = filmDialog(parts_.film, parts_.module, parts_.clock, this);
+    connect(days, &DayMenu::saveFilmWanted, film, [film](std::chrono::local_days shown) {
+        film->bringFor({shown, shown});
+    });
     addWindowMenu();
     addEntry(addMenu("mnuHelp", "&Help"),
              {"mnuHelpAbout", "&About...", "Shows the program's version."}, {}, this,

@@ -12,6 +12,7 @@ namespace orvane {
 class CopiesAnew;
 class DayReport;
 class DaySurvey;
+class FilmFile;
 class FrmComPort;
 class FrmTKRTimeAuto;
 class PortSelection;
@@ -50,6 +51,7 @@ class frmMain : public QMainWindow {
         Tracker tracker;
         CopiesAnew& copies;
         DayReport& report;
+        FilmFile& film;
         Clock& clock;
         Faults& faults;
         Operator& op;

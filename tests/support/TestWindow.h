@@ -3,7 +3,9 @@
 #include "archive/CopiesAnew.h"
 #include "archive/DayReport.h"
 #include "archive/DaySurvey.h"
+#include "archive/FilmFile.h"
 #include "archive/ShownDay.h"
+#include "tests/support/FakeProcess.h"
 #include "tests/support/FakeSystemInfo.h"
 #include "tests/support/TestStation.h"
 #include "ui/frmMain.h"
@@ -63,6 +65,7 @@ struct Window : TestStation {
                 {portSelection, timeForm, timeSetting, optionForm, options},
                 copies,
                 report,
+                film,
                 clock,
                 faults,
                 asked,
@@ -84,6 +87,8 @@ struct Window : TestStation {
     DaySurvey survey{{days, panel, clock, faults}};
     CopiesAnew copies{{panel, busy, log, faults, clock}, imageControl};
     DayReport report{{panel, busy, log, faults, clock}, module};
+    FakeProcess process{clock};
+    FilmFile film{{panel, busy, log, faults, clock}, imageControl, process, store};
     frmMain main;
 };
 

@@ -12,7 +12,6 @@
 #include <QProgressBar>
 #include <QPushButton>
 #include <QShowEvent>
-#include <QStandardPaths>
 
 #include <algorithm>
 
@@ -55,7 +54,7 @@ SpanDialog::SpanDialog(Job job, QWidget* parent)
     bar_->setObjectName("prgDays");
     bar_->setToolTip("How far the work is.");
     bar_->setRange(0, SpanWork::kWhole);
-    setUp(*this, job_.name, job_.title, {purpose_, span(), bar_, text_, buttons()});
+    setUp(*this, job_.name, job_.title, {purpose_, span(), work(), text_, buttons()});
     bindings_.follow(job_.work.progress, [this](int done) { bar_->setValue(done); });
     bindings_.follow(job_.work.text,
                      [this](const std::string& told) { text_->setText(toQString(told)); });
@@ -64,6 +63,11 @@ SpanDialog::SpanDialog(Job job, QWidget* parent)
 
 QLayout* SpanDialog::span() {
     return row({captionOf(from_, "&From"), from_, captionOf(to_, "&to"), to_, Item()}, 8);
+}
+
+QLayout* SpanDialog::work() {
+    if (job_.options == nullptr) return column({bar_}, 0);
+    return column({job_.options, bar_});
 }
 
 QLayout* SpanDialog::buttons() {
@@ -82,6 +86,19 @@ void SpanDialog::bring() {
     activateWindow();
 }
 
+void SpanDialog::bringFor(DaySpan days) {
+    if (!job_.work.running) {
+        from_->setDate(dateOf(WallTime(days.first)));
+        to_->setDate(dateOf(WallTime(days.last)));
+        used_ = true;
+    }
+    bring();
+}
+
+void SpanDialog::tellPurpose() {
+    purpose_->setText(job_.purpose());
+}
+
 void SpanDialog::showEvent(QShowEvent* event) {
     QDialog::showEvent(event);
     if (event->spontaneous()) return;
@@ -95,8 +112,7 @@ void SpanDialog::showEvent(QShowEvent* event) {
 
 /// What the work would do may have changed in another window.
 bool SpanDialog::event(QEvent* event) {
-    if (event->type() == QEvent::Show || event->type() == QEvent::WindowActivate)
-        purpose_->setText(job_.purpose());
+    if (event->type() == QEvent::Show || event->type() == QEvent::WindowActivate) tellPurpose();
     return QDialog::event(event);
 }
 
@@ -119,10 +135,22 @@ void SpanDialog::followRunning(bool running) {
         cancel_->setEnabled(true);
         cancel_->setFocus();
     }
-    for (QWidget* control : std::initializer_list<QWidget*>{from_, to_, start_})
-        control->setEnabled(!running);
+    for (QWidget* control : std::initializer_list<QWidget*>{from_, to_, start_, job_.options})
+        if (control != nullptr) control->setEnabled(!running);
     if (!running && cancel_->hasFocus()) close_->setFocus();
     cancel_->setEnabled(running);
+}
+
+void askForFile(QWidget& form, const FileQuestion& question,
+                std::function<void(const std::filesystem::path&)> write) {
+    auto* dialog = new QFileDialog(&form, question.title,
+                                   QStandardPaths::writableLocation(question.where), question.kind);
+    dialog->setAcceptMode(QFileDialog::AcceptSave);
+    dialog->setDefaultSuffix(question.suffix);
+    dialog->selectFile(question.name);
+    QObject::connect(dialog, &QFileDialog::fileSelected, &form,
+                     [write = std::move(write)](const QString& file) { write(toPath(file)); });
+    openOnce(dialog);
 }
 
 SpanDialog* copiesDialog(CopiesAnew& copies, const Module1& module, const Clock& clock,
@@ -148,16 +176,10 @@ SpanDialog* reportDialog(DayReport& report, const Clock& clock, QWidget* parent)
     const auto start = [&report](DaySpan span, SpanDialog& form) {
         const QString days =
             toQString(dateDigits(WallTime(span.first)) + "-" + dateDigits(WallTime(span.last)));
-        auto* dialog = new QFileDialog(
-            &form, "Save Report",
-            QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation), "Tables (*.csv)");
-        dialog->setAcceptMode(QFileDialog::AcceptSave); // asks before it replaces a file
-        dialog->setDefaultSuffix("csv");
-        dialog->selectFile("orvane-" + days + ".csv");
-        QObject::connect(
-            dialog, &QFileDialog::fileSelected, &form,
-            [&report, span](const QString& file) { report.start(span, toPath(file)); });
-        openOnce(dialog);
+        askForFile(form,
+                   {"Save Report", QStandardPaths::DocumentsLocation, "Tables (*.csv)", "csv",
+                    "orvane-" + days + ".csv"},
+                   [&report, span](const auto& file) { report.start(span, file); });
     };
     return new SpanDialog({"frmDayReport", "Save Report", report, purpose, start, clock}, parent);
 }

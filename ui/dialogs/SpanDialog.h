@@ -4,6 +4,7 @@
 #include "ui/panel/Bindings.h"
 
 #include <QDialog>
+#include <QStandardPaths>
 
 #include <functional>
 
@@ -31,12 +32,17 @@ class SpanDialog : public QDialog {
         std::function<QString()> purpose; ///< what a start would do now, in sentences
         std::function<void(DaySpan, SpanDialog&)> start;
         const Clock& clock;
+        QWidget* options = nullptr; ///< the work's own, below the days; locked while it goes on
     };
 
     SpanDialog(Job job, QWidget* parent);
 
     /// Brings the dialog before the operator.
     void bring();
+    /// The same for these days, unless its work goes on.
+    void bringFor(DaySpan days);
+    /// Tells the purpose as it is now.
+    void tellPurpose();
 
   protected:
     void showEvent(QShowEvent* event) override;
@@ -44,6 +50,7 @@ class SpanDialog : public QDialog {
 
   private:
     QLayout* span();
+    QLayout* work();
     QLayout* buttons();
     DaySpan chosen() const;
     void start();
@@ -67,5 +74,16 @@ SpanDialog* copiesDialog(CopiesAnew& copies, const Module1& module, const Clock&
                          QWidget* parent);
 /// "Save Report", which asks for the file.
 SpanDialog* reportDialog(DayReport& report, const Clock& clock, QWidget* parent);
+
+/// Asks for a file to be written, and before an existing one is replaced.
+struct FileQuestion {
+    QString title;
+    QStandardPaths::StandardLocation where;
+    QString kind;   ///< "Tables (*.csv)"
+    QString suffix; ///< without its point
+    QString name;   ///< that is proposed
+};
+void askForFile(QWidget& form, const FileQuestion& question,
+                std::function<void(const std::filesystem::path&)> write);
 
 } // namespace orvane

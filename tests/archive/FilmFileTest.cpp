@@ -1,0 +1,313 @@
+#include "archive/FilmFile.h"
+
+#include "platform/qt/LibjpegImageControl.h"
+#include "tests/support/FakeProcess.h"
+#include "tests/support/TestPictures.h"
+#include "tests/support/TestStation.h"
+
+#include <gtest/gtest.h>
+
+namespace orvane::test {
+namespace {
+
+std::chrono::local_days november(unsigned day) {
+    return std::chrono::floor<std::chrono::days>(at(2006, 11, day));
+}
+
+/// A station with a day's folder, an ffmpeg that is none, and the real imaging control.
+struct Film {
+    Film() {
+        s.panel.Dir1[0].path = s.dataFolder();
+        std::filesystem::create_directory(films);
+    }
+    void write(const std::string& name, const std::string& bytes,
+               const std::string& day = "20061115") const {
+        std::filesystem::create_directories(s.dataFolder() / day);
+        writeFile(s.dataFolder() / day / name, bytes);
+    }
+    /// A picture of one colour, `grey` for all three.
+    void picture(const std::string& name, int grey, QSize size = {64, 48}) const {
+        QImage image(size, QImage::Format_RGB32);
+        image.fill(QColor(grey, grey, grey));
+        write(name, encoded(image), name.substr(0, 8));
+    }
+    void someMinutes(int count) const {
+        for (int minute = 0; minute < count; ++minute)
+            picture("20061115_09" + twoDigits(minute) + "00_00.jpg", 10 * minute);
+    }
+    void start(const FilmOptions& options = {}, unsigned first = 15, unsigned last = 15) {
+        film.start({november(first), november(last)}, options, target);
+    }
+    void finishWork() {
+        EXPECT_TRUE(s.clock.runUntil([this] { return !film.running; }, 1h));
+    }
+    std::string make(const FilmOptions& options = {}, unsigned first = 15, unsigned last = 15) {
+        start(options, first, last);
+        finishWork();
+        return film.text.get();
+    }
+    /// One colour of each picture that was fed, in its middle.
+    std::vector<int> greys(QSize size = {64, 48}) const {
+        std::vector<int> found;
+        const auto width = static_cast<std::size_t>(size.width());
+        const auto height = static_cast<std::size_t>(size.height());
+        const std::size_t middle = (height / 2 * width + width / 2) * 4;
+        for (std::size_t i = 0; i < process.fed.size(); i += width * height * 4)
+            found.push_back(static_cast<unsigned char>(process.fed[i + middle]));
+        return found;
+    }
+    bool has(const std::string& argument, const std::string& value) const {
+        const auto& all = process.arguments;
+        const auto found = std::ranges::find(all, argument);
+        return found != all.end() && found + 1 != all.end() && found[1] == value;
+    }
+
+    TestStation s{at(2006, 11, 20, 12, 0)};
+    LibjpegImageControl control{s.clock};
+    FakeProcess process{s.clock};
+    std::filesystem::path films = s.folder.path() / "films";
+    std::filesystem::path target = films / "day.mp4";
+    FilmFile film{{s.panel, s.busy, s.log, s.faults, s.clock}, control, process, s.store};
+};
+
+void expectNear(const std::vector<int>& found, const std::vector<int>& expected) {
+    ASSERT_EQ(found.size(), expected.size());
+    for (std::size_t i = 0; i < found.size(); ++i)
+        EXPECT_NEAR(found[i], expected[i], 2) << i;
+}
+
+TEST(FilmFile, OnePictureForEachMinuteInTheOrderOfTime) {
+    Film f;
+    f.picture("20061115_093107_00.jpg", 60); // fetched
+    f.picture("20061115_093007_00.jpg", 99); // the capture goes before it
+    f.picture("20061115_093000_00.jpg", 40); //
+    f.picture("20061115_093000_01.jpg", 99); // the clock was set back
+    f.picture("20061115_093120_00.jpg", 99);
+    f.write("20061115_093200_00.jpg", ""); // a power cut: the fetched one stands in
+    f.picture("20061115_093207_00.jpg", 80);
+    f.write("20061115_093300_00.jpg", jpegLike("cannot be decoded"));
+    f.picture("20061116_000007_00.jpg", 99);
+    std::filesystem::rename(f.s.dataFolder() / "20061116" / "20061116_000007_00.jpg",
+                            f.s.dataFolder() / "20061115" / "20061116_000007_00.jpg");
+    f.picture("20061116_000000_00.jpg", 120);
+    EXPECT_EQ(f.make({}, 15, 16), "day.mp4 is written: 4 pictures, 0.2 s. "
+                                  "Passed over: 2 pictures; see ERROR.LOG.");
+    expectNear(f.greys(), {40, 60, 80, 120});
+    EXPECT_EQ(f.film.progress, SpanWork::kWhole);
+    EXPECT_EQ(listing(f.films), std::vector<std::string>{"day.mp4"});
+    EXPECT_EQ(contentsOf(f.target), "film of " + f.process.fed);
+    EXPECT_EQ(f.s.countLogged("FilmFile:with /opt/ffmpeg, libx264"), 1);
+}
+
+TEST(FilmFile, SizesAreEvenAndThoseOfTheFirstPicture) {
+    struct Case {
+        FilmSize first;
+        int rows;
+        FilmSize film;
+    };
+    const Case cases[] = {
+        {{1600, 1200}, 0, {1600, 1200}},    {{641, 481}, 0, {642, 482}},
+        {{1600, 1200}, 480, {640, 480}},    {{1920, 1080}, 480, {854, 480}},
+        {{5184, 3888}, 1080, {1440, 1080}}, {{5184, 3888}, 0, {2880, 2160}},
+        {{8000, 2000}, 1080, {3840, 960}},  {{640, 480}, 720, {960, 720}},
+        {{1080, 1920}, 720, {406, 720}},    {{10, 3000}, 480, {16, 480}},
+    };
+    for (const Case& test : cases)
+        EXPECT_EQ(filmSizeOf(test.first, test.rows), test.film)
+            << test.first.width << "x" << test.first.height << " " << test.rows;
+}
+
+/// What is piped is no larger than it must be; others are fitted to the first.
+TEST(FilmFile, MixedSizesAreFitted) {
+    Film f;
+    f.picture("20061115_093000_00.jpg", 50, {640, 480});
+    f.picture("20061115_093100_00.jpg", 100, {320, 240});
+    f.picture("20061115_093200_00.jpg", 150, {480, 640});
+    EXPECT_TRUE(f.make({.rows = 100, .rate = 60}).starts_with("day.mp4 is written: 3 pictures"));
+    EXPECT_TRUE(f.has("-video_size", "160x120")); // a quarter, the smallest with 100 rows
+    EXPECT_TRUE(f.has("-framerate", "60"));
+    const auto scale = std::ranges::find_if(f.process.arguments, [](const std::string& argument) {
+        return argument.starts_with("scale=134:100:");
+    });
+    EXPECT_NE(scale, f.process.arguments.end());
+    ASSERT_EQ(f.process.fed.size(), 3U * 160 * 120 * 4);
+    expectNear(f.greys({160, 120}), {50, 100, 150});
+    const std::size_t row = 2U * 160 * 120 * 4 + 60U * 160 * 4;
+    EXPECT_EQ(f.process.fed[row], 0) << "black beside one that stands upright";
+}
+
+TEST(FilmFile, StampAndMirrorAreIndependent) {
+    Film f;
+    const QImage gradients = gradient(640, 480);
+    f.write("20061115_093000_00.jpg", encoded(gradients));
+    const auto rendered = [&](bool mirror, bool stamp) {
+        f.make({.mirror = mirror, .stamp = stamp});
+        return QImage(reinterpret_cast<const uchar*>(f.process.fed.data()), 640, 480,
+                      QImage::Format_RGB32)
+            .copy();
+    };
+    const QRect upper(0, 0, 640, 400);
+    const QRect corner(0, 440, 200, 40);
+    const QImage plain = rendered(false, false);
+    const QImage stamped = rendered(false, true);
+    const QImage both = rendered(true, true);
+    EXPECT_LT(meanDifference(plain, gradients), 3);
+    EXPECT_EQ(difference(plain.copy(upper), stamped.copy(upper)), 0);
+    EXPECT_GT(difference(plain.copy(corner), stamped.copy(corner)), 100);
+    EXPECT_EQ(difference(plain.mirrored(true, false).copy(upper), both.copy(upper)), 0);
+    EXPECT_GT(difference(plain.mirrored(true, false).copy(corner), both.copy(corner)), 100);
+}
+
+TEST(FilmFile, TheEncoderIsTheBestThatIsThere) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"Encoders:\n V..... h264_mf   x\n V....D libopenh264   x\n V....D libx264   x\n",
+         "libx264"},
+        {"Encoders:\n V..... h264_mf   x\n V....D libopenh264   x\n", "libopenh264"},
+        {"Encoders:\n V..... h264_mf   x\n", "h264_mf"},
+        {"Encoders:\n V....D libx264rgb   x\n V..... h264_nvenc   x\n", ""},
+        {"Encoders:\n", ""},
+    };
+    for (const auto& [list, encoder] : cases) {
+        EXPECT_EQ(h264EncoderIn(list), encoder) << list;
+        Film f;
+        f.someMinutes(1);
+        f.process.encoders = list;
+        const std::string told = f.make();
+        EXPECT_EQ(f.has("-c:v", encoder), *encoder != '\0');
+        EXPECT_EQ(told.starts_with("Ended early: /opt/ffmpeg has no H.264 encoder"),
+                  *encoder == '\0')
+            << told;
+    }
+}
+
+/// However it fails: told, nothing is left over, an older film stays, and it can be tried again.
+TEST(FilmFile, WhatFailsIsToldAndLeavesNothing) {
+    struct Case {
+        const char* what;
+        std::function<void(Film&)> spoil;
+        const char* told;
+    };
+    const auto fails = [](const char* how, std::size_t after = 0) {
+        return [=](Film& f) {
+            f.process.failing = how;
+            f.process.soundBytes = after;
+            f.process.said = "x264 [info]\n.day.mp4.part: No space left on device\r\n";
+        };
+    };
+    const Case cases[] = {
+        {"no ffmpeg", [](Film& f) { f.process.installed = false; },
+         "Ended early: there is no ffmpeg. Install ffmpeg (Debian, Ubuntu: apt-get install ffmpeg; "
+         "Windows: put ffmpeg.exe into the program's folder), or choose where it is. No film was "
+         "written."},
+        {"no ffmpeg at all", [](Film& f) { f.process.encoders = "Usage: notepad\n"; },
+         "Ended early: /opt/ffmpeg is no ffmpeg that can be used. "},
+        {"not to be started", fails("start"), "Ended early: /opt/ffmpeg failed: it cannot be"},
+        {"dies", fails("die"), "Ended early: ffmpeg failed: it stopped reading (.day.mp4.part: No"},
+        {"dies later", fails("die", 20'000), "Ended early: ffmpeg failed: it stopped reading ("},
+        {"stands still", fails("hang", 20'000), "Ended early: ffmpeg failed: it stands still ("},
+        {"does not end", fails("hang at the end"), "Ended early: ffmpeg failed: it does not end ("},
+        {"fails at the end", fails("exit code"), "Ended early: ffmpeg failed: exit code 1 ("},
+        {"no pictures", [](Film& f) { std::filesystem::remove_all(f.s.dataFolder() / "20061115"); },
+         "Ended early: there are no pictures that can be used. No film was written."},
+        {"the data folder goes", [](Film& f) { std::filesystem::remove_all(f.s.dataFolder()); },
+         "Ended early: the data folder is not there. No film was written."},
+        {"the target is a folder",
+         [](Film& f) {
+             std::filesystem::remove(f.target);
+             std::filesystem::create_directories(f.target / "full");
+         },
+         "Ended early: the film cannot be renamed: "},
+    };
+    for (const Case& test : cases) {
+        Film f;
+        f.someMinutes(5);
+        writeFile(f.target, "older");
+        test.spoil(f);
+        const std::string told = f.make();
+        EXPECT_TRUE(told.starts_with(test.told)) << test.what << ": " << told;
+        EXPECT_TRUE(told.find("No film was written.") != std::string::npos);
+        EXPECT_FALSE(f.process.running) << test.what;
+        EXPECT_FALSE(std::filesystem::exists(f.films / ".day.mp4.part")) << test.what;
+        if (std::filesystem::is_directory(f.target)) continue;
+        EXPECT_EQ(contentsOf(f.target), "older");
+        f.process.failing.clear();
+        f.process.installed = true;
+        f.process.encoders = "Encoders:\n V....D libx264 \n";
+        f.someMinutes(5);
+        EXPECT_EQ(f.make(), "day.mp4 is written: 5 pictures, 0.2 s.") << test.what;
+    }
+}
+
+/// Wherever it is cancelled, or the program ends: no part of a film, nothing waits on.
+TEST(FilmFile, CanBeCancelledAtAnyMoment) {
+    int cancelled = 0;
+    for (Ticks moment = 0ms; moment < 400ms; moment += 3ms) {
+        auto f = std::make_unique<Film>();
+        f->someMinutes(6);
+        writeFile(f->target, "older");
+        const std::size_t waiting = f->s.clock.pending();
+        f->start();
+        f->s.clock.run(moment);
+        const bool part = std::filesystem::exists(f->films / ".day.mp4.part");
+        if (!f->film.running) break;
+        f->film.cancel();
+        EXPECT_EQ(f->film.text.get(), "Cancelled. No film was written.");
+        EXPECT_EQ(f->s.clock.pending(), waiting);
+        EXPECT_FALSE(f->process.running);
+        EXPECT_TRUE(f->control.picture().isNull());
+        EXPECT_EQ(listing(f->films), std::vector<std::string>{"day.mp4"});
+        EXPECT_EQ(contentsOf(f->target), "older");
+        cancelled += part;
+    }
+    EXPECT_GT(cancelled, 10);
+}
+
+TEST(FilmFile, EndsWithTheProgram) {
+    Film f;
+    f.someMinutes(6);
+    {
+        FilmFile film({f.s.panel, f.s.busy, f.s.log, f.s.faults, f.s.clock}, f.control, f.process,
+                      f.s.store);
+        film.start({november(15), november(15)}, {}, f.target);
+        const auto part = f.films / ".day.mp4.part";
+        ASSERT_TRUE(f.s.clock.runUntil([&] { return std::filesystem::exists(part); }, 1min));
+    }
+    EXPECT_FALSE(f.process.running);
+    EXPECT_TRUE(listing(f.films).empty());
+}
+
+TEST(FilmFile, CapturesGoFirstAndNothingIsHeldUp) {
+    Film f;
+    f.someMinutes(20);
+    f.start();
+    ASSERT_TRUE(f.s.clock.runUntil([&] { return f.greys().size() == 3; }, 1min));
+    EXPECT_FALSE(f.s.busy.active());
+    {
+        const Busy::Hold capture(f.s.busy);
+        f.s.clock.run(1min);
+        EXPECT_LE(f.greys().size(), 4U) << "the picture it was at";
+        EXPECT_TRUE(f.film.running);
+    }
+    f.finishWork();
+    EXPECT_EQ(f.greys().size(), 20U);
+}
+
+TEST(FilmFile, TheChosenFfmpegGoesBeforeTheFoundOne) {
+    Film f;
+    EXPECT_EQ(f.film.program(), std::filesystem::path("/opt/ffmpeg"));
+    const auto own = f.films / "my ffmpeg";
+    f.film.choose(own);
+    EXPECT_EQ(f.film.program(), std::filesystem::path("/opt/ffmpeg")) << "it is not there";
+    writeFile(own, "a program");
+    EXPECT_EQ(f.film.program(), own);
+    EXPECT_EQ(f.s.store.values["Station/Ffmpeg"], utf8FromPath(own));
+    f.someMinutes(1);
+    f.make();
+    EXPECT_EQ(f.process.programs, std::vector<std::filesystem::path>(2, own));
+    f.s.store.readOnly = true;
+    f.film.choose("/opt/other");
+    EXPECT_FALSE(f.film.text.get().empty());
+}
+
+} // namespace
+} // namespace orvane::test
