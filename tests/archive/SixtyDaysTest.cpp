@@ -185,7 +185,7 @@ TEST_F(SixtyDays, AreReported) {
 
 /// A file with something in it is a picture to the calendar: it looks at names and sizes only.
 TEST_F(SixtyDays, AreSurveyedByNamesAndSizes) {
-    DaySurvey survey{{s.days, s.module, s.panel, s.clock, s.faults}};
+    DaySurvey survey{{s.days, s.panel, s.clock, s.faults}};
     survey.start({archive.day(0).date, kLastDay});
     ASSERT_TRUE(s.clock.runUntil([&] { return survey.found == kSampleDays; }, 1h));
     for (const SampleDay& day : archive.days()) {
@@ -202,7 +202,7 @@ TEST_F(SixtyDays, AreSurveyedByNamesAndSizes) {
 TEST_F(SixtyDays, AreShownAsTheOperatorTurns) {
     FakeImageControl control;
     Keograms keograms{{control, s.module, s.busy, s.clock}};
-    ShownDay shown{{s.days, s.module, s.panel, keograms, s.clock, s.faults}};
+    ShownDay shown{{s.days, s.panel, keograms, s.clock, s.faults}};
     shown.turnTo(archive.day(0).date - std::chrono::days(5));
     EXPECT_EQ(shown.day(), archive.day(0).date) << "the archive's first";
     for (auto day = archive.days().rbegin(); day != archive.days().rend(); ++day) {

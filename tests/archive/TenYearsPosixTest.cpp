@@ -83,7 +83,7 @@ class TenYears : public testing::Test {
     TestStation s{WallTime(kToday) + 12h};
     FakeImageControl control;
     Keograms keograms{{control, s.module, s.busy, s.clock}};
-    ShownDay shown{{s.days, s.module, s.panel, keograms, s.clock, s.faults}};
+    ShownDay shown{{s.days, s.panel, keograms, s.clock, s.faults}};
 };
 
 using Names = std::set<std::string>;
@@ -100,7 +100,7 @@ TEST_F(TenYears, OnlyTheDayInViewIsRead) {
 }
 
 TEST_F(TenYears, OnlyTheMonthInViewIsSurveyed) {
-    DaySurvey survey{{s.days, s.module, s.panel, s.clock, s.faults}};
+    DaySurvey survey{{s.days, s.panel, s.clock, s.faults}};
     const auto first = kToday - std::chrono::days(1000);
     survey.start({first, first + std::chrono::days(2)});
     ASSERT_TRUE(s.clock.runUntil([&] { return survey.found == 3; }, 1min));

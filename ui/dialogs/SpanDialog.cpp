@@ -88,8 +88,8 @@ void SpanDialog::bring() {
 
 void SpanDialog::bringFor(DaySpan days) {
     if (!job_.work.running) {
-        from_->setDate(dateOf(WallTime(days.first)));
-        to_->setDate(dateOf(WallTime(days.last)));
+        from_->setDate(dateOf(days.first));
+        to_->setDate(dateOf(days.last));
         used_ = true;
     }
     bring();
