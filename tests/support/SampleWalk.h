@@ -38,7 +38,6 @@ class SampleWalk {
 
     bool runs_ = false;
     bool records_ = false;
-    false; ///< the program was killed while recording was off: nobody wanted pictures
     SampleSchedule schedule_ = kSampleSchedule;
     std::string fault_; ///< of each fetch; empty: the camera works
     int late_ = 0;
