@@ -20,6 +20,7 @@ constexpr qint64 kWaiting = 4 << 20; ///< bytes on their way to the program
 constexpr qint64 kSlice = 1 << 20;
 constexpr qsizetype kKept = 64 << 10; ///< of what it says
 constexpr Ticks kLook = 2ms;
+constexpr int kGone = 2000; ///< milliseconds that one which was killed may take
 
 QString text(const std::string& utf8) {
     return QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size()));
@@ -41,6 +42,12 @@ void giveWay(QProcess& process) {
 }
 
 } // namespace
+
+QtProcess::~QtProcess() {
+    kill();
+    for (QProcess* process : dying_.findChildren<QProcess*>())
+        process->waitForFinished(kGone);
+}
 
 std::filesystem::path QtProcess::find(const std::string& name) const {
     QString found = QStandardPaths::findExecutable(text(name));
@@ -138,8 +145,7 @@ void QtProcess::kill() {
     QObject::connect(process, &QProcess::finished, process, &QObject::deleteLater);
     process->kill();
 #ifdef _WIN32
-    constexpr int kUsuallyMilliseconds = 2000;
-    process->waitForFinished(kUsuallyMilliseconds); // its open files cannot be removed before
+    process->waitForFinished(kGone); // its open files cannot be removed before
 #endif
 }
 

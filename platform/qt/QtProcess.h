@@ -14,7 +14,7 @@ class QtProcess final : public Process {
   public:
     explicit QtProcess(Clock& clock) : clock_(clock) {}
     QtProcess(const QtProcess&) = delete;
-    ~QtProcess() override { kill(); }
+    ~QtProcess() override;
 
     std::filesystem::path find(const std::string& name) const override;
     void start(const std::filesystem::path& program,
