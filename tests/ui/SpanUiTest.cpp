@@ -3,11 +3,13 @@
 #include "tests/support/TestWindow.h"
 #include "ui/Text.h"
 
+#include <QComboBox>
 #include <QDateEdit>
 #include <QFileDialog>
 #include <QLabel>
 #include <QProgressBar>
 #include <QPushButton>
+#include <QSpinBox>
 
 namespace orvane::test {
 namespace {
@@ -104,6 +106,54 @@ TEST_F(SpanUi, TheReportGoesIntoTheFileThatIsChosen) {
     w.clock.run(1s);
     EXPECT_EQ(told(form), "days.csv is written.");
     EXPECT_NE(contentsOf(file).find("09:10:00,09:19:00,"), std::string::npos);
+}
+
+TEST_F(SpanUi, AFilmIsOfTheDayInViewAndAsTheOptionsSay) {
+    w.module.image.LrFlg = asFlag(true);
+    QDialog& form = open("mnuDaySaveFilm", "frmFilmFile");
+    const auto& purpose = find<QLabel>(form, "lblPurpose");
+    EXPECT_TRUE(purpose.text().contains(", mirrored, ")) << purpose.text().toStdString();
+    EXPECT_EQ(find<QDateEdit>(form, "dtpFrom").date(), today);
+    choose(form, today.addDays(-1), today.addDays(-1));
+    find<QComboBox>(form, "cboSize").setCurrentIndex(2);
+    find<QSpinBox>(form, "spnRate").setValue(5);
+    click(form, "chkStamp");
+    click(form, "cmdStart");
+    auto* dialog = form.findChild<QFileDialog*>();
+    ASSERT_NE(dialog, nullptr);
+    EXPECT_TRUE(dialog->selectedFiles().value(0).endsWith("orvane-20061114.mp4"));
+    emit dialog->fileSelected(toQString(w.folder.path() / "day.mp4"));
+    delete dialog;
+    EXPECT_FALSE(find<QWidget>(form, "spnRate").isEnabled());
+    w.clock.run(10s);
+    EXPECT_EQ(told(form), "day.mp4 is written: 10 pictures, 2.0 s.");
+    EXPECT_TRUE(find<QWidget>(form, "spnRate").isEnabled());
+    const auto& arguments = w.process.arguments;
+    EXPECT_NE(std::ranges::find(arguments, "5"), arguments.end());
+    EXPECT_TRUE(std::ranges::any_of(arguments, [](const std::string& argument) {
+        return argument.starts_with("scale=") && argument.find(":720:") != std::string::npos;
+    }));
+    EXPECT_NE(contentsOf(w.folder.path() / "day.mp4").find('\0'), std::string::npos);
+
+    form.close();
+    open("mnuDaySaveFilm", "frmFilmFile");
+    EXPECT_EQ(find<QDateEdit>(form, "dtpTo").date(), today) << "the day in view again";
+}
+
+TEST_F(SpanUi, WithoutFfmpegTheOperatorIsToldAndMayChooseOne) {
+    w.process.installed = false;
+    QDialog& form = open("mnuDaySaveFilm", "frmFilmFile");
+    const auto& purpose = find<QLabel>(form, "lblPurpose");
+    EXPECT_TRUE(purpose.text().contains("apt-get install ffmpeg")) << purpose.text().toStdString();
+    const auto program = w.folder.path() / "ffmpeg of mine";
+    writeFile(program, "a program");
+    click(form, "cmdFfmpeg");
+    auto* dialog = form.findChild<QFileDialog*>();
+    ASSERT_NE(dialog, nullptr);
+    emit dialog->fileSelected(toQString(program));
+    delete dialog;
+    EXPECT_TRUE(purpose.text().contains("ffmpeg of mine")) << purpose.text().toStdString();
+    EXPECT_EQ(w.store.values["Station/Ffmpeg"], utf8FromPath(program));
 }
 
 /// The program may be closed at any moment; the work ends with it.
