@@ -63,7 +63,9 @@ class TenYears : public testing::Test {
             if (!opened.watch(dated)) GTEST_SKIP() << "the system watches no more folders";
         }
         s.panel.Dir1[0].path = folder.path();
-        s.module.schedule = {9h, 10h, 30min, {}};
+        const char* fields[] = {"9", "0", "10", "0", "", "30", "0"};
+        for (std::size_t i = 0; i < std::size(fields); ++i)
+            s.panel.Text1[i].text = std::string(fields[i]);
         s.days.refresh();
         opened.folders();
     }
