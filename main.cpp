@@ -163,7 +163,7 @@ class Program {
 
     Module1 module_;
     OperationPanel panel_;
-    Warnings warnings_;
+    Warnings warnings_{clock_};
     Busy busy_;
     ErrorLog log_{programFolder(),
                   clock_,

@@ -77,7 +77,7 @@ struct Station {
     OperationPanel panel;
     ErrorLog log{folder.path(), clock};
     Faults faults{log, clock, op};
-    Warnings warnings;
+    Warnings warnings{clock};
     DayWatch days{module, panel, clock};
     DiskWatch disk;
     FileWriter files{FileWriter::Force::No};

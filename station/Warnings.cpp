@@ -4,14 +4,20 @@ namespace orvane {
 
 void Warnings::set(Cause cause, const std::string& message) {
     if (message.empty()) {
-        if (messages_.erase(cause) == 0) return;
+        if (standing_.erase(cause) == 0) return;
     } else {
-        messages_[cause] = message;
+        standing_.try_emplace(cause, Standing{{}, clock_.now()}).first->second.text = message;
     }
     std::string all;
-    for (const auto& [held, line] : messages_)
-        all += (all.empty() ? "" : "\n") + line;
+    for (const auto& [held, standing] : standing_)
+        all += (all.empty() ? "" : "\n") + standing.text;
     text = std::move(all);
+}
+
+std::optional<WallTime> Warnings::since(Cause cause) const {
+    const auto found = standing_.find(cause);
+    if (found == standing_.end()) return std::nullopt;
+    return found->second.since;
 }
 
 } // namespace orvane

@@ -1,8 +1,10 @@
 #pragma once
 
+#include "platform/Clock.h"
 #include "station/Value.h"
 
 #include <map>
+#include <optional>
 #include <string>
 
 namespace orvane {
@@ -22,6 +24,13 @@ class Warnings {
         ClockSetting,
         SunTimes
     };
+    struct Standing {
+        std::string text;
+        WallTime since; ///< when the cause came up; a changed text leaves it
+    };
+
+    /// `clock` outlives this.
+    explicit Warnings(const Clock& clock) : clock_(clock) {}
 
     /// All texts, one per line; empty: nothing to warn of.
     Value<std::string> text;
@@ -29,10 +38,15 @@ class Warnings {
     /// Sets the text of a cause; an empty one says that the cause has gone.
     void set(Cause cause, const std::string& message);
     void clear(Cause cause) { set(cause, {}); }
-    bool stands(Cause cause) const { return messages_.contains(cause); }
+    bool stands(Cause cause) const { return standing_.contains(cause); }
+    /// Nothing while the cause does not stand.
+    std::optional<WallTime> since(Cause cause) const;
+    /// Every cause that stands, in the order of `text`.
+    const std::map<Cause, Standing>& standing() const { return standing_; }
 
   private:
-    std::map<Cause, std::string> messages_;
+    const Clock& clock_;
+    std::map<Cause, Standing> standing_;
 };
 
 } // namespace orvane

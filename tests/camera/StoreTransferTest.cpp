@@ -81,7 +81,7 @@ struct StoreTransfer : testing::Test {
     OperationPanel panel;
     ErrorLog log{folder.path() / "program", clock};
     Faults faults{log, clock, op};
-    Warnings warnings;
+    Warnings warnings{clock};
     DayWatch days{module, panel, clock};
     DiskWatch disk;
     FileWriter files{FileWriter::Force::No};

@@ -46,7 +46,7 @@ struct Store {
     FakeOperator op{clock};
     FakeImageControl imageControl;
     Busy busy;
-    Warnings warnings;
+    Warnings warnings{clock};
     ErrorLog log{folder.path() / "program", clock};
     Faults faults{log, clock, op};
     DayWatch days{module, panel, clock};

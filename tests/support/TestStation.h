@@ -90,7 +90,7 @@ class TestStation {
     FakeOperator op{clock};
     FakeImageControl imageControl;
     FakeViews views;
-    Warnings warnings;
+    Warnings warnings{clock};
     Busy busy;
     PanelSettings settings{module, panel, store, folder.path() / "pictures" / "Orvane"};
     ErrorLog log{folder.path() / "program",

@@ -266,7 +266,7 @@ TEST_F(Ui, DelayIsA16BitNumber) {
 }
 
 TEST_F(Ui, WarningOpensAndClosesByItself) {
-    Warnings warnings;
+    Warnings warnings{clock};
     Frm_massege form(warnings);
     EXPECT_FALSE(form.isVisible());
     warnings.set(Warnings::Cause::NoImage, "No image at 09:30 and 10:00.");
