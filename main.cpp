@@ -9,6 +9,7 @@
 #include "core/MainLoop.h"
 #include "core/Shutdown.h"
 #include "core/StartUp.h"
+#include "core/StatusFile.h"
 #include "platform/Paths.h"
 #include "platform/SerialPort.h"
 #include "platform/SystemCalls.h"
@@ -30,6 +31,7 @@
 #include "ui/pictures/QtImageViews.h"
 
 #include <QApplication>
+#include <QFile>
 #include <QIcon>
 #include <QSocketNotifier>
 #include <QStandardPaths>
@@ -44,6 +46,12 @@ QIcon programIcon() {
     for (const char* size : {"16", "32", "48", "256"})
         icon.addFile(QStringLiteral(":/icons/orvane-%1.png").arg(size));
     return icon;
+}
+
+std::string statusPage() {
+    QFile page(":/status/status.html");
+    page.open(QIODevice::ReadOnly);
+    return page.readAll().toStdString();
 }
 
 std::filesystem::path programFolder() {
@@ -133,6 +141,7 @@ class Program {
     }
     void endProgram() {
         ledger_.end();
+        faults_.attempt("StatusFile", [this] { statusFile_.end(); });
         QCoreApplication::exit(0);
     }
     void enterMainLoop() {
@@ -204,6 +213,15 @@ class Program {
                             [this] { takeSite(); }};
     DailyClocks dailyClocks_{module_, timeSetting_, warnings_,
                              busy_,   clock_,       [this](bool open) { showTimeDialog(open); }};
+    FileWriter statusFiles_{FileWriter::Force::No};
+    StatusFile statusFile_{{{module_, panel_, days_, disk_, warnings_, dailyClocks_, clock_,
+                             ORVANE_VERSION, [this] { return clock_.utcOffset(); }},
+                            warnings_,
+                            statusFiles_,
+                            log_,
+                            clock_,
+                            statusPage()},
+                           faults_};
     Shutdown shutdown_{{settings_, store_, busy_, wishes_, op_, log_, [this] { endProgram(); }}};
     Station station_{module_,
                      panel_,
@@ -229,7 +247,8 @@ class Program {
                      dailyClocks_,
                      [this] { showMainWindow(); },
                      [](int code) { QCoreApplication::exit(code); },
-                     keepAwake};
+                     keepAwake,
+                     [this] { statusFile_.begin(); }};
     MainLoop loop_{station_};
     AutoStart autoStart_{module_,
                          store_,

@@ -50,8 +50,8 @@ std::optional<double> DiskWatch::daysLeft(std::uint64_t freeBytes, const Schedul
 }
 
 DiskWatch::Report DiskWatch::report(std::uint64_t freeBytes, const Schedule& schedule) {
-    Report report{gigabytes(freeBytes) + " free", {}};
     const auto days = daysLeft(freeBytes, schedule);
+    Report report{gigabytes(freeBytes) + " free", {}, days};
     if (days) {
         char about[48];
         std::snprintf(about, sizeof about, ", about %.0f days", *days);

@@ -22,7 +22,8 @@ class DiskWatch {
     struct Report {
         /// "123.4 GB free, about 210 days"; without the days while no rate is known.
         std::string caption;
-        std::string warning; ///< below 1 GB or 7 days, else empty
+        std::string warning;        ///< below 1 GB or 7 days, else empty
+        std::optional<double> days; ///< how long the disk lasts; nothing while no rate is known
     };
     Report report(std::uint64_t freeBytes, const Schedule& schedule);
 

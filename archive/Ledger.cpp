@@ -60,11 +60,6 @@ std::optional<int> parseMinute(std::string_view text) {
     return hour * 60 + minute;
 }
 
-std::string offsetText(std::chrono::minutes offset) {
-    return (offset < 0min ? "-" : "+") +
-           minuteText(static_cast<int>(std::chrono::abs(offset).count()));
-}
-
 std::optional<std::chrono::minutes> parseOffset(std::string_view text) {
     if (text.empty() || (text[0] != '+' && text[0] != '-')) return std::nullopt;
     const auto size = parseMinute(text.substr(1));

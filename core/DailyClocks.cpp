@@ -29,6 +29,7 @@ Task<> DailyClocks::run() {
     co_await camera;
     Task<std::optional<std::string>> tracker = setting_.setTrackerClock(true);
     const std::optional<std::string> fault = co_await tracker;
+    last_ = Outcome{clock_.now(), fault};
     warnings_.set(Warnings::Cause::ClockSetting,
                   fault ? "The daily clock setting failed: " + *fault : "");
 }

@@ -27,6 +27,14 @@ class DailyClocks {
     /// Bounded: about 11 seconds for the camera and at most 45 for a slow tracker.
     Task<> run();
 
+    /// What came of a setting: when it ended, and why it failed.
+    struct Outcome {
+        WallTime at;
+        Fault fault;
+    };
+    /// The last one since the program's start.
+    const std::optional<Outcome>& last() const { return last_; }
+
   private:
     Module1& module_;
     TimeSetting& setting_;
@@ -35,6 +43,7 @@ class DailyClocks {
     Clock& clock_;
     ShowDialog showDialog_;
     std::chrono::local_days lastDay_{};
+    std::optional<Outcome> last_;
 };
 
 } // namespace orvane

@@ -27,6 +27,11 @@ void addCount(std::int32_t& count, std::int32_t by) {
     if (sum <= std::numeric_limits<std::int32_t>::max()) count = static_cast<std::int32_t>(sum);
 }
 
+std::string attemptFault(const Captured& captured) {
+    if (captured.filed) return {};
+    return captured.notFiled.empty() ? "something unforeseen, see ERROR.LOG" : captured.notFiled;
+}
+
 } // namespace
 
 Task<> MainLoop::run() {
@@ -65,6 +70,7 @@ Task<Fault> MainLoop::start() {
     sunSite_ = station_.module.site;
     station_.panel.chkLive.ticked = false;
     loadTodaysThumbnails(station_);
+    if (station_.atWork) station_.atWork();
     if (station_.module.RecordFlg) {
         Task<> starting = station_.recording.Command1_Click();
         co_await starting;
@@ -129,6 +135,7 @@ Task<bool> MainLoop::recordNow(std::int64_t dueMinute) {
         co_return worked;
     }
     fetchFault_ = captured.fault;
+    station_.module.lastAttempt = CaptureAttempt{station_.clock.now(), attemptFault(captured)};
     if (!captured.filed) station_.ledger.noteFailure(dueMinute, captured.notFiled);
     const std::int32_t fetched = station_.module.filesFetched; // a run in the pause resets it
     if (captured.filed) {

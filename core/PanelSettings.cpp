@@ -14,6 +14,8 @@ namespace {
 
 constexpr const char* kFolderSection = "DataPath";
 constexpr const char* kFolderKey = "PathDataFile";
+constexpr const char* kStationSection = "Station";
+constexpr const char* kLatestCopyKey = "LatestCopy";
 
 /// Replaces `value` by what was read; false when nothing was.
 template <class Number>
@@ -122,6 +124,7 @@ Fault PanelSettings::initOperation() {
     chosenFolder_ = pathFromUtf8(store_.GetSetting(kFolderSection, kFolderKey, ""));
     followDataFolder();
     panel_.Dir1[1].path = panel_.Dir1[0].path.get();
+    module_.latestCopy = store_.GetSetting(kStationSection, kLatestCopyKey, "0") == "1";
     loaded_ = true;
     return std::nullopt;
 }
@@ -154,6 +157,11 @@ Fault PanelSettings::followDataFolder() {
     if (isThere || !chosen) return std::nullopt;
     return "The data folder " + utf8FromPath(chosenFolder_) + " is not there. Pictures go to " +
            utf8FromPath(standIn) + " meanwhile.";
+}
+
+bool PanelSettings::keepLatestCopy(bool on) {
+    module_.latestCopy = on;
+    return store_.SaveSetting(kStationSection, kLatestCopyKey, on ? "1" : "0");
 }
 
 void PanelSettings::chk_time_Click() {

@@ -35,6 +35,9 @@ class PanelSettings {
     /// a network may go and come at any time. To be called about once a minute. Answers what is to
     /// be told while the chosen one is not there.
     Fault followDataFolder();
+    /// Switches the copy of the latest picture beside the status page, and stores that at once.
+    /// False: it could not be stored; the switch holds all the same.
+    bool keepLatestCopy(bool on);
     void chk_time_Click();
 
     /// After an edit of a site field: a number takes effect at once. False: the text is not a

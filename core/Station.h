@@ -53,6 +53,7 @@ struct Station {
     std::function<void()> showMainWindow;
     std::function<void(int)> endProgram;           ///< with the exit code
     std::function<void(bool)> keepAwake = nullptr; ///< called when recording is switched on or off
+    std::function<void()> atWork = nullptr;        ///< called when the start-up has succeeded
 };
 
 } // namespace orvane

@@ -117,6 +117,21 @@ std::string hourMinute(WallTime time) {
     return text;
 }
 
+std::string offsetText(std::chrono::minutes offset) {
+    const auto size = static_cast<int>(std::chrono::abs(offset).count());
+    return (offset < 0min ? "-" : "+") + twoDigits(size / 60) + ":" + twoDigits(size % 60);
+}
+
+std::string isoTime(WallTime time, std::chrono::minutes offset) {
+    std::string text;
+    putDate(text, time, "-");
+    return text + "T" + timeText(time) + offsetText(offset);
+}
+
+std::int64_t universalSeconds(WallTime time, std::chrono::minutes offset) {
+    return std::chrono::floor<std::chrono::seconds>(time.time_since_epoch() - offset).count();
+}
+
 std::string twoDigits(int value) {
     std::string text;
     put(text, value, 2);

@@ -29,6 +29,13 @@ std::string dateDigits(WallTime time);
 std::string minuteStamp(WallTime time);
 std::string hourMinute(WallTime time);
 
+/// The offset of a local time from universal time, less than a day: "+09:00".
+std::string offsetText(std::chrono::minutes offset);
+/// Whole seconds with that offset, as ISO 8601 has it: "2006-11-15T12:30:00+09:00".
+std::string isoTime(WallTime time, std::chrono::minutes offset);
+/// The same moment in seconds since the beginning of 1970, universal time.
+std::int64_t universalSeconds(WallTime time, std::chrono::minutes offset);
+
 /// 0 to 99 with a leading zero.
 std::string twoDigits(int value);
 

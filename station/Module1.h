@@ -10,11 +10,18 @@
 #include <cstdint>
 #include <filesystem>
 #include <optional>
+#include <string>
 
 namespace orvane {
 
 /// The newest images, newest first; an empty path: no image.
 using ThumbnailHistory = std::array<std::filesystem::path, 10>;
+
+/// An attempt to take a picture, cut short ones excepted.
+struct CaptureAttempt {
+    WallTime at;       ///< when it ended
+    std::string fault; ///< why there is no picture; empty when there is one
+};
 
 /// The process-wide state. `main` owns the only one and hands it down.
 struct Module1 {
@@ -37,9 +44,11 @@ struct Module1 {
     ImageOptions image;
     std::int16_t AdjTime = 1;
     bool imageProcessing = true; ///< off: files are kept as they come
+    bool latestCopy = false;     ///< a copy of the latest picture is kept beside the status page
 
     std::filesystem::path lastImage; ///< newest image written; empty at start
     ThumbnailHistory thumbnails;
+    std::optional<CaptureAttempt> lastAttempt; ///< since the program's start
 
     /// Indices from 1 hold the paths that `file_check` found; `foundCount` is one more than their
     /// number, 0 when the folder could not be opened.

@@ -22,7 +22,8 @@ class Warnings {
         ErrorLog,
         DiskSpace,
         ClockSetting,
-        SunTimes
+        SunTimes,
+        StatusFile
     };
     struct Standing {
         std::string text;

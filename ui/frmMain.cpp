@@ -8,6 +8,7 @@
 #include "ui/dialogs/FilmDialog.h"
 #include "ui/dialogs/FrmComPort.h"
 #include "ui/dialogs/FrmSave.h"
+#include "ui/dialogs/FrmStatusPage.h"
 #include "ui/dialogs/FrmTKRTimeAuto.h"
 #include "ui/dialogs/SpanDialog.h"
 #include "ui/dialogs/frmAbout.h"
@@ -110,6 +111,10 @@ void frmMain::addToolsMenu() {
               "Makes the processed copies of some days anew."},
              {Qt::CTRL | Qt::Key_P}, copiesDialog(parts_.copies, parts_.module, parts_.clock, this),
              &SpanDialog::bring);
+    addEntry(
+        tools,
+        {"mnuStatusPage", "Status Pa&ge...", "Shows where to look at the station from elsewhere."},
+        {Qt::CTRL | Qt::Key_G}, this, &frmMain::mnuStatusPage_Click);
 }
 
 void frmMain::addRecordingMenu() {
@@ -224,6 +229,10 @@ void frmMain::mnuTKROption_Click() {
     if (option_ == nullptr)
         option_ = new frmOption(tracker.optionForm, tracker.options, parts_.operation.tasks, this);
     option_->open();
+}
+
+void frmMain::mnuStatusPage_Click() {
+    openOnce(new FrmStatusPage(parts_.module, parts_.operation.settings, this));
 }
 
 void frmMain::mnuHelpAbout_Click() {

@@ -86,6 +86,7 @@ class frmMain : public QMainWindow {
     void mnuFileExit_Click();
     void mnuCOMSelect_Click();
     void mnuTKROption_Click();
+    void mnuStatusPage_Click();
     void mnuHelpAbout_Click();
     static Task<> unload(QPointer<frmMain> window, UnloadMode mode);
 

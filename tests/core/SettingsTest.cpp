@@ -115,7 +115,7 @@ TEST(PanelSettings, LoadsAndSavesInTheirOrders) {
                   "Settings/Quality",    "Settings/Delay",           "Settings/JpegTyp",
                   "Settings/AdjTime",    "Settings/LrFlg",           "Settings/DateFlg",
                   "Settings/RawFlg",     "Settings/FillGaps",        "Settings/IP",
-                  "Settings/IP-Port",    "DataPath/PathDataFile"}));
+                  "Settings/IP-Port",    "DataPath/PathDataFile",    "Station/LatestCopy"}));
     EXPECT_EQ(module.image.LrFlg, 0);
     module.image.LrFlg = -1;
     panel.chk_fill.ticked = false;

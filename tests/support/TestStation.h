@@ -5,6 +5,7 @@
 #include "core/MainLoop.h"
 #include "core/Shutdown.h"
 #include "core/Station.h"
+#include "core/StatusFile.h"
 #include "platform/Paths.h"
 #include "station/TaskGroup.h"
 #include "tests/support/FakeTracker.h"
@@ -127,6 +128,17 @@ class TestStation {
     DailyClocks dailyClocks{
         module, timeSetting, warnings,
         busy,   clock,       [this](bool open) { timeDialog += open ? "open " : "unloaded "; }};
+    FailingFileWriter statusFiles;
+    StatusFile statusFile{{{module, panel, days, disk, warnings, dailyClocks, clock, "0.1.0",
+                            [this] { return utcOffset; }},
+                           warnings,
+                           statusFiles,
+                           log,
+                           clock,
+                           "<!DOCTYPE html><title>Page</title>"},
+                          faults};
+    /// Its files are many, so they are written only where they are looked at.
+    bool tellsStatus = false;
     OptionForm optionForm;
     int siteChanges = 0;
     TrackerOptions options{optionForm, module, commands, log, op, busy, [this] { ++siteChanges; }};
@@ -156,7 +168,11 @@ class TestStation {
                     views,
                     dailyClocks,
                     [this] { ++windowsShown; },
-                    [this](int code) { exitCode = code; }};
+                    [this](int code) { exitCode = code; },
+                    nullptr,
+                    [this] {
+                        if (tellsStatus) statusFile.begin();
+                    }};
     MainLoop loop{station};
     Task<> loopTask;
     TaskGroup tasks{faults.teller("Orvane")};
