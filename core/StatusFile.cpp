@@ -88,7 +88,7 @@ Fault StatusFile::followCopy() {
         parts_.log.write("StatusFile:" + utf8FromPath(picture.filename()) + ": " + *fault);
         return std::nullopt;
     }
-    const Fault fault = put(bytes, kLatest);
+    Fault fault = put(bytes, kLatest);
     if (!fault) copied_ = picture;
     return fault;
 }

@@ -113,8 +113,8 @@ void frmMain::addToolsMenu() {
              &SpanDialog::bring);
     addEntry(
         tools,
-        {"mnuStatusPage", "Status Pa&ge...", "Shows where to look at the station from elsewhere."},
-        {Qt::CTRL | Qt::Key_G}, this, &frmMain::mnuStatusPage_Click);
+        {"mnuStatusPage", "Stat&us Page...", "Shows where to look at the station from elsewhere."},
+        {Qt::CTRL | Qt::Key_U}, this, &frmMain::mnuStatusPage_Click);
 }
 
 void frmMain::addRecordingMenu() {
