@@ -4,6 +4,7 @@
 #include "archive/FilmFile.h"
 #include "archive/FolderScan.h"
 #include "archive/ShownDay.h"
+#include "core/Alerts.h"
 #include "core/AutoStart.h"
 #include "core/DailyClocks.h"
 #include "core/MainLoop.h"
@@ -13,6 +14,7 @@
 #include "platform/Paths.h"
 #include "platform/SerialPort.h"
 #include "platform/SystemCalls.h"
+#include "platform/curl/CurlMail.h"
 #include "platform/curl/CurlTransfer.h"
 #include "platform/qt/LibjpegImageControl.h"
 #include "platform/qt/QtClock.h"
@@ -113,6 +115,7 @@ class Program {
             copies_,
             report_,
             film_,
+            alerts_,
             clock_,
             faults_,
             op_,
@@ -145,6 +148,7 @@ class Program {
         QCoreApplication::exit(0);
     }
     void enterMainLoop() {
+        alerts_.start();
         loopTask_ = loop_.run();
         loopTask_.start();
     }
@@ -159,6 +163,7 @@ class Program {
     CurlTransfer wbSystemTm_{curl_, clock_};
     CurlTransfer gapPages_{curl_, clock_};
     CurlTransfer gapTransfer_{curl_, clock_};
+    CurlMail mail_{curl_, clock_};
     std::unique_ptr<SerialPort> MSComm1_ =
         makeSerialPort([this](int port) { return devicePath(port); });
     LibjpegImageControl imageControl_{clock_};
@@ -167,6 +172,7 @@ class Program {
     LibjpegImageControl keogramsControl_{clock_};
     LibjpegImageControl filmControl_{clock_};
     QtProcess ffmpeg_{clock_};
+    LibjpegImageControl alertsControl_{clock_};
     std::unique_ptr<SystemInfo> systemInfo_ = makeSystemInfo();
     QtOperator op_{clock_};
 
@@ -203,6 +209,8 @@ class Program {
     CopiesAnew copies_{{panel_, busy_, log_, faults_, clock_}, copiesControl_};
     DayReport report_{{panel_, busy_, log_, faults_, clock_}, module_};
     FilmFile film_{{panel_, busy_, log_, faults_, clock_}, filmControl_, ffmpeg_, store_};
+    Alerts alerts_{{module_, panel_, warnings_, days_, store_, log_, faults_, clock_,
+                    alertsControl_, mail_, [this] { return clock_.utcOffset(); }}};
     FrameLink link_{*MSComm1_, store_, log_, clock_, module_};
     TrackerCommands commands_{link_};
     PortSelection portSelection_{store_, link_, log_, op_};

@@ -141,6 +141,11 @@ const DayPlan& DayWatch::plan() {
     return plan_;
 }
 
+DayPlan DayWatch::yesterdaysPlan() {
+    yesterday_.folder.refresh();
+    return yesterday_.planPast(seen_.schedule, seen_.delay);
+}
+
 std::vector<LedgerLine> DayWatch::newLines() {
     plan();
     if (std::exchange(told_, plans_) == plans_) return {};

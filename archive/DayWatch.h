@@ -28,6 +28,8 @@ class DayWatch {
 
     /// Of today, as far as is known.
     const DayPlan& plan();
+    /// Of yesterday, as it ended.
+    DayPlan yesterdaysPlan();
     int minuteOfDay() const { return static_cast<int>(seen_.minute % kDayMinutes); }
     const ArchiveDay& today() const { return today_; }
     /// What today's folder holds.

@@ -61,4 +61,11 @@ std::string endRequest();
 /// true. Ends with the program. Does nothing where the system has no such request.
 void keepAwake(bool awake);
 
+/// A secret in the form in which it may be stored: on Windows encrypted for this user of this PC by
+/// the system's data protection, elsewhere as it stands, for a file that nobody else may read.
+/// Nothing: the system refused.
+std::optional<std::string> protectSecret(const std::string& secret);
+/// What `protectSecret` was given; nothing for what is not of this user and PC.
+std::optional<std::string> unprotectSecret(const std::string& stored);
+
 } // namespace orvane

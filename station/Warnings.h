@@ -23,7 +23,8 @@ class Warnings {
         DiskSpace,
         ClockSetting,
         SunTimes,
-        StatusFile
+        StatusFile,
+        Mail ///< one that cannot be sent
     };
     struct Standing {
         std::string text;

@@ -6,6 +6,7 @@
 #include "ui/day/DayMenu.h"
 #include "ui/day/DayView.h"
 #include "ui/dialogs/FilmDialog.h"
+#include "ui/dialogs/FrmAlerts.h"
 #include "ui/dialogs/FrmComPort.h"
 #include "ui/dialogs/FrmSave.h"
 #include "ui/dialogs/FrmStatusPage.h"
@@ -115,6 +116,9 @@ void frmMain::addToolsMenu() {
         tools,
         {"mnuStatusPage", "Stat&us Page...", "Shows where to look at the station from elsewhere."},
         {Qt::CTRL | Qt::Key_U}, this, &frmMain::mnuStatusPage_Click);
+    addEntry(tools, {"mnuAlerts", "&Alerts...", "Sets who is told of warnings by e-mail."},
+             {Qt::CTRL | Qt::SHIFT | Qt::Key_A}, new FrmAlerts(parts_.alerts, parts_.faults, this),
+             &FrmAlerts::bring);
 }
 
 void frmMain::addRecordingMenu() {

@@ -9,6 +9,7 @@
 
 namespace orvane {
 
+class Alerts;
 class CopiesAnew;
 class DayReport;
 class DaySurvey;
@@ -52,6 +53,7 @@ class frmMain : public QMainWindow {
         CopiesAnew& copies;
         DayReport& report;
         FilmFile& film;
+        Alerts& alerts;
         Clock& clock;
         Faults& faults;
         Operator& op;

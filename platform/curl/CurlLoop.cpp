@@ -101,7 +101,6 @@ void CurlLoop::act(curl_socket_t socket, int events) {
         CURL* transfer = message->easy_handle; // the message goes with the handle
         Owner* owner = nullptr;
         curl_easy_getinfo(transfer, CURLINFO_PRIVATE, &owner);
-        remove(transfer);
         owner->ended(result);
     }
 }

@@ -15,7 +15,7 @@ namespace orvane {
 class CurlLoop {
   public:
     /// Who is told, once, how a transfer ended by itself. libcurl holds no lock then: the handle
-    /// may be removed, added again or cleaned up.
+    /// may be removed, cleaned up, or removed and added again.
     class Owner {
       public:
         virtual void ended(CURLcode result) = 0;

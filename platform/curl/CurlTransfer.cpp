@@ -82,6 +82,7 @@ class CurlTransfer::Transfer final : public CurlLoop::Owner {
         end();
     }
     void ended(CURLcode result) override {
+        owner_.loop_.remove(easy_); // it may be added again
         if (result == CURLE_OK && fault_.empty() && followRedirect()) return;
         if (fault_.empty() && result != CURLE_OK) fault_ = textOf(result);
         end();

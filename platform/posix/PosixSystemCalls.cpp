@@ -85,4 +85,12 @@ std::string endRequest() {
 /// desktops that have such a request each have one of their own.
 void keepAwake(bool) {}
 
+std::optional<std::string> protectSecret(const std::string& secret) {
+    return secret;
+}
+
+std::optional<std::string> unprotectSecret(const std::string& stored) {
+    return stored;
+}
+
 } // namespace orvane

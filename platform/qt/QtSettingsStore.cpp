@@ -46,6 +46,15 @@ QString handWrittenPath(const QString& fileName) {
     return {};
 }
 
+/// A settings file may hold a password.
+void keepFromOthers(const QSettings& settings) {
+    if (settings.format() != QSettings::IniFormat) return;
+    constexpr auto kOthers = std::filesystem::perms::group_all | std::filesystem::perms::others_all;
+    std::error_code ignored; // there may be no file yet
+    std::filesystem::permissions(pathFromUtf8(settings.fileName().toStdString()), kOthers,
+                                 std::filesystem::perm_options::remove, ignored);
+}
+
 } // namespace
 
 #ifdef Q_OS_WIN
@@ -74,6 +83,7 @@ void QtSettingsStore::open() {
     settings_.reset();
     settings_ = maker_();
     if (unreadable_ || settings_->format() != QSettings::IniFormat) return;
+    keepFromOthers(*settings_);
     const QString path = handWrittenPath(settings_->fileName());
     if (!path.isEmpty()) settings_->setValue(pathOf(kPathSection, kPathKey), path);
 }
@@ -100,6 +110,7 @@ bool QtSettingsStore::SaveSetting(const std::string& section, const std::string&
     if (settings_->status() != QSettings::NoError) open();
     settings_->setValue(path, text);
     settings_->sync();
+    keepFromOthers(*settings_);
     unsaved_ = settings_->status() != QSettings::NoError;
     return !unsaved_;
 }

@@ -10,7 +10,8 @@
 namespace orvane {
 
 /// The per-user store: the registry key HKEY_CURRENT_USER\Software\Orvane where there is a
-/// registry, else the file Orvane/Orvane.ini in the user's configuration folder.
+/// registry, else the file Orvane/Orvane.ini in the user's configuration folder, which nobody else
+/// may read.
 class QtSettingsStore final : public SettingsStore {
   public:
     QtSettingsStore();

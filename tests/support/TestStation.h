@@ -1,6 +1,7 @@
 #pragma once
 
 #include "archive/FolderScan.h"
+#include "core/Alerts.h"
 #include "core/AutoStart.h"
 #include "core/MainLoop.h"
 #include "core/Shutdown.h"
@@ -8,6 +9,7 @@
 #include "core/StatusFile.h"
 #include "platform/Paths.h"
 #include "station/TaskGroup.h"
+#include "tests/support/FakeMail.h"
 #include "tests/support/FakeTracker.h"
 #include "tests/support/Fakes.h"
 #include "tests/support/JumpingClock.h"
@@ -174,6 +176,12 @@ class TestStation {
                         if (tellsStatus) statusFile.begin();
                     }};
     MainLoop loop{station};
+    FakeMail mail{clock};
+    FakeImageControl alertPictures;
+    Pixels keogram; ///< of every day
+    Alerts alerts{{module, panel, warnings, days, store, log, faults, clock, alertPictures, mail,
+                   [this] { return utcOffset; },
+                   [this](std::chrono::local_days) { return keogram; }}};
     Task<> loopTask;
     TaskGroup tasks{faults.teller("Orvane")};
 };

@@ -66,6 +66,7 @@ struct Window : TestStation {
                 copies,
                 report,
                 film,
+                alerts,
                 clock,
                 faults,
                 asked,

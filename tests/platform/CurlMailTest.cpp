@@ -1,0 +1,240 @@
+#include "platform/curl/CurlMail.h"
+#include "platform/qt/QtClock.h"
+#include "tests/support/Finish.h"
+#include "tests/support/ScriptedMailServer.h"
+
+#include <gtest/gtest.h>
+
+#include <QCoreApplication>
+#include <QElapsedTimer>
+
+#include <algorithm>
+
+namespace orvane::test {
+namespace {
+
+/// Mails to a server that says whatever a test gives. While they are sent, the event loop's longest
+/// standstill is measured: nothing else could run during it.
+struct CurlMailTest : testing::Test {
+    CurlMailTest() {
+        since.start();
+        QObject::connect(&beat, &QTimer::timeout,
+                         [this] { standstill = std::max(standstill, since.restart()); });
+    }
+    MailServer plain() const {
+        return {"127.0.0.1", server.port(), MailSecurity::None, "", "", {}};
+    }
+    MailOutcome send(const MailServer& to, Mail mail = kMail, MailLimits limits = {1s, 5s}) {
+        CurlMail mails(loop, clock, limits);
+        Task<MailOutcome> task = mails.send(to, std::move(mail));
+        since.restart();
+        beat.start(1);
+        task.start();
+        MailOutcome outcome = finish(task);
+        beat.stop();
+        return outcome;
+    }
+    /// The server answers `line`, or a longer one that begins so, with `reply`.
+    void answer(const std::string& line, const std::string& reply) {
+        server.reset();
+        server.answer = [=](const std::string& said) {
+            const bool isMeant = line.empty() ? said.empty() : said.starts_with(line);
+            return isMeant ? reply : ScriptedMailServer::sound(said);
+        };
+    }
+    bool wasSaid(const std::string& start) const {
+        return std::ranges::any_of(server.lines,
+                                   [&](const auto& line) { return line.starts_with(start); });
+    }
+
+    static inline const Mail kMail{
+        "sky@example.org", {"one@example.org"}, "Subject: x\r\n\r\n.hidden\r\nlast"};
+
+    ScriptedMailServer server;
+    QtClock clock;
+    CurlLoop loop;
+    QTimer beat;
+    QElapsedTimer since;
+    qint64 standstill = 0; ///< milliseconds
+};
+
+TEST_F(CurlMailTest, HandsAMailOverWholeAndSaysFarewell) {
+    Mail mail = kMail;
+    mail.recipients.push_back("two@example.org");
+    EXPECT_FALSE(send(plain(), mail).fault);
+    runEventLoopUntil([&] { return wasSaid("QUIT"); });
+    EXPECT_EQ(server.lines,
+              (std::vector<std::string>{"EHLO [127.0.0.1]", "MAIL FROM:<sky@example.org>",
+                                        "RCPT TO:<one@example.org>", "RCPT TO:<two@example.org>",
+                                        "DATA", ".", "QUIT"}));
+    EXPECT_EQ(server.mail, "Subject: x\r\n\r\n..hidden\r\nlast\r\n");
+}
+
+TEST_F(CurlMailTest, LogsIn) {
+    MailServer login = plain();
+    login.user = "sky";
+    login.password = "secret";
+    EXPECT_EQ(send(login).fault, std::nullopt);
+    EXPECT_TRUE(wasSaid("AHNreQBzZWNyZXQ=")) << "NUL sky NUL secret in base64";
+    answer("AHNreQBzZWNyZXQ=", "535-5.7.8 Wrong user\r\n535 5.7.8 or password.\r\n");
+    EXPECT_EQ(send(login).fault, "the mail server refused the log-in: 535 5.7.8 Wrong user 5.7.8 "
+                                 "or password.");
+    EXPECT_FALSE(wasSaid("MAIL"));
+}
+
+/// What the server says in refusing is told; a large mail and a full mailbox are such refusals.
+TEST_F(CurlMailTest, RefusalsAreToldInTheServersWords) {
+    struct Case {
+        const char* line;
+        const char* reply;
+        const char* fault;
+    };
+    const Case cases[] = {
+        {"", "554 no service\r\n", "refused the connection: 554 no service"},
+        {"", "hello\r\n", "does not answer as one"},
+        {"EHLO", "250 fine\r\n250 surplus\r\n", ""},
+        {"MAIL", "530 5.7.0 Authentication Required\r\n",
+         "refused the mail: 530 5.7.0 Authentication Required"},
+        {"RCPT", "452 4.2.2 mailbox full\r\n", "refused the mail: 452 4.2.2 mailbox full"},
+        {"DATA", "250 what\r\n", "does not answer as one: 250 what"},
+        {".", "552-too\r\n552 large\x07\xC3\xA4\r\n", "refused the mail: 552 too large \xC3\xA4"},
+        {".", "hello\r\n", "does not answer as one: hello"},
+        {"QUIT", "500 rude\r\n", ""},
+    };
+    for (const Case& one : cases) {
+        answer(one.line, one.reply);
+        const std::string fault = send(plain()).fault.value_or("");
+        if (*one.fault == 0) {
+            EXPECT_EQ(fault, "") << one.line;
+        } else {
+            EXPECT_NE(fault.find(one.fault), std::string::npos) << one.line << ": " << fault;
+        }
+    }
+}
+
+/// One mailbox that is full does not keep the mail from the others.
+TEST_F(CurlMailTest, ARefusedRecipientIsNamed) {
+    answer("RCPT TO:<two@", "550 no such user\r\n");
+    Mail mail = kMail;
+    mail.recipients = {"one@example.org", "two@example.org", "three@example.org"};
+    const MailOutcome outcome = send(plain(), mail);
+    EXPECT_FALSE(outcome.fault);
+    EXPECT_EQ(outcome.refused, std::vector<std::string>{
+                                   "two@example.org: the mail server refused the mail: 550 no such "
+                                   "user"});
+    EXPECT_FALSE(server.mail.empty());
+}
+
+/// At whatever point a server falls silent or closes the connection, the mail ends with a fault, in
+/// time, and the program goes on meanwhile. Behind the farewell neither is one.
+TEST_F(CurlMailTest, SilenceAndCutsEndAsFaults) {
+    for (const char* line : {"", "EHLO", "AUTH", "AHNr", "MAIL", "RCPT", "DATA", ".", "QUIT"}) {
+        MailServer login = plain();
+        login.user = "sky";
+        login.password = "secret";
+        const bool mayFail = std::string(line) != "QUIT";
+        for (const char* reply : {"", "250", "250-fine\r\n"}) {
+            for (const bool closes : {false, true}) {
+                answer(line, reply);
+                if (closes) {
+                    server.closesAfter = line;
+                    const auto meant = server.answer;
+                    server.answer = [this, meant, line](const std::string& said) {
+                        if (*line != 0 && said.starts_with(line)) server.closesAfter = said;
+                        return meant(said);
+                    };
+                }
+                QElapsedTimer time;
+                time.start();
+                const MailOutcome outcome = send(login, kMail, {300ms, 2s});
+                EXPECT_EQ(outcome.fault.has_value(), mayFail) << line << "," << reply << closes;
+                EXPECT_LT(time.elapsed(), 1900) << line;
+            }
+        }
+    }
+    EXPECT_LT(standstill, 250);
+}
+
+/// A server that keeps talking is no reason to wait for ever, nor to grow.
+TEST_F(CurlMailTest, FloodsAreCutOff) {
+    std::string flood;
+    while (flood.size() < 200'000)
+        flood += "250-more and more\r\n";
+    for (const char* line : {"EHLO", "MAIL", "."}) {
+        answer(line, flood);
+        EXPECT_TRUE(send(plain()).fault) << line;
+    }
+}
+
+/// The operator chose encryption: without it not a word of the log-in or the mail is said.
+TEST_F(CurlMailTest, NothingGoesInClearThatWasToBeSecure) {
+    const char* const greetings[] = {"250 AUTH PLAIN LOGIN\r\n", "502 what\r\n",
+                                     "250-STARTTLS\r\n250 AUTH PLAIN\r\n"};
+    for (const MailSecurity security : {MailSecurity::StartTls, MailSecurity::Tls}) {
+        for (const char* greeting : greetings) {
+            answer("EHLO", greeting);
+            const auto inner = server.answer;
+            server.answer = [inner](const std::string& said) {
+                return said == "STARTTLS" ? std::string("454 not now\r\n") : inner(said);
+            };
+            MailServer secure = plain();
+            secure.security = security;
+            secure.user = "sky";
+            secure.password = "secret";
+            EXPECT_TRUE(send(secure).fault) << greeting;
+            for (const char* word : {"AUTH", "MAIL", "RCPT", "DATA", "AHNr"})
+                EXPECT_FALSE(wasSaid(word)) << word;
+        }
+    }
+    EXPECT_LT(standstill, 250);
+}
+
+TEST_F(CurlMailTest, SaysWhyThereIsNoEncryption) {
+    MailServer secure = plain();
+    secure.security = MailSecurity::StartTls;
+    EXPECT_EQ(send(secure).fault, "the mail server offers no encryption (STARTTLS)");
+}
+
+/// Every mail has a connection of its own: one that was kept could be less secure.
+TEST_F(CurlMailTest, NoConnectionIsKept) {
+    for (int mail = 1; mail <= 3; ++mail) {
+        EXPECT_FALSE(send(plain()).fault);
+        EXPECT_EQ(server.connections, mail);
+    }
+}
+
+TEST_F(CurlMailTest, ServersThatCannotBeReached) {
+    MailServer away = plain();
+    away.host = "mail.invalid";
+    EXPECT_EQ(send(away).fault, "the name of the mail server is not known");
+    away = plain();
+    away.port = 1;
+    EXPECT_EQ(send(away).fault, "no connection to the mail server");
+    for (const char* host : {"", "a b", "a/b", "user@host", "[", "http://x"}) {
+        away.host = host;
+        EXPECT_EQ(send(away).fault, "the address of the mail server cannot be used") << host;
+    }
+    away = plain();
+    away.caFile = "no/such/file.pem";
+    EXPECT_TRUE(send(away).fault->starts_with("the CA file cannot be read: "));
+}
+
+/// Destroyed at whatever moment, a mail ends at once and leaves nothing behind.
+TEST_F(CurlMailTest, EndsAtAnyMoment) {
+    CurlMail mails(loop, clock);
+    for (int moment = 0; moment < 40; ++moment) {
+        Task<MailOutcome> task = mails.send(plain(), kMail);
+        task.start();
+        QElapsedTimer time;
+        time.start();
+        while (time.elapsed() < moment * 5)
+            QCoreApplication::processEvents();
+        task.reset();
+        EXPECT_LT(time.elapsed(), moment * 5 + 200);
+    }
+    server.reset();
+    EXPECT_FALSE(send(plain()).fault);
+}
+
+} // namespace
+} // namespace orvane::test
