@@ -133,9 +133,9 @@ void Alerts::followDay() {
 
 void Alerts::reportOn(std::chrono::local_days day) {
     reported_ = dateDigits(WallTime(day));
+    parts_.days.refresh();
     const auto today = parts_.days.folder().day();
     if (day != today && day + std::chrono::days(1) != today) return; // nobody knows any more
-    parts_.days.refresh();
     const DayPlan plan = day == today ? parts_.days.plan() : parts_.days.yesterdaysPlan();
     Letter letter = letterOf(dayText(day, plan, figures()));
     letter.day = day;

@@ -91,7 +91,7 @@ TEST_F(CurlMailTest, RefusalsAreToldInTheServersWords) {
     };
     const Case cases[] = {
         {"", "554 no service\r\n", "refused the connection: 554 no service"},
-        {"", "hello\r\n", "does not answer as one"},
+        {"", "hello\r\n", "no answer from the mail server"},
         {"EHLO", "250 fine\r\n250 surplus\r\n", ""},
         {"MAIL", "530 5.7.0 Authentication Required\r\n",
          "refused the mail: 530 5.7.0 Authentication Required"},
@@ -128,30 +128,20 @@ TEST_F(CurlMailTest, ARefusedRecipientIsNamed) {
 /// At whatever point a server falls silent or closes the connection, the mail ends with a fault, in
 /// time, and the program goes on meanwhile. Behind the farewell neither is one.
 TEST_F(CurlMailTest, SilenceAndCutsEndAsFaults) {
-    for (const char* line : {"", "EHLO", "AUTH", "AHNr", "MAIL", "RCPT", "DATA", ".", "QUIT"}) {
-        MailServer login = plain();
-        login.user = "sky";
-        login.password = "secret";
-        const bool mayFail = std::string(line) != "QUIT";
-        for (const char* reply : {"", "250", "250-fine\r\n"}) {
-            for (const bool closes : {false, true}) {
-                answer(line, reply);
-                if (closes) {
-                    server.closesAfter = line;
-                    const auto meant = server.answer;
-                    server.answer = [this, meant, line](const std::string& said) {
-                        if (*line != 0 && said.starts_with(line)) server.closesAfter = said;
-                        return meant(said);
-                    };
-                }
-                QElapsedTimer time;
-                time.start();
-                const MailOutcome outcome = send(login, kMail, {300ms, 2s});
-                EXPECT_EQ(outcome.fault.has_value(), mayFail) << line << "," << reply << closes;
-                EXPECT_LT(time.elapsed(), 1900) << line;
-            }
+    MailServer login = plain();
+    login.user = "sky";
+    login.password = "secret";
+    for (const std::string line : {"", "EHLO", "AUTH", "AHNr", "MAIL", "RCPT", "DATA", ".", "QUIT"})
+        for (const auto& [reply, closes] :
+             {std::pair{"", false}, std::pair{"", true}, std::pair{"250-fine\r\n", true}}) {
+            answer(line, reply);
+            server.closesAt = closes ? std::optional(line) : std::nullopt;
+            QElapsedTimer time;
+            time.start();
+            const MailOutcome outcome = send(login, kMail, {400ms, 2s});
+            EXPECT_EQ(outcome.fault.has_value(), line != "QUIT") << line << "," << reply << closes;
+            EXPECT_LT(time.elapsed(), 1500) << line;
         }
-    }
     EXPECT_LT(standstill, 250);
 }
 
@@ -181,7 +171,7 @@ TEST_F(CurlMailTest, NothingGoesInClearThatWasToBeSecure) {
             secure.security = security;
             secure.user = "sky";
             secure.password = "secret";
-            EXPECT_TRUE(send(secure).fault) << greeting;
+            EXPECT_TRUE(send(secure, kMail, {300ms, 2s}).fault) << greeting;
             for (const char* word : {"AUTH", "MAIL", "RCPT", "DATA", "AHNr"})
                 EXPECT_FALSE(wasSaid(word)) << word;
         }
@@ -222,15 +212,15 @@ TEST_F(CurlMailTest, ServersThatCannotBeReached) {
 /// Destroyed at whatever moment, a mail ends at once and leaves nothing behind.
 TEST_F(CurlMailTest, EndsAtAnyMoment) {
     CurlMail mails(loop, clock);
-    for (int moment = 0; moment < 40; ++moment) {
+    for (int moment = 0; moment < 30; ++moment) {
         Task<MailOutcome> task = mails.send(plain(), kMail);
         task.start();
         QElapsedTimer time;
         time.start();
-        while (time.elapsed() < moment * 5)
+        while (time.elapsed() < moment * 2)
             QCoreApplication::processEvents();
         task.reset();
-        EXPECT_LT(time.elapsed(), moment * 5 + 200);
+        EXPECT_LT(time.elapsed(), moment * 2 + 200);
     }
     server.reset();
     EXPECT_FALSE(send(plain()).fault);

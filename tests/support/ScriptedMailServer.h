@@ -4,6 +4,7 @@
 #include <QTcpSocket>
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -30,7 +31,7 @@ class ScriptedMailServer {
     }
     void reset() {
         answer = sound;
-        closesAfter = "never";
+        closesAt.reset();
         lines.clear();
         mail.clear();
         connections = 0;
@@ -38,8 +39,8 @@ class ScriptedMailServer {
 
     /// The answer to a line without its end: "" for the greeting, "." for the end of a mail.
     std::function<std::string(const std::string& line)> answer = sound;
-    /// A line that is answered, and then the connection is closed.
-    std::string closesAfter = "never";
+    /// A line, or a longer one that begins so, that is answered, and then the connection is closed.
+    std::optional<std::string> closesAt;
     std::vector<std::string> lines; ///< what was said, without the mail
     std::string mail;               ///< as it came over the connection, up to its last dot
     int connections = 0;
@@ -72,7 +73,9 @@ class ScriptedMailServer {
         const std::string reply = answer(line);
         inMail_ = line == "DATA" && reply.starts_with("354");
         socket.write(reply.data(), static_cast<qint64>(reply.size()));
-        if (line == closesAfter) socket.disconnectFromHost();
+        if (!closesAt) return;
+        const bool isMeant = closesAt->empty() ? line.empty() : line.starts_with(*closesAt);
+        if (isMeant) socket.disconnectFromHost();
     }
 
     QTcpServer server_;

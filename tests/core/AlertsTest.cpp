@@ -1,0 +1,405 @@
+#include "tests/support/ReadMail.h"
+#include "tests/support/TestStation.h"
+
+#include <gtest/gtest.h>
+
+namespace orvane::test {
+namespace {
+
+using Cause = Warnings::Cause;
+
+MailSettings wanted(bool warnings, bool daily) {
+    MailSettings settings;
+    settings.server.host = "mail.example.org";
+    settings.from = "Station South <sky@example.org>";
+    settings.to = "one@example.org, two@example.org";
+    settings.warnings = warnings;
+    settings.daily = daily;
+    return settings;
+}
+
+/// A station that records every half hour from 9 to 17, and mails.
+struct Mailing : TestStation {
+    explicit Mailing(WallTime time, bool warns = true, bool daily = false,
+                     const std::map<std::string, std::string>& stored = {})
+        : TestStation(time) {
+        store.values.insert(stored.begin(), stored.end());
+        store.values["Settings/FillGaps"] = "0";
+        saveMailSettings(store, wanted(warns, daily));
+        alerts.start();
+    }
+    ~Mailing() { tasks.clear(); }
+
+    void failFrom(const std::string& fault) {
+        http.answer = [fault](const std::string&) { return FakeHttp::failed(fault); };
+    }
+    void recover() {
+        http.answer = [this](const std::string&) {
+            return FakeHttp::picture(std::to_string(++pictures_));
+        };
+    }
+    void refuseMails(const std::string& fault) {
+        mail.answer = [fault](const Mail&) { return MailOutcome{fault, {}}; };
+    }
+    std::vector<std::string> subjects() const {
+        std::vector<std::string> all;
+        for (const Mail& one : mail.sent)
+            all.push_back(ReadMail(one.bytes).subject());
+        return all;
+    }
+    int countLoggedFrom(const std::string& start) const {
+        return static_cast<int>(std::ranges::count_if(
+            logged(), [&](const auto& line) { return line.starts_with(start); }));
+    }
+    /// Has a cause come up and go in turn, each for `span`, until `end`.
+    void flap(const std::vector<Cause>& causes, Ticks span, WallTime end) {
+        for (bool stands = true; clock.now() < end; stands = !stands) {
+            for (const Cause cause : causes)
+                warnings.set(cause, stands ? "It flaps." : "");
+            clock.run(span);
+        }
+    }
+    /// No 24 hours held more mails than may be.
+    void expectFewADay() const {
+        for (std::size_t first = 0; first + Alerts::kMostADay < mail.triedAt.size(); ++first)
+            EXPECT_GE(mail.triedAt[first + Alerts::kMostADay], mail.triedAt[first] + 24h) << first;
+    }
+
+  private:
+    int pictures_ = 1000;
+};
+
+/// One mail for the outage, one for its end, and all that there is to know in them.
+TEST(Alerts, AnOutageBringsTwoMails) {
+    Mailing s(at(2006, 11, 15, 8, 0));
+    s.start(true);
+    s.clock.runUntil(at(2006, 11, 15, 10, 10));
+    s.failFrom("HTTP status 503");
+    s.clock.runUntil(at(2006, 11, 15, 14, 10));
+    ASSERT_EQ(s.mail.sent.size(), 1U);
+    EXPECT_EQ(hourMinute(s.mail.triedAt[0]), "11:11");
+    EXPECT_EQ(s.mail.sent[0].sender, "sky@example.org");
+    EXPECT_EQ(s.mail.sent[0].recipients,
+              (std::vector<std::string>{"one@example.org", "two@example.org"}));
+    ReadMail warning(s.mail.sent[0].bytes);
+    EXPECT_EQ(warning.subject(),
+              "Orvane warns: No image at 10:30 and 11:00. Please check the camera.");
+    EXPECT_EQ(warning.headers["From"], "Station South <sky@example.org>");
+    EXPECT_EQ(warning.headers["Date"].substr(0, 23), "Wed, 15 Nov 2006 11:11:");
+    const std::string text = warning.text();
+    for (const char* part :
+         {"Since 2006/11/15 11:01:00 the station warns:\n\nNo image at 10:30 and 11:00. Please "
+          "check the camera.\n(HTTP status 503)\n\nWhat to do: Check the camera's power",
+          "Today: taken 3 of 16, next at 11:30, 2 missed\n", "Recording: on\n", " GB free",
+          "Last picture: 20061115_100000_00.jpg\n"})
+        EXPECT_NE(text.find(part), std::string::npos) << part << "\n" << text;
+    ASSERT_EQ(warning.parts.size(), 2U);
+    std::string picture;
+    readWholeFile(s.dataFolder() / "20061115" / "20061115_100000_00.jpg", picture);
+    EXPECT_EQ(warning.parts[1].bytes, picture);
+    s.recover();
+    s.clock.runUntil(at(2006, 11, 16, 8, 0));
+    ASSERT_EQ(s.mail.sent.size(), 2U);
+    ReadMail over(s.mail.sent[1].bytes);
+    EXPECT_EQ(over.subject(),
+              "Orvane, over: No image at 10:30 and 11:00. Please check the camera.");
+    EXPECT_NE(over.text().find("stood from 2006/11/15 11:01:00 and went at 2006/11/15 14:3"),
+              std::string::npos)
+        << over.text();
+    EXPECT_EQ(s.countLogged("Mail sent: " + over.subject()), 1);
+}
+
+TEST(Alerts, WhatDoesNotStandTenMinutesIsNoNews) {
+    Mailing s(at(2006, 11, 15, 8, 0));
+    s.flap({Cause::NoImage, Cause::DiskSpace}, 9min, at(2006, 11, 16));
+    EXPECT_EQ(s.mail.tries, 0);
+    s.warnings.clear(Cause::NoImage);
+    s.warnings.clear(Cause::DiskSpace);
+    s.clock.run(1min);
+    s.warnings.set(Cause::NoImage, "Gone and back between two looks.");
+    s.clock.run(9min);
+    s.warnings.clear(Cause::NoImage);
+    s.warnings.set(Cause::NoImage, "Gone and back between two looks.");
+    s.clock.run(9min);
+    EXPECT_EQ(s.mail.tries, 0);
+    s.clock.run(2min);
+    EXPECT_EQ(s.mail.tries, 1);
+}
+
+/// A cause that comes and goes brings one mail an hour; many of them bring no more than 24 a day in
+/// all, and the day's report is among them.
+TEST(Alerts, FlappingCausesBringABoundedNumber) {
+    struct Case {
+        std::vector<Cause> causes;
+        Ticks span;
+        bool daily;
+        std::size_t least; ///< of four days
+    };
+    const std::vector<Cause> many = {Cause::NoImage, Cause::DataFolder, Cause::DiskSpace,
+                                     Cause::SunTimes, Cause::ErrorLog};
+    for (const auto& [causes, span, daily, least] :
+         {Case{{Cause::NoImage}, 13min, false, 60}, Case{{Cause::NoImage}, 31min, false, 60},
+          Case{many, 13min, true, 90}, Case{many, 2h, false, 96}}) {
+        Mailing s(at(2006, 11, 15), true, daily);
+        s.flap(causes, span, at(2006, 11, 19));
+        s.expectFewADay();
+        EXPECT_GE(s.mail.sent.size(), least);
+        EXPECT_LE(s.mail.sent.size(), 4 * Alerts::kMostADay);
+        const auto subjects = s.subjects();
+        EXPECT_GE(std::ranges::count_if(
+                      subjects, [](const auto& each) { return each.find("well") != each.npos; }),
+                  daily ? 4 : 0);
+        if (causes.size() > 1) continue;
+        for (std::size_t mail = 1; mail < s.mail.triedAt.size(); ++mail)
+            EXPECT_GE(s.mail.triedAt[mail], s.mail.triedAt[mail - 1] + 1h);
+    }
+}
+
+TEST(Alerts, AWarningThatStandsIsMailedAgainAfterARestart) {
+    std::map<std::string, std::string> stored;
+    for (int start = 0; start < 2; ++start) {
+        Mailing s(at(2006, 11, 15, 8 + start, 0), true, false, stored);
+        s.warnings.set(Cause::DiskSpace, "Little space.");
+        s.clock.run(50min);
+        EXPECT_EQ(s.subjects(), std::vector<std::string>{"Orvane warns: Little space."});
+        stored = s.store.values;
+    }
+}
+
+/// A mail server that is gone for more than a day costs no capture. The pauses grow to an hour, the
+/// mails wait for a day, and the window tells of it; that is never mailed.
+TEST(Alerts, AMailServerThatIsGoneForADay) {
+    Mailing s(at(2006, 11, 15, 8, 0));
+    s.setSchedule("0", "23", "30", "59");
+    s.mail.latency = 110s;
+    s.refuseMails("no connection to the mail server");
+    s.start(true);
+    s.warnings.set(Cause::ClockSetting, "The clock.");
+    s.clock.run(13min);
+    EXPECT_EQ(s.warnings.standing().at(Cause::Mail).text,
+              "No mail can be sent: no connection to the mail server. Please see Tools > Alerts.");
+    s.clock.runUntil(at(2006, 11, 16, 9, 50));
+    EXPECT_EQ(s.imagesOf("20061115").size(), 32U);
+    const auto& tries = s.mail.triedAt;
+    ASSERT_GT(tries.size(), 8U);
+    int expected = 1;
+    for (std::size_t next = 1; next < tries.size(); ++next) {
+        EXPECT_NEAR(static_cast<double>((tries[next] - tries[next - 1] - 110s) / 1s), expected * 60,
+                    1)
+            << next;
+        expected = std::min(2 * expected, 60);
+    }
+    EXPECT_LE(tries.back(), tries.front() + 24h);
+    EXPECT_GE(tries.back(), tries.front() + 22h);
+    EXPECT_EQ(s.countLogged("Alerts:Given up, not sent: Orvane warns: The clock."), 1);
+    EXPECT_TRUE(s.mail.sent.empty());
+    EXPECT_TRUE(s.warnings.stands(Cause::Mail));
+    s.mail.answer = nullptr;
+    s.warnings.clear(Cause::ClockSetting);
+    s.clock.run(5min);
+    EXPECT_EQ(s.subjects(), std::vector<std::string>{"Orvane, over: The clock."});
+    EXPECT_FALSE(s.warnings.stands(Cause::Mail));
+}
+
+/// Twenty mails wait at most, the oldest give way, and the rest arrives in its order.
+TEST(Alerts, TheQueueIsBounded) {
+    Mailing s(at(2006, 11, 15));
+    s.refuseMails("the mail server refused the mail: 452 full");
+    s.flap({Cause::NoImage, Cause::DataFolder, Cause::DiskSpace, Cause::SunTimes, Cause::ErrorLog},
+           30min, at(2006, 11, 15, 9));
+    EXPECT_EQ(s.countLoggedFrom("Alerts:Too many mails wait"), 4);
+    s.mail.answer = nullptr;
+    s.clock.run(1h + 2min);
+    EXPECT_EQ(s.mail.sent.size(), MailQueue::kMost);
+    const auto dateOf = [](const Mail& mail) {
+        return ReadMail(mail.bytes).headers["Date"].substr(17, 8);
+    };
+    EXPECT_TRUE(std::ranges::is_sorted(s.mail.sent, {}, dateOf));
+}
+
+/// New settings are tried at once; switched off, nothing is sent or warned of any more.
+TEST(Alerts, NewSettingsHoldAtOnce) {
+    Mailing s(at(2006, 11, 15, 8, 0));
+    s.refuseMails("the mail server refused the log-in: 535 no");
+    s.warnings.set(Cause::DiskSpace, "Little space.");
+    s.clock.run(50min);
+    s.mail.answer = nullptr;
+    MailSettings better = wanted(true, false);
+    better.server.password = "right";
+    better.server.user = "sky";
+    EXPECT_FALSE(s.alerts.use(better));
+    s.clock.run(5s);
+    EXPECT_EQ(s.mail.sent.size(), 1U);
+    EXPECT_EQ(s.mail.lastServer.password, "right");
+    EXPECT_FALSE(s.warnings.stands(Cause::Mail));
+    s.refuseMails("no");
+    s.warnings.clear(Cause::DiskSpace);
+    s.clock.run(50min);
+    EXPECT_TRUE(s.warnings.stands(Cause::Mail));
+    s.alerts.use(wanted(false, false));
+    EXPECT_FALSE(s.warnings.stands(Cause::Mail));
+    s.mail.answer = nullptr;
+    s.warnings.set(Cause::DiskSpace, "Little space.");
+    s.clock.run(48h);
+    EXPECT_EQ(s.mail.sent.size(), 1U);
+    for (const std::string& line : s.logged())
+        EXPECT_EQ(line.find("right"), std::string::npos) << "the password";
+}
+
+TEST(Alerts, ARefusedRecipientIsAWarning) {
+    Mailing s(at(2006, 11, 15, 8, 0));
+    s.mail.answer = [](const Mail&) {
+        return MailOutcome{std::nullopt, {"two@example.org: 550 no such user"}};
+    };
+    s.warnings.set(Cause::DiskSpace, "Little space.");
+    s.clock.run(12h);
+    EXPECT_EQ(s.mail.sent.size(), 1U) << "those who have it do not get it again";
+    EXPECT_EQ(s.warnings.standing().at(Cause::Mail).text,
+              "The mail server refused a recipient: two@example.org: 550 no such user");
+}
+
+/// Once a day, ten minutes after the window's end, also over a restart; never of days before it was
+/// switched on.
+TEST(Alerts, TheDayIsReportedOnce) {
+    std::map<std::string, std::string> stored;
+    {
+        Mailing s(at(2006, 11, 15, 8, 0), false, false);
+        s.keogram = {2, 1, {0xffabcdef, 0xff123456}};
+        s.start(true);
+        s.alerts.use(wanted(false, true));
+        s.clock.runUntil(at(2006, 11, 15, 17, 9));
+        EXPECT_TRUE(s.mail.sent.empty());
+        s.clock.runUntil(at(2006, 11, 15, 18, 0));
+        ASSERT_EQ(s.mail.sent.size(), 1U);
+        EXPECT_EQ(hourMinute(s.mail.triedAt[0]), "17:10");
+        ReadMail read(s.mail.sent[0].bytes);
+        EXPECT_EQ(read.subject(), "Orvane, 2006/11/15: all is well, 16 of 16 pictures taken");
+        EXPECT_NE(read.text().find("Due: 16\nTaken: 16\nFetched later: 0\nMissed: 0\n"),
+                  std::string::npos)
+            << read.text();
+        ASSERT_EQ(read.parts.size(), 3U);
+        EXPECT_NE(read.parts[1].headers["Content-Type"].find("20061115_163000_00.jpg"),
+                  std::string::npos);
+        EXPECT_NE(read.parts[2].headers["Content-Type"].find("keogram.jpg"), std::string::npos);
+        stored = s.store.values;
+        stored.erase("DataPath/PathDataFile");
+    }
+    Mailing s(at(2006, 11, 15, 19, 0), false, true, stored);
+    s.start(true);
+    s.clock.runUntil(at(2006, 11, 16, 10, 10));
+    EXPECT_TRUE(s.mail.sent.empty());
+    s.failFrom("no answer");
+    s.clock.runUntil(at(2006, 11, 17));
+    ASSERT_EQ(s.mail.sent.size(), 1U);
+    ReadMail read(s.mail.sent[0].bytes);
+    EXPECT_EQ(read.subject(), "Orvane, 2006/11/16: not all is well, 3 of 16 pictures taken");
+    for (const char* part :
+         {"- 13 pictures missed.\n", "- since 2006/11/16 11:01:00: No image at "})
+        EXPECT_NE(read.text().find(part), std::string::npos) << read.text();
+    EXPECT_EQ(read.parts.size(), 2U) << "there is no keogram";
+}
+
+/// A window up to midnight is reported on behind it, and a report that could not be sent in time
+/// follows after a restart.
+TEST(Alerts, TheReportOfADayThatIsOver) {
+    std::map<std::string, std::string> stored;
+    {
+        Mailing s(at(2006, 11, 15, 22, 30), false, false);
+        s.setSchedule("22", "23", "30", "59");
+        s.start(true);
+        s.alerts.use(wanted(false, true));
+        s.refuseMails("no connection");
+        s.clock.runUntil(at(2006, 11, 16, 0, 8));
+        EXPECT_EQ(s.mail.tries, 0);
+        s.clock.runUntil(at(2006, 11, 16, 1, 0));
+        EXPECT_GT(s.mail.tries, 0);
+        stored = s.store.values;
+        stored.erase("DataPath/PathDataFile");
+    }
+    Mailing s(at(2006, 11, 16, 1, 30), false, true, stored);
+    s.start(true);
+    s.clock.runUntil(at(2006, 11, 16, 22, 0));
+    ASSERT_EQ(s.mail.sent.size(), 1U);
+    EXPECT_TRUE(s.subjects()[0].starts_with("Orvane, 2006/11/15: ")) << s.subjects()[0];
+}
+
+/// A clock that was wrong, far ahead or a while back, does not silence the reports.
+TEST(Alerts, ReportsGoOnAfterAWrongClock) {
+    Mailing s(at(2006, 11, 15, 8, 0), false, true);
+    s.store.values["Station/MailDailyDone"] = "20991231";
+    s.alerts.start();
+    s.start(true);
+    s.clock.runUntil(at(2006, 11, 15, 18, 0));
+    EXPECT_EQ(s.mail.sent.size(), 2U) << "yesterday's and today's";
+    s.clock.jumpWall(-3h);
+    s.clock.run(5h);
+    EXPECT_EQ(s.mail.sent.size(), 2U) << "the same day is not over twice";
+}
+
+TEST(Alerts, ATestTellsWhatBecameOfIt) {
+    Mailing s(at(2006, 11, 15, 8, 0), false, false);
+    const auto test = [&](const MailSettings& settings) {
+        std::string told;
+        Task<std::string> task = s.alerts.test(settings);
+        task.start();
+        s.clock.run(5min);
+        EXPECT_TRUE(task.done());
+        return task.result();
+    };
+    EXPECT_EQ(test(wanted(false, false)), "The mail server has taken the mail.");
+    EXPECT_EQ(s.subjects(), std::vector<std::string>{"Orvane: test of the alerts"});
+    s.refuseMails("the mail server refused the log-in: 535 no");
+    EXPECT_EQ(test(wanted(true, true)),
+              "No mail was sent: the mail server refused the log-in: 535 no.");
+    MailSettings wrong = wanted(true, true);
+    wrong.to = "nobody";
+    EXPECT_EQ(test(wrong), "No mail was sent: Please enter the recipients' mail addresses, with "
+                           "commas between them.");
+    EXPECT_FALSE(s.warnings.stands(Cause::Mail)) << "he has been told";
+}
+
+TEST(MailSettings, AreStoredAndTakenBack) {
+    FakeStore store;
+    EXPECT_FALSE(loadMailSettings(store).settings.wanted()) << "off at first";
+    EXPECT_EQ(loadMailSettings(store).settings.server.port, 587);
+    MailSettings settings = wanted(true, false);
+    settings.server = {"mail.example.org", 2525,           MailSecurity::Tls, "sky",
+                       "pä\"ss;wörd ",     "C:/Süd/ca.pem"};
+    EXPECT_FALSE(saveMailSettings(store, settings));
+    const LoadedMailSettings loaded = loadMailSettings(store);
+    EXPECT_EQ(loaded.settings, settings);
+    EXPECT_FALSE(loaded.fault);
+    store.values["Station/MailPort"] = "70000";
+    store.values["Station/MailSecurity"] = "some";
+    EXPECT_EQ(loadMailSettings(store).settings.server.port, 587);
+    EXPECT_EQ(loadMailSettings(store).settings.server.security, MailSecurity::StartTls)
+        << "never less secure by a mistake";
+    store.readOnly = true;
+    EXPECT_EQ(saveMailSettings(store, settings), "The settings cannot be stored.");
+}
+
+TEST(MailSettings, MistakesAreFound) {
+    const auto mistake = [](auto change) -> std::optional<MailField> {
+        MailSettings settings = wanted(true, true);
+        change(settings);
+        const auto found = mistakeIn(settings);
+        if (!found) return std::nullopt;
+        return found->field;
+    };
+    EXPECT_EQ(mistake([](auto&) {}), std::nullopt);
+    for (const char* host : {"", "a b", "mail.example.org/x", "user@mail", "http://mail", "mäil"})
+        EXPECT_EQ(mistake([=](auto& s) { s.server.host = host; }), MailField::Host) << host;
+    EXPECT_EQ(mistake([](auto& s) { s.server.host = "::1"; }), std::nullopt);
+    EXPECT_EQ(mistake([](auto& s) { s.server.user = "sky"; }), MailField::Password);
+    EXPECT_EQ(mistake([](auto& s) { s.server.caFile = "no/such.pem"; }), MailField::CaFile);
+    EXPECT_EQ(mistake([](auto& s) { s.from = "sky"; }), MailField::From);
+    for (const char* to : {"", "one@example.org,two", "one@example.org two@example.org"})
+        EXPECT_EQ(mistake([=](auto& s) { s.to = to; }), MailField::To) << to;
+    std::string eleven;
+    for (int count = 0; count < 11; ++count)
+        eleven += "a@b.c,";
+    EXPECT_EQ(mistake([=](auto& s) { s.to = eleven; }), MailField::To);
+}
+
+} // namespace
+} // namespace orvane::test

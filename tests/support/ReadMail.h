@@ -1,0 +1,73 @@
+#pragma once
+
+#include <QByteArray>
+#include <QRegularExpression>
+#include <QString>
+
+#include <map>
+#include <string>
+#include <vector>
+
+namespace orvane::test {
+
+/// A mail as a reader shows it, taken apart by other means than it is made with.
+struct ReadMail {
+    struct Part {
+        std::map<std::string, std::string> headers;
+        std::string bytes;
+    };
+
+    explicit ReadMail(const std::string& mail) {
+        const QString whole = QString::fromStdString(mail);
+        const qsizetype end = whole.indexOf("\r\n\r\n");
+        headers = headersOf(whole.left(end));
+        const QRegularExpression boundary("boundary=\"([^\"]+)\"");
+        const QString mark =
+            boundary.match(QString::fromStdString(headers["Content-Type"])).captured(1);
+        const QStringList pieces = whole.mid(end + 2).split("\r\n--" + mark);
+        isClosed = pieces.size() > 2 && pieces.last() == "--\r\n";
+        for (qsizetype piece = 1; piece + 1 < pieces.size(); ++piece)
+            parts.push_back(partOf(pieces[piece].mid(2)));
+    }
+    std::string text() const {
+        return QString::fromStdString(parts.at(0).bytes).replace("\r\n", "\n").toStdString();
+    }
+    std::string subject() { return headers["Subject"]; }
+
+    std::map<std::string, std::string> headers; ///< unfolded and decoded
+    std::vector<Part> parts;
+    bool isClosed = false;
+
+  private:
+    static std::map<std::string, std::string> headersOf(const QString& head) {
+        std::map<std::string, std::string> all;
+        const QString unfolded = QString(head).replace("?=\r\n =?", "?==?").replace("\r\n ", " ");
+        for (const QString& line : unfolded.split("\r\n")) {
+            const qsizetype colon = line.indexOf(": ");
+            all[line.left(colon).toStdString()] = decoded(line.mid(colon + 2));
+        }
+        return all;
+    }
+    static std::string decoded(const QString& text) {
+        static const QRegularExpression word("=\\?UTF-8\\?B\\?([^?]*)\\?=");
+        QString rest = text;
+        std::string bytes;
+        for (auto match = word.match(rest); match.hasMatch(); match = word.match(rest)) {
+            bytes += rest.left(match.capturedStart()).toStdString();
+            const QByteArray code = match.captured(1).toLatin1();
+            // each word is whole characters
+            bytes += QString::fromUtf8(QByteArray::fromBase64(code)).toStdString();
+            rest = rest.mid(match.capturedEnd());
+        }
+        return bytes + rest.toStdString();
+    }
+    static Part partOf(const QString& text) {
+        const qsizetype end = text.indexOf("\r\n\r\n");
+        const QByteArray code = text.mid(end + 4).remove("\r\n").toLatin1();
+        return {
+            headersOf(text.left(end)),
+            QByteArray::fromBase64(code, QByteArray::AbortOnBase64DecodingErrors).toStdString()};
+    }
+};
+
+} // namespace orvane::test
