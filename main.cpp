@@ -210,7 +210,7 @@ class Program {
     DayReport report_{{panel_, busy_, log_, faults_, clock_}, module_};
     FilmFile film_{{panel_, busy_, log_, faults_, clock_}, filmControl_, ffmpeg_, store_};
     Alerts alerts_{{module_, panel_, warnings_, days_, store_, log_, faults_, clock_,
-                    alertsControl_, mail_, [this] { return clock_.utcOffset(); }}};
+                    alertsControl_, keograms_, mail_, [this] { return clock_.utcOffset(); }}};
     FrameLink link_{*MSComm1_, store_, log_, clock_, module_};
     TrackerCommands commands_{link_};
     PortSelection portSelection_{store_, link_, log_, op_};

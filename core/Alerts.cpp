@@ -28,8 +28,8 @@ std::string newId(WallTime now) {
 
 Alerts::Alerts(Parts parts)
     : parts_(std::move(parts)),
-      queue_({parts_.module, parts_.warnings, parts_.log, parts_.faults, parts_.clock,
-              parts_.pictures, parts_.mail, parts_.utcOffset, parts_.keogram,
+      queue_({parts_.module, parts_.panel, parts_.warnings, parts_.log, parts_.faults, parts_.clock,
+              parts_.pictures, parts_.keograms, parts_.mail,
               [this](const Letter& letter) {
                   if (letter.day) keepReported(*letter.day);
               }}),
@@ -139,6 +139,7 @@ void Alerts::reportOn(std::chrono::local_days day) {
     const DayPlan plan = day == today ? parts_.days.plan() : parts_.days.yesterdaysPlan();
     Letter letter = letterOf(dayText(day, plan, figures()));
     letter.day = day;
+    letter.isDue = plan.isDue;
     post(std::move(letter));
 }
 
@@ -151,20 +152,25 @@ StationFigures Alerts::figures() {
     StationFigures figures{.day = parts_.days.plan().text,
                            .disk = parts_.panel.lbl_free.caption,
                            .recording = parts_.module.RecordFlg};
-    figures.picture = utf8FromPath(letterOf({}).picture.filename());
+    figures.picture = utf8FromPath(newestPicture().filename());
     for (const auto& [cause, warning] : parts_.warnings.standing())
         figures.warnings.push_back(warning);
     return figures;
 }
 
+/// Before today's first picture an earlier day's.
+std::filesystem::path Alerts::newestPicture() const {
+    const std::filesystem::path& known = parts_.module.thumbnails.front();
+    if (!known.empty()) return known;
+    const auto newest = newestCaptures(parts_.panel.Dir1[0].path, 1);
+    return newest.empty() ? std::filesystem::path() : newest.front();
+}
+
 Letter Alerts::letterOf(AlertText alert) const {
     Letter letter{.subject = std::move(alert.subject), .text = std::move(alert.text)};
-    letter.picture = parts_.module.thumbnails.front();
-    if (letter.picture.empty()) {
-        const auto newest = newestCaptures(parts_.panel.Dir1[0].path, 1);
-        if (!newest.empty()) letter.picture = newest.front();
-    }
+    letter.picture = newestPicture();
     letter.date = parts_.clock.now();
+    letter.offset = parts_.utcOffset();
     letter.made = parts_.clock.ticks();
     letter.id = newId(letter.date);
     return letter;

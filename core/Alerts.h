@@ -34,9 +34,9 @@ class Alerts {
         Faults& faults;
         Clock& clock;
         ImageControl& pictures; ///< an own one
+        Keograms& keograms;
         MailTransfer& mail;
         std::function<std::chrono::minutes()> utcOffset;
-        std::function<Pixels(std::chrono::local_days)> keogram = nullptr; ///< see `MailQueue`
     };
 
     explicit Alerts(Parts parts);
@@ -73,6 +73,7 @@ class Alerts {
     void reportOn(std::chrono::local_days day);
     void keepReported(std::chrono::local_days day);
     StationFigures figures();
+    std::filesystem::path newestPicture() const;
     Letter letterOf(AlertText alert) const;
     void post(Letter letter);
 

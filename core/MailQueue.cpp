@@ -141,40 +141,47 @@ Task<MailMessage> MailQueue::compose(MailSettings settings, Letter letter) {
                         .subject = letter.subject,
                         .text = letter.text,
                         .date = letter.date,
-                        .offset = parts_.utcOffset(),
+                        .offset = letter.offset,
                         .id = letter.id};
     for (int turn = 0; turn < kMostTurns && (composing_ || parts_.module.capturing); ++turn)
         co_await parts_.clock.sleep(1s);
     if (composing_) co_return message; // rather without pictures than never
     const Scope composing(composing_);
-    Task<> adding = addPictures(std::move(letter), message);
-    co_await adding;
+    Task<> picture = addPicture(letter, message);
+    co_await picture;
+    if (letter.day) {
+        Task<> keogram = addKeogram(letter, message);
+        co_await keogram;
+    }
+    parts_.pictures.clear();
     co_return message;
 }
 
-Task<> MailQueue::addPictures(Letter letter, MailMessage& message) {
+Task<> MailQueue::addPicture(Letter letter, MailMessage& message) {
+    if (letter.picture.empty()) co_return;
     ImageControl& control = parts_.pictures;
-    if (!letter.picture.empty()) {
-        const std::string name = utf8FromPath(letter.picture.filename());
-        Task<Fault> loading = control.loadReduced(letter.picture, kPictureRows);
-        const Fault fault = co_await loading;
-        if (fault) {
-            message.text += "\nThe picture " + name + " cannot be shown: " + *fault + ".\n";
-        } else {
-            Task<std::string> encoding = control.encode(kPictureQuality);
-            std::string jpeg = co_await encoding;
-            message.pictures.push_back({name, std::move(jpeg)});
-        }
+    const std::string name = utf8FromPath(letter.picture.filename());
+    Task<Fault> loading = control.loadReduced(letter.picture, kPictureRows);
+    const Fault fault = co_await loading;
+    if (fault) {
+        message.text += "\nThe picture " + name + " cannot be shown: " + *fault + ".\n";
+        co_return;
     }
-    Pixels pixels;
-    if (letter.day && parts_.keogram) pixels = parts_.keogram(*letter.day);
-    if (!pixels.data.empty()) {
-        control.take(std::move(pixels));
-        Task<std::string> encoding = control.encode(kKeogramQuality);
-        std::string jpeg = co_await encoding;
-        message.pictures.push_back({"keogram.jpg", std::move(jpeg)});
-    }
-    control.clear();
+    Task<std::string> encoding = control.encode(kPictureQuality);
+    std::string jpeg = co_await encoding;
+    message.pictures.push_back({name, std::move(jpeg)});
+}
+
+Task<> MailQueue::addKeogram(Letter letter, MailMessage& message) {
+    const DayListing listing =
+        listDay(datedFolderOf(parts_.panel.Dir1[0].path, WallTime(*letter.day)));
+    if (listing.pictures.empty()) co_return;
+    Task<> reading = parts_.keograms.read(listing.pictures);
+    co_await reading;
+    parts_.pictures.take(parts_.keograms.draw(*letter.day, listing.pictures, letter.isDue));
+    Task<std::string> encoding = parts_.pictures.encode(kKeogramQuality);
+    std::string jpeg = co_await encoding;
+    message.pictures.push_back({"keogram.jpg", std::move(jpeg)});
 }
 
 } // namespace orvane

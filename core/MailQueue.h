@@ -1,10 +1,10 @@
 #pragma once
 
+#include "archive/Keograms.h"
 #include "core/MailMessage.h"
 #include "core/MailSettings.h"
-#include "platform/ImageControl.h"
 #include "station/Faults.h"
-#include "station/Module1.h"
+#include "station/OperationPanel.h"
 #include "station/Warnings.h"
 
 #include <deque>
@@ -19,7 +19,9 @@ struct Letter {
     std::filesystem::path picture{}; ///< empty: none
     /// The day that it reports on, whose keogram goes with it; nothing: no report.
     std::optional<std::chrono::local_days> day{};
+    DueMinutes isDue{}; ///< of that day
     WallTime date{};
+    std::chrono::minutes offset{}; ///< of `date` from universal time
     Ticks made{};
     std::string id{}; ///< alike in every try, so that a reader knows one that came twice
 };
@@ -37,15 +39,14 @@ class MailQueue {
 
     struct Parts {
         const Module1& module;
+        const OperationPanel& panel; ///< for the data folder
         Warnings& warnings;
         ErrorLog& log;
         Faults& faults;
         Clock& clock;
         ImageControl& pictures; ///< an own one
+        Keograms& keograms;
         MailTransfer& mail;
-        std::function<std::chrono::minutes()> utcOffset;
-        /// A day's keogram, without pixels when there is none. May be empty.
-        std::function<Pixels(std::chrono::local_days)> keogram;
         std::function<void(const Letter&)> sent; ///< told of each letter that a server took
     };
 
@@ -68,7 +69,8 @@ class MailQueue {
     void giveUpOld(Ticks pause);
     Task<MailOutcome> send(MailSettings settings, Letter letter);
     Task<MailMessage> compose(MailSettings settings, Letter letter);
-    Task<> addPictures(Letter letter, MailMessage& message);
+    Task<> addPicture(Letter letter, MailMessage& message);
+    Task<> addKeogram(Letter letter, MailMessage& message);
 
     Parts parts_;
     MailSettings settings_;

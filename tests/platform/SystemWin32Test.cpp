@@ -150,5 +150,15 @@ TEST(Win32SerialPort, TellsThePortAndTheSystemsReason) {
     EXPECT_FALSE(port.write({&byte, 1}));
 }
 
+/// What is stored shows nothing of a secret, and what another user or PC stored is refused.
+TEST(Secrets, AreProtectedByTheSystem) {
+    const auto stored = protectSecret("a secret");
+    ASSERT_TRUE(stored);
+    EXPECT_EQ(stored->find("secret"), std::string::npos);
+    EXPECT_NE(*stored, "YSBzZWNyZXQ=") << "base64 is no protection";
+    EXPECT_FALSE(unprotectSecret("a secret"));
+    EXPECT_FALSE(unprotectSecret("YSBzZWNyZXQ="));
+}
+
 } // namespace
 } // namespace orvane::test

@@ -178,10 +178,10 @@ class TestStation {
     MainLoop loop{station};
     FakeMail mail{clock};
     FakeImageControl alertPictures;
-    Pixels keogram; ///< of every day
-    Alerts alerts{{module, panel, warnings, days, store, log, faults, clock, alertPictures, mail,
-                   [this] { return utcOffset; },
-                   [this](std::chrono::local_days) { return keogram; }}};
+    FakeImageControl alertKeogramControl;
+    Keograms alertKeograms{{alertKeogramControl, module, busy, clock}};
+    Alerts alerts{{module, panel, warnings, days, store, log, faults, clock, alertPictures,
+                   alertKeograms, mail, [this] { return utcOffset; }}};
     Task<> loopTask;
     TaskGroup tasks{faults.teller("Orvane")};
 };
