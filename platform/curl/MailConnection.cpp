@@ -1,8 +1,8 @@
 #include "platform/curl/MailConnection.h"
 
 #include "platform/Files.h"
+#include "platform/curl/MailReply.h"
 
-#include <algorithm>
 #include <new>
 
 namespace orvane {
@@ -11,8 +11,6 @@ namespace {
 
 constexpr Ticks kPoll = 20ms;
 constexpr std::size_t kMostReplies = 64 * 1024; ///< bytes of what a server says to one command
-constexpr std::size_t kMostWords = 400;         ///< bytes of it that are told
-constexpr std::size_t kCodeLength = 3;
 /// Says nothing of this PC, and no server finds fault with it (RFC 5321, 4.1.3).
 constexpr const char* kOwnName = "/%5B127.0.0.1%5D";
 constexpr const char* kBroken = "the connection to the mail server broke";
@@ -54,52 +52,6 @@ bool isCertificates(CURLcode fault) {
     return fault == CURLE_PEER_FAILED_VERIFICATION || fault == CURLE_SSL_CONNECT_ERROR ||
            fault == CURLE_SSL_CACERT_BADFILE || fault == CURLE_SSL_ISSUER_ERROR ||
            fault == CURLE_SSL_INVALIDCERTSTATUS;
-}
-
-/// Where the line at `begin` ends, behind its end; nothing while it is not complete.
-std::optional<std::size_t> endOfLine(const std::string& text, std::size_t begin) {
-    const std::size_t end = text.find('\n', begin);
-    if (end == std::string::npos) return std::nullopt;
-    return end + 1;
-}
-
-bool isLastLine(std::string_view line) {
-    return line.size() <= kCodeLength || line[kCodeLength] != '-';
-}
-
-/// The words of a reply in one line: its code once, without what could not be shown.
-std::string wordsOf(const std::string& reply) {
-    std::string words;
-    for (std::size_t at = 0; at < reply.size();) {
-        const std::size_t end = endOfLine(reply, at).value_or(reply.size());
-        std::string line = reply.substr(at, end - at);
-        std::ranges::replace_if(
-            line, [](unsigned char c) { return c < 0x20 || c == 0x7F; }, ' ');
-        line.erase(line.find_last_not_of(' ') + 1);
-        if (line.size() > kCodeLength && line[kCodeLength] == '-') line[kCodeLength] = ' ';
-        const bool again = !words.empty() && line.size() > kCodeLength &&
-                           words.compare(0, kCodeLength, line, 0, kCodeLength) == 0;
-        words += again ? line.substr(kCodeLength) : (words.empty() ? "" : " ") + line;
-        at = end;
-    }
-    return words.substr(0, kMostWords);
-}
-
-/// The last reply of what a server said.
-std::string lastReply(const std::string& dialogue) {
-    std::size_t begin = 0;
-    std::size_t reply = 0;
-    bool complete = false;
-    while (const auto end = endOfLine(dialogue, begin)) {
-        if (complete) reply = begin;
-        complete = isLastLine(std::string_view(dialogue).substr(begin, *end - begin));
-        begin = *end;
-    }
-    return dialogue.substr(reply);
-}
-
-bool isRefusal(const std::string& reply) {
-    return reply.starts_with('4') || reply.starts_with('5');
 }
 
 } // namespace
@@ -258,24 +210,11 @@ Fault MailConnection::read() {
     return std::nullopt;
 }
 
-std::optional<std::string> MailConnection::takeReply() {
-    std::size_t begin = 0;
-    while (const auto end = endOfLine(read_, begin)) {
-        const bool isLast = isLastLine(std::string_view(read_).substr(begin, *end - begin));
-        begin = *end;
-        if (!isLast) continue;
-        std::string reply = read_.substr(0, begin);
-        read_.erase(0, begin);
-        return reply;
-    }
-    return std::nullopt;
-}
-
 Task<Fault> MailConnection::reply(char wanted) {
-    std::optional<std::string> reply = takeReply();
+    std::optional<std::string> reply = takeReply(read_);
     while (!reply) {
         const Fault unread = read();
-        reply = takeReply();
+        reply = takeReply(read_);
         if (reply) break;
         if (unread) co_return unread;
         const Fault fault = checkLimits();

@@ -39,7 +39,6 @@ class MailConnection final : public CurlLoop::Owner {
     Fault setCertificates(const MailServer& server);
     Fault checkLimits() const;
     Fault read();
-    std::optional<std::string> takeReply();
     std::string refusal(const std::string& reason) const;
     std::string faultOf(CURLcode result) const;
 
