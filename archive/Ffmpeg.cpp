@@ -57,8 +57,8 @@ std::vector<std::string> encoderQuery() {
 }
 
 std::string h264EncoderIn(const std::string& list) {
-    for (const std::string name : {"libx264", "libopenh264", "h264_mf"})
-        if (list.find(" " + name + " ") != std::string::npos) return name;
+    for (const char* name : {"libx264", "libopenh264", "h264_mf"})
+        if (list.find(" " + std::string(name) + " ") != std::string::npos) return name;
     return {};
 }
 

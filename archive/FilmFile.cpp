@@ -40,7 +40,7 @@ std::string seconds(int frames, int rate) {
 } // namespace
 
 std::filesystem::path FilmFile::program() const {
-    const std::filesystem::path chosen = pathFromUtf8(store_.GetSetting(kSection, kKey, ""));
+    std::filesystem::path chosen = pathFromUtf8(store_.GetSetting(kSection, kKey, ""));
     std::error_code error;
     if (std::filesystem::is_regular_file(chosen, error)) return chosen;
     return process_.find("ffmpeg");
