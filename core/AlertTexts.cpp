@@ -33,6 +33,9 @@ std::string adviceOn(Warnings::Cause cause) {
                "Setting.";
     case Cause::SunTimes:
         return "Correct the site's latitude, longitude and time zone. Recording goes on.";
+    case Cause::StatusFile:
+        return "See whether the program's folder can be written and whether somebody holds the "
+               "named file open. Recording goes on.";
     case Cause::Mail:
         break;
     }

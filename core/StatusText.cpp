@@ -46,6 +46,8 @@ const char* causeName(Warnings::Cause cause) {
         return "sun times";
     case Cause::StatusFile:
         return "status file";
+    case Cause::Mail:
+        return "mail";
     }
     return "other";
 }
