@@ -79,9 +79,8 @@ void FilmWindow::follow() {
     setWindowTitle("Film of " + toQString(dateText(WallTime(parts_.day.day()))));
     if (isSame(pictures, pictures_) && view_->hasPicture()) return;
     pictures_ = std::move(pictures);
-    std::vector<std::filesystem::path> files;
-    for (const FiledPicture& picture : pictures_)
-        files.push_back(picture.file);
+    std::vector<std::filesystem::path> files(pictures_.size());
+    std::ranges::transform(pictures_, files.begin(), &FiledPicture::file);
     if (pictures_.empty()) view_->showText("There is no picture of this day.");
     player_.setFiles(std::move(files),
                      parts_.module.imageProcessing ? parts_.module.image : ImageOptions());
