@@ -13,6 +13,9 @@ namespace orvane {
 
 namespace {
 
+/// The coarsest time stamps of a file system that pictures may be kept on are two seconds apart.
+constexpr std::chrono::seconds kCoarseStamp{3};
+
 bool isDatedName(const std::filesystem::path& folder) {
     const std::u8string name = folder.filename().u8string();
     return name.size() == 8 &&
@@ -58,6 +61,18 @@ FolderListing listFolder(const std::filesystem::path& folder) {
     if (error && error != std::errc::no_such_file_or_directory) listing.fault = error.message();
     std::ranges::sort(listing.entries, {}, &std::filesystem::path::native);
     return listing;
+}
+
+std::filesystem::file_time_type changeTime(const std::filesystem::path& folder) {
+    std::error_code error;
+    const auto time = std::filesystem::last_write_time(folder, error);
+    return error ? std::filesystem::file_time_type::min() : time;
+}
+
+bool mayHideChange(std::filesystem::file_time_type time) {
+    if (time == std::filesystem::file_time_type::min()) return false;
+    const auto age = std::filesystem::file_time_type::clock::now() - time;
+    return age >= age.zero() && age < kCoarseStamp;
 }
 
 DayListing listDay(const std::filesystem::path& datedFolder) {

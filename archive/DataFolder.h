@@ -24,6 +24,12 @@ struct FolderListing {
 };
 FolderListing listFolder(const std::filesystem::path& folder);
 
+/// When a folder changed; the same value for every one that is not there.
+std::filesystem::file_time_type changeTime(const std::filesystem::path& folder);
+/// Whether a folder may change once more without its time of change telling: file systems keep
+/// coarse times, and this one has just been.
+bool mayHideChange(std::filesystem::file_time_type time);
+
 /// A picture of a dated folder.
 struct FiledPicture {
     ImageName name;

@@ -7,23 +7,8 @@ namespace orvane {
 
 namespace {
 
-/// The coarsest time stamps of a file system that pictures may be kept on are two seconds apart.
-constexpr std::chrono::seconds kCoarseStamp{3};
 /// Some milliseconds' work.
 constexpr std::size_t kFilesOfASlice = 50;
-
-/// The same value for every folder that is not there.
-std::filesystem::file_time_type changeTime(const std::filesystem::path& folder) {
-    std::error_code error;
-    const auto time = std::filesystem::last_write_time(folder, error);
-    return error ? std::filesystem::file_time_type::min() : time;
-}
-
-bool isRecent(std::filesystem::file_time_type time) {
-    if (time == std::filesystem::file_time_type::min()) return false;
-    const auto age = std::filesystem::file_time_type::clock::now() - time;
-    return age >= age.zero() && age < kCoarseStamp;
-}
 
 bool isFilled(const std::filesystem::path& file) {
     std::error_code error;
@@ -76,7 +61,7 @@ Task<> DayFolder::read(Look look, Turn turn) {
 /// A fault of it leaves the listing empty.
 DayListing DayFolder::list() {
     changed_ = changeTime(folder_);
-    readAgain_ = isRecent(changed_);
+    readAgain_ = mayHideChange(changed_);
     DayListing listing = reader_(folder_);
     fault_ = std::exchange(listing.fault, {});
     if (fault_) listing.pictures.clear();

@@ -51,9 +51,9 @@ void ShownDay::refresh() {
 
 /// Looks through the data folder's names when something in it has changed.
 void ShownDay::findFirst() {
-    std::error_code error;
-    const auto changed = std::filesystem::last_write_time(dataFolder_, error);
-    if (std::exchange(changed_, changed) == changed) return;
+    const auto changed = changeTime(dataFolder_);
+    if (std::exchange(changed_, changed) == changed && !lookAgain_) return;
+    lookAgain_ = mayHideChange(changed);
     first_ = firstDayOf(dataFolder_).value_or(today());
     ++changes_;
 }

@@ -66,6 +66,7 @@ class ShownDay {
     std::optional<ArchiveDay> past_;
     std::filesystem::path dataFolder_;        ///< as of the last turning
     std::filesystem::file_time_type changed_; ///< of the data folder, when it was looked through
+    bool lookAgain_ = true; ///< a change might hide behind the same time of change
     std::chrono::local_days first_{};
     bool isReading_ = false;
     std::int64_t changes_ = 0;
