@@ -1,5 +1,6 @@
 #include "archive/ShownDay.h"
 
+#include "tests/support/FolderTime.h"
 #include "tests/support/TestPictures.h"
 #include "tests/support/TestStation.h"
 
@@ -79,8 +80,8 @@ TEST_F(OtherDays, FollowWhatIsFiledLater) {
     textOf(14);
     const std::int64_t before = shown.revision();
     file("20061114_100000_00.jpg");
-    std::filesystem::last_write_time(s.dataFolder() / "20061114",
-                                     std::filesystem::file_time_type::clock::now() + 1min);
+    setFolderTime(s.dataFolder() / "20061114",
+                  std::filesystem::file_time_type::clock::now() + 1min);
     shown.refresh();
     EXPECT_GT(shown.revision(), before);
     EXPECT_EQ(shown.plan().text, "taken 2 of 4, 1 fetched later, 1 missed");
