@@ -128,8 +128,10 @@ def check_sent(what, said, mails, by_starttls, logged_in):
         check_mail(envelope)
 
 
-def check_refused(what, words, said, mails):
-    expect(what, words in said and not mails, said)
+def check_refused(what, words, said, mails, under_wine=None):
+    """Windows has words of its own for some faults, and Wine no word of some refusals."""
+    wanted = words if under_wine is None or not UNDER_WINE else under_wine
+    expect(what, wanted in said and not mails, said)
 
 
 def run():
@@ -143,7 +145,8 @@ def run():
     check_refused("no log-in", "530 5.7.0 Authentication required", *send("starttls", "starttls", ca=CA))
     check_refused("other host's certificate", "certificate of the mail server is not accepted",
                   *send("other host", "starttls", ca=CA))
-    check_refused("no certificates", "CA file", *send("tls", "tls", ca=PICTURE, **user))
+    check_refused("no certificates", "CA file", *send("tls", "tls", ca=PICTURE, **user),
+                  under_wine="certificate of the mail server is not accepted")
     if UNDER_WINE:
         print("left out: certificates that the system does not know (Wine takes them)")
     else:
@@ -153,7 +156,8 @@ def run():
                       *send("tls", "tls", **user))
     check_refused("must be secure", "530", *send("starttls", "none", **user))
     check_refused("no STARTTLS", "offers no encryption", *send("plain", "starttls", **user))
-    check_refused("no TLS", "no encrypted connection", *send("plain", "tls", **user))
+    check_refused("no TLS", "no encrypted connection", *send("plain", "tls", **user),
+                  under_wine="no answer from the mail server")
     check_refused("full", "452 4.2.2 mailbox full", *send("plain", "none", to="full@example.org"))
     said, mails = send("plain", "none", to="full@example.org, two@example.org")
     expect("one full", "452" in said and said.endswith("sent") and
@@ -163,7 +167,8 @@ def run():
         file.write(os.urandom(LARGEST))
     check_refused("too large", "552", *send("plain", "none", picture=large))
     check_refused("silent", "no answer from the mail server", *send("silent", "none"))
-    check_refused("nobody", "no connection to the mail server", *send("nobody", "none"))
+    check_refused("nobody", "no connection to the mail server", *send("nobody", "none"),
+                  under_wine="no answer from the mail server")
 
 
 with open(PICTURE, "wb") as picture_file:
