@@ -1,16 +1,15 @@
 #include "ui/dialogs/FrmStatusPage.h"
 
 #include "core/StatusFile.h"
+#include "ui/Desktop.h"
 #include "ui/Layout.h"
 #include "ui/Text.h"
 #include "ui/panel/PanelControls.h"
 
 #include <QCheckBox>
-#include <QDesktopServices>
 #include <QDir>
 #include <QMessageBox>
 #include <QPushButton>
-#include <QUrl>
 
 namespace orvane {
 
@@ -44,7 +43,7 @@ void FrmStatusPage::chk_latest_Click(bool on) {
 }
 
 void FrmStatusPage::Command1_Click() {
-    if (!QDesktopServices::openUrl(QUrl::fromLocalFile(toQString(page_))))
+    if (!openOnDesktop(page_))
         tell("No browser could be started. Please open the file named above in one.");
 }
 
