@@ -11,6 +11,8 @@ namespace {
 
 /// The schedule fields that recording and `chk_auto` lock; the interval's hour and second stay.
 constexpr std::array<std::size_t, 5> kLockedFields{0, 1, 2, 3, 5};
+constexpr std::size_t kEndHour = 2;
+constexpr std::size_t kIntervalMinute = 5;
 constexpr std::size_t kIntervalSecond = 6;
 
 constexpr std::array<const char*, 10> kMessages{
@@ -29,6 +31,12 @@ constexpr int kSameTime = 8;
 constexpr int kStartAfterEnd = 9;
 constexpr int kNoInterval = 7;
 
+/// The field in which a fault can be mended.
+std::size_t fieldOf(int code) {
+    if (code == kNoInterval) return kIntervalMinute;
+    return code < kNoInterval ? static_cast<std::size_t>(code) : kEndHour;
+}
+
 bool inRange(const TextBox& field, std::size_t index) {
     const double value = leadingNumber(field.text.get());
     return value >= 0 && value <= OperationPanel::kFieldLimits[index];
@@ -45,6 +53,7 @@ TimeOfDay createNextRecTime(TimeOfDay start, TimeOfDay end, TimeOfDay interval, 
 Task<> Recording::Command1_Click() {
     panel_.Command1.enabled = false;
     mnuRecordingStart = false;
+    faultyField = std::nullopt;
     enableInputs(false);
     panel_.UpDown1[kIntervalSecond].enabled = false;
     log_.write("Start Recording");
@@ -59,6 +68,7 @@ Task<> Recording::Command1_Click() {
         co_await op_.tell(message);
         panel_.Label7.caption = "Ready";
         ready();
+        faultyField = fieldOf(*code);
         co_return;
     }
     module_.RecordFlg = true;

@@ -43,6 +43,8 @@ class Recording {
     /// Locks or unlocks the schedule fields.
     void chk_auto_Click();
 
+    /// The field of `Text1` that a refused start complained of, until the next start.
+    Value<std::optional<std::size_t>> faultyField;
     Value<bool> mnuRecordingStart{true}; ///< the menu entries' enabled states
     Value<bool> mnuRecordingStop{false};
 

@@ -9,6 +9,9 @@ std::string twips(int pixels) {
     return std::to_string(pixels * 15);
 }
 
+constexpr const char* kSection = "Station";
+constexpr const char* kMaximised = "MainMaximised";
+
 } // namespace
 
 Task<bool> Shutdown::MDIForm_QueryUnload(UnloadMode mode) {
@@ -37,6 +40,10 @@ Task<bool> Shutdown::MDIForm_QueryUnload(UnloadMode mode) {
     co_return mayClose;
 }
 
+bool Shutdown::wasMaximised() const {
+    return parts_.store.GetSetting(kSection, kMaximised, "0") == "1";
+}
+
 void Shutdown::end(const std::string& reason, std::optional<WindowPlace> place) {
     if (left_) return;
     saveSettings();
@@ -53,6 +60,7 @@ bool Shutdown::saveSettings() {
 void Shutdown::leave(std::optional<WindowPlace> place, const std::string& line) {
     if (std::exchange(left_, true)) return;
     if (place) {
+        parts_.store.SaveSetting(kSection, kMaximised, place->maximised ? "1" : "0");
         parts_.store.SaveSetting("Settings", "MainLeft", twips(place->left));
         parts_.store.SaveSetting("Settings", "MainTop", twips(place->top));
         parts_.store.SaveSetting("Settings", "MainWidth", twips(place->width));

@@ -22,6 +22,7 @@ struct WindowPlace {
     int top = 0;
     int width = 0;
     int height = 0;
+    bool maximised = false;
 };
 
 /// What happens when the program is to end: save, ask or refuse, store the window's place, end.
@@ -47,6 +48,8 @@ class Shutdown {
     void MDIForm_Unload(std::optional<WindowPlace> place) { leave(place, "Orvane Ending"); }
     /// "Exit": saves. The caller then closes the window, with mode `Other`.
     void mnuFileExit_Click() { parts_.settings.writeSetup(); }
+    /// Whether the window filled the screen when it was closed.
+    bool wasMaximised() const;
     /// The operating system ends the program for `reason`, such as "SIGTERM". Stores the settings
     /// and `place` and ends it; nobody is asked.
     void end(const std::string& reason, std::optional<WindowPlace> place);

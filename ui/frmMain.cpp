@@ -21,6 +21,7 @@
 #include <QFileDialog>
 #include <QMdiSubWindow>
 #include <QMenuBar>
+#include <QScreen>
 
 namespace orvane {
 namespace {
@@ -37,6 +38,7 @@ frmMain::frmMain(Parts parts)
     auto* day = new DayView({parts_.day, parts_.module, parts_.clock, parts_.faults});
     setCentralWidget(inWidget(column({{above, 1}, day}, 0)));
     new WishBar(parts_.wishes, centralWidget());
+    ring_.reset(new FocusRing(*this, {operation_, area_, strip, &day->bar(), day}));
 
     addFileMenu();
     addToolsMenu();
@@ -151,6 +153,14 @@ void frmMain::addWindowMenu() {
     addEntry(windows, {"mnuWindowCloseAll", "Close &All", "Closes every picture."}, {}, area_,
              &QMdiArea::closeAllSubWindows);
     windows.addSeparator();
+    const std::pair<const char*, const char*> pages[] = {{"mnuWindowRecording", "Page &Recording"},
+                                                         {"mnuWindowCamera", "Page Ca&mera"},
+                                                         {"mnuWindowFiles", "Page &Files"}};
+    for (int page = 0; page < static_cast<int>(std::size(pages)); ++page)
+        addEntry(windows, {pages[page].first, pages[page].second, "Leads to the panel's page."},
+                 {QKeyCombination(Qt::CTRL, static_cast<Qt::Key>(Qt::Key_1 + page))}, operation_,
+                 [this, page] { operation_->showPage(page); });
+    windows.addSeparator();
     connect(&windows, &QMenu::aboutToShow, this, [this, &windows] { listWindows(windows); });
 }
 
@@ -176,17 +186,28 @@ void frmMain::MDIForm_Load() {
     resize(kSize);
 }
 
+/// The prescribed place and size first, then no more than the desktop that is there.
+void frmMain::fitDesktop() {
+    const QSize around = frameGeometry().size() - size();
+    const QRect desktop = screen()->availableGeometry();
+    QRect place({0, 0}, kSize.boundedTo(desktop.size()));
+    place.moveLeft(std::max(desktop.left(), std::min(0, desktop.right() + 1 - place.width())));
+    place.moveTop(std::max(desktop.top(), std::min(0, desktop.bottom() + 1 - place.height())));
+    move(place.topLeft());
+    resize(place.size() - around);
+    if (parts_.shutdown.wasMaximised()) showMaximized();
+}
+
 void frmMain::showEvent(QShowEvent* event) {
     QMainWindow::showEvent(event);
-    placed_ = false;
+    if (!event->spontaneous()) placed_ = false;
 }
 
 bool frmMain::event(QEvent* event) {
     // The frame's width is known only once the window manager has drawn it.
     if (event->type() == QEvent::WindowActivate && !placed_ && !isMaximized()) {
         placed_ = true;
-        move(0, 0);
-        resize(kSize - (frameGeometry().size() - size()));
+        fitDesktop();
     }
     return QMainWindow::event(event);
 }
@@ -264,7 +285,7 @@ Task<> frmMain::unload(QPointer<frmMain> window, UnloadMode mode) {
 std::optional<WindowPlace> frmMain::place() const {
     if (isMinimized()) return std::nullopt;
     const QRect frame = frameGeometry();
-    return WindowPlace{frame.left(), frame.top(), frame.width(), frame.height()};
+    return WindowPlace{frame.left(), frame.top(), frame.width(), frame.height(), isMaximized()};
 }
 
 } // namespace orvane

@@ -2,6 +2,7 @@
 
 #include "core/Shutdown.h"
 #include "platform/SystemInfo.h"
+#include "ui/FocusRing.h"
 #include "ui/panel/frmOperation.h"
 #include "ui/pictures/QtImageViews.h"
 
@@ -72,6 +73,7 @@ class frmMain : public QMainWindow {
     void closeEvent(QCloseEvent* event) override;
     void showEvent(QShowEvent* event) override;
     bool event(QEvent* event) override;
+    bool focusNextPrevChild(bool next) override { return ring_->step(next); }
 
   private:
     void addFileMenu();
@@ -81,6 +83,7 @@ class frmMain : public QMainWindow {
     void addHelpMenu();
     void followBusy(bool idle);
     void listWindows(QMenu& menu);
+    void fitDesktop();
     QMenu& addMenu(const char* name, const QString& caption);
 
     void MDIForm_Load();
@@ -95,6 +98,7 @@ class frmMain : public QMainWindow {
     Parts parts_;
     frmOperation* operation_;
     PictureArea* area_;
+    std::unique_ptr<FocusRing> ring_;
     QAction* saveAs_ = nullptr;
     // Each is made on first use and only hidden when it closes: a value has one observer, so no
     // second dialog may follow it before the first has gone.

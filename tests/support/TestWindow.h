@@ -74,6 +74,7 @@ struct Window : TestStation {
         settings.initOperation();
         recording.ready();
         show(main);
+        main.resize(1024, 747); // the offscreen desktop is smaller
     }
     ~Window() { tasks.clear(); }
 

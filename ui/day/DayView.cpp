@@ -48,6 +48,10 @@ QSize DayView::minimumSizeHint() const {
     return {0, DayLayout::heightFor(font())};
 }
 
+QWidget& DayView::bar() {
+    return *bar_;
+}
+
 void DayView::refresh() {
     parts_.day.refresh();
     const bool newSun = computeSun();

@@ -36,6 +36,8 @@ class DayView : public QWidget {
     QSize minimumSizeHint() const override;
 
     ShownDay& day() { return parts_.day; }
+    /// The buttons that turn to other days, in the band's first line.
+    QWidget& bar();
     /// Takes note of what has changed, another day in view included.
     void refresh();
     /// Whether the day's keogram is drawn behind the marks.

@@ -70,12 +70,12 @@ QGroupBox* FrmAlerts::serverGroup() {
     user_ = field("txtUser", "The user's name for the log-in; empty: there is no log-in.");
     password_ = field("txtPassword", "The user's password. The system keeps it for you alone.");
     password_->setEchoMode(QLineEdit::Password);
+    QLayout* login = row({{user_, 1}, captionOf(password_, "&Password"), {password_, 1}}, 8);
     QLayout* security = portRow();
     QLayout* caFile = caFileRow();
     return dialogGroup("Mail server", grid({{captionOf(host_, "Ser&ver"), host_},
                                             {captionOf(security_, "Se&curity"), security},
-                                            {captionOf(user_, "&User"), user_},
-                                            {captionOf(password_, "&Password"), password_},
+                                            {captionOf(user_, "&User"), login},
                                             {captionOf(caFile_, "C&A file"), caFile}}));
 }
 

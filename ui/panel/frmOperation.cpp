@@ -1,5 +1,6 @@
 #include "ui/panel/frmOperation.h"
 
+#include "ui/FocusRing.h"
 #include "ui/Layout.h"
 #include "ui/Text.h"
 #include "ui/panel/PanelGroups.h"
@@ -64,25 +65,28 @@ void markNumber(QLineEdit& field, bool valid) {
 } // namespace
 
 frmOperation::frmOperation(Parts parts, QWidget* parent)
-    : QWidget(parent), parts_(parts), controls_(*this) {
+    : QWidget(parent), parts_(parts), pages_(new QTabWidget), controls_(*this) {
     setObjectName("frmOperation");
     setAccessibleName("Operation panel");
-    auto* pages = new QTabWidget;
-    pages->setObjectName("pages");
-    pages->setDocumentMode(true);
-    pages->tabBar()->setObjectName("pages_bar");
-    addPage(*pages, "Recording", "When pictures are taken and where they go.",
+    pages_->setObjectName("pages");
+    pages_->setDocumentMode(true);
+    pages_->tabBar()->setObjectName("pages_bar");
+    addPage(*pages_, "Recording", "When pictures are taken and where they go.",
             {scheduleGroup(), folderGroup(), siteGroup()});
-    addPage(*pages, "Camera", "The camera and the pictures that it has recorded by itself.",
+    addPage(*pages_, "Camera", "The camera and the pictures that it has recorded by itself.",
             {cameraGroup(controls_, parts_.panel, parts_.camera, parts_.tasks,
                          [this] { emit pictureWanted(); }),
              storeGroup(controls_, parts_.panel, parts_.store, parts_.tasks)});
-    addPage(*pages, "Files", "Finds files in a folder.",
+    addPage(*pages_, "Files", "Finds files in a folder.",
             {findGroup(controls_, parts_.panel, parts_.folderScan,
                        [this](const std::filesystem::path& file) { emit imageWanted(file); })});
-    fill(*this, column({statusGroup(controls_, parts_.panel), recordingButtons(), {pages, 1}}, 5),
+    fill(*this, column({statusGroup(controls_, parts_.panel), recordingButtons(), {pages_, 1}}, 5),
          {6, 4, 6, 6});
     orderTabs();
+    controls_.bindings().follow(parts_.recording.faultyField,
+                                [this](const std::optional<std::size_t>& index) {
+                                    if (index) focusField(*index);
+                                });
 }
 
 /// Room that is left over goes to what can use it: the lists.
@@ -117,6 +121,22 @@ void frmOperation::orderTabs() {
 
 void frmOperation::focusStart() {
     start_->setFocus();
+}
+
+void frmOperation::showPage(int page) {
+    pages_->setCurrentIndex(page);
+    const FocusRing controls(*window(), {});
+    for (QWidget* stop : controls.stops())
+        if (pages_->currentWidget()->isAncestorOf(stop))
+            return stop->setFocus(Qt::ShortcutFocusReason);
+    pages_->tabBar()->setFocus(Qt::ShortcutFocusReason); // all of them are locked
+}
+
+void frmOperation::focusField(std::size_t index) {
+    pages_->setCurrentIndex(0);
+    auto* field = findChild<QLineEdit*>(QString("Text1_%1").arg(index));
+    field->setFocus(Qt::OtherFocusReason);
+    field->selectAll();
 }
 
 QWidget* frmOperation::scheduleGroup() {

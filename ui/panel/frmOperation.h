@@ -37,6 +37,8 @@ class frmOperation : public QWidget {
 
     /// Gives the focus to "Start Recording".
     void focusStart();
+    /// Turns to a page, from 0, and gives the focus to its first control that takes it.
+    void showPage(int page);
 
   signals:
     /// The operator asked for the camera's picture.
@@ -54,9 +56,11 @@ class frmOperation : public QWidget {
     QLineEdit* addTimeField(QHBoxLayout& row, std::size_t index, const QString& unit);
     QLayout* siteField(const Face& face, TextBox& model, bool (PanelSettings::*change)());
     void orderTabs();
+    void focusField(std::size_t index);
     void selectFolder();
 
     Parts parts_;
+    QTabWidget* pages_;
     QPushButton* start_ = nullptr;
     PanelControls controls_;
 };

@@ -58,7 +58,7 @@ void ImageMenu::addEntries(QMenu& image) {
     add(Needs::Picture, {"mnuViewFit", "&Fit to Window", "Shows the whole picture."},
         {Qt::CTRL | Qt::Key_0}, [](ImageWindow& window) { window.view().zoomFit(); });
     add(Needs::Picture, {"mnuViewActualSize", "&Actual Size", "Shows the picture's own pixels."},
-        {Qt::CTRL | Qt::Key_1}, [](ImageWindow& window) { window.view().zoomActual(); });
+        {Qt::CTRL | Qt::SHIFT | Qt::Key_1}, [](ImageWindow& window) { window.view().zoomActual(); });
     image.addSeparator();
     add(Needs::File, {"mnuViewNext", "&Next Image", "Shows the folder's next picture."},
         {Qt::ALT | Qt::Key_Right}, [](ImageWindow& window) { window.step(true); });

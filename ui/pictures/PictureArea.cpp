@@ -3,6 +3,21 @@
 #include <QStyle>
 
 namespace orvane {
+namespace {
+
+/// A sub-window that Tab goes through instead of going round in it.
+class PictureFrame : public QMdiSubWindow {
+  public:
+    explicit PictureFrame(PictureArea& area) : area_(area) {}
+
+  protected:
+    bool focusNextPrevChild(bool next) override { return area_.focusNextPrevChild(next); }
+
+  private:
+    PictureArea& area_;
+};
+
+} // namespace
 
 PictureArea::PictureArea(QWidget* parent) : QMdiArea(parent) {
     setAccessibleName("Pictures");
@@ -15,7 +30,9 @@ QMdiSubWindow& PictureArea::add(QWidget& window, QSize size) {
     constexpr int kStep = 26;
     constexpr int kSteps = 7;
     const int offset = static_cast<int>(subWindowList().size()) % kSteps * kStep;
-    QMdiSubWindow* frame = addSubWindow(&window);
+    auto* frame = new PictureFrame(*this);
+    frame->setWidget(&window);
+    addSubWindow(frame);
     frame->setAttribute(Qt::WA_DeleteOnClose);
     // The default pictogram of a sub-window says nothing about a picture.
     frame->setWindowIcon(style()->standardIcon(QStyle::SP_FileDialogContentsView));

@@ -19,6 +19,9 @@ class PictureArea : public QMdiArea {
     void bring(const QWidget& window);
     void fill(QMdiSubWindow& frame) { frame.setGeometry(viewport()->rect()); }
 
+    /// Public for the windows in it, which hand Tab on to what is around them.
+    bool focusNextPrevChild(bool next) override { return QMdiArea::focusNextPrevChild(next); }
+
   protected:
     void resizeEvent(QResizeEvent* event) override;
 
