@@ -15,6 +15,19 @@ QIcon programIcon() {
     return icon;
 }
 
+/// Some desktops give a dark theme but leave the quiet texts black.
+void mendPalette() {
+    QPalette colours = QApplication::palette();
+    const QColor window = colours.color(QPalette::Window);
+    const QColor quiet = colours.color(QPalette::PlaceholderText);
+    const bool isDark = window.lightness() < 128;
+    if ((quiet.lightness() < 128) != isDark) return;
+    QColor readable = colours.color(QPalette::WindowText);
+    readable.setAlpha(160);
+    colours.setColor(QPalette::PlaceholderText, readable);
+    QApplication::setPalette(colours);
+}
+
 /// Keeps a failing event handler from ending the program.
 class Application : public QApplication {
   public:
@@ -79,6 +92,7 @@ int main(int argc, char** argv) {
     QCoreApplication::setApplicationVersion(ORVANE_VERSION);
     QApplication::setQuitOnLastWindowClosed(false);
     QApplication::setWindowIcon(programIcon());
+    mendPalette();
 
     const std::optional<int> requests = keepEndRequests();
     FileLock lock;

@@ -39,6 +39,14 @@ std::string seconds(int frames, int rate) {
 
 } // namespace
 
+FilmFile::~FilmFile() {
+    cancel();
+    if (clearing_.done()) return;
+    process_.bury();
+    std::error_code ignored;
+    std::filesystem::remove(temporary(), ignored);
+}
+
 std::filesystem::path FilmFile::program() const {
     std::filesystem::path chosen = pathFromUtf8(store_.GetSetting(kSection, kKey, ""));
     std::error_code error;
@@ -55,6 +63,7 @@ void FilmFile::choose(const std::filesystem::path& program) {
 void FilmFile::start(DaySpan span, const FilmOptions& options,
                      const std::filesystem::path& target) {
     if (running) return;
+    clearing_ = {};
     options_ = options;
     options_.rate = std::clamp(options.rate, 1, 60);
     target_ = std::filesystem::absolute(target);
@@ -205,9 +214,19 @@ Task<Fault> FilmFile::endFfmpeg(Ticks patience) {
 void FilmFile::close() {
     process_.kill();
     control_.clear();
-    std::error_code ignored;
-    if (begun_ && !written_) std::filesystem::remove(temporary(), ignored);
+    if (begun_ && !written_) {
+        clearing_ = clear(parts().clock, temporary());
+        clearing_.start();
+    }
     begun_ = false;
+}
+
+/// Windows lets nobody remove the file before the killed program is gone.
+Task<> FilmFile::clear(Clock& clock, std::filesystem::path temporary) {
+    const Ticks end = clock.ticks() + kFarewell;
+    std::error_code error;
+    while (std::filesystem::remove(temporary, error), error && clock.ticks() < end)
+        co_await clock.sleep(20ms);
 }
 
 /// The entries that failed are of the operator's interest, but not a night of them.

@@ -32,7 +32,7 @@ class FilmFile final : public SpanWork {
     /// `control` and `process` are for this alone; all of these outlive it.
     FilmFile(Parts parts, ImageControl& control, Process& process, SettingsStore& store)
         : SpanWork("FilmFile", parts), control_(control), process_(process), store_(store) {}
-    ~FilmFile() override { cancel(); }
+    ~FilmFile() override;
 
     /// Replaces `target` if it exists. Nothing happens while it is running.
     void start(DaySpan span, const FilmOptions& options, const std::filesystem::path& target);
@@ -52,6 +52,7 @@ class FilmFile final : public SpanWork {
     Task<Fault> workOn(std::chrono::local_days day) override;
     Task<Fault> finish() override;
     void close() override;
+    static Task<> clear(Clock& clock, std::filesystem::path temporary);
     std::string outcome() const override;
     Task<Fault> askEncoder();
     Task<Fault> add(FiledPicture picture);
@@ -75,6 +76,7 @@ class FilmFile final : public SpanWork {
     int frames_ = 0;
     int passedOver_ = 0; ///< pictures
     int unread_ = 0;     ///< days
+    Task<> clearing_;    ///< of what a film that was given up has left
 };
 
 } // namespace orvane

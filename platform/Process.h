@@ -38,8 +38,12 @@ class Process {
     /// Closes its input once that has been read, and waits for the program's end; kills it after
     /// `patience`.
     virtual Task<ProcessEnd> end(Ticks patience) = 0;
-    /// Ends it at once, if it runs; afterwards its files can be removed.
+    /// Ends it at once, if it runs. Where open files cannot be removed, its files can be a moment
+    /// later.
     virtual void kill() = 0;
+    /// For the end of this program, when nothing can be awaited: returns once what was killed is
+    /// gone, after two seconds at most.
+    virtual void bury() = 0;
 };
 
 } // namespace orvane

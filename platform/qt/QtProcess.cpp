@@ -20,7 +20,7 @@ constexpr qint64 kWaiting = 4 << 20; ///< bytes on their way to the program
 constexpr qint64 kSlice = 1 << 20;
 constexpr qsizetype kKept = 64 << 10; ///< of what it says
 constexpr Ticks kLook = 2ms;
-constexpr int kGone = 2000; ///< milliseconds that one which was killed may take
+constexpr int kGone = 2000; ///< milliseconds, see `bury`
 
 QString text(const std::string& utf8) {
     return QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size()));
@@ -45,6 +45,10 @@ void giveWay(QProcess& process) {
 
 QtProcess::~QtProcess() {
     kill();
+    bury();
+}
+
+void QtProcess::bury() {
     for (QProcess* process : dying_.findChildren<QProcess*>())
         process->waitForFinished(kGone);
 }
@@ -144,9 +148,6 @@ void QtProcess::kill() {
     }
     QObject::connect(process, &QProcess::finished, process, &QObject::deleteLater);
     process->kill();
-#ifdef _WIN32
-    process->waitForFinished(kGone); // its open files cannot be removed before
-#endif
 }
 
 } // namespace orvane

@@ -8,8 +8,7 @@
 
 namespace orvane {
 
-/// A program run by QProcess. Nothing here blocks but for killing on Windows, which waits until
-/// the program is gone, and the destructor, which waits for those that were killed.
+/// A program run by QProcess. Nothing here blocks but for `bury`.
 class QtProcess final : public Process {
   public:
     explicit QtProcess(Clock& clock) : clock_(clock) {}
@@ -22,6 +21,7 @@ class QtProcess final : public Process {
     Task<Fault> write(std::string_view bytes, Ticks patience) override;
     Task<ProcessEnd> end(Ticks patience) override;
     void kill() override;
+    void bury() override;
 
   private:
     void listen();
