@@ -104,6 +104,7 @@ ThumbnailStrip::ThumbnailStrip(PictureLoader& loader, FaultHandler onFault, QWid
     layout->setSizeConstraint(QLayout::SetNoConstraint);
     fill(*this, layout, {4, 4, 4, 4});
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+    hide();
 }
 
 void ThumbnailStrip::resizeEvent(QResizeEvent*) {
@@ -127,6 +128,7 @@ void ThumbnailStrip::showHistory(const ThumbnailHistory& history) {
         if (known[i]) frames_[i]->setPicture(*known[i]);
         frames_[i]->setNewest(i == 0 && !history[i].empty());
     }
+    setVisible(!history[0].empty()); // on a small desktop its room is dear
     if (tasks_.running() == 0) tasks_.spawn(decodeWaiting());
 }
 
