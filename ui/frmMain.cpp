@@ -1,5 +1,6 @@
 #include "ui/frmMain.h"
 
+#include "ui/HelpMenu.h"
 #include "ui/Layout.h"
 #include "ui/Text.h"
 #include "ui/WishBar.h"
@@ -52,9 +53,7 @@ frmMain::frmMain(Parts parts)
         film->bringFor({shown, shown});
     });
     addWindowMenu();
-    addEntry(addMenu("mnuHelp", "&Help"),
-             {"mnuHelpAbout", "&About...", "Shows the program's version."}, {}, this,
-             &frmMain::mnuHelpAbout_Click);
+    addHelpMenu();
     bindings_.follow(parts_.busy.mnuFileOpen, [this](bool on) { followBusy(on); });
     parts_.views.attach(area_, strip);
     connect(strip, &ThumbnailStrip::opened, this,
@@ -135,6 +134,13 @@ void frmMain::addRecordingMenu() {
         this, [&] { tasks.spawn(recording.mnuRecordingStop_Click()); });
     bindings_.follow(recording.mnuRecordingStart, [start](bool on) { start->setEnabled(on); });
     bindings_.follow(recording.mnuRecordingStop, [stop](bool on) { stop->setEnabled(on); });
+}
+
+void frmMain::addHelpMenu() {
+    QMenu& help = addMenu("mnuHelp", "&Help");
+    new HelpMenu(help, {parts_.module, parts_.op, parts_.operation.tasks});
+    addEntry(help, {"mnuHelpAbout", "&About...", "Shows the program's version."}, {}, this,
+             &frmMain::mnuHelpAbout_Click);
 }
 
 /// A tracker exchange must not be disturbed by a second one on the same port.
