@@ -1,7 +1,7 @@
 #include "simulators/sky-camera/StorePages.h"
 
 #include "simulators/sky-camera/CameraClock.h"
-#include "simulators/sky-camera/JpegComments.h"
+#include "simulators/sky-camera/JpegSegments.h"
 #include "simulators/sky-camera/SearchPage.h"
 #include "simulators/sky-camera/SearchQuery.h"
 

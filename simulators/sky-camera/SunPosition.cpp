@@ -21,14 +21,10 @@ SkyDirection horizontal(double hourAngle, double declination, double latitude) {
     return {std::asin(std::clamp(sine, -1.0, 1.0)) / kDegree, std::fmod(azimuth + 360.0, 360.0)};
 }
 
-double minutesOfDay(const QDateTime& time) {
-    return static_cast<double>(time.time().msecsSinceStartOfDay()) / 60'000.0;
-}
-
 } // namespace
 
 SkyDirection sunPosition(const QDateTime& localTime, const SkySite& site) {
-    const double minutes = minutesOfDay(localTime);
+    const double minutes = localTime.time().msecsSinceStartOfDay() / 60'000.0;
     const double g = 2.0 * std::numbers::pi / localTime.date().daysInYear() *
                      (localTime.date().dayOfYear() - 1 + (minutes / 60.0 - 12.0) / 24.0);
     const double equationOfTime =
@@ -40,15 +36,6 @@ SkyDirection sunPosition(const QDateTime& localTime, const SkySite& site) {
         kDegree;
     const double solarMinutes = minutes + equationOfTime + 4.0 * site.longitude - site.tzMinutes;
     return horizontal(solarMinutes / 4.0 - 180.0, declination, site.latitude);
-}
-
-SkyDirection starPosition(double rightAscension, double declination, const QDateTime& localTime,
-                          const SkySite& site) {
-    // Sidereal time at Greenwich: 280.46 degrees at noon on 1 January 2000, 360.98565 a day.
-    const double julianDay = static_cast<double>(localTime.date().toJulianDay()) - 0.5 +
-                             (minutesOfDay(localTime) - site.tzMinutes) / 1440.0;
-    const double sidereal = 280.46062 + 360.98564737 * (julianDay - 2'451'545.0) + site.longitude;
-    return horizontal(std::fmod(sidereal - rightAscension, 360.0), declination, site.latitude);
 }
 
 } // namespace skycamera

@@ -21,8 +21,4 @@ struct SkyDirection {
 /// Position Calculations" of NOAA's Global Monitoring Division; no refraction.
 SkyDirection sunPosition(const QDateTime& localTime, const SkySite& site);
 
-/// A star at right ascension and declination (degrees) at a local calendar time.
-SkyDirection starPosition(double rightAscension, double declination, const QDateTime& localTime,
-                          const SkySite& site);
-
 } // namespace skycamera
