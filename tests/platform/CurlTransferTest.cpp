@@ -1,7 +1,6 @@
 #include "platform/curl/CurlTransfer.h"
 #include "platform/qt/QtClock.h"
-#include "tests/support/Finish.h"
-#include "tests/support/RawServer.h"
+#include "tests/support/Patience.h"
 
 #include <gtest/gtest.h>
 
@@ -206,14 +205,17 @@ TEST_F(CurlTransferTest, FloodsAreCutOff) {
 }
 
 TEST_F(CurlTransferTest, WaitsEnd) {
-    bytes = sound("picture");
+    const Ticks patience = measuredPatience();
+    bytes = sound("a picture");
     server.after = RawServer::After::Stay;
-    server.pace = 300; // two seconds in all
-    EXPECT_EQ(getWithin({10s, 300ms}).fault, "the answer took too long");
-    EXPECT_EQ(getWithin({1500ms, 20s}).body, "picture") << "longer than the idle limit, but alive";
+    server.pace = static_cast<int>(patience.count() / 4);
+    EXPECT_EQ(getWithin({10s, patience}).fault, "the answer took too long");
+    const Ticks before = clock.ticks();
+    EXPECT_EQ(getWithin({2 * patience, 20s}).body, "a picture");
+    EXPECT_GT(clock.ticks() - before, 2 * patience) << "longer than the idle limit, but alive";
     server.pace = 0;
     bytes = "HTTP/1.1 200 OK\r\n";
-    EXPECT_EQ(getWithin({200ms, 20s}).fault, "no answer from the camera");
+    EXPECT_EQ(getWithin({patience, 20s}).fault, "no answer from the camera");
 }
 
 /// Cancelled or destroyed at whatever moment, a transfer ends at once and leaves nothing behind.

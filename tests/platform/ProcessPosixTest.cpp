@@ -76,19 +76,20 @@ TEST_F(ProcessScript, OneThatDoesNotReadIsAFault) {
         const char* script;
         const char* fault;
         const char* said;
+        Ticks patience;
     };
     const Case cases[] = {
-        {"sleep 100", "it stands still", ""},
-        {"head -c 1000 > /dev/null; exec sleep 100", "it stands still", ""},
-        {"echo disk full >&2; exit 1", "it stopped reading", "disk full\n"},
-        {"exec < /dev/null; sleep 100", "it stopped reading", ""},
-        {"kill -9 $$", "it crashed or was killed", ""},
+        {"sleep 100", "it stands still", "", 100ms},
+        {"head -c 1000 > /dev/null; exec sleep 100", "it stands still", "", 100ms},
+        {"echo disk full >&2; exit 1", "it stopped reading", "disk full\n", 10s},
+        {"exec < /dev/null; sleep 0.1", "it stopped reading", "", 10s},
+        {"kill -9 $$", "it crashed or was killed", "", 10s},
     };
     const std::string bytes(12'000'000, 'x');
     for (const Case& test : cases) {
         start(test.script);
-        EXPECT_TRUE(write(bytes, 300ms)) << test.script;
-        const ProcessEnd ended = end(300ms);
+        EXPECT_TRUE(write(bytes, test.patience)) << test.script;
+        const ProcessEnd ended = end(test.patience);
         ASSERT_TRUE(ended.fault) << test.script;
         EXPECT_EQ(*ended.fault, test.fault) << test.script;
         EXPECT_EQ(ended.said, test.said) << test.script;
