@@ -1,7 +1,6 @@
 #include "platform/SerialPort.h"
 #include "platform/qt/QtClock.h"
 #include "simulators/sun-tracker/SunTracker.h"
-#include "station/RepeatingTimer.h"
 #include "tests/support/Fakes.h"
 #include "tests/support/Finish.h"
 #include "tests/support/TempFolder.h"
@@ -18,13 +17,17 @@ namespace {
 using Messages = std::vector<std::string>;
 
 /// The station's whole link against the simulated tracker, over a pseudo-terminal. The clock timer
-/// ticks fast here, so that time-outs take some 25 ms instead of three seconds; it ticks only
-/// while the event loop runs, in which the tracker answers.
+/// ticks fast here, so that time-outs take some 30 ms instead of three seconds. However long the
+/// system lets the tests wait, it ticks once: the tracker waits with it.
 struct TrackerLink : testing::Test {
     TrackerLink() {
         EXPECT_TRUE(simulator.start()) << simulator.errorString().toStdString();
-        panelTimer.enable();
+        ticking.start();
         module.programFolder = folder.path();
+    }
+    static Task<> tick(Clock& clock, Module1& module) {
+        for (;; ++module.replyTicks)
+            co_await clock.sleep(10ms);
     }
     template <class T>
     T finish(Task<T> task) {
@@ -59,7 +62,7 @@ struct TrackerLink : testing::Test {
     TimeSetting timeSetting{timeForm, panel, commands, browser, log, op, clock, busy};
     OptionForm optionForm;
     TrackerOptions options{optionForm, module, commands, log, op, busy, [] {}};
-    RepeatingTimer panelTimer{clock, 8ms, [this] { ++module.replyTicks; }, noFault};
+    Task<> ticking = tick(clock, module);
 };
 
 TEST_F(TrackerLink, SetsTheClockAndReadsAndWritesAllOptions) {
