@@ -56,4 +56,10 @@ std::string ImageName::text() const {
     return minuteStamp(time()) + twoDigits(seconds) + "_" + twoDigits(frame_) + ".jpg";
 }
 
+std::string ImageName::title() const {
+    const std::string clock = isCapture() ? hourMinute(time()) : timeText(time());
+    const std::string frame = frame_ == 0 ? "" : ", frame " + std::to_string(frame_);
+    return plainDate(time()) + ' ' + clock + frame;
+}
+
 } // namespace orvane

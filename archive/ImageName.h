@@ -26,6 +26,9 @@ class ImageName {
     static ImageName ofCapture(WallTime time);
 
     std::string text() const;
+    /// The same for people, in English: "15 Nov 2006 12:25", with seconds and frame where they are
+    /// not 0: "15 Nov 2006 12:25:07, frame 1".
+    std::string title() const;
     WallTime time() const { return WallTime(second_); }
     /// Days, minutes and seconds as the calendar and clock show them.
     std::chrono::local_days day() const { return std::chrono::floor<std::chrono::days>(second_); }

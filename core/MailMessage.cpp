@@ -119,17 +119,15 @@ std::string mailboxesText(const std::vector<MailAddress>& mailboxes) {
 /// "Wed, 15 Nov 2006 10:10:00 +0900" (RFC 5322, 3.3)
 std::string dateText(WallTime date, std::chrono::minutes offset) {
     constexpr std::array kDays{"Sun", "Mon", "Tue", "Wed", "Thu", "Fri", "Sat"};
-    constexpr std::array kMonths{"Jan", "Feb", "Mar", "Apr", "May", "Jun",
-                                 "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
     const auto day = std::chrono::floor<std::chrono::days>(date);
     const std::chrono::year_month_day calendar = dayOf(date);
     const auto minutes = std::abs(static_cast<int>(offset.count()));
     char text[64];
-    std::snprintf(
-        text, sizeof text, "%s, %02u %s %04d %s %c%02d%02d",
-        kDays.at(std::chrono::weekday(day).c_encoding()), static_cast<unsigned>(calendar.day()),
-        kMonths.at(static_cast<unsigned>(calendar.month()) - 1), static_cast<int>(calendar.year()),
-        timeText(date).c_str(), offset < 0min ? '-' : '+', minutes / 60, minutes % 60);
+    std::snprintf(text, sizeof text, "%s, %02u %s %04d %s %c%02d%02d",
+                  kDays.at(std::chrono::weekday(day).c_encoding()),
+                  static_cast<unsigned>(calendar.day()), monthName(calendar.month()),
+                  static_cast<int>(calendar.year()), timeText(date).c_str(),
+                  offset < 0min ? '-' : '+', minutes / 60, minutes % 60);
     return text;
 }
 

@@ -91,6 +91,18 @@ std::string dateText(WallTime time) {
     return text;
 }
 
+const char* monthName(std::chrono::month month) {
+    constexpr std::array kMonths{"Jan", "Feb", "Mar", "Apr", "May", "Jun",
+                                 "Jul", "Aug", "Sep", "Oct", "Nov", "Dec"};
+    return kMonths.at(static_cast<unsigned>(month) - 1);
+}
+
+std::string plainDate(WallTime time) {
+    const std::chrono::year_month_day date = dayOf(time);
+    return std::to_string(static_cast<unsigned>(date.day())) + ' ' + monthName(date.month()) + ' ' +
+           std::to_string(static_cast<int>(date.year()));
+}
+
 std::string timeText(WallTime time) {
     std::string text;
     putHourMinute(text, time, ":");

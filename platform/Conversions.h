@@ -28,6 +28,10 @@ std::string timeText(WallTime time);
 std::string dateDigits(WallTime time);
 std::string minuteStamp(WallTime time);
 std::string hourMinute(WallTime time);
+/// A date as people write it, in English everywhere: "5 Nov 2006".
+std::string plainDate(WallTime time);
+/// "Jan" to "Dec".
+const char* monthName(std::chrono::month month);
 
 /// The offset of a local time from universal time, less than a day: "+09:00".
 std::string offsetText(std::chrono::minutes offset);

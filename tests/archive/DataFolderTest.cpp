@@ -38,6 +38,16 @@ TEST(ImageName, TakesTheFormOfARecordedPictureOnly) {
         EXPECT_FALSE(ImageName::parse(text)) << text;
 }
 
+TEST(ImageName, TitlesAreReadByPeople) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"20061115_122500_00.jpg", "15 Nov 2006 12:25"},
+        {"20061115_122507_00.jpg", "15 Nov 2006 12:25:07"},
+        {"20060102_000000_03.jpg", "2 Jan 2006 00:00, frame 3"},
+        {"20081231_235959_00.jpg", "31 Dec 2008 23:59:59"}};
+    for (const auto& [name, title] : cases)
+        EXPECT_EQ(ImageName::parse(name)->title(), title) << name;
+}
+
 TEST(SchFile, PatternsAndNames) {
     EXPECT_EQ(ExtensionOf("a.b.jpg"), ".jpg");
     EXPECT_EQ(BaseNameOf("a.b.jpg"), "a.b");

@@ -217,7 +217,8 @@ TEST_F(ImageWindows, TrimsAndSavesThePart) {
 
     ASSERT_EQ(windows().size(), 2);
     ImageWindow& part = *windows().last();
-    EXPECT_EQ(part.windowTitle(), "20061115_093000_00.jpg (trimmed)");
+    EXPECT_EQ(part.windowTitle(), "15 Nov 2006 09:30 (trimmed)");
+    EXPECT_TRUE(part.toolTip().endsWith("20061115_093000_00.jpg"));
     EXPECT_EQ(part.view().pictureSize(), marked.size());
     const QImage own = decoded(file).copy(marked);
     std::filesystem::remove(file); // what was trimmed can be saved without its file
@@ -346,6 +347,7 @@ TEST_F(ImageWindows, LatestTellsItsAgeAndFillsTheArea) {
     QTest::qWait(1);
     EXPECT_EQ(frame->size(), frame->mdiArea()->viewport()->size()) << "goes on filling it";
 
+    EXPECT_EQ(latest.windowTitle(), "Latest Image: 15 Nov 2006 09:00");
     EXPECT_EQ(age.text(), "0 s ago");
     w.clock.run(12s);
     EXPECT_EQ(age.text(), "12 s ago");

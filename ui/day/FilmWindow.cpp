@@ -76,7 +76,7 @@ QLayout* FilmWindow::buttons() {
 void FilmWindow::follow() {
     if (!isVisible() || parts_.day.isReading()) return;
     std::vector<FiledPicture> pictures = onePerMinute(parts_.day.pictures());
-    setWindowTitle("Film of " + toQString(dateText(WallTime(parts_.day.day()))));
+    setWindowTitle("Film of " + toQString(plainDate(WallTime(parts_.day.day()))));
     if (isSame(pictures, pictures_) && view_->hasPicture()) return;
     pictures_ = std::move(pictures);
     std::vector<std::filesystem::path> files(pictures_.size());

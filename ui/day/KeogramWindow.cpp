@@ -161,7 +161,7 @@ KeogramWindow::KeogramWindow(ShownDay& day, QWidget* parent)
 
 void KeogramWindow::follow() {
     if (!isVisible() || std::exchange(shown_, day_.revision()) == day_.revision()) return;
-    setWindowTitle("Keogram of " + toQString(dateText(WallTime(day_.day()))));
+    setWindowTitle("Keogram of " + toQString(plainDate(WallTime(day_.day()))));
     view_->setImage(imageOf(day_.keogram()));
 }
 

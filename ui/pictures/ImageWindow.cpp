@@ -28,6 +28,11 @@ QString bytesText(qint64 bytes) {
 
 } // namespace
 
+QString titleOf(const std::filesystem::path& file) {
+    const auto name = ImageName::ofFile(file);
+    return toQString(name ? name->title() : utf8FromPath(file.filename()));
+}
+
 ImageWindow::ImageWindow(ImageServices& services, QWidget* parent)
     : QWidget(parent), services_(services), view_(new PictureView), details_(new ElidedLabel),
       status_(row({{details_, 1}}, 12)), copying_(services.faults.teller("Orvane")),
@@ -119,7 +124,7 @@ void ImageWindow::step(bool forward) {
     PictureSource next;
     next.file = neighbourOf(source_.file, forward);
     next.processing = source_.processing;
-    if (!next.file.empty()) return showPicture(next, toQString(next.file.filename()));
+    if (!next.file.empty()) return showPicture(next, titleOf(next.file));
     notice_ =
         forward ? "This is the folder's last picture." : "This is the folder's first picture.";
     updateStatus();
@@ -134,7 +139,7 @@ void ImageWindow::trim() {
     const QRect rectangle = view_->rectangle();
     if (rectangle.isNull()) return view_->setTrimming(true);
     PictureSource part = partOf(rectangle);
-    const QString name = source_.file.empty() ? title_ : toQString(source_.file.filename());
+    const QString name = source_.file.empty() ? title_ : titleOf(source_.file);
     view_->clearRectangle();
     emit trimmed(part, name + " (trimmed)");
 }

@@ -20,6 +20,9 @@ struct ImageServices {
     QPointer<ImageWindow> fullHolder; ///< the one window that may hold a whole picture
 };
 
+/// What a window with this picture is called: the time of a recorded one, else the file's name.
+QString titleOf(const std::filesystem::path& file);
+
 /// One picture with a status line below: its size, zoom, the file's size and date.
 ///
 /// It keeps the picture at no more than the screen's size and where it came from. Of all windows

@@ -37,7 +37,7 @@ void LatestWindow::showFile(const std::filesystem::path& file) {
     const auto name = ImageName::ofFile(file);
     taken_ = name && name->minute() != minuteIndex(now) ? name->time() : now;
     updateAge();
-    showPicture({.file = file}, "Latest Image: " + toQString(file.filename()));
+    showPicture({.file = file}, "Latest Image: " + titleOf(file));
 }
 
 void LatestWindow::showLive(const std::string& jpeg) {

@@ -50,13 +50,13 @@ void QtImageViews::openImages(const std::vector<std::filesystem::path>& files) {
     for (const std::filesystem::path& file : files) {
         PictureSource source{.file = file};
         if (module_.imageProcessing) source.processing = module_.image;
-        if (!open(source, toQString(file.filename()))) return;
+        if (!open(source, titleOf(file))) return;
         if (isInDatedFolder(file)) tasks_.spawn(writeCopy(file));
     }
 }
 
 void QtImageViews::openFiled(const std::filesystem::path& file) {
-    open({.file = file}, toQString(file.filename()));
+    open({.file = file}, titleOf(file));
 }
 
 bool QtImageViews::open(const PictureSource& source, const QString& title) {
