@@ -155,7 +155,7 @@ void frmMain::addWindowMenu() {
     addEntry(windows, {"mnuWindowCascade", "&Cascade", "Lays the pictures on each other."}, {},
              area_, &QMdiArea::cascadeSubWindows);
     addEntry(windows, {"mnuWindowTile", "&Tile", "Lays the pictures side by side."}, {}, area_,
-             &QMdiArea::tileSubWindows);
+             &PictureArea::tile);
     addEntry(windows, {"mnuWindowCloseAll", "Close &All", "Closes every picture."}, {}, area_,
              &QMdiArea::closeAllSubWindows);
     windows.addSeparator();

@@ -1,6 +1,12 @@
 #include "ui/pictures/PictureArea.h"
 
+#include "ui/pictures/PictureView.h"
+#include "ui/pictures/Tiles.h"
+
+#include <QScrollBar>
 #include <QStyle>
+
+#include <algorithm>
 
 namespace orvane {
 namespace {
@@ -16,6 +22,16 @@ class PictureFrame : public QMdiSubWindow {
   private:
     PictureArea& area_;
 };
+
+/// What shows no picture, or none yet, is taken for one of the usual shape.
+Tile tileOf(const QMdiSubWindow& frame) {
+    constexpr QSize kUsual(4, 3);
+    const auto* view = frame.findChild<PictureView*>();
+    const bool shows = view != nullptr && view->hasPicture();
+    const QSize inner = view != nullptr ? view->size() : frame.widget()->size();
+    return {shows ? view->pictureSize() : kUsual, frame.size() - inner,
+            frame.minimumSizeHint().expandedTo(frame.minimumSize())};
+}
 
 } // namespace
 
@@ -45,10 +61,53 @@ void PictureArea::bring(const QWidget& window) {
     setActiveSubWindow(qobject_cast<QMdiSubWindow*>(window.parentWidget()));
 }
 
+/// Hidden windows are about to be deleted.
+QList<QMdiSubWindow*> PictureArea::framesToTile() const {
+    QList<QMdiSubWindow*> frames;
+    for (QMdiSubWindow* frame : subWindowList())
+        if (frame->isVisible() && !frame->isMinimized()) frames << frame;
+    return frames;
+}
+
+void PictureArea::tile() {
+    const QList<QMdiSubWindow*> frames = framesToTile();
+    QMdiSubWindow* front = currentSubWindow();
+    for (QMdiSubWindow* frame : frames)
+        if (frame->isMaximized()) frame->showNormal();
+    if (front != nullptr) setActiveSubWindow(front);
+    lay(frames);
+}
+
+void PictureArea::lay(const QList<QMdiSubWindow*>& frames) {
+    std::vector<Tile> tiles;
+    for (const QMdiSubWindow* frame : frames)
+        tiles.push_back(tileOf(*frame));
+    for (QScrollBar* bar : {horizontalScrollBar(), verticalScrollBar()})
+        bar->setValue(0);
+    const QSize room = maximumViewportSize();
+    std::vector<QRect> places = tilesIn(room, tiles);
+    if (!places.empty() && places.back().bottom() >= room.height())
+        places = tilesIn(room - QSize(verticalScrollBar()->sizeHint().width(), 0), tiles);
+    tiles_.clear();
+    for (qsizetype i = 0; i < frames.size(); ++i) {
+        frames[i]->setGeometry(places[static_cast<std::size_t>(i)]);
+        tiles_.append({frames[i], frames[i]->geometry()});
+    }
+}
+
+bool PictureArea::isTiled() const {
+    const QList<QMdiSubWindow*> frames = framesToTile();
+    return !tiles_.isEmpty() && std::ranges::equal(frames, tiles_, [](auto* frame, auto& tile) {
+        return frame == tile.first && !frame->isMaximized() && frame->geometry() == tile.second;
+    });
+}
+
 void PictureArea::resizeEvent(QResizeEvent* event) {
     const QRect before = filled_;
+    const bool tiled = isTiled();
     QMdiArea::resizeEvent(event);
     filled_ = viewport()->rect();
+    if (tiled) return lay(framesToTile());
     for (QMdiSubWindow* frame : subWindowList())
         if (!frame->isMaximized() && !frame->isMinimized() && frame->geometry() == before)
             fill(*frame);

@@ -3,10 +3,12 @@
 #include <QMdiArea>
 #include <QMdiSubWindow>
 
+#include <utility>
+
 namespace orvane {
 
 /// The part of the main window that holds the picture windows. A picture window that fills it goes
-/// on filling it when its size changes.
+/// on filling it when its size changes, and windows that were tiled stay so until one is moved.
 class PictureArea : public QMdiArea {
     Q_OBJECT
 
@@ -17,6 +19,8 @@ class PictureArea : public QMdiArea {
     QMdiSubWindow& add(QWidget& window, QSize size);
     /// Brings a window of the area to the front.
     void bring(const QWidget& window);
+    /// Lays the windows that are not minimised side by side, shaped as the pictures are.
+    void tile();
     void fill(QMdiSubWindow& frame) { frame.setGeometry(viewport()->rect()); }
 
     /// Public for the windows in it, which hand Tab on to what is around them.
@@ -26,7 +30,12 @@ class PictureArea : public QMdiArea {
     void resizeEvent(QResizeEvent* event) override;
 
   private:
-    QRect filled_; ///< what a filling window's place is
+    QList<QMdiSubWindow*> framesToTile() const;
+    void lay(const QList<QMdiSubWindow*>& frames);
+    bool isTiled() const;
+
+    QRect filled_;                                  ///< what a filling window's place is
+    QList<std::pair<QMdiSubWindow*, QRect>> tiles_; ///< where `tile` laid them
 };
 
 } // namespace orvane
