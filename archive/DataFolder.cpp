@@ -22,6 +22,8 @@ bool isDatedName(const std::filesystem::path& folder) {
            std::ranges::all_of(name, [](char8_t c) { return c >= u8'0' && c <= u8'9'; });
 }
 
+} // namespace
+
 bool isJpegName(const std::filesystem::path& file) {
     std::u8string extension = file.extension().u8string();
     std::ranges::transform(extension, extension.begin(), [](char8_t c) {
@@ -29,8 +31,6 @@ bool isJpegName(const std::filesystem::path& file) {
     });
     return extension == u8".jpg" || extension == u8".jpeg";
 }
-
-} // namespace
 
 std::filesystem::path datedFolderOf(const std::filesystem::path& dataFolder, WallTime time) {
     return dataFolder / dateDigits(time);

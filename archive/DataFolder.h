@@ -42,6 +42,8 @@ struct DayListing {
 };
 DayListing listDay(const std::filesystem::path& datedFolder);
 
+/// Whether a file is named as JPEG files are: ".jpg" or ".jpeg", in small letters or capitals.
+bool isJpegName(const std::filesystem::path& file);
 /// Whether a file holds a whole picture: it has a JPEG's start and end. A file that a power cut has
 /// left empty, cut or full of zeros has not.
 bool isWholePicture(const std::filesystem::path& file);

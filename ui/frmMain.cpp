@@ -18,6 +18,7 @@
 #include "ui/panel/PanelScroll.h"
 #include "ui/pictures/ImageMenu.h"
 
+#include "ui/pictures/PictureDrop.h"
 #include <QCloseEvent>
 #include <QFileDialog>
 #include <QMdiSubWindow>
@@ -59,6 +60,7 @@ frmMain::frmMain(Parts parts)
     connect(strip, &ThumbnailStrip::opened, this,
             [this](const std::filesystem::path& file) { parts_.views.openFiled(file); });
     connect(operation_, &frmOperation::imageWanted, this,
+    new PictureDrop(*this, *findChild<QAction*>("mnuFileOpen"), parts_.views);
             [this](const std::filesystem::path& file) { parts_.views.openImage(file); });
     connect(operation_, &frmOperation::pictureWanted, this, [this] { parts_.views.wantLatest(); });
     MDIForm_Load();

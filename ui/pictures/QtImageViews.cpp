@@ -6,7 +6,22 @@
 
 #include <QApplication>
 
+#include <algorithm>
+
 namespace orvane {
+namespace {
+
+/// The first of many names, and how many more there are.
+std::string namesOf(const std::vector<std::string>& names) {
+    constexpr std::size_t kTold = 5;
+    std::string text;
+    for (std::size_t i = 0; i < std::min(names.size(), kTold); ++i)
+        text += (i == 0 ? "" : ", ") + names[i];
+    if (names.size() > kTold) text += " and " + std::to_string(names.size() - kTold) + " more";
+    return text;
+}
+
+} // namespace
 
 QtImageViews::QtImageViews(Clock& clock, Faults& faults, Operator& op, const Module1& module,
                            const DayWatch& days, LibjpegImageControl& control)
@@ -53,6 +68,24 @@ void QtImageViews::openImages(const std::vector<std::filesystem::path>& files) {
         if (!open(source, titleOf(file))) return;
         if (isInDatedFolder(file)) tasks_.spawn(writeCopy(file));
     }
+}
+
+void QtImageViews::openDropped(const std::vector<std::filesystem::path>& files) {
+    std::vector<std::filesystem::path> pictures;
+    std::vector<std::string> others;
+    for (const std::filesystem::path& file : files) {
+        std::error_code error;
+        if (isJpegName(file) && !std::filesystem::is_directory(file, error)) {
+            pictures.push_back(file);
+        } else {
+            others.push_back(utf8FromPath(file.filename()));
+        }
+    }
+    if (!others.empty())
+        tasks_.spawn(op_.tell("Only JPEG pictures (.jpg, .jpeg) can be dropped here.\n"
+                              "Not opened: " +
+                              namesOf(others) + "."));
+    openImages(pictures);
 }
 
 void QtImageViews::openFiled(const std::filesystem::path& file) {

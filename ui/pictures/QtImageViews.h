@@ -39,6 +39,8 @@ class QtImageViews final : public ImageViews {
     /// shows it to the front; a dated folder's file gets its processed copy anew. Beyond the
     /// windows' number the rest is told to the operator.
     void openImages(const std::vector<std::filesystem::path>& files);
+    /// The same for what was dropped onto the window; what is no JPEG file is told, once.
+    void openDropped(const std::vector<std::filesystem::path>& files);
     void openImage(const std::filesystem::path& file) { openImages({file}); }
     /// Opens a window for `file` as it is filed, or brings the one that shows it to the front.
     void openFiled(const std::filesystem::path& file);
