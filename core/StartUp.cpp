@@ -3,6 +3,16 @@
 #include "platform/Conversions.h"
 
 namespace orvane {
+namespace {
+
+/// Files are mostly looked for among today's.
+void beginFindingToday(Station& station) {
+    std::error_code error;
+    const auto today = datedFolderOf(station.panel.Dir1[0].path.get(), station.clock.now());
+    if (std::filesystem::is_directory(today, error)) station.panel.Dir1[1].path = today;
+}
+
+} // namespace
 
 Fault StartUp(Station& station) {
     Module1& module = station.module;
@@ -10,6 +20,7 @@ Fault StartUp(Station& station) {
     module.thumbnails = {};
     module.lastImage.clear();
     if (Fault fault = station.settings.initOperation()) return fault;
+    beginFindingToday(station);
     station.status.initStatus();
     station.recording.ready();
     station.log.write("Orvane Starting");

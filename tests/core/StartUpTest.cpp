@@ -33,6 +33,17 @@ TEST(StartUp, ComesInOrder) {
     EXPECT_FALSE(s.panel.Command2.enabled);
 }
 
+TEST(StartUp, FilesAreLookedForAmongTodaysWhenThereAreAny) {
+    for (const bool recorded : {true, false}) {
+        TestStation s(at(2006, 11, 15, 7, 0));
+        const auto today = s.dataFolder() / "20061115";
+        if (recorded) std::filesystem::create_directory(today);
+        s.start(false);
+        EXPECT_EQ(s.panel.Dir1[1].path.get(), recorded ? today : s.dataFolder());
+        EXPECT_EQ(s.panel.Dir1[0].path.get(), s.dataFolder());
+    }
+}
+
 TEST(StartUp, WhatNobodyForesawIsToldAndEndsTheProgram) {
     TestStation s(at(2006, 11, 15, 7, 0));
     s.station.showMainWindow = [] { throw std::runtime_error("no window"); };
