@@ -47,7 +47,8 @@ void ImageMenu::addEntries(QMenu& image) {
         {QKeySequence::Copy}, [](ImageWindow& window) { window.copy(); });
     add(Needs::Picture,
         {"mnuEditTrim", "&Trim",
-         "Lets a rectangle be marked, then opens it as a picture of its own."},
+         "Marks a rectangle, then opens it as a picture of its own. The arrow keys move it, with "
+         "Shift they size it, with Ctrl in larger steps."},
         {Qt::CTRL | Qt::Key_I}, [](ImageWindow& window) { window.trim(); });
     image.addSeparator();
     add(Needs::Picture, {"mnuViewZoomIn", "Zoom &In", "Enlarges the picture."},
@@ -57,8 +58,9 @@ void ImageMenu::addEntries(QMenu& image) {
         {Qt::CTRL | Qt::Key_Minus}, [](ImageWindow& window) { window.view().zoomOut(); });
     add(Needs::Picture, {"mnuViewFit", "&Fit to Window", "Shows the whole picture."},
         {Qt::CTRL | Qt::Key_0}, [](ImageWindow& window) { window.view().zoomFit(); });
-    add(Needs::Picture, {"mnuViewActualSize", "&Actual Size", "Shows the picture's own pixels."},
-        {Qt::CTRL | Qt::SHIFT | Qt::Key_1}, [](ImageWindow& window) { window.view().zoomActual(); });
+    // behind the tab the key, which is the picture's own
+    add(Needs::Picture, {"mnuViewActualSize", "&Actual Size\t1", "Shows the picture's own pixels."},
+        {}, [](ImageWindow& window) { window.view().zoomActual(); });
     image.addSeparator();
     add(Needs::File, {"mnuViewNext", "&Next Image", "Shows the folder's next picture."},
         {Qt::ALT | Qt::Key_Right}, [](ImageWindow& window) { window.step(true); });

@@ -137,7 +137,7 @@ void ImageWindow::copy() {
 void ImageWindow::trim() {
     if (!hasPicture()) return;
     const QRect rectangle = view_->rectangle();
-    if (rectangle.isNull()) return view_->setTrimming(true);
+    if (rectangle.isNull()) return view_->markRectangle();
     PictureSource part = partOf(rectangle);
     const QString name = source_.file.empty() ? title_ : titleOf(source_.file);
     view_->clearRectangle();
@@ -169,7 +169,9 @@ void ImageWindow::updateStatus() {
     QString text = parts.join("   ");
     const QRect rectangle = view_->rectangle();
     if (!rectangle.isNull())
-        text = sizeText(rectangle.size()) + " marked: Enter trims, Escape clears.";
+        text = sizeText(rectangle.size()) +
+               QString(" at %1, %2").arg(rectangle.left()).arg(rectangle.top()) +
+               " marked: Enter trims, Escape clears. Arrow keys move it, with Shift they size it.";
     else if (view_->isTrimming())
         text = "Drag a rectangle. Escape ends trimming.";
     details_->setText(notice_.isEmpty() ? text : notice_);

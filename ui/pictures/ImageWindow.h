@@ -50,7 +50,7 @@ class ImageWindow : public QWidget {
     void step(bool forward);
     /// Puts the picture, or the rectangle's part, on the clipboard.
     void copy();
-    /// Applies the rectangle, or lets one be drawn when there is none.
+    /// Applies the rectangle, or marks one when there is none.
     void trim();
 
     QSize sizeHint() const override { return {480, 360}; }

@@ -1,20 +1,26 @@
 #include "ui/pictures/PictureView.h"
 
+#include "ui/pictures/TrimRectangle.h"
+
 #include <QKeyEvent>
 #include <QPainter>
 #include <QWheelEvent>
 
+#include <algorithm>
 #include <cmath>
 
 namespace orvane {
 namespace {
 
 constexpr double kPanKey = 0.1; ///< of the view, for one arrow key
-constexpr int kLeastSide = 2;   ///< a smaller rectangle was a click
+constexpr int kLargeStep = 20;  ///< pixels of the picture, for one arrow key with Ctrl
 
-/// The pixels that `part` touches.
-QRect pixelsOf(QRectF part, QSize picture) {
-    return part.toAlignedRect() & QRect({}, picture);
+/// The way of an arrow key, one pixel long; null for another key.
+QPoint arrowOf(int key) {
+    if (key == Qt::Key_Left) return {-1, 0};
+    if (key == Qt::Key_Right) return {1, 0};
+    if (key == Qt::Key_Up) return {0, -1};
+    return {0, key == Qt::Key_Down ? 1 : 0};
 }
 
 } // namespace
@@ -27,7 +33,7 @@ PictureView::PictureView(QWidget* parent) : QWidget(parent) {
 }
 
 void PictureView::setPicture(const QImage& reduced, QSize full) {
-    if (full != size_) rectangle_ = {};
+    if (full != size_) rectangle_ = lastRectangle_ = {};
     reduced_ = reduced;
     full_ = {};
     size_ = full;
@@ -68,12 +74,17 @@ void PictureView::zoomActual() {
     moved();
 }
 
-void PictureView::setTrimming(bool on) {
-    trimming_ = on && hasPicture();
+void PictureView::markRectangle() {
+    if (!hasPicture()) return;
+    trimming_ = true;
+    rectangle_ =
+        lastRectangle_.isNull() ? middleOf(geometry_.visiblePart(), size_) : lastRectangle_;
+    geometry_.bringIntoView(rectangle_);
     moved();
 }
 
 void PictureView::clearRectangle() {
+    if (!rectangle_.isNull()) lastRectangle_ = rectangle_;
     rectangle_ = {};
     trimming_ = false;
     if (drag_ == Drag::Rectangle) drag_ = Drag::None;
@@ -170,6 +181,7 @@ void PictureView::keyPressEvent(QKeyEvent* event) {
     const bool plain =
         !event->modifiers().testAnyFlags(Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier);
     const int key = event->key();
+    if (rectangleKey(*event)) return;
     if (!plain || !(zoomKey(key) || panKey(key) || commandKey(key))) QWidget::keyPressEvent(event);
 }
 
@@ -183,13 +195,31 @@ bool PictureView::zoomKey(int key) {
 }
 
 bool PictureView::panKey(int key) {
-    QPointF by;
-    if (key == Qt::Key_Left) by = {width() * kPanKey, 0};
-    if (key == Qt::Key_Right) by = {-width() * kPanKey, 0};
-    if (key == Qt::Key_Up) by = {0, height() * kPanKey};
-    if (key == Qt::Key_Down) by = {0, -height() * kPanKey};
-    if (by.isNull() || !geometry_.canPan()) return false;
-    geometry_.pan(by);
+    const QPoint way = arrowOf(key);
+    if (way.isNull() || !geometry_.canPan()) return false;
+    geometry_.pan({-way.x() * width() * kPanKey, -way.y() * height() * kPanKey});
+    moved();
+    return true;
+}
+
+/// The arrow keys move the rectangle, with Shift its right and lower edge. The edge that went
+/// ahead stays in sight.
+bool PictureView::rectangleKey(const QKeyEvent& event) {
+    const Qt::KeyboardModifiers keys = event.modifiers();
+    const QPoint way = arrowOf(event.key());
+    if (rectangle_.isNull() || way.isNull() || drag_ == Drag::Rectangle ||
+        keys.testAnyFlags(Qt::AltModifier | Qt::MetaModifier))
+        return false;
+    const QPoint by = way * (keys.testFlag(Qt::ControlModifier) ? kLargeStep : 1);
+    const bool sizes = keys.testFlag(Qt::ShiftModifier);
+    rectangle_ = sizes ? sizedBy(rectangle_, by, size_) : movedBy(rectangle_, by, size_);
+    const QRectF frame(rectangle_);
+    QPointF edge = geometry_.visiblePart().center();
+    if (way.x() != 0) edge.setX(sizes || way.x() > 0 ? frame.right() : frame.left());
+    if (way.y() != 0) edge.setY(sizes || way.y() > 0 ? frame.bottom() : frame.top());
+    const double room = std::min(width(), height()) * kPanKey * devicePixelRatioF();
+    const QPointF around = QPointF(room, room) / geometry_.zoom();
+    geometry_.bringIntoView({edge - around, edge + around});
     moved();
     return true;
 }

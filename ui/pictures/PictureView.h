@@ -39,8 +39,10 @@ class PictureView : public QWidget {
     void zoomActual();
 
     /// While on, dragging draws a rectangle instead of moving the picture.
-    void setTrimming(bool on);
     bool isTrimming() const { return trimming_; }
+    /// Switches that on with a rectangle: the last one, or else one in the middle of what is in
+    /// view.
+    void markRectangle();
     /// The rectangle in pixels of the picture; null: none.
     QRect rectangle() const { return rectangle_; }
     void clearRectangle();
@@ -69,6 +71,7 @@ class PictureView : public QWidget {
     bool needsFull() const;
     bool zoomKey(int key);
     bool panKey(int key);
+    bool rectangleKey(const QKeyEvent& event);
     bool commandKey(int key);
     void dragRectangle(QPointF to);
     void updateCursor();
@@ -84,6 +87,7 @@ class PictureView : public QWidget {
     QPointF dragFrom_; ///< the last view position, or the rectangle's fixed corner in the picture
     bool trimming_ = false;
     QRect rectangle_;
+    QRect lastRectangle_; ///< of a picture of this size
 };
 
 } // namespace orvane

@@ -52,6 +52,14 @@ void ViewGeometry::pan(QPointF by) {
     settle();
 }
 
+void ViewGeometry::bringIntoView(QRectF part) {
+    const QRectF at = toView(part);
+    const auto by = [](double from, double to, double length) {
+        return std::max(std::min(0.0, length - to), -from);
+    };
+    pan({by(at.left(), at.right(), view_.width()), by(at.top(), at.bottom(), view_.height())});
+}
+
 void ViewGeometry::settle() {
     if (fitted_) scale_ = fittingScale();
     centre_ = {settled(centre_.x(), view_.width() / scale_, picture_.width()),

@@ -26,6 +26,9 @@ class ViewGeometry {
     void zoomBy(double factor, QPointF at) { zoomTo(zoom() * factor, at); }
     /// Moves the picture in the view.
     void pan(QPointF by);
+    /// Moves it no further than `part` of the picture needs to be in sight; what is too large is
+    /// shown from its upper left.
+    void bringIntoView(QRectF part);
 
     double zoom() const { return scale_ * ratio_; }
     bool canPan() const;
