@@ -16,9 +16,10 @@
 #include "ui/dialogs/frmAbout.h"
 #include "ui/dialogs/frmOption.h"
 #include "ui/panel/PanelScroll.h"
+#include "ui/pictures/FullScreen.h"
 #include "ui/pictures/ImageMenu.h"
-
 #include "ui/pictures/PictureDrop.h"
+
 #include <QCloseEvent>
 #include <QFileDialog>
 #include <QMdiSubWindow>
@@ -45,7 +46,9 @@ frmMain::frmMain(Parts parts)
     addFileMenu();
     addToolsMenu();
     addRecordingMenu();
-    new ImageMenu(*saveAs_, addMenu("mnuImage", "Pict&ure"), *area_, parts_.views);
+    QMenu& picture = addMenu("mnuImage", "Pict&ure");
+    new ImageMenu(*saveAs_, picture, *area_, parts_.views);
+    fullScreen_ = new FullScreen(picture, *area_);
     auto* days = new DayMenu(
         addMenu("mnuDay", "&Day"), *day, *area_,
         {parts_.day, parts_.survey, parts_.module, parts_.clock, parts_.faults, parts_.views});
@@ -57,10 +60,10 @@ frmMain::frmMain(Parts parts)
     addHelpMenu();
     bindings_.follow(parts_.busy.mnuFileOpen, [this](bool on) { followBusy(on); });
     parts_.views.attach(area_, strip);
+    new PictureDrop(*this, *findChild<QAction*>("mnuFileOpen"), parts_.views);
     connect(strip, &ThumbnailStrip::opened, this,
             [this](const std::filesystem::path& file) { parts_.views.openFiled(file); });
     connect(operation_, &frmOperation::imageWanted, this,
-    new PictureDrop(*this, *findChild<QAction*>("mnuFileOpen"), parts_.views);
             [this](const std::filesystem::path& file) { parts_.views.openImage(file); });
     connect(operation_, &frmOperation::pictureWanted, this, [this] { parts_.views.wantLatest(); });
     MDIForm_Load();
@@ -292,7 +295,7 @@ Task<> frmMain::unload(QPointer<frmMain> window, UnloadMode mode) {
 
 std::optional<WindowPlace> frmMain::place() const {
     if (isMinimized()) return std::nullopt;
-    const QRect frame = frameGeometry();
+    const QRect frame = fullScreen_->frameBefore().value_or(frameGeometry());
     return WindowPlace{frame.left(), frame.top(), frame.width(), frame.height(), isMaximized()};
 }
 

@@ -17,6 +17,7 @@ class DaySurvey;
 class FilmFile;
 class FrmComPort;
 class FrmTKRTimeAuto;
+class FullScreen;
 class PortSelection;
 class ShownDay;
 class TimeSetting;
@@ -100,6 +101,7 @@ class frmMain : public QMainWindow {
     PictureArea* area_;
     std::unique_ptr<FocusRing> ring_;
     QAction* saveAs_ = nullptr;
+    FullScreen* fullScreen_ = nullptr;
     // Each is made on first use and only hidden when it closes: a value has one observer, so no
     // second dialog may follow it before the first has gone.
     FrmComPort* comPort_ = nullptr;
