@@ -25,13 +25,15 @@ TEST(Tiles, TakesTheGridWithTheLargestPictures) {
         QSize picture;
         std::size_t rows;
     };
-    // By hand: 3 in 900 x 300 are 300 x 225 each in one row, but 200 x 150 in two; 7 in 1200 x 900
-    // are 400 x 300 each in three rows, but four of them only 300 x 225 in two.
+    // rows: of different tops. By hand: 3 in 900 x 300 are 300 x 225 each in one row, but 200 x 150
+    // in two; 7 in 1200 x 900 are 400 x 300 each in three rows, but four of them only 300 x 225 in
+    // two.
     const Case cases[] = {
         {{800, 600}, 1, {640, 480}, 1}, {{800, 600}, 2, {640, 480}, 1},
         {{600, 800}, 2, {640, 480}, 2}, {{900, 300}, 3, {640, 480}, 1},
         {{800, 600}, 4, {640, 480}, 2}, {{1200, 900}, 7, {640, 480}, 3},
         {{800, 600}, 3, {300, 900}, 1}, {{800, 600}, 3, {900, 300}, 3},
+        {{800, 600}, 3, {640, 480}, 2},
     };
     for (const Case& c : cases) {
         const auto places = tilesIn(c.area, windowsOf(c.windows, c.picture));
@@ -54,6 +56,13 @@ TEST(Tiles, FillTheAreaWithoutGapsOrOverlap) {
         EXPECT_EQ(covered, area.width() * area.height()) << count;
     }
     EXPECT_TRUE(tilesIn(area, {}).empty());
+}
+
+/// One window beside two: 400 x 300 each, and no column left empty.
+TEST(Tiles, StandInColumnsWhereThatIsMore) {
+    const auto places = tilesIn({800, 640}, windowsOf(3, {400, 320}, {0, 40}));
+    EXPECT_EQ(places,
+              (std::vector<QRect>{{0, 0, 400, 320}, {0, 320, 400, 320}, {400, 0, 400, 640}}));
 }
 
 /// A frame's title and status line cost rows more than columns.

@@ -21,6 +21,13 @@ std::vector<QRect> inRows(QSize area, int count, int rows) {
     return places;
 }
 
+std::vector<QRect> inColumns(QSize area, int count, int columns) {
+    std::vector<QRect> places = inRows(area.transposed(), count, columns);
+    for (QRect& place : places)
+        place = QRect(QPoint(place.y(), place.x()), place.size().transposed());
+    return places;
+}
+
 QSize leastOf(const std::vector<Tile>& windows) {
     QSize least(1, 1);
     for (const Tile& tile : windows)
@@ -53,13 +60,14 @@ std::vector<QRect> tilesIn(QSize area, const std::vector<Tile>& windows) {
     const QSize least = leastOf(windows);
     std::vector<QRect> best;
     double most = 0;
-    for (int rows = 1; rows <= count; ++rows) {
-        std::vector<QRect> places = inRows(area, count, rows);
-        const double sum = covered(windows, places, least);
-        if (sum <= most) continue;
-        most = sum;
-        best = std::move(places);
-    }
+    for (int lines = 1; lines <= count; ++lines)
+        for (const auto grid : {inRows, inColumns}) {
+            std::vector<QRect> places = grid(area, count, lines);
+            const double sum = covered(windows, places, least);
+            if (sum <= most) continue;
+            most = sum;
+            best = std::move(places);
+        }
     if (!best.empty() || count == 0) return best;
     const int columns = std::clamp(area.width() / least.width(), 1, count);
     const int rows = (count + columns - 1) / columns;

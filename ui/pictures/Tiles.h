@@ -17,9 +17,9 @@ struct Tile {
 /// How much of a cell the picture of `tile` covers, fitted, in pixels.
 double coveredBy(const Tile& tile, QSize cell);
 
-/// Places for `windows` in rows that fill `area` without gaps, in their order, so that the pictures
-/// get as much room as possible together. Where `area` is too small for so many windows the places
-/// go on below it.
+/// Places for `windows` in rows, or in columns, that fill `area` without gaps, in their order, so
+/// that the pictures get as much room as possible together. Where `area` is too small for so many
+/// windows the places go on below it.
 std::vector<QRect> tilesIn(QSize area, const std::vector<Tile>& windows);
 
 } // namespace orvane
