@@ -104,7 +104,7 @@ ThumbnailStrip::ThumbnailStrip(PictureLoader& loader, FaultHandler onFault, QWid
     layout->setSizeConstraint(QLayout::SetNoConstraint);
     fill(*this, layout, {4, 4, 4, 4});
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
-    hide();
+    setMaximumHeight(0);
 }
 
 void ThumbnailStrip::resizeEvent(QResizeEvent*) {
@@ -128,7 +128,7 @@ void ThumbnailStrip::showHistory(const ThumbnailHistory& history) {
         if (known[i]) frames_[i]->setPicture(*known[i]);
         frames_[i]->setNewest(i == 0 && !history[i].empty());
     }
-    setVisible(!history[0].empty()); // on a small desktop its room is dear
+    setMaximumHeight(history[0].empty() ? 0 : QWIDGETSIZE_MAX);
     if (tasks_.running() == 0) tasks_.spawn(decodeWaiting());
 }
 

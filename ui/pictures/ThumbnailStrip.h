@@ -48,7 +48,8 @@ class Thumbnail : public QFrame {
 
 /// The newest pictures, newest first, each decoded once, at the size it is shown in. A picture that
 /// was decoded moves on with its file, so a capture costs one decoding. The arrow keys go from one
-/// to the next. Hidden while there is no picture.
+/// to the next. Without height while there is no picture: on a
+/// small desktop its room is dear.
 class ThumbnailStrip : public QWidget {
     Q_OBJECT
 
