@@ -70,7 +70,8 @@ void Program::showMainWindow() {
                        clock_,
                        faults_,
                        op_,
-                       *systemInfo_});
+                       *systemInfo_,
+                       condition_});
     op_.setParentWindow(main_.get());
     main_->show();
     warningWindow_ = std::make_unique<Frm_massege>(warnings_, main_.get());
@@ -93,6 +94,11 @@ void Program::showTimeDialog(bool open) {
 void Program::takeSite() {
     settings_.showSite();
     computeSunTimes(station_);
+}
+
+void Program::beginWork() {
+    statusFile_.begin();
+    condition_.begin();
 }
 
 void Program::endProgram() {

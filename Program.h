@@ -8,6 +8,7 @@
 #include "archive/ShownDay.h"
 #include "core/Alerts.h"
 #include "core/AutoStart.h"
+#include "core/Condition.h"
 #include "core/DailyClocks.h"
 #include "core/MainLoop.h"
 #include "core/Shutdown.h"
@@ -68,6 +69,8 @@ class Program {
     void showTimeDialog(bool open);
     /// The tracker has told or taken another site than the panel shows.
     void takeSite();
+    /// The start-up has succeeded.
+    void beginWork();
     void endProgram();
     void enterMainLoop();
 
@@ -174,7 +177,7 @@ class Program {
                      [this] { showMainWindow(); },
                      [](int code) { QCoreApplication::exit(code); },
                      keepAwake,
-                     [this] { statusFile_.begin(); }};
+                     [this] { beginWork(); }};
     MainLoop loop_{station_};
     AutoStart autoStart_{module_,
                          store_,
@@ -183,6 +186,7 @@ class Program {
                           [] { QCoreApplication::exit(0); }},
                          [this](const std::exception_ptr& fault) { tellFault(fault); }};
 
+    Condition condition_{{module_, panel_, warnings_, days_, clock_}, faults_};
     std::unique_ptr<Frm_AutoStart> countdown_;
     std::unique_ptr<frmMain> main_;
     std::unique_ptr<Frm_massege> warningWindow_;

@@ -187,7 +187,7 @@ void DayWatch::forgetMissed() {
     for (const DayState state : {DayState::Missed, DayState::Off, DayState::NotRunning})
         std::ranges::replace(plan_.states, state, DayState::NotDue);
     plan_.missed = plan_.notRecorded = plan_.gaps = 0;
-    plan_.text = "today's folder cannot be read";
+    plan_.text = "today's folder cannot be read; see to its access rights";
 }
 
 void DayWatch::add(const std::filesystem::path& file) {
@@ -215,24 +215,36 @@ bool DayWatch::isTaken(std::int64_t minute) const {
         .has_value();
 }
 
+Watch DayWatch::watchOf(std::int64_t minute) const {
+    return dayOf(minute)->ledger.watch()[static_cast<std::size_t>(minute % kDayMinutes)];
+}
+
 bool DayWatch::wasRecorded(std::int64_t minute) const {
-    const Watch watch =
-        dayOf(minute)->ledger.watch()[static_cast<std::size_t>(minute % kDayMinutes)];
+    const Watch watch = watchOf(minute);
     return watch != Watch::Off && watch != Watch::NotRunning;
 }
 
-/// The due minutes without a capture after the newest one, and the first two of them.
-DayWatch::Missed DayWatch::missedInARow() const {
+/// The due minutes without a capture after the newest one, and the first two of them. What was
+/// before `since_` counts only when a ledger tells that it was recorded.
+DayWatch::Missed DayWatch::missedBetween(std::int64_t begin, std::int64_t end) const {
     Missed missed;
-    for (std::int64_t minute = seen_.minute; minute >= since_ && dayOf(minute) != nullptr;
-         --minute) {
+    for (std::int64_t minute = end - 1; minute >= begin && dayOf(minute) != nullptr; --minute) {
         if (!isDue(minute)) continue;
-        if (isTaken(minute)) break;
+        if (isTaken(minute)) {
+            missed.taken = minute;
+            break;
+        }
         if (!isOver(minute) || !wasRecorded(minute)) continue;
+        if (minute < since_ && watchOf(minute) != Watch::Recording) continue;
         missed.second = std::exchange(missed.first, minute);
         ++missed.count;
     }
     return missed;
+}
+
+/// Yesterday's folder has been read only when it was today's.
+DayWatch::Missed DayWatch::outageBefore(std::int64_t end) const {
+    return missedBetween(std::min(since_, firstMinuteOf(today_.folder.day())), end);
 }
 
 std::string DayWatch::missedWarning() {

@@ -49,6 +49,18 @@ class DayWatch {
     /// "No image at 09:30 and 10:00. Please check the camera." when, since recording was switched
     /// on, the last two due minutes that are over or more brought no capture; else empty.
     std::string missedWarning();
+    /// Due minutes without a capture, one after the other; each as `minuteIndex` counts.
+    struct Missed {
+        int count = 0;
+        std::int64_t first = 0;
+        std::int64_t second = 0;
+        std::optional<std::int64_t> taken{}; ///< the due minute before them that has its capture
+    };
+    /// Those that are over after the newest capture, also from before a restart today, as far as
+    /// the ledger tells that they were recorded.
+    Missed outage() const { return outageBefore(seen_.minute + 1); }
+    /// The same as if `end` were the next minute to come.
+    Missed outageBefore(std::int64_t end) const;
     /// Whether two due minutes or more are over without a capture since the picture of `taken`.
     bool isOverdue(WallTime taken) const;
 
@@ -66,11 +78,6 @@ class DayWatch {
         explicit Day(const DayFolder::Reader& reader) : ArchiveDay(reader) {}
         DueMinutes isDue{};
     };
-    struct Missed {
-        int count = 0;
-        std::int64_t first = 0;
-        std::int64_t second = 0;
-    };
 
     bool isOnlyLater(const Seen& seen) const;
     void noteJump(WallTime now);
@@ -84,7 +91,9 @@ class DayWatch {
     std::vector<LedgerLine> newLines(const Day& day, const DayPlan& plan) const;
     bool wasRecorded(std::int64_t minute) const;
     bool isOver(std::int64_t minute) const { return minute + seen_.delay < seen_.minute; }
-    Missed missedInARow() const;
+    Watch watchOf(std::int64_t minute) const;
+    Missed missedBetween(std::int64_t begin, std::int64_t end) const;
+    Missed missedInARow() const { return missedBetween(since_, seen_.minute + 1); }
 
     const Module1& module_;
     const OperationPanel& panel_;

@@ -48,8 +48,14 @@ Task<> ImageStore::run(Chain chain, Start start) {
     if (running_) co_return;
     const Busy::Hold busy(parts_.busy);
     const Scope running([this](bool on) { setRunning(on); });
+    fault_.clear();
     Task<bool> pages = parts_.faults.run("ImageStore", runPages(chain, start));
-    if (!co_await pages) parts_.panel.Label7.caption = kError;
+    if (!co_await pages) {
+        parts_.panel.Label7.caption = kError;
+        fault_ = "something unforeseen, see ERROR.LOG";
+    }
+    parts_.module.lastRunFault.reset();
+    if (!fault_.empty()) parts_.module.lastRunFault = RunFault{parts_.clock.now(), fault_};
     parts_.archive.flush(); // of a page that ended so
 }
 
@@ -232,9 +238,10 @@ void ImageStore::complete() {
     parts_.panel.lbl_sync.caption = "30";
 }
 
-/// A failure has a reason, for the log.
+/// A failure has a reason, for the log and the operator.
 ImageStore::PageEnd ImageStore::end(PageEnd end, const char* message, const std::string& reason) {
     parts_.panel.Label7.caption = message;
+    fault_ = reason;
     if (!reason.empty()) parts_.log.write("ImageStore:" + reason);
     return end;
 }

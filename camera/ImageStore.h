@@ -73,6 +73,7 @@ class ImageStore {
     ImageStamp endStamp_; ///< the moment the run began
     ImageStamp stamp_;    ///< of the last record
     int skipped_ = 0;     ///< names that cannot be used
+    std::string fault_;   ///< why the run was given up
 };
 
 } // namespace orvane

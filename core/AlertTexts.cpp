@@ -1,46 +1,12 @@
 #include "core/AlertTexts.h"
 
+#include "core/Causes.h"
+
 namespace orvane {
 
 namespace {
 
 constexpr std::size_t kLongestSubject = 100; ///< bytes of a warning
-
-/// What to do about a warning, in sentences.
-std::string adviceOn(Warnings::Cause cause) {
-    using Cause = Warnings::Cause;
-    switch (cause) {
-    case Cause::NoImage:
-        return "Check the camera's power and network, then press Test fetch on the page Camera. "
-               "The station goes on trying.";
-    case Cause::ChosenFolder:
-        return "Connect the disk or network drive again. It is used again within a minute.";
-    case Cause::DataFolder:
-        return "See whether the disk is full or write-protected, or choose another data folder.";
-    case Cause::Unreadable:
-        return "See to the access rights of the day's folder. Pictures are recorded on if they "
-               "can be written.";
-    case Cause::Settings:
-        return "Recording runs with the default settings. End the program, see to the settings "
-               "file and start again.";
-    case Cause::ErrorLog:
-        return "See whether the disk of the program's folder is full or write-protected. "
-               "Recording needs to write there.";
-    case Cause::DiskSpace:
-        return "Move old days elsewhere, or choose another data folder.";
-    case Cause::ClockSetting:
-        return "Check the tracker's power, cable and port, then set its clock with Tools > Time "
-               "Setting.";
-    case Cause::SunTimes:
-        return "Correct the site's latitude, longitude and time zone. Recording goes on.";
-    case Cause::StatusFile:
-        return "See whether the program's folder can be written and whether somebody holds the "
-               "named file open. Recording goes on.";
-    case Cause::Mail:
-        break;
-    }
-    return "See Tools > Alerts.";
-}
 
 std::string moment(WallTime time) {
     return dateText(time) + " " + timeText(time);
@@ -95,7 +61,7 @@ AlertText warningText(Warnings::Cause cause, const Warnings::Standing& warning,
                       const StationFigures& figures) {
     AlertText alert{"Orvane warns: " + firstLine(warning.text), {}};
     alert.text = "Since " + moment(warning.since) + " the station warns:\n\n" + warning.text +
-                 "\n\nWhat to do: " + adviceOn(cause) + "\n\n" + figureLines(figures);
+                 "\n\nWhat to do: " + wordsOn(cause).advice + "\n\n" + figureLines(figures);
     if (figures.warnings.size() > 1)
         alert.text += "\nAll warnings that stand:\n" + warningLines(figures.warnings);
     return alert;

@@ -135,10 +135,12 @@ Task<bool> MainLoop::recordNow(std::int64_t dueMinute) {
         co_return worked;
     }
     fetchFault_ = captured.fault;
-    station_.module.lastAttempt = CaptureAttempt{station_.clock.now(), attemptFault(captured)};
+    station_.module.lastAttempt =
+        CaptureAttempt{station_.clock.now(), attemptFault(captured), momentOf(dueMinute)};
     if (!captured.filed) station_.ledger.noteFailure(dueMinute, captured.notFiled);
     const std::int32_t fetched = station_.module.filesFetched; // a run in the pause resets it
     if (captured.filed) {
+        watchMissed(); // what had been missed is over, not only when the pause is
         filedMinute_ = std::max({filedMinute_, dueMinute, minuteIndex(captured.copyTime)});
         const bool mayBegin = !station_.wishes.standing();
         if (mayBegin && station_.dailyClocks.isDue(station_.clock.now(), true)) {

@@ -21,6 +21,13 @@ using ThumbnailHistory = std::array<std::filesystem::path, 10>;
 struct CaptureAttempt {
     WallTime at;       ///< when it ended
     std::string fault; ///< why there is no picture; empty when there is one
+    WallTime due{};    ///< the minute that it was for
+};
+
+/// Why a run against the camera's store was given up.
+struct RunFault {
+    WallTime at; ///< when it ended
+    std::string reason;
 };
 
 /// The process-wide state. `main` owns the only one and hands it down.
@@ -49,6 +56,7 @@ struct Module1 {
     std::filesystem::path lastImage; ///< newest image written; empty at start
     ThumbnailHistory thumbnails;
     std::optional<CaptureAttempt> lastAttempt; ///< since the program's start
+    std::optional<RunFault> lastRunFault;      ///< of the last run; nothing: it ended well
 
     /// Indices from 1 hold the paths that `file_check` found; `foundCount` is one more than their
     /// number, 0 when the folder could not be opened.

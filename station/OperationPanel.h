@@ -3,6 +3,7 @@
 #include "station/Value.h"
 
 #include <array>
+#include <cstdint>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -38,6 +39,13 @@ struct ProgressBar {
     Value<bool> visible;
     Value<int> maximum; ///< 0: something is going on, nobody knows how long
     Value<int> value;
+};
+
+/// How the station is doing, gravest last.
+enum class Grade : std::uint8_t { Off, Well, Attention, Trouble };
+struct StatusSign {
+    Value<Grade> grade;
+    Value<std::string> words{"Recording is off"}; ///< what the sign stands for
 };
 
 /// The controls of the operation panel, named as on the window. Texts are UTF-8. Routines of every
@@ -80,6 +88,9 @@ struct OperationPanel {
     TextBox txt_lat;  ///< degrees, north positive
     TextBox txt_long; ///< degrees, east positive
     TextBox txt_tz;   ///< whole hours east of universal time
+
+    StatusSign sgn_status; ///< beside the recording status
+    Label lbl_fault;       ///< when and why the last attempt failed; empty: it did not
 
     Label Label7;      ///< recording status
     Label Label11;     ///< recorded-image count

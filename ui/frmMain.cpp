@@ -1,6 +1,8 @@
 #include "ui/frmMain.h"
 
 #include "ui/HelpMenu.h"
+#include "ui/Banner.h"
+#include "ui/Desktop.h"
 #include "ui/Layout.h"
 #include "ui/Text.h"
 #include "ui/WishBar.h"
@@ -20,7 +22,9 @@
 #include "ui/pictures/ImageMenu.h"
 #include "ui/pictures/PictureDrop.h"
 
+#include <QApplication>
 #include <QCloseEvent>
+#include <QDir>
 #include <QFileDialog>
 #include <QMdiSubWindow>
 #include <QMenuBar>
@@ -34,12 +38,12 @@ constexpr QSize kSize(1024, 747); // with its frame
 frmMain::frmMain(Parts parts)
     : parts_(parts), operation_(new frmOperation(parts.operation)), area_(new PictureArea) {
     setObjectName("frmMain");
-    setWindowTitle("Orvane");
     auto* strip =
         new ThumbnailStrip(parts_.views.loader(), parts_.faults.reporter("ThumbnailStrip"));
     QHBoxLayout* above = row({new PanelScroll(*operation_), {column({{area_, 1}, strip}, 0), 1}});
     auto* day = new DayView({parts_.day, parts_.module, parts_.clock, parts_.faults});
-    setCentralWidget(inWidget(column({{above, 1}, day}, 0)));
+    auto* banner = new Banner(parts_.condition);
+    setCentralWidget(inWidget(column({banner, {above, 1}, day}, 0)));
     new WishBar(parts_.wishes, centralWidget());
     ring_.reset(new FocusRing(*this, {operation_, area_, strip, &day->bar(), day}));
 
@@ -55,6 +59,12 @@ frmMain::frmMain(Parts parts)
     SpanDialog* film = filmDialog(parts_.film, parts_.module, parts_.clock, this);
     connect(days, &DayMenu::saveFilmWanted, film, [film](std::chrono::local_days shown) {
         film->bringFor({shown, shown});
+    });
+    connect(banner, &Banner::remedyWanted, this, &frmMain::remedy);
+    bindings_.follow(parts_.condition.title,
+                     [this](const std::string& title) { setWindowTitle(toQString(title)); });
+    bindings_.follow(parts_.condition.begun, [this](int begun) {
+        if (begun > 0) QApplication::alert(this);
     });
     addWindowMenu();
     addHelpMenu();
@@ -273,6 +283,42 @@ void frmMain::mnuStatusPage_Click() {
 
 void frmMain::mnuHelpAbout_Click() {
     openOnce(new frmAbout({parts_.systemInfo, parts_.op, parts_.operation.tasks}, this));
+}
+
+void frmMain::showFolder(const std::filesystem::path& folder) {
+    std::error_code error;
+    const std::string name = QDir::toNativeSeparators(toQString(folder)).toStdString();
+    std::string fault;
+    if (!std::filesystem::is_directory(folder, error)) {
+        fault = "The folder " + name +
+                " is not there. The default one is made with the first picture; else connect its "
+                "disk, or choose another data folder.";
+    } else if (!openOnDesktop(folder)) {
+        fault = "No file manager could be started. Please open " + name + " in one.";
+    }
+    if (!fault.empty()) parts_.operation.tasks.spawn(parts_.op.tell(std::move(fault)));
+}
+
+void frmMain::remedy(Remedy remedy) {
+    switch (remedy) {
+    case Remedy::TestFetch:
+        return operation_->press("Command8");
+    case Remedy::SelectFolder:
+        return operation_->press("Command3");
+    case Remedy::ShowDataFolder:
+        return showFolder(parts_.operation.panel.Dir1[0].path);
+    case Remedy::ShowProgramFolder:
+        return showFolder(parts_.module.programFolder);
+    case Remedy::SetClocks:
+        return findChild<QAction*>("mnuTKRTimeSetAuto")->trigger();
+    case Remedy::CorrectSite:
+        operation_->bring("txt_lat");
+        return;
+    case Remedy::SeeAlerts:
+        return findChild<QAction*>("mnuAlerts")->trigger();
+    case Remedy::None:
+        return;
+    }
 }
 
 void frmMain::closeEvent(QCloseEvent* event) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/Condition.h"
 #include "core/Shutdown.h"
 #include "platform/SystemInfo.h"
 #include "ui/FocusRing.h"
@@ -27,7 +28,8 @@ struct OptionForm;
 struct TimeSettingForm;
 
 /// The main window: the operation panel at its left, the picture windows beside it, the newest
-/// pictures' strip below those, the day at a glance below all. A close request starts a task that
+/// pictures' strip below those, the day at a glance below all; above them a banner while something
+/// is wrong. A close request starts a task that
 /// asks; the window goes when the answer allows it.
 class frmMain : public QMainWindow {
     Q_OBJECT
@@ -60,6 +62,7 @@ class frmMain : public QMainWindow {
         Faults& faults;
         Operator& op;
         SystemInfo& systemInfo;
+        Condition& condition;
     };
 
     explicit frmMain(Parts parts);
@@ -94,6 +97,8 @@ class frmMain : public QMainWindow {
     void mnuTKROption_Click();
     void mnuStatusPage_Click();
     void mnuHelpAbout_Click();
+    void showFolder(const std::filesystem::path& folder);
+    void remedy(Remedy remedy);
     static Task<> unload(QPointer<frmMain> window, UnloadMode mode);
 
     Parts parts_;

@@ -114,7 +114,7 @@ TEST_F(Days, AFolderThatCannotBeReadIsNotEmpty) {
     });
     unreadable.refresh();
     unreadable.add(today / "20061115_120000_00.jpg");
-    EXPECT_EQ(unreadable.plan().text, "today's folder cannot be read");
+    EXPECT_EQ(unreadable.plan().text, "today's folder cannot be read; see to its access rights");
     EXPECT_EQ(unreadable.plan().missed, 0);
     EXPECT_EQ(unreadable.plan().taken, 1);
     EXPECT_EQ(std::ranges::count(unreadable.plan().states, DayState::Missed), 0);

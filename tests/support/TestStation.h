@@ -3,6 +3,7 @@
 #include "archive/FolderScan.h"
 #include "core/Alerts.h"
 #include "core/AutoStart.h"
+#include "core/Condition.h"
 #include "core/MainLoop.h"
 #include "core/Shutdown.h"
 #include "core/Station.h"
@@ -145,6 +146,7 @@ class TestStation {
     int siteChanges = 0;
     TrackerOptions options{optionForm, module, commands, log, op, busy, [this] { ++siteChanges; }};
     PortSelection portSelection{store, link, log, op};
+    Condition condition{{module, panel, warnings, days, clock}, faults};
     int exitCode = -1;
     int windowsShown = 0;
     Station station{module,
@@ -173,6 +175,7 @@ class TestStation {
                     [this](int code) { exitCode = code; },
                     nullptr,
                     [this] {
+                        condition.begin();
                         if (tellsStatus) statusFile.begin();
                     }};
     MainLoop loop{station};

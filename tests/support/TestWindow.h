@@ -70,7 +70,8 @@ struct Window : TestStation {
                 clock,
                 faults,
                 asked,
-                systemInfo}) {
+                systemInfo,
+                condition}) {
         settings.initOperation();
         recording.ready();
         show(main);

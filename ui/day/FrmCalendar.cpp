@@ -14,22 +14,22 @@ namespace orvane {
 namespace {
 
 /// Of a scale that is told apart without red and green, and by its lightness.
-struct Grade {
+struct DayGrade {
     double least; ///< of the share of the due minutes that have a picture
     QRgb ground;
     QRgb ink;
     const char* text;
 };
-constexpr Grade kGrades[] = {{1, 0xff0064b4, 0xffffffff, "complete"},
+constexpr DayGrade kGrades[] = {{1, 0xff0064b4, 0xffffffff, "complete"},
                              {0.95, 0xff8cc8f0, 0xff000000, "95 % or more"},
                              {0.5, 0xfff5d76e, 0xff000000, "half or more"},
                              {0, 0xffcd4600, 0xffffffff, "less"}};
-constexpr Grade kNotRecorded{0, 0xffa8a8a8, 0xff000000, "not recorded"};
+constexpr DayGrade kNotRecorded{0, 0xffa8a8a8, 0xff000000, "not recorded"};
 
-const Grade* gradeOf(const DaySurvey::Result& result) {
+const DayGrade* gradeOf(const DaySurvey::Result& result) {
     if (!result.share) return result.isRecorded ? nullptr : &kNotRecorded;
     if (*result.share == 0 && !result.isRecorded) return &kNotRecorded;
-    for (const Grade& grade : kGrades)
+    for (const DayGrade& grade : kGrades)
         if (*result.share >= grade.least) return &grade;
     return nullptr;
 }
@@ -69,7 +69,7 @@ FrmCalendar::FrmCalendar(ShownDay& day, DaySurvey& survey, QWidget* parent)
 QLayout* FrmCalendar::legend() {
     auto* made = new QHBoxLayout;
     made->setSpacing(6);
-    const auto add = [made](const Grade& grade) {
+    const auto add = [made](const DayGrade& grade) {
         auto* square = new QLabel;
         const int side = square->fontMetrics().height() * 3 / 4;
         square->setFixedSize(side, side);
@@ -78,7 +78,7 @@ QLayout* FrmCalendar::legend() {
         made->addWidget(new QLabel(grade.text));
         made->addSpacing(4);
     };
-    for (const Grade& grade : kGrades)
+    for (const DayGrade& grade : kGrades)
         add(grade);
     add(kNotRecorded);
     made->addStretch();
@@ -117,7 +117,7 @@ void FrmCalendar::colour() {
         const QDate date = dateOf(day);
         if (!calendar_->dateTextFormat(date).toolTip().isEmpty()) continue;
         QTextCharFormat format;
-        if (const Grade* grade = gradeOf(result)) {
+        if (const DayGrade* grade = gradeOf(result)) {
             format.setBackground(QColor(grade->ground));
             format.setForeground(QColor(grade->ink));
         }

@@ -1,5 +1,7 @@
 #include "ui/Layout.h"
+#include "ui/Text.h"
 #include "ui/panel/ElidedLabel.h"
+#include "ui/panel/GradeSign.h"
 #include "ui/panel/PanelGroups.h"
 
 namespace orvane {
@@ -17,25 +19,40 @@ QGroupBox* statusGroup(PanelControls& controls, OperationPanel& panel) {
     status->setFont(large);
 
     auto* grid = new QGridLayout;
-    grid->addWidget(status, 0, 0, 1, 4);
+    auto* sign = new GradeSign;
+    sign->setObjectName("sgn_status");
+    controls.bindings().follow(panel.sgn_status.grade, [sign](Grade grade) { sign->show(grade); });
+    controls.bindings().follow(panel.sgn_status.words, [sign](const std::string& words) {
+        sign->setToolTip(toQString(words));
+        sign->setAccessibleName(toQString(words));
+    });
+    grid->addLayout(row({sign, {status, 1}}, 6), 0, 0, 1, 4);
+    auto* fault = new ElidedLabel;
+    fault->setObjectName("lbl_fault");
+    fault->setAccessibleName("Why the last attempt failed");
+    controls.bindings().follow(panel.lbl_fault.caption, [fault](const std::string& text) {
+        fault->setText(toQString(text));
+        fault->setVisible(!text.empty()); // it takes no room then
+    });
+    grid->addWidget(fault, 1, 0, 1, 4);
     const auto add = [&](int row, int column, const char* caption, const Face& face, Label& model) {
         grid->addWidget(unitLabel(caption), row, column);
         ElidedLabel* label = controls.label(face, model);
         if (column == 0) label->setShortest("0000/00/00");
-        grid->addWidget(label, row, column + 1, 1, row < 3 ? 1 : 3);
+        grid->addWidget(label, row, column + 1, 1, row < 4 ? 1 : 3);
     };
-    add(1, 0, "Date", {"Label12", "Date", "Today's date."}, panel.Label12);
-    add(1, 2, "Time", {"Label13", "Time", "The PC's time."}, panel.Label13);
-    add(2, 0, "Sunrise \u2212 1 h",
+    add(2, 0, "Date", {"Label12", "Date", "Today's date."}, panel.Label12);
+    add(2, 2, "Time", {"Label13", "Time", "The PC's time."}, panel.Label13);
+    add(3, 0, "Sunrise \u2212 1 h",
         {"lbl_sunrise", "One hour before sunrise", "One hour before today's sunrise at the site."},
         panel.lbl_sunrise);
-    add(2, 2, "Sunset + 1 h",
+    add(3, 2, "Sunset + 1 h",
         {"lbl_sunset", "One hour after sunset", "One hour after today's sunset at the site."},
         panel.lbl_sunset);
-    add(3, 0, "Recorded",
+    add(4, 0, "Recorded",
         {"Label11", "Recorded pictures", "Pictures recorded since recording was started."},
         panel.Label11);
-    add(4, 0, "Disk", {"lbl_free", "Free space", "Free space of the data folder's disk."},
+    add(5, 0, "Disk", {"lbl_free", "Free space", "Free space of the data folder's disk."},
         panel.lbl_free);
     grid->setColumnStretch(1, 1);
     QGroupBox* box = panelGroup("Status", grid);

@@ -225,6 +225,18 @@ QWidget* frmOperation::folderGroup() {
     return frame;
 }
 
+QWidget& frmOperation::bring(const QString& name) {
+    auto* control = findChild<QWidget*>(name);
+    for (int page = 0; page < pages_->count(); ++page)
+        if (pages_->widget(page)->isAncestorOf(control)) pages_->setCurrentIndex(page);
+    control->setFocus(Qt::OtherFocusReason);
+    return *control;
+}
+
+void frmOperation::press(const QString& button) {
+    qobject_cast<QPushButton*>(&bring(button))->click();
+}
+
 void frmOperation::selectFolder() {
     auto* dialog = new QFileDialog(this, "Select Data Save Folder",
                                    toQString(parts_.panel.Dir1[0].path.get()));

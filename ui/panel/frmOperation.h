@@ -39,6 +39,10 @@ class frmOperation : public QWidget {
     void focusStart();
     /// Turns to a page, from 0, and gives the focus to its first control that takes it.
     void showPage(int page);
+    /// Turns to the page of a control of the panel and gives it the focus.
+    QWidget& bring(const QString& name);
+    /// The same for a button, and presses it.
+    void press(const QString& button);
 
   signals:
     /// The operator asked for the camera's picture.
