@@ -22,6 +22,13 @@ bool isDatedName(const std::filesystem::path& folder) {
            std::ranges::all_of(name, [](char8_t c) { return c >= u8'0' && c <= u8'9'; });
 }
 
+std::string archivePart(const std::filesystem::path& folder) {
+    if (dayOfFolder(folder)) return "a day of the archive";
+    if (folder.filename() == "Edit") return "the archive's folder of processed copies";
+    if (folder.filename() == "Ledger") return "the archive's folder of ledgers";
+    return {};
+}
+
 } // namespace
 
 bool isJpegName(const std::filesystem::path& file) {
@@ -37,11 +44,27 @@ std::filesystem::path datedFolderOf(const std::filesystem::path& dataFolder, Wal
 }
 
 std::optional<std::chrono::local_days> firstDayOf(const std::filesystem::path& dataFolder) {
-    for (const std::filesystem::path& entry : listFolder(dataFolder).entries) {
-        if (!isDatedName(entry)) continue;
-        // a day that no calendar knows is none
-        const auto name = ImageName::parse(utf8FromPath(entry.filename()) + "_000000_00.jpg");
-        if (name) return name->day();
+    for (const std::filesystem::path& entry : listFolder(dataFolder).entries)
+        if (const auto day = dayOfFolder(entry)) return day;
+    return std::nullopt;
+}
+
+std::optional<std::chrono::local_days> dayOfFolder(const std::filesystem::path& folder) {
+    if (!isDatedName(folder)) return std::nullopt;
+    // a day that no calendar knows is none
+    const auto name = ImageName::parse(utf8FromPath(folder.filename()) + "_000000_00.jpg");
+    if (!name) return std::nullopt;
+    return name->day();
+}
+
+std::optional<std::string> archivePlace(const std::filesystem::path& folder) {
+    const std::filesystem::path whole = folder.has_filename() ? folder : folder.parent_path();
+    for (std::filesystem::path part = whole; part.has_relative_path(); part = part.parent_path()) {
+        const std::string what = archivePart(part);
+        if (what.empty()) continue;
+        const std::string name = utf8FromPath(part.filename());
+        if (part == whole) return name + " is " + what;
+        return utf8FromPath(whole.filename()) + " lies in " + name + ", " + what;
     }
     return std::nullopt;
 }

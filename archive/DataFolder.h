@@ -12,6 +12,11 @@ namespace orvane {
 std::filesystem::path datedFolderOf(const std::filesystem::path& dataFolder, WallTime time);
 /// The earliest day that has a folder below a data folder; nothing when none has.
 std::optional<std::chrono::local_days> firstDayOf(const std::filesystem::path& dataFolder);
+/// The day that a folder is named after, "20061115"; nothing for another name.
+std::optional<std::chrono::local_days> dayOfFolder(const std::filesystem::path& folder);
+/// What a folder seems to be of an archive, in or below which nobody would have another begin, such
+/// as "20061115 is a day of the archive"; nothing for any other. Told from the names alone.
+std::optional<std::string> archivePlace(const std::filesystem::path& folder);
 /// Whether `file` lies in a dated folder, one named by eight digits, outside the tree of processed
 /// copies ("Edit").
 bool isInDatedFolder(const std::filesystem::path& file);

@@ -1,5 +1,6 @@
 #include "core/Recording.h"
 
+#include "archive/DataFolder.h"
 #include "platform/Conversions.h"
 #include "station/PanelSchedule.h"
 
@@ -96,6 +97,17 @@ Task<> Recording::mnuRecordingStop_Click() {
         if (!co_await waiting) co_return;
     }
     if (module_.RecordFlg) Command2_Click();
+}
+
+Task<> Recording::chooseDataFolder(std::filesystem::path folder) {
+    if (const auto place = archivePlace(folder)) {
+        std::string question = *place + ". Pictures would be filed in folders of their own inside "
+                                        "it. Use it as the data folder all the same?";
+        Task<bool> asking = op_.confirm(std::move(question));
+        const bool wanted = co_await asking;
+        if (!wanted || module_.RecordFlg) co_return;
+    }
+    settings_.selectDataFolder(folder);
 }
 
 void Recording::ready() {

@@ -32,6 +32,9 @@ class Recording {
     void Command2_Click();
     /// "Stop" of the menu, which a capture does not lock as it locks Command2: cuts that short.
     Task<> mnuRecordingStop_Click();
+    /// The operator has chosen a data folder. One that seems to be part of an archive is taken only
+    /// after a question, and no more when recording was started meanwhile.
+    Task<> chooseDataFolder(std::filesystem::path folder);
     /// The panel as it is when nothing is recorded, for start-up.
     void ready();
     /// After an edit of field `index`: a value inside its range goes to the spinner.

@@ -15,6 +15,8 @@ class Operator {
     virtual Task<> tell(std::string text) = 0;
     /// Question with OK, Cancel and an exclamation icon; true for OK.
     virtual Task<bool> ask(std::string text) = 0;
+    /// Question with Yes, No and an exclamation icon; true for Yes. Enter and Escape answer No.
+    virtual Task<bool> confirm(std::string text) = 0;
     virtual void beep() = 0;
 };
 

@@ -60,6 +60,8 @@ frmMain::frmMain(Parts parts)
     connect(days, &DayMenu::saveFilmWanted, film, [film](std::chrono::local_days shown) {
         film->bringFor({shown, shown});
     });
+    connect(operation_, &frmOperation::dayWanted, days, &DayMenu::turnTo);
+    connect(operation_, &frmOperation::folderShowWanted, this, &frmMain::showFolder);
     connect(banner, &Banner::remedyWanted, this, &frmMain::remedy);
     bindings_.follow(parts_.condition.title,
                      [this](const std::string& title) { setWindowTitle(toQString(title)); });
@@ -97,6 +99,11 @@ void frmMain::addFileMenu() {
     addEntry(file, {"mnuFileLatest", "&Latest Image", "Shows the newest picture."},
              {Qt::CTRL | Qt::Key_L}, this,
              [this] { parts_.views.openLatest(parts_.module.lastImage); });
+    addEntry(file,
+             {"mnuFileShowFolder", "Show in the File &Manager",
+              "Shows the data folder in the desktop's file manager."},
+             {Qt::CTRL | Qt::SHIFT | Qt::Key_O}, this,
+             [this] { showFolder(parts_.operation.panel.Dir1[0].path); });
     file.addSeparator();
     addEntry(file, {"mnuFileSaveOptions", "&Save Options...", "Sets how pictures are saved."},
              {Qt::CTRL | Qt::Key_T}, this,

@@ -14,6 +14,23 @@
 namespace orvane::test {
 namespace {
 
+TEST(DataFolder, KnowsThePartsOfAnArchiveByTheirNames) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"/data/20061115", "20061115 is a day of the archive"},
+        {"/data/20061115/", "20061115 is a day of the archive"},
+        {"/data/20061115/cloudy", "cloudy lies in 20061115, a day of the archive"},
+        {"/data/Edit", "Edit is the archive's folder of processed copies"},
+        {"/data/Edit/20061115", "20061115 is a day of the archive"},
+        {"/data/Ledger", "Ledger is the archive's folder of ledgers"},
+        {"/data", ""},
+        {"/data/20061340", ""},
+        {"/data/2006111", ""},
+        {"/data/Edits", ""},
+        {"/", ""}};
+    for (const auto& [folder, place] : cases)
+        EXPECT_EQ(archivePlace(folder).value_or(""), place) << folder;
+}
+
 TEST(ImageName, TakesTheFormOfARecordedPictureOnly) {
     const auto name = ImageName::ofFile("d/20061115_093007_42.jpg");
     ASSERT_TRUE(name);

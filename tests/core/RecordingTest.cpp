@@ -120,6 +120,25 @@ TEST_F(Panel, IntervalHourAndSecondAreNeverChecked) {
     EXPECT_EQ(timeText(at(2006, 1, 1) + s.module.schedule.NextRecTime), "12:10:01");
 }
 
+TEST_F(Panel, APartOfAnArchiveIsTakenAsDataFolderOnlyAfterAQuestion) {
+    const auto before = s.panel.Dir1[0].path.get();
+    const auto day = s.folder.path() / "20061115";
+    s.tasks.spawn(s.recording.chooseDataFolder(s.folder.path()));
+    EXPECT_EQ(s.panel.Dir1[0].path.get(), s.folder.path());
+    EXPECT_TRUE(s.op.asked.empty());
+    for (const bool yes : {false, true}) {
+        s.op.answer = yes;
+        s.tasks.spawn(s.recording.chooseDataFolder(day));
+        EXPECT_TRUE(s.op.asked.back().starts_with("20061115 is a day of the archive. "));
+        s.clock.run(2s);
+        EXPECT_EQ(s.panel.Dir1[0].path.get(), yes ? day : s.folder.path());
+    }
+    s.tasks.spawn(s.recording.chooseDataFolder(before / "Edit"));
+    s.press(&Recording::Command1_Click);
+    s.clock.run(2s);
+    EXPECT_EQ(s.panel.Dir1[0].path.get(), day) << "recording was started before the answer";
+}
+
 TEST_F(Panel, SettingsThatCannotBeStoredAreLoggedAndRecordingStarts) {
     s.store.readOnly = true;
     s.press(&Recording::Command1_Click);

@@ -171,6 +171,7 @@ class FakeOperator final : public Operator {
         co_await clock_.sleep(patience);
         co_return answer;
     }
+    Task<bool> confirm(std::string text) override { return ask(std::move(text)); }
     void beep() override { ++beeps; }
 
     std::chrono::milliseconds patience{1000};

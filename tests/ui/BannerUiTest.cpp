@@ -206,6 +206,24 @@ TEST_F(BannerUi, TheTitleStaysBesideAMaximisedPicture) {
     EXPECT_EQ(w.main.windowTitle(), "Orvane - disk is nearly full - [a.jpg]");
 }
 
+/// The data folder's list and the file manager.
+TEST_F(BannerUi, TheFolderIsShownInTheFileManager) {
+    FileManager files;
+    w.main.findChild<QAction*>("mnuFileShowFolder")->trigger();
+    EXPECT_EQ(files.opened, QStringList(toQString(w.dataFolder())));
+    std::filesystem::create_directory(w.dataFolder() / "20061114");
+    auto& list = find<QListWidget>(w.main, "Dir1_0");
+    w.panel.Dir1[0].enabled = false;
+    w.panel.Dir1[0].enabled = true;
+    list.setCurrentRow(1);
+    w.main.findChild<QAction*>("Dir1_0_show")->trigger();
+    EXPECT_EQ(files.opened.back(), toQString(w.dataFolder() / "20061114"));
+    w.panel.Dir1[0].path = w.folder.path() / "gone";
+    w.main.findChild<QAction*>("mnuFileShowFolder")->trigger();
+    ASSERT_FALSE(op.told.empty());
+    EXPECT_NE(op.told.back().find("gone is not there"), std::string::npos) << op.told.back();
+}
+
 } // namespace
 } // namespace orvane::test
 

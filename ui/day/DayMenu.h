@@ -40,13 +40,15 @@ class DayMenu : public QObject {
     /// `menu` is filled; `band` shows the day, and `area` holds the film and the keogram.
     DayMenu(QMenu& menu, DayView& band, PictureArea& area, Parts parts);
 
+    /// Shows that day in the band.
+    void turnTo(std::chrono::local_days day);
+
   signals:
     void saveFilmWanted(std::chrono::local_days day);
 
   private:
     void addDays(QMenu& menu);
     void addWindows(QMenu& menu);
-    void turnTo(std::chrono::local_days day);
     void follow();
     void openCalendar();
     void openFilm();

@@ -12,10 +12,11 @@ namespace {
 class OpenBox {
   public:
     OpenBox(Clock& clock, QWidget* window, QMessageBox::Icon icon, const std::string& text,
-            QMessageBox::StandardButtons buttons)
+            QMessageBox::StandardButtons buttons,
+            QMessageBox::StandardButton standing = QMessageBox::Ok)
         : closed(clock), box_(new QMessageBox(icon, "Orvane", toQString(text), buttons, window)) {
         box_->setTextFormat(Qt::PlainText);
-        box_->setDefaultButton(QMessageBox::Ok);
+        box_->setDefaultButton(standing);
         QObject::connect(box_, &QMessageBox::finished, box_, [this](int result) {
             result_ = result;
             closed.fire();
@@ -31,7 +32,7 @@ class OpenBox {
         delete box_.data();
     }
 
-    bool accepted() const { return result_ == QMessageBox::Ok; }
+    bool accepted() const { return result_ == QMessageBox::Ok || result_ == QMessageBox::Yes; }
 
     Signal closed;
 
@@ -58,6 +59,13 @@ Task<> QtOperator::tell(std::string text) {
 Task<bool> QtOperator::ask(std::string text) {
     OpenBox box(clock_, dialogInUse(window_), QMessageBox::Warning, text,
                 QMessageBox::Ok | QMessageBox::Cancel);
+    co_await box.closed;
+    co_return box.accepted();
+}
+
+Task<bool> QtOperator::confirm(std::string text) {
+    OpenBox box(clock_, dialogInUse(window_), QMessageBox::Warning, text,
+                QMessageBox::Yes | QMessageBox::No, QMessageBox::No);
     co_await box.closed;
     co_return box.accepted();
 }

@@ -20,6 +20,7 @@ class QtOperator final : public Operator {
 
     Task<> tell(std::string text) override;
     Task<bool> ask(std::string text) override;
+    Task<bool> confirm(std::string text) override;
     void beep() override;
 
   private:

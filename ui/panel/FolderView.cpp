@@ -65,13 +65,19 @@ void FolderView::setPath(const fs::path& path) {
     setCurrentRow(hasFocus() ? 0 : -1);
 }
 
+fs::path FolderView::currentFolder() const {
+    const QListWidgetItem* item = currentItem();
+    const auto folder = item == nullptr ? fs::path() : item->data(Qt::UserRole).value<fs::path>();
+    return folder.empty() ? path_ : folder;
+}
+
 void FolderView::list() {
     clear();
     const fs::path parent = parentOf(path_);
     if (!parent.empty() && parent != path_)
         add("..", style()->standardIcon(QStyle::SP_FileDialogToParent), parent);
     const std::optional<Listing> listing = subFolders(path_);
-    if (!listing) return addNote("(folder not available)");
+    if (!listing) return addNote("(folder not available: choose another one)");
     const QIcon icon = style()->standardIcon(QStyle::SP_DirIcon);
     for (const fs::path& folder : listing->folders)
         add(toQString(folder.filename()), icon, folder);

@@ -17,6 +17,8 @@ class FolderView : public QListWidget {
 
     explicit FolderView(QWidget* parent = nullptr);
 
+    /// The sub-folder that is chosen; the folder itself while none is.
+    std::filesystem::path currentFolder() const;
     /// Lists `path`. Tells nobody.
     void setPath(const std::filesystem::path& path);
 

@@ -1,8 +1,10 @@
 #include "ui/panel/frmOperation.h"
 
+#include "archive/DataFolder.h"
 #include "ui/FocusRing.h"
 #include "ui/Layout.h"
 #include "ui/Text.h"
+#include "ui/panel/FolderView.h"
 #include "ui/panel/PanelGroups.h"
 #include "ui/panel/UpDown.h"
 
@@ -212,9 +214,10 @@ QWidget* frmOperation::folderGroup() {
     QVBoxLayout* folder = controls_.folder(
         {"Dir1_0", "Data folder",
          "The data folder's sub-folders. Double-click one, or press Enter, to make it the data "
-         "folder."},
+         "folder. A day opens in the band instead."},
         "Pictures are filed below %1", panel.Dir1[0],
-        [this](const std::filesystem::path& path) { parts_.settings.selectDataFolder(path); });
+        [this](const std::filesystem::path& path) { enterFolder(path); });
+    addFolderMenu(*findChild<FolderView*>("Dir1_0"));
     folder->addWidget(controls_.button(
         {"Command3", "Select Data Sa&ve Folder", "Chooses the folder that pictures are filed in."},
         panel.Command3, [this] { selectFolder(); }));
@@ -223,6 +226,25 @@ QWidget* frmOperation::folderGroup() {
     frame->setAccessibleName("Data folder");
     controls_.followEnabled(*frame, panel.Frame3[1].enabled);
     return frame;
+}
+
+/// A day of the data folder is looked at; what is above it may have a day's name as well.
+void frmOperation::enterFolder(const std::filesystem::path& folder) {
+    const auto day = dayOfFolder(folder);
+    if (day && folder == parts_.panel.Dir1[0].path.get() / folder.filename()) {
+        emit dayWanted(*day);
+    } else {
+        parts_.tasks.spawn(parts_.recording.chooseDataFolder(folder));
+    }
+}
+
+void frmOperation::addFolderMenu(FolderView& list) {
+    auto* show = new QAction("Show in the file &manager", &list);
+    show->setObjectName("Dir1_0_show");
+    connect(show, &QAction::triggered, this,
+            [this, &list] { emit folderShowWanted(list.currentFolder()); });
+    list.addAction(show);
+    list.setContextMenuPolicy(Qt::ActionsContextMenu);
 }
 
 QWidget& frmOperation::bring(const QString& name) {
@@ -242,8 +264,9 @@ void frmOperation::selectFolder() {
                                    toQString(parts_.panel.Dir1[0].path.get()));
     dialog->setFileMode(QFileDialog::Directory);
     dialog->setOption(QFileDialog::ShowDirsOnly);
-    connect(dialog, &QFileDialog::fileSelected, this,
-            [this](const QString& folder) { parts_.settings.selectDataFolder(toPath(folder)); });
+    connect(dialog, &QFileDialog::fileSelected, this, [this](const QString& folder) {
+        parts_.tasks.spawn(parts_.recording.chooseDataFolder(toPath(folder)));
+    });
     openOnce(dialog);
 }
 

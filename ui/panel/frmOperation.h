@@ -16,6 +16,8 @@ class QTabWidget;
 
 namespace orvane {
 
+class FolderView;
+
 /// The operation panel. It holds no logic: it shows the values of `OperationPanel` in widgets of
 /// the same names and forwards what the operator does.
 class frmOperation : public QWidget {
@@ -49,6 +51,10 @@ class frmOperation : public QWidget {
     void pictureWanted();
     /// The operator wants to see `file`.
     void imageWanted(const std::filesystem::path& file);
+    /// The operator wants to see a day of the archive.
+    void dayWanted(std::chrono::local_days day);
+    /// The operator wants to see `folder` in the file manager.
+    void folderShowWanted(const std::filesystem::path& folder);
 
   private:
     static void addPage(QTabWidget& pages, const QString& title, const QString& tip,
@@ -61,6 +67,8 @@ class frmOperation : public QWidget {
     QLayout* siteField(const Face& face, TextBox& model, bool (PanelSettings::*change)());
     void orderTabs();
     void focusField(std::size_t index);
+    void enterFolder(const std::filesystem::path& folder);
+    void addFolderMenu(FolderView& list);
     void selectFolder();
 
     Parts parts_;
