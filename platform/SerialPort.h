@@ -21,6 +21,8 @@ class SerialPort {
     /// first. False: `fault()` tells why.
     virtual bool open(int portNumber, const std::string& settings) = 0;
     virtual bool isOpen() const = 0;
+    /// Whether the system has port 1 to 4, also while another program uses it. Asks its name only.
+    virtual bool isThere(int portNumber) const = 0;
     /// What is not sent yet is dropped: wait for an output count of 0 first.
     virtual void close() = 0;
 

@@ -45,6 +45,9 @@ class FrameLink {
     /// Whether `portNumber` can be opened; it is closed again at once. False also while in use.
     bool tryPort(std::int16_t portNumber);
 
+    /// Whether the system has that port.
+    bool isThere(int portNumber) const { return MSComm1_.isThere(portNumber); }
+
     /// From now on all waits together end within 15 s, as the time-out of the byte waited for does.
     void beginExchange() { exchangeEnd_ = clock_.ticks() + kExchangeTime; }
 

@@ -21,6 +21,8 @@ class PortSelection {
     /// Index 0 to 3 of the option button to select; nothing for a stored value that no button
     /// stands for.
     std::optional<int> storedIndex() const;
+    /// Whether there is a port for the option button of that index now.
+    bool isThere(int index) const { return link_.isThere(index + 1); }
     /// Tries the chosen port (nothing: the stored one) and stores it. True: the dialog closes;
     /// false: the fault has been told.
     Task<bool> confirm(std::optional<int> index);

@@ -43,6 +43,11 @@ bool onlyLater() {
 
 } // namespace
 
+bool PosixSerialPort::isThere(int portNumber) const {
+    return portNumber >= 1 && portNumber <= 4 &&
+           ::access(devicePath_(portNumber).c_str(), F_OK) == 0;
+}
+
 bool PosixSerialPort::open(int portNumber, const std::string& settings) {
     close();
     if (portNumber < 1 || portNumber > 4)

@@ -22,6 +22,7 @@ class PosixSerialPort : public SerialPort {
     ~PosixSerialPort() override { close(); }
 
     bool open(int portNumber, const std::string& settings) override;
+    bool isThere(int portNumber) const override;
     bool isOpen() const override { return fd_ >= 0; }
     void close() override;
 

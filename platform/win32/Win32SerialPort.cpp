@@ -60,6 +60,14 @@ void setLine(DCB& dcb, const LineSettings& line) {
 
 } // namespace
 
+bool Win32SerialPort::isThere(int portNumber) const {
+    if (portNumber < 1 || portNumber > 4) return false;
+    const std::wstring name = L"COM" + std::to_wstring(portNumber);
+    wchar_t device[MAX_PATH];
+    return ::QueryDosDeviceW(name.c_str(), device, MAX_PATH) != 0 ||
+           ::GetLastError() == ERROR_INSUFFICIENT_BUFFER;
+}
+
 bool Win32SerialPort::open(int portNumber, const std::string& settings) {
     close();
     name_ = "COM" + std::to_string(portNumber);

@@ -18,6 +18,7 @@ class Win32SerialPort : public SerialPort {
     ~Win32SerialPort() override { close(); }
 
     bool open(int portNumber, const std::string& settings) override;
+    bool isThere(int portNumber) const override;
     bool isOpen() const override { return handle_ != nullptr; }
     void close() override;
 

@@ -34,6 +34,7 @@ class FakeTracker final : public SerialPort {
         return isOpen_;
     }
     bool isOpen() const override { return isOpen_; }
+    bool isThere(int portNumber) const override { return portNumber != missing; }
     void close() override {
         isOpen_ = false;
         if (closingFails) throw std::runtime_error("closing failed");
@@ -101,6 +102,7 @@ class FakeTracker final : public SerialPort {
     /// 540 min, 139.75 degrees, 35.5 degrees
     Bytes site{0x02, 0x1C, 0x40, 0x61, 0x78, 0, 0, 0, 0, 0, 0x40, 0x41, 0xC0, 0, 0, 0, 0, 0};
     Bytes origin{0x40, 0x76, 0x7F, 0xD7, 0x0A, 0x3D, 0x70, 0xA4}; ///< 359.99 degrees
+    int missing = 0;                                              ///< the port that is not there
     bool openable = true;
     bool unplugAfterInput = false; ///< vanishes when the last byte has been read
     bool closingFails = false;

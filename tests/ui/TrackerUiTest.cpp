@@ -54,6 +54,19 @@ TEST_F(TrackerUi, ToolsNeedAnIdleStation) {
     }
 }
 
+TEST_F(TrackerUi, PortsThatAreNotThereAreMarkedEachTime) {
+    for (const int missing : {3, 0}) {
+        w.port.missing = missing;
+        trigger("mnuCOMSelect");
+        QDialog& form = dialog("FrmComPort");
+        EXPECT_EQ(find<QRadioButton>(form, "Option1_2").text().remove('&'),
+                  missing == 3 ? "COM3 (not there)" : "COM3");
+        EXPECT_TRUE(find<QRadioButton>(form, "Option1_2").isEnabled());
+        EXPECT_EQ(find<QRadioButton>(form, "Option1_3").text().remove('&'), "COM4");
+        dismiss(form);
+    }
+}
+
 TEST_F(TrackerUi, StoredPortIsSelected) {
     const std::tuple<const char*, int, const char*> cases[] = {
         {"3", 2, "Option1_2"}, {"1", 0, "Option1_0"}, {"7", -1, "Command1"}, {"4", 3, "Option1_3"}};

@@ -38,6 +38,10 @@ void FrmComPort::showEvent(QShowEvent* event) {
 }
 
 void FrmComPort::Form_Activate() {
+    for (std::size_t index = 0; index < Option1_.size(); ++index)
+        Option1_[index]->setText(
+            QString(ports_.isThere(static_cast<int>(index)) ? "COM&%1" : "COM&%1 (not there)")
+                .arg(index + 1));
     const std::optional<int> stored = ports_.storedIndex();
     // A group of option buttons refuses to have none selected while it is exclusive.
     for (QRadioButton* option : Option1_) {

@@ -13,8 +13,9 @@ class QRadioButton;
 
 namespace orvane {
 
-/// Chooses the tracker's port. OK tries the port first: the dialog stays open, with the old port
-/// stored, when it cannot be opened.
+/// Chooses the tracker's port. Those that are not there when it opens are marked, but can be
+/// chosen: their adapter may be plugged in yet. OK tries the port first: the dialog stays open,
+/// with the old port stored, when it cannot be opened.
 class FrmComPort : public QDialog {
   public:
     /// Both outlive the dialog.

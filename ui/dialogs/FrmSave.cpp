@@ -19,7 +19,7 @@ FrmSave::FrmSave(ImageOptions& options, QWidget* parent) : QDialog(parent), opti
     QVBoxLayout* left = column({rawGroup(), formatGroup()});
     QVBoxLayout* right = column({{qualityGroup(), 1}, dateGroup()});
     setUp(*this, "FrmSave", "Save Options",
-          {row({{left, 1}, {right, 1}}, 12), delayRow(), buttons()});
+          {row({{left, 1}, {right, 1}}, 12), delayRow(), untilRow(), buttons()});
     Form_Load();
 }
 
@@ -66,6 +66,13 @@ QLayout* FrmSave::delayRow() {
     txt_delay_->setFixedWidth(txt_delay_->fontMetrics().horizontalAdvance("0000000") + 12);
     label->setBuddy(txt_delay_);
     return row({label, txt_delay_, Item()}, 10);
+}
+
+QLabel* FrmSave::untilRow() {
+    QLabel* until = unitLabel("Mirroring, date and format hold until the program ends; the rest is "
+                              "kept.");
+    until->setObjectName("lbl_until");
+    return until;
 }
 
 QLayout* FrmSave::buttons() {

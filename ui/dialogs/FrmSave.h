@@ -6,6 +6,7 @@
 
 class QCheckBox;
 class QGroupBox;
+class QLabel;
 class QLineEdit;
 class QRadioButton;
 
@@ -24,6 +25,7 @@ class FrmSave : public QDialog {
     QGroupBox* formatGroup();
     QGroupBox* qualityGroup();
     QLayout* delayRow();
+    static QLabel* untilRow();
     QLayout* buttons();
     QRadioButton* quality(const char* name, const QString& caption, std::int16_t factor);
 
