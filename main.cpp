@@ -97,7 +97,8 @@ int main(int argc, char** argv) {
     const std::optional<int> requests = keepEndRequests();
     FileLock lock;
     const FileLock::Outcome locked = lock.take(programFolder() / "orvane.lock");
-    if (locked.isOthers) return runBox("Orvane is running already.", 3, requests);
+    if (locked.isOthers)
+        return runBox("Orvane is running already. Look for its window.", 3, requests);
     try {
         return run(application, locked.fault, requests);
     } catch (...) {

@@ -98,6 +98,7 @@ std::string DayReport::outcome() const {
     std::string told = utf8FromPath(target_.filename()) + " is written.";
     if (unread_ == 1) told += " The folder of 1 day cannot be read.";
     if (unread_ > 1) told += " The folders of " + std::to_string(unread_) + " days cannot be read.";
+    if (unread_ > 0) told += " See to the access rights.";
     return told;
 }
 

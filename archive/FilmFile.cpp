@@ -57,7 +57,9 @@ std::filesystem::path FilmFile::program() const {
 void FilmFile::choose(const std::filesystem::path& program) {
     if (running) return;
     const bool stored = store_.SaveSetting(kSection, kKey, utf8FromPath(program));
-    text = stored ? "" : "The settings cannot be stored, so that this ffmpeg cannot be used.";
+    text = stored ? ""
+                  : "The settings cannot be stored, so that this ffmpeg cannot be used. See "
+                    "whether their disk is full or write-protected.";
 }
 
 void FilmFile::start(DaySpan span, const FilmOptions& options,
@@ -185,7 +187,7 @@ void FilmFile::beginFilm(FilmSize pictures) {
 }
 
 Task<Fault> FilmFile::finish() {
-    if (!begun_) co_return "there are no pictures that can be used";
+    if (!begun_) co_return "there are no pictures that can be used; choose other days";
     text = "finishing the film";
     Task<Fault> ending = endFfmpeg(kFinishing);
     Fault fault = co_await ending;
@@ -242,7 +244,9 @@ std::string FilmFile::outcome() const {
                seconds(frames_, form_.rate) + ".";
     if (passedOver_ > 0)
         told += " Passed over: " + counted(passedOver_, "picture", "pictures") + "; see ERROR.LOG.";
-    if (unread_ > 0) told += " Cannot be read: " + counted(unread_, "day", "days") + ".";
+    if (unread_ > 0)
+        told += " Cannot be read: " + counted(unread_, "day", "days") +
+                "; see to the access rights of the folders.";
     return told;
 }
 

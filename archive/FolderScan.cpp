@@ -44,9 +44,9 @@ void FolderScan::cmd_find_Click() {
     std::ranges::sort(shown); // the shared list keeps the system's order
     panel_.lst_found = std::move(shown);
     if (module_.foundCount == 0) {
-        panel_.lbl_found.caption = "This folder cannot be opened.";
+        panel_.lbl_found.caption = "This folder cannot be opened. Choose another one.";
     } else if (found == 0) {
-        panel_.lbl_found.caption = "No file has this in its name.";
+        panel_.lbl_found.caption = "No file has this in its name. Try less of it.";
     } else {
         const bool full =
             static_cast<std::size_t>(module_.foundCount) == module_.foundImages.size();

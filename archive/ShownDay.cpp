@@ -83,7 +83,8 @@ const DayPlan& ShownDay::plan() {
         plan_.text = "reading the day's folder...";
     } else if (past_->folder.fault()) {
         plan_ = DayPlan();
-        plan_.text = "the day's folder cannot be read: " + *past_->folder.fault();
+        plan_.text = "the day's folder cannot be read: " + *past_->folder.fault() +
+                     "; see to its access rights";
     } else {
         plan_ = past_->planPast(scheduleOf(parts_.panel), parts_.days.delay());
     }

@@ -35,7 +35,7 @@ void SpanWork::cancel() {
 Task<> SpanWork::run(DaySpan span) {
     Task<bool> working = parts_.faults.run(name_, days(span));
     const bool worked = co_await working;
-    if (!worked) end("Ended by a fault; see ERROR.LOG.");
+    if (!worked) end("Ended by a fault; see ERROR.LOG. Please tell whoever maintains the program.");
 }
 
 Task<> SpanWork::days(DaySpan span) {
@@ -49,7 +49,7 @@ Task<> SpanWork::days(DaySpan span) {
             Task<Fault> working = workOn(day_);
             fault = co_await working;
         } else {
-            fault = "the data folder is not there";
+            fault = "the data folder is not there; connect its disk or choose another one";
         }
     }
     if (!fault) {

@@ -92,7 +92,9 @@ Task<> CameraPanel::Command8_Click() {
         views_.showLatest(module_.programFolder / kWorkingPicture);
         co_return;
     }
-    std::string message = "The camera sent no picture: " + reply.fault;
+    std::string message = "The camera sent no picture: " + reply.fault +
+                          ".\nCheck its power and network, and its address and port on the page "
+                          "Camera.";
     co_await op_.tell(std::move(message));
 }
 

@@ -113,7 +113,7 @@ Task<std::string> MailQueue::test(MailSettings settings, Letter letter) {
     const MailOutcome outcome = co_await task;
     std::string told = "The mail server has taken the mail.";
     if (outcome.fault) {
-        told = "No mail was sent: " + *outcome.fault + ".";
+        told = "No mail was sent: " + *outcome.fault + ". Please correct that and test again.";
     } else if (!outcome.refused.empty()) {
         told = "The mail server has taken the mail, but not for " + joined(outcome.refused);
     }

@@ -139,7 +139,8 @@ std::optional<MailMistake> mistakeInAddresses(const MailSettings& settings) {
         return MailMistake{MailField::To, "Please enter the recipients' mail addresses, with "
                                           "commas between them."};
     if (recipients->size() > kMostRecipients)
-        return MailMistake{MailField::To, "No more than ten recipients can be told."};
+        return MailMistake{MailField::To, "No more than ten recipients can be told. Please leave "
+                                          "some out."};
     return std::nullopt;
 }
 
@@ -165,7 +166,9 @@ std::optional<MailMistake> mistakeIn(const MailSettings& settings) {
     if (!server.user.empty() && server.password.empty())
         return MailMistake{MailField::Password, "Please enter the user's password."};
     if (!server.caFile.empty() && !isThere(server.caFile))
-        return MailMistake{MailField::CaFile, "There is no such file of certificates."};
+        return MailMistake{MailField::CaFile,
+                           "There is no such file of certificates. Please choose "
+                           "another one, or none."};
     return mistakeInAddresses(settings);
 }
 
@@ -185,7 +188,8 @@ Fault saveMailSettings(SettingsStore& store, const MailSettings& settings) {
     for (const Item& item : kItems) {
         std::string stored;
         if (!item.save(settings, stored)) return "The system does not keep the password.";
-        if (!store.SaveSetting(kSection, item.key, stored)) return "The settings cannot be stored.";
+        if (!store.SaveSetting(kSection, item.key, stored))
+            return "The settings cannot be stored: see whether their disk is full.";
     }
     return std::nullopt;
 }

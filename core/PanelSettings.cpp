@@ -116,7 +116,8 @@ Fault PanelSettings::initOperation() {
         const std::string text = store_.GetSetting(section, key, fallback);
         if (!std::visit(Load{text}, target))
             return std::string("The stored setting ") + section + " / " + key + " holds \"" + text +
-                   "\", which is not a usable number.";
+                   "\", which is not a usable number. Correct or remove that entry, then start "
+                   "again.";
     }
     showSite();
     panel_.chk_time.ticked = module_.AdjTime != 0;

@@ -34,7 +34,8 @@ Task<bool> Shutdown::MDIForm_QueryUnload(UnloadMode mode) {
     }
     if (stored) co_return true;
     std::string question = "The settings cannot be stored: what was changed since the program's "
-                           "start is lost. Close anyway?";
+                           "start is lost. To keep it, cancel and see to the disk that they are "
+                           "stored on. Close anyway?";
     Task<bool> losing = parts_.op.ask(std::move(question));
     const bool mayClose = co_await losing;
     co_return mayClose;

@@ -25,7 +25,9 @@ void Faults::tell(const std::string& where, const std::exception_ptr& fault) noe
         const std::string text = textOf(fault);
         Known& known = note(where + ":" + text);
         if (!known.box.done()) return;
-        known.box = op_.tell("A fault occurred: " + text + "\nThe program goes on.");
+        known.box = op_.tell("A fault occurred: " + text +
+                             "\nThe program goes on. Please note this text and tell whoever "
+                             "maintains the program.");
         known.box.start();
     } catch (...) {
     }

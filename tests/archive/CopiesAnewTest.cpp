@@ -122,7 +122,9 @@ TEST(CopiesAnew, WhatFailsIsToldAndPassedOver) {
          5},
         {"no folder", unreadable, "4 copies made, 1 day that cannot be read; see ERROR.LOG.", 4},
         {"no data folder", [](Days& t) { std::filesystem::remove_all(t.s.dataFolder()); },
-         "Ended early: the data folder is not there. 0 copies made.", 0},
+         "Ended early: the data folder is not there; connect its disk or choose another one. 0 "
+         "copies made.",
+         0},
     };
     for (const Case& test : cases) {
         Days t;

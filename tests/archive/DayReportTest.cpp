@@ -89,7 +89,9 @@ TEST(DayReport, UnreadableFoldersSaySo) {
     EXPECT_TRUE(table.starts_with(kHeader + "2006/11/12,4,0,0,4,,,\r\n2006/11/13,4,,,,,,"));
     EXPECT_NE(table.find("cannot be read: "), std::string::npos) << table;
     EXPECT_TRUE(table.ends_with("2006/11/14,4,0,0,4,,,\r\n"));
-    EXPECT_EQ(d.text(), "report.csv is written. The folder of 1 day cannot be read.");
+    EXPECT_EQ(
+        d.text(),
+        "report.csv is written. The folder of 1 day cannot be read. See to the access rights.");
 }
 
 TEST(DayReport, FieldsAreQuotedWhereTheyMustBe) {
@@ -120,7 +122,8 @@ TEST(DayReport, IsWrittenWholeOrNotAtAll) {
     EXPECT_TRUE(d.text().starts_with("Ended early: the report cannot be written: ")) << d.text();
     std::filesystem::remove_all(d.s.dataFolder());
     d.reportOf(12, 14);
-    EXPECT_EQ(d.text(), "Ended early: the data folder is not there. No report was written.");
+    EXPECT_EQ(d.text(), "Ended early: the data folder is not there; connect its disk or choose "
+                        "another one. No report was written.");
 }
 
 /// The schedule of the start holds, whatever happens meanwhile.

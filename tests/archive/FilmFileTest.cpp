@@ -208,9 +208,11 @@ TEST(FilmFile, WhatFailsIsToldAndLeavesNothing) {
         {"does not end", fails("hang at the end"), "Ended early: ffmpeg failed: it does not end ("},
         {"fails at the end", fails("exit code"), "Ended early: ffmpeg failed: exit code 1 ("},
         {"no pictures", [](Film& f) { std::filesystem::remove_all(f.s.dataFolder() / "20061115"); },
-         "Ended early: there are no pictures that can be used. No film was written."},
+         "Ended early: there are no pictures that can be used; choose other days. No film was "
+         "written."},
         {"the data folder goes", [](Film& f) { std::filesystem::remove_all(f.s.dataFolder()); },
-         "Ended early: the data folder is not there. No film was written."},
+         "Ended early: the data folder is not there; connect its disk or choose another one. No "
+         "film was written."},
         {"the target is a folder",
          [](Film& f) {
              std::filesystem::remove(f.target);

@@ -348,11 +348,12 @@ TEST(Alerts, ATestTellsWhatBecameOfIt) {
     EXPECT_EQ(s.subjects(), std::vector<std::string>{"Orvane: test of the alerts"});
     s.refuseMails("the mail server refused the log-in: 535 no");
     EXPECT_EQ(test(wanted(true, true)),
-              "No mail was sent: the mail server refused the log-in: 535 no.");
+              "No mail was sent: the mail server refused the log-in: 535 no. Please correct that "
+              "and test again.");
     MailSettings wrong = wanted(true, true);
     wrong.to = "nobody";
     EXPECT_EQ(test(wrong), "No mail was sent: Please enter the recipients' mail addresses, with "
-                           "commas between them.");
+                           "commas between them. Please correct that and test again.");
     EXPECT_FALSE(s.warnings.stands(Cause::Mail)) << "he has been told";
 }
 
@@ -373,7 +374,8 @@ TEST(MailSettings, AreStoredAndTakenBack) {
     EXPECT_EQ(loadMailSettings(store).settings.server.security, MailSecurity::StartTls)
         << "never less secure by a mistake";
     store.readOnly = true;
-    EXPECT_EQ(saveMailSettings(store, settings), "The settings cannot be stored.");
+    EXPECT_EQ(saveMailSettings(store, settings),
+              "The settings cannot be stored: see whether their disk is full.");
 }
 
 TEST(MailSettings, MistakesAreFound) {

@@ -61,8 +61,11 @@ TEST(Faults, AreLoggedOnceAMinuteEachAndToldOnce) {
         s.clock.run(100ms);
     }
     s.clock.run(1min);
-    EXPECT_EQ(s.op.told, (Lines{"A fault occurred: first\nThe program goes on.",
-                                "A fault occurred: second\nThe program goes on."}));
+    const std::string end =
+        "\nThe program goes on. Please note this text and tell whoever maintains "
+        "the program.";
+    EXPECT_EQ(s.op.told,
+              (Lines{"A fault occurred: first" + end, "A fault occurred: second" + end}));
     EXPECT_EQ(s.countLogged("Orvane:first"), 2);
     EXPECT_EQ(s.countLogged("Orvane:second (600 times)"), 2);
     EXPECT_EQ(s.logged().size(), 8U);

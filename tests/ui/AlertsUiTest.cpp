@@ -57,7 +57,9 @@ TEST_F(AlertsUi, IsOffAtFirstAndStoresWhatIsEntered) {
     EXPECT_EQ(find<QLineEdit>(form, "txtHost").text(), "mail.example.org") << "what is in force";
     w.store.readOnly = true;
     click(form, "cmdOk");
-    EXPECT_EQ(told(), "The settings cannot be stored. They hold until the program ends.");
+    EXPECT_EQ(told(),
+              "The settings cannot be stored: see whether their disk is full. They hold until the "
+              "program ends.");
 }
 
 TEST_F(AlertsUi, ThePortFollowsTheSecurity) {
@@ -100,7 +102,8 @@ TEST_F(AlertsUi, ATestShowsItsProgressAndItsOutcome) {
     EXPECT_FALSE(find<QPushButton>(form, "cmdTest").isEnabled());
     w.clock.run(5s);
     EXPECT_EQ(told(),
-              "No mail was sent: the mail server refused the log-in: 535 5.7.8 <no> & never.");
+              "No mail was sent: the mail server refused the log-in: 535 5.7.8 <no> & never. "
+              "Please correct that and test again.");
     EXPECT_TRUE(find<QPushButton>(form, "cmdTest").isEnabled());
     EXPECT_FALSE(w.alerts.settings().wanted()) << "a test stores nothing";
     w.mail.answer = nullptr;

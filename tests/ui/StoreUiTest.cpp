@@ -85,7 +85,7 @@ TEST_F(StoreUi, FindsFilesAndOpensThem) {
     EXPECT_EQ(w.module.foundCount, 1);
     w.panel.Dir1[1].path = w.dataFolder() / "gone";
     click(w.main, "cmd_find");
-    EXPECT_EQ(result.text(), "This folder cannot be opened.");
+    EXPECT_EQ(result.text(), "This folder cannot be opened. Choose another one.");
     EXPECT_EQ(w.module.foundCount, 0);
 }
 

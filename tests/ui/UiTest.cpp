@@ -104,13 +104,14 @@ TEST_F(Ui, WidgetsFollowValues) {
 
 TEST_F(Ui, EveryControlOfThePanelIsThere) {
     Window w(op);
-    const char* names[] = {
-        "chk_auto",  "chk_time", "chkLive",  "Command1",     "Command2",    "Command3",
-        "Command5",  "Command7", "Command8", "Dir1_0",       "Frame3_1",    "txtIp",
-        "txtPort",   "txt_lat",  "txt_long", "txt_tz",       "Label7",      "Label11",
-        "Label12",   "Label13",  "lbl_free", "Text1_6",      "lbl_sunrise", "lbl_sunset",
-        "UpDown1_6", "Command4", "Command6", "cmd_Download", "lbl_dlcnt",   "lbl_sync",
-        "chk_fill",  "Dir1_1",   "txt_find", "cmd_find",     "lst_found",   "lbl_found"};
+    const char* names[] = {"chk_auto",  "chk_time",  "chkLive",      "Command1",   "Command2",
+                           "Command3",  "Command5",  "Command7",     "Command8",   "Dir1_0",
+                           "Frame3_1",  "txtIp",     "txtPort",      "txt_lat",    "txt_long",
+                           "txt_tz",    "Label7",    "Label11",      "Label12",    "Label13",
+                           "lbl_free",  "Text1_6",   "lbl_sunrise",  "lbl_sunset", "UpDown1_6",
+                           "Command4",  "Command6",  "cmd_Download", "lbl_dlcnt",  "lbl_sync",
+                           "chk_fill",  "Dir1_1",    "txt_find",     "cmd_find",   "lst_found",
+                           "lbl_found", "sgn_status"};
     auto& tabs = find<QTabWidget>(w.main, "pages");
     for (const char* name : names) {
         const auto found = w.main.operation().findChildren<QWidget*>(name);
@@ -180,7 +181,52 @@ TEST_F(Ui, FolderListWalksAndStores) {
     EXPECT_EQ(list.count(), 3);
     w.panel.Dir1[0].path = std::filesystem::path("/nowhere/at/all");
     ASSERT_EQ(list.count(), 2);
-    EXPECT_EQ(list.item(1)->text(), "(folder not available)");
+    EXPECT_EQ(list.item(1)->text(), "(folder not available: choose another one)");
+}
+
+TEST_F(Ui, ADayOfTheFolderListOpensInTheBand) {
+    Window w(op);
+    for (const char* name : {"20061113", "Edit", "20061340"})
+        std::filesystem::create_directory(w.dataFolder() / name);
+    auto& list = find<FolderView>(w.main, "Dir1_0");
+    list.setPath(w.dataFolder());
+    list.setFocus();
+    const auto enter = [&](int row) {
+        list.setCurrentRow(row);
+        QTest::keyClick(&list, Qt::Key_Return);
+    };
+    enter(1);
+    EXPECT_EQ(w.shownDay.day(), std::chrono::floor<std::chrono::days>(at(2006, 11, 13)));
+    EXPECT_EQ(w.panel.Dir1[0].path.get(), w.dataFolder()) << "it stays the data folder";
+    w.op.answer = false;
+    enter(3);
+    ASSERT_EQ(w.op.asked.size(), 1U);
+    w.clock.run(2s);
+    EXPECT_EQ(w.panel.Dir1[0].path.get(), w.dataFolder());
+    enter(2);
+    EXPECT_EQ(w.panel.Dir1[0].path.get(), w.dataFolder() / "20061340") << "no day of any calendar";
+    EXPECT_EQ(w.op.asked.size(), 1U);
+}
+
+TEST_F(Ui, AQuestionWithDoubtIsAnsweredNoByEnterAndEscape) {
+    QtOperator asked(clock);
+    for (const auto& [key, expected] :
+         {std::pair(Qt::Key_Return, false), std::pair(Qt::Key_Escape, false),
+          std::pair(Qt::Key_unknown, true)}) {
+        Task<bool> question = asked.confirm("Sure?");
+        question.start();
+        QMessageBox* box = openBox();
+        ASSERT_NE(box, nullptr);
+        ASSERT_TRUE(QTest::qWaitForWindowActive(box));
+        if (expected) {
+            click(*box->button(QMessageBox::Yes));
+        } else {
+            QTest::keyClick(box, key);
+        }
+        clock.run(1s);
+        ASSERT_TRUE(question.done());
+        EXPECT_EQ(question.result(), expected);
+    }
 }
 
 TEST_F(Ui, FolderListIsBounded) {
@@ -277,7 +323,10 @@ TEST_F(Ui, WarningOpensAndClosesByItself) {
     EXPECT_FALSE(form.isVisible());
     warnings.set(Warnings::Cause::DiskSpace, "Little space.");
     EXPECT_TRUE(form.isVisible()) << "a new text opens it again";
-    EXPECT_EQ(find<QLabel>(form, "Label1").text(), "No image at 09:30 and 10:00.\nLittle space.");
+    const QString text = find<QLabel>(form, "Label1").text();
+    EXPECT_TRUE(text.startsWith("No image at 09:30 and 10:00.\nCheck the camera's power"))
+        << text.toStdString();
+    EXPECT_TRUE(text.contains("\nLittle space.\nMove old days elsewhere"));
     warnings.clear(Warnings::Cause::NoImage);
     EXPECT_TRUE(form.isVisible());
     warnings.clear(Warnings::Cause::DiskSpace);

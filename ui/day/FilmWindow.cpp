@@ -81,7 +81,7 @@ void FilmWindow::follow() {
     pictures_ = std::move(pictures);
     std::vector<std::filesystem::path> files(pictures_.size());
     std::ranges::transform(pictures_, files.begin(), &FiledPicture::file);
-    if (pictures_.empty()) view_->showText("There is no picture of this day.");
+    if (pictures_.empty()) view_->showText("There is no picture of this day. Turn to another one.");
     player_.setFiles(std::move(files),
                      parts_.module.imageProcessing ? parts_.module.image : ImageOptions());
 }

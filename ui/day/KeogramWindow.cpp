@@ -187,7 +187,9 @@ void KeogramWindow::save() {
                 const Fault fault = writeToFinalName(buffer.data().toStdString(), toPath(file));
                 if (!fault) return;
                 auto* box = new QMessageBox(QMessageBox::Warning, "Orvane",
-                                            "The keogram was not saved.\n" + toQString(*fault),
+                                            "The keogram was not saved.\n" + toQString(*fault) +
+                                                "\nSee whether the disk is full or "
+                                                "write-protected, or choose another folder.",
                                             QMessageBox::Ok, this);
                 openOnce(box);
             });

@@ -39,7 +39,8 @@ FrmStatusPage::FrmStatusPage(const Module1& module, PanelSettings& settings, QWi
 
 void FrmStatusPage::chk_latest_Click(bool on) {
     if (!settings_.keepLatestCopy(on))
-        tell("The switch cannot be stored: it holds until the program ends.");
+        tell("The switch cannot be stored: it holds until the program ends. See whether the disk "
+             "of the settings is full or write-protected.");
 }
 
 void FrmStatusPage::Command1_Click() {

@@ -1,5 +1,6 @@
 #include "ui/dialogs/Frm_massege.h"
 
+#include "core/Causes.h"
 #include "ui/Layout.h"
 #include "ui/Text.h"
 #include "ui/panel/PanelControls.h"
@@ -9,7 +10,7 @@
 namespace orvane {
 
 Frm_massege::Frm_massege(Warnings& warnings, QWidget* parent)
-    : QDialog(parent), text_(new QLabel("Warning", this)) {
+    : QDialog(parent), warnings_(warnings), text_(new QLabel("Warning", this)) {
     setAttribute(Qt::WA_ShowWithoutActivating);
     text_->setObjectName("Label1");
     text_->setTextFormat(Qt::PlainText);
@@ -28,7 +29,10 @@ Frm_massege::Frm_massege(Warnings& warnings, QWidget* parent)
 
 void Frm_massege::follow(const std::string& text) {
     if (text.empty()) return hide();
-    text_->setText(toQString(text));
+    QStringList all;
+    for (const auto& [cause, warning] : warnings_.standing())
+        all << toQString(withAdvice(cause, warning));
+    text_->setText(all.join('\n'));
     show();
     raise();
 }

@@ -18,6 +18,7 @@ class Frm_massege : public QDialog {
   private:
     void follow(const std::string& text);
 
+    const Warnings& warnings_;
     QLabel* text_;
     Bindings bindings_;
 };

@@ -99,7 +99,8 @@ Task<> ImageWindow::load(Purpose purpose, PictureSource source, QRect part) {
 void ImageWindow::take(const LoadedPicture& loaded) {
     if (!loaded.fault.empty()) {
         const QString path = QDir::toNativeSeparators(toQString(source_.file));
-        return showText((toQString(loaded.fault) + '\n' + path).trimmed());
+        const QString others = "\nPage Up and Page Down show the other pictures of its folder.";
+        return showText(toQString(loaded.fault) + (path.isEmpty() ? path : '\n' + path + others));
     }
     if (keepsJpeg_ || !source_.part.isNull()) source_.jpeg = loaded.jpeg;
     if (fileDetails_.isEmpty() && !loaded.jpeg.isEmpty() && source_.part.isNull())

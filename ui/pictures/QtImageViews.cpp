@@ -100,7 +100,8 @@ bool QtImageViews::open(const PictureSource& source, const QString& title) {
     }
     if (windows().size() >= kMaxWindows) {
         tasks_.spawn(op_.tell("No more than " + std::to_string(kMaxWindows) +
-                              " pictures can be open at a time.\nPlease close some of them."));
+                              " pictures can be open at a time.\nPlease close some of them, "
+                              "or all with Window > Close All."));
         return false;
     }
     auto* window = new ImageWindow(services_);
@@ -159,7 +160,9 @@ Task<> QtImageViews::save(PictureSource source, std::filesystem::path target) {
     Task<std::string> saving = loader_.save(std::move(source), std::move(target), module_.image);
     const std::string fault = co_await saving;
     if (fault.empty()) co_return;
-    Task<> telling = op_.tell(name + " was not saved.\n" + fault);
+    Task<> telling = op_.tell(name + " was not saved.\n" + fault +
+                              "\nSee whether the disk is full or write-protected, or choose "
+                              "another folder.");
     co_await telling;
 }
 
@@ -172,7 +175,8 @@ Task<> QtImageViews::writeCopy(std::filesystem::path file) {
     for (const ImageWindow* window : windows())
         if (window->source().file == file && !window->hasPicture()) co_return;
     Task<> telling =
-        op_.tell("No processed copy of " + utf8FromPath(file.filename()) + ".\n" + fault);
+        op_.tell("No processed copy of " + utf8FromPath(file.filename()) + ".\n" + fault +
+                 "\nThe picture itself is safe. See whether the folder Edit can be written.");
     co_await telling;
 }
 
