@@ -106,7 +106,8 @@ class Program {
                   {[this] { return panel_.Label7.caption.get(); },
                    [this](const std::string& caption) { panel_.Label7.caption = caption; }}};
     Faults faults_{log_, clock_, op_};
-    DayWatch days_{module_, panel_, clock_};
+    DaySchedules schedules_{module_, panel_, clock_, QtClock::utcOffsetAt};
+    DayWatch days_{module_, panel_, schedules_, clock_};
     LedgerKeeper ledger_{
         {days_, module_, panel_, clock_, log_, [this] { return clock_.utcOffset(); }}};
     DiskWatch disk_;
@@ -122,13 +123,14 @@ class Program {
     GapFilling gaps_{
         {module_, panel_, days_, archive_, gapPages_, gapTransfer_, log_, faults_, clock_, busy_}};
     Wishes wishes_{{module_, busy_, inetFileGet_, imageStore_, clock_}};
-    Recording recording_{module_, panel_, settings_, status_, log_, op_, wishes_, clock_};
+    Recording recording_{module_, panel_, schedules_, settings_, status_,
+                         log_,    op_,    wishes_,    clock_};
     FolderScan folderScan_{module_, panel_};
     Keograms keograms_{{keogramsControl_, module_, busy_, clock_}};
     ShownDay shownDay_{{days_, panel_, keograms_, clock_, faults_}};
     DaySurvey survey_{{days_, panel_, clock_, faults_}};
     CopiesAnew copies_{{panel_, busy_, log_, faults_, clock_}, copiesControl_};
-    DayReport report_{{panel_, busy_, log_, faults_, clock_}, module_};
+    DayReport report_{{panel_, busy_, log_, faults_, clock_}, module_, schedules_};
     FilmFile film_{{panel_, busy_, log_, faults_, clock_}, filmControl_, ffmpeg_, store_};
     Alerts alerts_{{module_, panel_, warnings_, days_, store_, log_, faults_, clock_,
                     alertsControl_, keograms_, mail_, [this] { return clock_.utcOffset(); }}};
@@ -140,8 +142,10 @@ class Program {
     OptionForm optionForm_;
     TrackerOptions options_{optionForm_,           module_, commands_, log_, op_, busy_,
                             [this] { takeSite(); }};
-    DailyClocks dailyClocks_{module_, timeSetting_, warnings_,
-                             busy_,   clock_,       [this](bool open) { showTimeDialog(open); }};
+    DailyClocks dailyClocks_{
+        module_, schedules_, timeSetting_, warnings_, busy_, clock_, [this](bool open) {
+            showTimeDialog(open);
+        }};
     FileWriter statusFiles_{FileWriter::Force::No};
     StatusFile statusFile_{{{module_, panel_, days_, disk_, warnings_, dailyClocks_, clock_,
                              ORVANE_VERSION, [this] { return clock_.utcOffset(); }},

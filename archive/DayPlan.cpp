@@ -64,11 +64,10 @@ DayPlan planOf(const DayPictures& pictures) {
     return plan;
 }
 
-void findNext(DayPlan& plan) {
+void findNext(DayPlan& plan, const Schedule& tomorrow) {
     for (int minute = 0; minute < kDayMinutes; ++minute) {
-        if (!plan.isDue[at(minute)]) continue;
-        plan.nextIsToday = plan.states[at(minute)] == DayState::ToCome;
-        if (plan.nextIsToday || !plan.next) plan.next = minute;
+        plan.nextIsToday = plan.isDue[at(minute)] && plan.states[at(minute)] == DayState::ToCome;
+        if (plan.nextIsToday || (!plan.next && isDueMinute(tomorrow, minute))) plan.next = minute;
         if (plan.nextIsToday) return;
     }
 }
@@ -113,13 +112,14 @@ DayPlan planWithoutRecording(const DayPictures& pictures, const DueMinutes& isDu
 }
 
 DayPlan planDay(const Schedule& schedule, const DueMinutes& isDue, const DayPictures& pictures,
-                int now, int delay, const WatchMinutes& watch) {
+                int now, int delay, const WatchMinutes& watch,
+                const std::optional<Schedule>& tomorrow) {
     DayPlan plan = planOf(pictures);
     plan.isDue = isDue;
     plan.begin = wholeMinutes(schedule.StartTime);
     plan.end = wholeMinutes(schedule.EndTime);
     judgeAll(plan, pictures, now, delay, watch);
-    findNext(plan);
+    findNext(plan, tomorrow.value_or(schedule));
     plan.text = planText(plan);
     return plan;
 }

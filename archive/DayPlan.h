@@ -70,9 +70,11 @@ struct DayPlan {
 };
 
 /// Judges a day in which minute `now` is under way and recording is on. A due minute without a
-/// picture is still to come until it and the whole minutes of `delay` are over.
+/// picture is still to come until it and the whole minutes of `delay` are over. `tomorrow` is the
+/// next day's schedule; by default the same.
 DayPlan planDay(const Schedule& schedule, const DueMinutes& isDue, const DayPictures& pictures,
-                int now, int delay, const WatchMinutes& watch = {});
+                int now, int delay, const WatchMinutes& watch = {},
+                const std::optional<Schedule>& tomorrow = {});
 /// The same while recording is off.
 DayPlan planWithoutRecording(const DayPictures& pictures, const DueMinutes& isDue = {}, int now = 0,
                              int delay = 0, const WatchMinutes& watch = {});

@@ -3,7 +3,6 @@
 #include "archive/Csv.h"
 #include "platform/Files.h"
 #include "platform/Paths.h"
-#include "station/PanelSchedule.h"
 
 #include <algorithm>
 
@@ -38,7 +37,7 @@ std::pair<std::string, std::string> firstAndLast(const DayFolder& folder) {
 void DayReport::start(DaySpan span, const std::filesystem::path& target) {
     if (running) return;
     target_ = target;
-    schedule_ = scheduleOf(parts().panel);
+    rule_ = schedules_.rule();
     delay_ = wholeMinutes(std::chrono::seconds(std::max<int>(module_.image.Delay, 0)));
     table_ = kHeader;
     unread_ = 0;
@@ -65,8 +64,9 @@ std::string DayReport::line(const ArchiveDay& day) const {
     const std::chrono::local_days today =
         std::chrono::floor<std::chrono::days>(parts().clock.now());
     const std::chrono::local_days date = day.folder.day();
-    const DayPlan plan = date < today ? day.planPast(schedule_, delay_)
-                                      : day.plan(schedule_, minuteUnderWay(date), delay_);
+    const Schedule schedule = schedules_.of(date, rule_);
+    const DayPlan plan = date < today ? day.planPast(schedule, delay_)
+                                      : day.plan(schedule, minuteUnderWay(date), delay_);
     const std::string begin = dateText(WallTime(date));
     const std::string due = std::to_string(plan.due);
     if (const Fault& unread = day.folder.fault())

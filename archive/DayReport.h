@@ -2,7 +2,7 @@
 
 #include "archive/ArchiveDay.h"
 #include "archive/SpanWork.h"
-#include "station/Module1.h"
+#include "station/DaySchedules.h"
 
 namespace orvane {
 
@@ -19,8 +19,9 @@ namespace orvane {
 /// folder that cannot be read has none of these, and the reason as its note.
 class DayReport final : public SpanWork {
   public:
-    /// `module` outlives it.
-    DayReport(Parts parts, const Module1& module) : SpanWork("DayReport", parts), module_(module) {}
+    /// `module` and `schedules` outlive it.
+    DayReport(Parts parts, const Module1& module, const DaySchedules& schedules)
+        : SpanWork("DayReport", parts), module_(module), schedules_(schedules) {}
 
     /// Replaces `target` if it exists. Nothing happens while it is running.
     void start(DaySpan span, const std::filesystem::path& target);
@@ -33,8 +34,9 @@ class DayReport final : public SpanWork {
     int minuteUnderWay(std::chrono::local_days day) const;
 
     const Module1& module_;
+    const DaySchedules& schedules_;
     std::filesystem::path target_;
-    Schedule schedule_;
+    DaySchedules::Rule rule_;
     int delay_ = 0; ///< whole minutes
     std::string table_;
     int unread_ = 0; ///< days

@@ -1,7 +1,5 @@
 #include "archive/DaySurvey.h"
 
-#include "station/PanelSchedule.h"
-
 #include <algorithm>
 
 namespace orvane {
@@ -39,7 +37,7 @@ Task<> DaySurvey::look(DaySpan span) {
             if (const Fault& fault = day.folder.fault())
                 result.text = "cannot be read: " + *fault;
             else
-                result = resultOf(day.planPast(scheduleOf(parts_.panel), parts_.days.delay()));
+                result = resultOf(day.planPast(parts_.days.scheduleOn(date), parts_.days.delay()));
         }
         results_[date] = std::move(result);
         found = static_cast<int>(results_.size());

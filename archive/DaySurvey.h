@@ -14,8 +14,8 @@ class DaySurvey {
   public:
     /// What it works with; all of it outlives this.
     struct Parts {
-        DayWatch& days;              ///< for today
-        const OperationPanel& panel; ///< for the data folder and the schedule
+        DayWatch& days;              ///< for today and the schedules
+        const OperationPanel& panel; ///< for the data folder
         Clock& clock;
         Faults& faults;
     };

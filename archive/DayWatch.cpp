@@ -34,17 +34,20 @@ bool isMissed(const LedgerLine& line) {
 
 } // namespace
 
-DayWatch::DayWatch(const Module1& module, const OperationPanel& panel, const Clock& clock,
-                   const DayFolder::Reader& reader)
-    : module_(module), panel_(panel), clock_(clock), today_(reader), yesterday_(reader) {}
+DayWatch::DayWatch(const Module1& module, const OperationPanel& panel, DaySchedules& schedules,
+                   const Clock& clock, const DayFolder::Reader& reader)
+    : module_(module), panel_(panel), schedules_(schedules), clock_(clock), today_(reader),
+      yesterday_(reader) {}
 
 /// Ten times a second: nothing is allocated while nothing has changed, and the data folder is
 /// compared as text, since comparing paths part by part is slow.
 void DayWatch::follow() {
     const WallTime now = clock_.now();
     noteJump(now);
+    schedules_.follow();
     const Seen seen{minuteIndex(now), module_.RecordFlg, module_.schedule,
-                    wholeMinutes(std::chrono::seconds(std::max<int>(module_.image.Delay, 0)))};
+                    wholeMinutes(std::chrono::seconds(std::max<int>(module_.image.Delay, 0))),
+                    schedules_.revision()};
     const std::filesystem::path& dataFolder = panel_.Dir1[0].path;
     const bool moved = dataFolder.native() != dataFolder_.native();
     if (seen == seen_ && !moved) return;
@@ -57,7 +60,7 @@ void DayWatch::follow() {
     const auto today = std::chrono::floor<std::chrono::days>(now);
     if (today != today_.folder.day() || moved) {
         turn(today);
-    } else if (seen.schedule != before.schedule) {
+    } else if (seen.schedule != before.schedule || seen.schedules != before.schedules) {
         findDue();
     }
 }
@@ -108,15 +111,15 @@ void DayWatch::turn(std::chrono::local_days today) {
 }
 
 void DayWatch::findDue() {
-    findDue(today_);
-    findDue(yesterday_);
+    findDue(today_, seen_.schedule);
+    findDue(yesterday_, scheduleOn(yesterday_.folder.day()));
     ++revision_;
 }
 
-void DayWatch::findDue(Day& day) const {
+void DayWatch::findDue(Day& day, const Schedule& schedule) const {
     const std::int64_t begin = firstMinuteOf(day.folder.day());
     const auto now = std::clamp<std::int64_t>(seen_.minute - begin, 0, kDayMinutes);
-    day.isDue = day.ledger.dueBy(seen_.schedule, static_cast<int>(now));
+    day.isDue = day.ledger.dueBy(schedule, static_cast<int>(now));
     for (const auto& [first, last] : neverWere_)
         for (auto minute = std::max(first, begin);
              minute <= std::min(last, begin + kDayMinutes - 1); ++minute)
@@ -133,8 +136,9 @@ const DayPlan& DayWatch::plan() {
     planned_ = revision_;
     ++plans_;
     const DayPictures& pictures = today_.folder.origins();
+    const auto tomorrow = today_.folder.day() + std::chrono::days(1);
     plan_ = seen_.recording ? planDay(seen_.schedule, today_.isDue, pictures, minuteOfDay(),
-                                      seen_.delay, today_.ledger.watch())
+                                      seen_.delay, today_.ledger.watch(), scheduleOn(tomorrow))
                             : planWithoutRecording(pictures, today_.isDue, minuteOfDay(),
                                                    seen_.delay, today_.ledger.watch());
     if (today_.folder.fault()) forgetMissed();
@@ -143,7 +147,7 @@ const DayPlan& DayWatch::plan() {
 
 DayPlan DayWatch::yesterdaysPlan() {
     yesterday_.folder.refresh();
-    return yesterday_.planPast(seen_.schedule, seen_.delay);
+    return yesterday_.planPast(scheduleOn(yesterday_.folder.day()), seen_.delay);
 }
 
 std::vector<LedgerLine> DayWatch::newLines() {

@@ -1,8 +1,7 @@
 #pragma once
 
 #include "archive/ArchiveDay.h"
-#include "station/Module1.h"
-#include "station/OperationPanel.h"
+#include "station/DaySchedules.h"
 
 #include <utility>
 
@@ -14,12 +13,12 @@ namespace orvane {
 /// which minutes never were because the clock was put forward over them. Those are not due.
 class DayWatch {
   public:
-    /// `module`, `panel` and `clock` outlive this object.
-    DayWatch(const Module1& module, const OperationPanel& panel, const Clock& clock,
-             const DayFolder::Reader& reader = listDay);
+    /// `module`, `panel`, `schedules` and `clock` outlive this object.
+    DayWatch(const Module1& module, const OperationPanel& panel, DaySchedules& schedules,
+             const Clock& clock, const DayFolder::Reader& reader = listDay);
 
-    /// Takes note of the time, the schedule and the settings. Cheap; to be called often, at least
-    /// once a minute.
+    /// Has today's schedule in force; takes note of the time, the schedule and the settings. Cheap;
+    /// to be called often, at least once a minute.
     void follow();
     /// `follow`, and reads today's folder when it has changed.
     void refresh();
@@ -35,6 +34,8 @@ class DayWatch {
     /// What today's folder holds.
     const DayFolder& folder() const { return today_.folder; }
     int delay() const { return seen_.delay; } ///< whole minutes of a capture's delay
+    /// The schedule of a day, as far as no ledger tells of another.
+    Schedule scheduleOn(std::chrono::local_days day) const { return schedules_.of(day); }
 
     /// What today is judged otherwise than its ledger tells, without offsets and reasons; each
     /// judgement is told once.
@@ -70,7 +71,8 @@ class DayWatch {
         std::int64_t minute = 0; ///< as `minuteIndex` counts
         bool recording = false;
         Schedule schedule;
-        int delay = 0; ///< whole minutes
+        int delay = 0;              ///< whole minutes
+        std::int64_t schedules = 0; ///< their revision
 
         bool operator==(const Seen&) const = default;
     };
@@ -84,7 +86,7 @@ class DayWatch {
     void turn(std::chrono::local_days today);
     void findDue();
     void forgetMissed();
-    void findDue(Day& day) const;
+    void findDue(Day& day, const Schedule& schedule) const;
     const Day* dayOf(std::int64_t minute) const;
     bool isDue(std::int64_t minute) const;
     bool isTaken(std::int64_t minute) const;
@@ -97,6 +99,7 @@ class DayWatch {
 
     const Module1& module_;
     const OperationPanel& panel_;
+    DaySchedules& schedules_;
     const Clock& clock_;
     Day today_;
     Day yesterday_;

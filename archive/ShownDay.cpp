@@ -1,7 +1,5 @@
 #include "archive/ShownDay.h"
 
-#include "station/PanelSchedule.h"
-
 #include <algorithm>
 
 namespace orvane {
@@ -86,7 +84,7 @@ const DayPlan& ShownDay::plan() {
         plan_.text = "the day's folder cannot be read: " + *past_->folder.fault() +
                      "; see to its access rights";
     } else {
-        plan_ = past_->planPast(scheduleOf(parts_.panel), parts_.days.delay());
+        plan_ = past_->planPast(parts_.days.scheduleOn(day()), parts_.days.delay());
     }
     return plan_;
 }

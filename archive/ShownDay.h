@@ -14,7 +14,7 @@ class ShownDay {
     /// What it works with; all of it outlives this.
     struct Parts {
         DayWatch& days;
-        const OperationPanel& panel; ///< for the data folder and the schedule
+        const OperationPanel& panel; ///< for the data folder
         Keograms& keograms;
         Clock& clock;
         Faults& faults;

@@ -78,7 +78,8 @@ struct Station {
     ErrorLog log{folder.path(), clock};
     Faults faults{log, clock, op};
     Warnings warnings{clock};
-    DayWatch days{module, panel, clock};
+    DaySchedules schedules{module, panel, clock, [](auto) { return 9h; }};
+    DayWatch days{module, panel, schedules, clock};
     DiskWatch disk;
     FileWriter files{FileWriter::Force::No};
     PictureArchive archive{{module, days, disk, files, imageControl, views, warnings, log, clock}};

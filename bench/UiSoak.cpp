@@ -129,8 +129,9 @@ bool openPicture(const std::filesystem::path& file) {
     Module1 module;
     module.image = {.Quality = 2, .LrFlg = -1, .DateFlg = -1, .JpegTyp = 98};
     LibjpegImageControl control(clock);
-    const OperationPanel panel;
-    const DayWatch days(module, panel, clock);
+    OperationPanel panel;
+    DaySchedules schedules{module, panel, clock, [](auto) { return 9h; }};
+    const DayWatch days(module, panel, schedules, clock);
     ErrorLog log("/nonexistent", clock);
     Faults faults(log, clock, op);
     QtImageViews views(clock, faults, op, module, days, control);
@@ -215,7 +216,8 @@ struct Days {
     Busy busy;
     ErrorLog log{"/nonexistent", clock};
     Faults faults{log, clock, op};
-    DayWatch days{module, panel, clock};
+    DaySchedules schedules{module, panel, clock, [](auto) { return 9h; }};
+    DayWatch days{module, panel, schedules, clock};
     LibjpegImageControl keogramControl{clock};
     LibjpegImageControl control{clock};
     Keograms keograms{{keogramControl, module, busy, clock}};

@@ -2,7 +2,6 @@
 
 #include "archive/DataFolder.h"
 #include "platform/Paths.h"
-#include "station/PanelSchedule.h"
 
 #include <cstdio>
 #include <random>
@@ -113,13 +112,14 @@ bool Alerts::mayMail(std::size_t most) {
     return posted_.size() < most;
 }
 
-/// The last day whose recording window has been over for a while. While nobody has recorded, the
-/// schedule on the panel counts.
+/// The last day whose recording window has been over for a while: today, yesterday, or the day
+/// before while yesterday's window reached to midnight.
 std::chrono::local_days Alerts::lastDayOver() const {
-    const Schedule& recorded = parts_.module.schedule;
-    const Schedule schedule = recorded == Schedule() ? scheduleOf(parts_.panel) : recorded;
-    return std::chrono::floor<std::chrono::days>(parts_.clock.now() - schedule.EndTime -
-                                                 kAfterWindow);
+    const WallTime now = parts_.clock.now();
+    auto day = std::chrono::floor<std::chrono::days>(now);
+    while (now < day + parts_.days.scheduleOn(day).EndTime + kAfterWindow)
+        day -= std::chrono::days(1);
+    return day;
 }
 
 /// What was before the first report is not reported on. A report that lies ahead by more than a day

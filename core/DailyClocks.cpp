@@ -16,9 +16,8 @@ bool DailyClocks::isDue(WallTime now, bool justCaptured) const {
     if (!module_.RecordFlg || module_.AdjTime != 1 || busy_.active()) return false;
     const auto day = std::chrono::floor<std::chrono::days>(now);
     if (day == lastDay_) return false;
-    const int minute = minuteOfDay(now);
-    const bool clear = !isDueMinute(module_.schedule, minute) &&
-                       !isDueMinute(module_.schedule, (minute + 1) % kDayMinutes);
+    const std::int64_t minute = minuteIndex(now);
+    const bool clear = !schedules_.isDue(minute) && !schedules_.isDue(minute + 1);
     return clear || (justCaptured && leavesNoGap(module_.schedule));
 }
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "station/Module1.h"
+#include "station/DaySchedules.h"
 #include "station/Warnings.h"
 #include "tracker/TimeSetting.h"
 
@@ -16,10 +16,10 @@ class DailyClocks {
     /// Opens (true) and unloads (false) the dialog that shows the procedure.
     using ShowDialog = std::function<void(bool)>;
 
-    DailyClocks(Module1& module, TimeSetting& setting, Warnings& warnings, Busy& busy, Clock& clock,
-                ShowDialog showDialog)
-        : module_(module), setting_(setting), warnings_(warnings), busy_(busy), clock_(clock),
-          showDialog_(std::move(showDialog)) {}
+    DailyClocks(Module1& module, const DaySchedules& schedules, TimeSetting& setting,
+                Warnings& warnings, Busy& busy, Clock& clock, ShowDialog showDialog)
+        : module_(module), schedules_(schedules), setting_(setting), warnings_(warnings),
+          busy_(busy), clock_(clock), showDialog_(std::move(showDialog)) {}
 
     /// Whether to run it now, with nothing else going on; `justCaptured` right after a capture,
     /// before its pause.
@@ -37,6 +37,7 @@ class DailyClocks {
 
   private:
     Module1& module_;
+    const DaySchedules& schedules_;
     TimeSetting& setting_;
     Warnings& warnings_;
     Busy& busy_;

@@ -86,6 +86,7 @@ Task<bool> MainLoop::pass() {
     const WallTime now = station_.clock.now();
     bool worked = station_.faults.attempt(kWhere, [&] { watch(now); });
     if (station_.wishes.standing()) co_return worked; // what they wait for must come to its end
+    if (isWindowOfThePast(now)) endOfWindow();
     if (!module.RecordFlg) {
         station_.panel.Label11.caption = std::string();
     } else if (isDue(now)) {
@@ -151,6 +152,7 @@ Task<bool> MainLoop::recordNow(std::int64_t dueMinute) {
         co_await pausing;
     }
     countCapture(fetched);
+    capturedDay_ = std::chrono::floor<std::chrono::days>(momentOf(dueMinute));
     co_return worked;
 }
 
@@ -176,14 +178,26 @@ void MainLoop::countCapture(std::int32_t fetched) {
     station_.panel.Label7.caption = "Recording Standby";
 }
 
+/// A window that follows the sun up to midnight is over when the next day's begins. A typed one has
+/// its end, or none.
+bool MainLoop::isWindowOfThePast(WallTime now) const {
+    return station_.module.RecordFlg && station_.module.RecDoneFlg &&
+           station_.panel.chk_sun.ticked &&
+           capturedDay_ < std::chrono::floor<std::chrono::days>(now);
+}
+
 void MainLoop::endOfWindow() {
     Module1& module = station_.module;
     Schedule& schedule = module.schedule;
     module.RecDoneFlg = false;
     station_.log.write("End Time");
-    schedule.NextRecTime = createNextRecTime(
-        schedule.StartTime, schedule.EndTime, schedule.IntervalTime,
-        std::chrono::floor<std::chrono::seconds>(timeOfDay(station_.clock.now())));
+    const WallTime now = station_.clock.now();
+    schedule.NextRecTime =
+        createNextRecTime(schedule.StartTime, schedule.EndTime, schedule.IntervalTime,
+                          std::chrono::floor<std::chrono::seconds>(timeOfDay(now)));
+    const auto tomorrow = std::chrono::floor<std::chrono::days>(now) + std::chrono::days(1);
+    if (timeOfDay(now) > schedule.EndTime)
+        schedule.NextRecTime = station_.days.scheduleOn(tomorrow).StartTime;
     module.RecCount = 0;
     module.filesFetched = 0;
 }
@@ -209,6 +223,7 @@ void MainLoop::watch(WallTime now) {
     watchDay(now);
     const std::int64_t minute = minuteIndex(now);
     const bool recording = station_.module.RecordFlg;
+    if (recording && station_.panel.chk_sun.ticked) planRecords();
     if (minute != watchedMinute_) watchFolder();
     const std::filesystem::path& folder = station_.panel.Dir1[0].path;
     const bool moved = folder.native() != watchedFolder_.native();
@@ -225,6 +240,13 @@ void MainLoop::watch(WallTime now) {
         Warnings::Cause::ErrorLog,
         station_.log.probe() ? "" : "ERROR.LOG in the program's folder cannot be written.");
     watchMissed();
+}
+
+/// Each day has its own window; only what is new is counted, since the count is shown with it.
+void MainLoop::planRecords() {
+    const Schedule& schedule = station_.module.schedule;
+    const auto window = schedule.EndTime - schedule.StartTime;
+    if (std::exchange(plannedWindow_, window) != window) station_.status.NumberOfRec();
 }
 
 void MainLoop::noteFolder() {
@@ -276,6 +298,7 @@ void MainLoop::watchDisk() {
 bool MainLoop::besides(WallTime now) {
     return station_.faults.attempt(kWhere, [&] {
         if (station_.wishes.standing()) return;
+        station_.days.follow(); // a capture may have taken it past midnight
         startLiveView();
         if (!station_.module.RecordFlg || isDue(now)) return;
         startSynchronisation();

@@ -26,10 +26,12 @@ class MainLoop {
     Task<bool> setClocks();
     Task<> pause(std::int64_t minute);
     void countCapture(std::int32_t fetched);
+    bool isWindowOfThePast(WallTime now) const;
     void endOfWindow();
     void watchDay(WallTime now);
     void watch(WallTime now);
     void noteFolder();
+    void planRecords();
     void watchFolder();
     void watchDisk();
     void watchMissed();
@@ -42,8 +44,10 @@ class MainLoop {
     Station& station_;
     RepeatedLine reasons_;          ///< why captures fail
     std::int64_t filedMinute_ = -1; ///< the latest that was captured, by being due or by its name
-    std::string fetchFault_;        ///< of the last capture; empty when it brought a picture
-    std::string missed_;            ///< the warning of missed minutes, with its reason
+    std::chrono::local_days capturedDay_{}; ///< of the due minute that was captured last
+    TimeOfDay plannedWindow_{};             ///< the length that the records were counted for
+    std::string fetchFault_; ///< of the last capture; empty when it brought a picture
+    std::string missed_;     ///< the warning of missed minutes, with its reason
     std::chrono::local_days sunDay_{};
     SiteValues sunSite_;
     std::int64_t watchedRevision_ = -1; ///< of the day's watch

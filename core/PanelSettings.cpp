@@ -16,6 +16,7 @@ constexpr const char* kFolderSection = "DataPath";
 constexpr const char* kFolderKey = "PathDataFile";
 constexpr const char* kStationSection = "Station";
 constexpr const char* kLatestCopyKey = "LatestCopy";
+constexpr const char* kFollowSunKey = "FollowSun";
 
 /// Replaces `value` by what was read; false when nothing was.
 template <class Number>
@@ -126,6 +127,7 @@ Fault PanelSettings::initOperation() {
     followDataFolder();
     panel_.Dir1[1].path = panel_.Dir1[0].path.get();
     module_.latestCopy = store_.GetSetting(kStationSection, kLatestCopyKey, "0") == "1";
+    panel_.chk_sun.ticked = store_.GetSetting(kStationSection, kFollowSunKey, "0") == "1";
     loaded_ = true;
     return std::nullopt;
 }
@@ -163,6 +165,10 @@ Fault PanelSettings::followDataFolder() {
 bool PanelSettings::keepLatestCopy(bool on) {
     module_.latestCopy = on;
     return store_.SaveSetting(kStationSection, kLatestCopyKey, on ? "1" : "0");
+}
+
+bool PanelSettings::keepFollowSun() {
+    return store_.SaveSetting(kStationSection, kFollowSunKey, panel_.chk_sun.ticked ? "1" : "0");
 }
 
 void PanelSettings::chk_time_Click() {

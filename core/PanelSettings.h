@@ -38,6 +38,8 @@ class PanelSettings {
     /// Switches the copy of the latest picture beside the status page, and stores that at once.
     /// False: it could not be stored; the switch holds all the same.
     bool keepLatestCopy(bool on);
+    /// Stores at once whether the window follows the sun. False: it could not be stored.
+    bool keepFollowSun();
     void chk_time_Click();
 
     /// After an edit of a site field: a number takes effect at once. False: the text is not a

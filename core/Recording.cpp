@@ -14,6 +14,7 @@ namespace {
 constexpr std::array<std::size_t, 5> kLockedFields{0, 1, 2, 3, 5};
 constexpr std::size_t kEndHour = 2;
 constexpr std::size_t kIntervalMinute = 5;
+constexpr std::array<std::size_t, 4> kWindowFields{0, 1, 2, 3};
 constexpr std::size_t kIntervalSecond = 6;
 
 constexpr std::array<const char*, 10> kMessages{
@@ -45,12 +46,6 @@ bool inRange(const TextBox& field, std::size_t index) {
 
 } // namespace
 
-TimeOfDay createNextRecTime(TimeOfDay start, TimeOfDay end, TimeOfDay interval, TimeOfDay now) {
-    if (now < start || interval <= 0s) return start;
-    const TimeOfDay next = start + ((now - start) / interval + 1) * interval;
-    return next > end ? start : next;
-}
-
 Task<> Recording::Command1_Click() {
     panel_.Command1.enabled = false;
     mnuRecordingStart = false;
@@ -77,6 +72,7 @@ Task<> Recording::Command1_Click() {
     panel_.Command1.enabled = false;
     panel_.Command2.enabled = true;
     mnuRecordingStop = true;
+    schedules_.begin();
     status_.runSync(true);
     status_.NumberOfRec();
     panel_.Label7.caption = "Recording Standby";
@@ -128,6 +124,17 @@ void Recording::enableInputs(bool enabled) {
     panel_.Dir1[0].enabled = enabled;
     panel_.Command3.enabled = enabled;
     panel_.Frame3[1].enabled = enabled;
+    panel_.chk_sun.enabled = enabled;
+    lockTimes();
+}
+
+/// While the window follows the sun, the typed times only wait for a day without one.
+void Recording::lockTimes() {
+    if (!panel_.chk_sun.ticked) return;
+    for (const std::size_t index : kWindowFields) {
+        panel_.UpDown1[index].enabled = false;
+        panel_.Text1[index].enabled = false;
+    }
 }
 
 /// The code of the first fault, or nothing. Makes the schedule's times on the way. The interval's
@@ -172,6 +179,19 @@ void Recording::chk_auto_Click() {
         panel_.Text1[index].enabled = unlocked;
         panel_.UpDown1[index].enabled = unlocked;
     }
+    panel_.chk_sun.enabled = unlocked && !module_.RecordFlg;
+    lockTimes();
+}
+
+/// It is locked together with the time fields.
+void Recording::chk_sun_Click() {
+    for (const std::size_t index : kWindowFields) {
+        panel_.Text1[index].enabled = true;
+        panel_.UpDown1[index].enabled = true;
+    }
+    lockTimes();
+    schedules_.follow();
+    if (!settings_.keepFollowSun()) log_.write("Follow the sun:The setting cannot be stored");
 }
 
 } // namespace orvane

@@ -4,26 +4,22 @@
 #include "core/PanelStatus.h"
 #include "core/Wishes.h"
 #include "platform/Operator.h"
+#include "station/DaySchedules.h"
 #include "station/ErrorLog.h"
-#include "station/Module1.h"
-#include "station/OperationPanel.h"
 
 #include <optional>
 
 namespace orvane {
 
-/// The time of the next capture: the first start + k * interval that lies after `now` and not after
-/// `end`, else `start` (tomorrow's first). `interval` 0 gives `start`. Pure; all times of day.
-TimeOfDay createNextRecTime(TimeOfDay start, TimeOfDay end, TimeOfDay interval, TimeOfDay now);
-
 /// Switches recording on and off and keeps the schedule fields in order. Two states: Ready (inputs
 /// enabled, Command1 enabled) and Recording (inputs disabled, Command2 enabled).
 class Recording {
   public:
-    Recording(Module1& module, OperationPanel& panel, PanelSettings& settings, PanelStatus& status,
-              ErrorLog& log, Operator& op, Wishes& wishes, Clock& clock)
-        : module_(module), panel_(panel), settings_(settings), status_(status), log_(log), op_(op),
-          wishes_(wishes), clock_(clock) {}
+    Recording(Module1& module, OperationPanel& panel, DaySchedules& schedules,
+              PanelSettings& settings, PanelStatus& status, ErrorLog& log, Operator& op,
+              Wishes& wishes, Clock& clock)
+        : module_(module), panel_(panel), schedules_(schedules), settings_(settings),
+          status_(status), log_(log), op_(op), wishes_(wishes), clock_(clock) {}
 
     /// Start Recording. A schedule that is not usable is told in a box; the task ends when the box
     /// is closed, in Ready.
@@ -45,6 +41,8 @@ class Recording {
     void UpDown1_Change(std::size_t index);
     /// Locks or unlocks the schedule fields.
     void chk_auto_Click();
+    /// Has the window follow the sun or the time fields, which are locked meanwhile; stores it.
+    void chk_sun_Click();
 
     /// The field of `Text1` that a refused start complained of, until the next start.
     Value<std::optional<std::size_t>> faultyField;
@@ -54,9 +52,11 @@ class Recording {
   private:
     std::optional<int> validate();
     void enableInputs(bool enabled);
+    void lockTimes();
 
     Module1& module_;
     OperationPanel& panel_;
+    DaySchedules& schedules_;
     PanelSettings& settings_;
     PanelStatus& status_;
     ErrorLog& log_;

@@ -1,5 +1,6 @@
 #include "imaging/SunTimes.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 
@@ -86,6 +87,22 @@ std::optional<SunDay> sunOfDay(const SiteValues& site, std::chrono::year_month_d
         (up ? day.sunrise : day.sunset) = static_cast<int>(minute);
     }
     return day;
+}
+
+std::optional<Daylight> daylightOf(const ElevationTable& elevation) {
+    const auto isUp = [&](int minute) {
+        const int ofDay = (minute + kDayMinutes) % kDayMinutes;
+        return isSunUp(elevation[static_cast<std::size_t>(ofDay) + 1]);
+    };
+    const auto highest = std::max_element(elevation.begin() + 1, elevation.end() - 1);
+    const auto noon = static_cast<int>(highest - elevation.begin()) - 1;
+    if (!isUp(noon)) return std::nullopt;
+    Daylight light{noon, noon, noon + 1};
+    while (isUp(light.sunset))
+        if (++light.sunset == noon + kDayMinutes) return std::nullopt;
+    while (isUp(light.sunrise - 1))
+        --light.sunrise;
+    return light;
 }
 
 } // namespace orvane

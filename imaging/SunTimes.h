@@ -55,4 +55,16 @@ struct SunDay {
 /// computed.
 std::optional<SunDay> sunOfDay(const SiteValues& site, std::chrono::year_month_day date);
 
+/// The daylight around the highest sun of a universal day, in minutes from the day's midnight. The
+/// day is taken as a circle, as in `sunOfDay`: the sunrise may lie on the day before, the sunset on
+/// the day after.
+struct Daylight {
+    int sunrise = 0; ///< first minute with the sun up, -1439 to 1439
+    int noon = 0;    ///< the highest sun, 0 to 1439
+    int sunset = 0;  ///< first minute with the sun down again, 1 to 2879
+};
+
+/// The same crossings that `scanCrossings` finds. Nothing in polar day and night.
+std::optional<Daylight> daylightOf(const ElevationTable& elevation);
+
 } // namespace orvane

@@ -46,6 +46,7 @@ struct Module1 {
     std::int32_t plannedRecords = 0;
 
     SiteValues site;
+    bool siteInEdit = false; ///< a site field is being typed in: it may hold half a number
     SunTimes sun;
     double origin = 0; ///< the tracker's, degrees
     ImageOptions image;

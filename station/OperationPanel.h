@@ -60,6 +60,8 @@ struct OperationPanel {
     std::array<TextBox, kFieldCount> Text1;
     std::array<Spinner, kFieldCount> UpDown1;
     CheckBox chk_auto; ///< locks the schedule fields
+    CheckBox chk_sun;  ///< the window follows the sun instead of the time fields
+    Label lbl_window;  ///< today's window while it follows the sun, else empty
     CheckBox chk_time; ///< daily clock setting
     CheckBox chkLive;  ///< live view of the camera's picture
 

@@ -9,4 +9,10 @@ int dueMinutesPerDay(const Schedule& schedule) {
     return due;
 }
 
+TimeOfDay createNextRecTime(TimeOfDay start, TimeOfDay end, TimeOfDay interval, TimeOfDay now) {
+    if (now < start || interval <= 0s) return start;
+    const TimeOfDay next = start + ((now - start) / interval + 1) * interval;
+    return next > end ? start : next;
+}
+
 } // namespace orvane

@@ -34,5 +34,8 @@ inline bool isDueMinute(const Schedule& schedule, int minuteOfDay) {
 }
 /// How many minutes of a day are due.
 int dueMinutesPerDay(const Schedule& schedule);
+/// The time of the next capture: the first start + k * interval that lies after `now` and not after
+/// `end`, else `start` (tomorrow's first). `interval` 0 gives `start`. Pure; all times of day.
+TimeOfDay createNextRecTime(TimeOfDay start, TimeOfDay end, TimeOfDay interval, TimeOfDay now);
 
 } // namespace orvane

@@ -23,6 +23,11 @@ std::chrono::minutes QtClock::utcOffset() const {
     return std::chrono::minutes(QDateTime::currentDateTime().offsetFromUtc() / 60);
 }
 
+std::chrono::minutes QtClock::utcOffsetAt(std::chrono::sys_seconds moment) {
+    const QDateTime local = QDateTime::fromSecsSinceEpoch(moment.time_since_epoch().count());
+    return std::chrono::minutes(local.offsetFromUtc() / 60);
+}
+
 /// With the time that the PC was asleep, as the system's clock on Windows counts it: after a sleep
 /// the wall clock has not been put forward.
 Ticks QtClock::ticks() const {

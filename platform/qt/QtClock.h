@@ -14,6 +14,8 @@ class QtClock final : public Clock {
     WallTime now() const override;
     /// Of the local time from universal time, now.
     std::chrono::minutes utcOffset() const;
+    /// At a moment of the past or the future, as far as the system knows the rules of its zone.
+    static std::chrono::minutes utcOffsetAt(std::chrono::sys_seconds moment);
     Ticks ticks() const override;
     void wakeAt(Wake& wake, Ticks deadline) override;
     void forget(Wake& wake) noexcept override { queue_.remove(wake); }

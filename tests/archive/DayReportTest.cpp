@@ -39,7 +39,7 @@ struct Days {
     std::string text() const { return report.text.get(); }
 
     TestStation s{at(2006, 11, 15, 9, 45)};
-    DayReport report{{s.panel, s.busy, s.log, s.faults, s.clock}, s.module};
+    DayReport report{{s.panel, s.busy, s.log, s.faults, s.clock}, s.module, s.schedules};
     std::filesystem::path file = s.folder.path() / "report.csv";
 };
 

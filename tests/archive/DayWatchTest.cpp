@@ -41,7 +41,8 @@ class Days : public testing::Test {
     OperationPanel panel;
     JumpingClock clock{at(2006, 11, 15, 12, 10)};
     int reads = 0;
-    DayWatch days{module, panel, clock, [this](const auto& folder) {
+    DaySchedules schedules{module, panel, clock, [](auto) { return 9h; }};
+    DayWatch days{module, panel, schedules, clock, [this](const auto& folder) {
                       ++reads;
                       return listDay(folder);
                   }};
@@ -109,7 +110,7 @@ TEST_F(Days, WhatIsFiledCountsWithoutReading) {
 
 /// What cannot be read is not called missed.
 TEST_F(Days, AFolderThatCannotBeReadIsNotEmpty) {
-    DayWatch unreadable(module, panel, clock, [](const auto&) {
+    DayWatch unreadable(module, panel, schedules, clock, [](const auto&) {
         return DayListing{{}, "Permission denied"};
     });
     unreadable.refresh();
@@ -170,7 +171,7 @@ TEST_F(Followed, ThePlanIsThatOfANewLook) {
         if (minute == 51) file("20061115_130200_00.jpg"); // late, by the delay
         if (minute == 300) module.schedule.EndTime = 20h;
         if (minute == 51 || minute == 300) days.refresh();
-        DayWatch fresh(module, panel, clock);
+        DayWatch fresh(module, panel, schedules, clock);
         fresh.refresh();
         ASSERT_EQ(days.plan().text, fresh.plan().text) << minute;
         ASSERT_EQ(days.plan().states, fresh.plan().states) << minute;

@@ -172,7 +172,7 @@ std::vector<std::string> lineOf(const SampleDay& day) {
 }
 
 TEST_F(SixtyDays, AreReported) {
-    DayReport report{{s.panel, s.busy, s.log, s.faults, s.clock}, s.module};
+    DayReport report{{s.panel, s.busy, s.log, s.faults, s.clock}, s.module, s.schedules};
     const auto file = s.folder.path() / "report.csv";
     report.start({archive.day(0).date, kLastDay}, file);
     ASSERT_TRUE(s.clock.runUntil([&] { return !report.running; }, 1h));

@@ -86,7 +86,8 @@ struct StoreTransfer : testing::Test {
     ErrorLog log{folder.path() / "program", clock};
     Faults faults{log, clock, op};
     Warnings warnings{clock};
-    DayWatch days{module, panel, clock};
+    DaySchedules schedules{module, panel, clock, [](auto) { return 9h; }};
+    DayWatch days{module, panel, schedules, clock};
     DiskWatch disk;
     FileWriter files{FileWriter::Force::No};
     PictureArchive archive{{module, days, disk, files, imageControl, views, warnings, log, clock}};

@@ -115,7 +115,8 @@ TEST(PanelSettings, LoadsAndSavesInTheirOrders) {
                   "Settings/Quality",    "Settings/Delay",           "Settings/JpegTyp",
                   "Settings/AdjTime",    "Settings/LrFlg",           "Settings/DateFlg",
                   "Settings/RawFlg",     "Settings/FillGaps",        "Settings/IP",
-                  "Settings/IP-Port",    "DataPath/PathDataFile",    "Station/LatestCopy"}));
+                  "Settings/IP-Port",    "DataPath/PathDataFile",    "Station/LatestCopy",
+                  "Station/FollowSun"}));
     EXPECT_EQ(module.image.LrFlg, 0);
     module.image.LrFlg = -1;
     panel.chk_fill.ticked = false;

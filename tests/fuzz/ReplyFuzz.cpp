@@ -49,7 +49,8 @@ struct Store {
     Warnings warnings{clock};
     ErrorLog log{folder.path() / "program", clock};
     Faults faults{log, clock, op};
-    DayWatch days{module, panel, clock};
+    DaySchedules schedules{module, panel, clock, [](auto) { return 9h; }};
+    DayWatch days{module, panel, schedules, clock};
     DiskWatch disk;
     FileWriter files{FileWriter::Force::No};
     PictureArchive archive{{module, days, disk, files, imageControl, views, warnings, log, clock}};

@@ -106,11 +106,13 @@ class TestStation {
     CameraPanel camera{module, panel, http, switches, views, busy, op, clock};
     bool unlistable = false; ///< dated folders can be written but not listed
     int listings = 0;
-    DayWatch days{module, panel, clock, [this](const std::filesystem::path& dated) {
+    std::chrono::minutes utcOffset{540};
+    OffsetAt offsetAt = [this](auto) { return utcOffset; };
+    DaySchedules schedules{module, panel, clock, [this](auto moment) { return offsetAt(moment); }};
+    DayWatch days{module, panel, schedules, clock, [this](const std::filesystem::path& dated) {
                       ++listings;
                       return unlistable ? DayListing{{}, "Permission denied"} : listDay(dated);
                   }};
-    std::chrono::minutes utcOffset{540};
     LedgerKeeper ledger{{days, module, panel, clock, log, [this] { return utcOffset; }}};
     DiskWatch disk;
     FailingFileWriter files;
@@ -119,7 +121,7 @@ class TestStation {
         {module, panel, archive, http, browser1, browser2, log, faults, op, clock, busy}};
     GapFilling gaps{{module, panel, days, archive, gapBrowser, gapHttp, log, faults, clock, busy}};
     Wishes wishes{{module, busy, http, imageStore, clock}};
-    Recording recording{module, panel, settings, status, log, op, wishes, clock};
+    Recording recording{module, panel, schedules, settings, status, log, op, wishes, clock};
     FolderScan folderScan{module, panel};
     FakeTracker port{clock};
     FakeHttp wbSystemTm{clock};
@@ -129,8 +131,9 @@ class TestStation {
     TimeSetting timeSetting{timeForm, panel, commands, wbSystemTm, log, op, clock, busy};
     std::string timeDialog; ///< a trace of the dialog's openings
     DailyClocks dailyClocks{
-        module, timeSetting, warnings,
-        busy,   clock,       [this](bool open) { timeDialog += open ? "open " : "unloaded "; }};
+        module, schedules, timeSetting, warnings, busy, clock, [this](bool open) {
+            timeDialog += open ? "open " : "unloaded ";
+        }};
     FailingFileWriter statusFiles;
     StatusFile statusFile{{{module, panel, days, disk, warnings, dailyClocks, clock, "0.1.0",
                             [this] { return utcOffset; }},

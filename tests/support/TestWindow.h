@@ -89,7 +89,7 @@ struct Window : TestStation {
     ShownDay shownDay{{days, panel, keograms, clock, faults}};
     DaySurvey survey{{days, panel, clock, faults}};
     CopiesAnew copies{{panel, busy, log, faults, clock}, imageControl};
-    DayReport report{{panel, busy, log, faults, clock}, module};
+    DayReport report{{panel, busy, log, faults, clock}, module, schedules};
     FakeProcess process{clock};
     FilmFile film{{panel, busy, log, faults, clock}, imageControl, process, store};
     frmMain main;

@@ -32,8 +32,8 @@ TEST_F(Flow, AFailedStartTellsWhyAndCanBeRepaired) {
         asked.setParentWindow(&w.main);
         QtOperator real(w.clock);
         real.setParentWindow(&w.main);
-        Recording recording(w.module, w.panel, w.settings, w.status, w.log, real, w.wishes,
-                            w.clock);
+        Recording recording(w.module, w.panel, w.schedules, w.settings, w.status, w.log, real,
+                            w.wishes, w.clock);
         auto& edit = find<QLineEdit>(w.main, field);
         type(edit, value);
         if (*value == '\0') QTest::keyClick(&edit, Qt::Key_Delete);

@@ -5,6 +5,7 @@
 #include "ui/Layout.h"
 #include "ui/Text.h"
 #include "ui/panel/FolderView.h"
+#include "ui/panel/ElidedLabel.h"
 #include "ui/panel/PanelGroups.h"
 #include "ui/panel/UpDown.h"
 
@@ -165,6 +166,14 @@ QWidget* frmOperation::scheduleGroup() {
         controls_.checkBox({"chk_time", "Set &clocks daily",
                             "Sets the clocks of camera and tracker once a day while recording."},
                            parts_.panel.chk_time, [this] { parts_.settings.chk_time_Click(); })));
+    form->addRow(row(
+        {controls_.checkBox({"chk_sun", "Follow the su&n",
+                             "Records from one hour before sunrise to one hour after sunset, each "
+                             "day anew; the times above count on days without."},
+                            parts_.panel.chk_sun, [this] { parts_.recording.chk_sun_Click(); }),
+         {controls_.label({"lbl_window", "Today's window", "When pictures are taken today."},
+                          parts_.panel.lbl_window),
+          1}}));
     return panelGroup("Recording schedule", form);
 }
 
