@@ -93,7 +93,7 @@ void Program::showTimeDialog(bool open) {
 
 void Program::takeSite() {
     settings_.showSite();
-    computeSunTimes(station_);
+    followSite(station_);
 }
 
 void Program::beginWork() {

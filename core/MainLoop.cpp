@@ -67,7 +67,6 @@ Task<> MainLoop::run() {
 Task<Fault> MainLoop::start() {
     if (Fault fault = StartUp(station_)) co_return fault;
     sunDay_ = std::chrono::floor<std::chrono::days>(station_.clock.now());
-    sunSite_ = station_.module.site;
     station_.panel.chkLive.ticked = false;
     loadTodaysThumbnails(station_);
     if (station_.atWork) station_.atWork();
@@ -202,15 +201,10 @@ void MainLoop::endOfWindow() {
     module.filesFetched = 0;
 }
 
-/// The sun times belong to a day; while they cannot be computed, another site is tried at once.
+/// The sun times belong to a day.
 void MainLoop::watchDay(WallTime now) {
     const auto day = std::chrono::floor<std::chrono::days>(now);
-    const SiteValues& site = station_.module.site;
-    const bool missing = station_.warnings.stands(Warnings::Cause::SunTimes);
-    if (day == sunDay_ && (!missing || site == sunSite_)) return;
-    sunDay_ = day;
-    sunSite_ = site;
-    computeSunTimes(station_);
+    if (std::exchange(sunDay_, day) != day) computeSunTimes(station_);
 }
 
 /// Once a minute, and when recording is switched or another data folder is chosen: is there

@@ -49,7 +49,6 @@ class MainLoop {
     std::string fetchFault_; ///< of the last capture; empty when it brought a picture
     std::string missed_;     ///< the warning of missed minutes, with its reason
     std::chrono::local_days sunDay_{};
-    SiteValues sunSite_;
     std::int64_t watchedRevision_ = -1; ///< of the day's watch
     std::int64_t watchedMinute_ = -1;
     bool watchedRecording_ = false;

@@ -4,7 +4,7 @@
 #include "platform/Paths.h"
 
 #include <algorithm>
-#include <cmath>
+#include <utility>
 #include <variant>
 #include <vector>
 
@@ -17,6 +17,9 @@ constexpr const char* kFolderKey = "PathDataFile";
 constexpr const char* kStationSection = "Station";
 constexpr const char* kLatestCopyKey = "LatestCopy";
 constexpr const char* kFollowSunKey = "FollowSun";
+
+/// Hours between the zone and the sun that summer time and wide zones explain.
+constexpr double kMostBesideSun = 3;
 
 /// Replaces `value` by what was read; false when nothing was.
 template <class Number>
@@ -120,6 +123,7 @@ Fault PanelSettings::initOperation() {
                    "\", which is not a usable number. Correct or remove that entry, then start "
                    "again.";
     }
+    mendSite();
     showSite();
     panel_.chk_time.ticked = module_.AdjTime != 0;
 
@@ -177,25 +181,60 @@ void PanelSettings::chk_time_Click() {
 
 bool PanelSettings::txt_lat_Change() {
     const auto degrees = toDouble(panel_.txt_lat.text.get());
-    return degrees && std::abs(*degrees) <= 90 && take(degrees, module_.site.latitude);
+    return edited(degrees && isLatitude(*degrees) && take(degrees, module_.site.latitude));
 }
 
 bool PanelSettings::txt_long_Change() {
     const auto degrees = toDouble(panel_.txt_long.text.get());
-    return degrees && std::abs(*degrees) <= 180 && take(degrees, module_.site.longitude);
+    return edited(degrees && isLongitude(*degrees) && take(degrees, module_.site.longitude));
 }
 
 bool PanelSettings::txt_tz_Change() {
     const auto hours = toInt16(panel_.txt_tz.text.get());
-    if (!hours || *hours < -12 || *hours > 14) return false;
-    module_.site.Tz = static_cast<std::int16_t>(*hours * 60);
-    return true;
+    const bool taken = hours && isZone(*hours * 60);
+    if (taken) module_.site.Tz = static_cast<std::int16_t>(*hours * 60);
+    return edited(taken);
+}
+
+bool PanelSettings::edited(bool taken) {
+    module_.siteInEdit = true;
+    if (taken && siteEdited) siteEdited();
+    return taken;
 }
 
 void PanelSettings::showSite() {
-    panel_.txt_lat.text = toText(module_.site.latitude);
-    panel_.txt_long.text = toText(module_.site.longitude);
-    panel_.txt_tz.text = toText(module_.site.Tz / 60.0);
+    const SiteValues& site = module_.site;
+    panel_.txt_lat.text = toText(site.latitude);
+    panel_.txt_long.text = toText(site.longitude);
+    panel_.txt_tz.text = toText(site.Tz / 60.0);
+    panel_.lbl_zone.caption = hoursBesideSun(site) <= kMostBesideSun
+                                  ? std::string()
+                                  : "Zone " + toText(site.Tz / 60.0) + " does not fit longitude " +
+                                        toText(site.longitude) +
+                                        ": the sun times will be wrong by hours.";
+    if (std::exchange(module_.siteInEdit, false) && siteEdited) siteEdited();
+}
+
+/// An impossible value must not keep the station from recording. The settings keep it until they
+/// are stored the next time.
+void PanelSettings::mendSite() {
+    const SiteValues byDefault;
+    SiteValues& site = module_.site;
+    const auto mend = [this](bool possible, auto& value, auto instead, const char* name,
+                             const std::string& text) {
+        if (possible) return;
+        value = instead;
+        impossibleSite_ += (impossibleSite_.empty() ? "" : " ") + std::string("The stored ") +
+                           name + " " + text + " is no place's on earth; " + toText(instead) +
+                           " is in force instead.";
+    };
+    impossibleSite_.clear();
+    mend(isLatitude(site.latitude), site.latitude, byDefault.latitude, "latitude",
+         toText(site.latitude));
+    mend(isLongitude(site.longitude), site.longitude, byDefault.longitude, "longitude",
+         toText(site.longitude));
+    mend(isZone(site.Tz), site.Tz, byDefault.Tz, "zone", std::to_string(site.Tz));
+    mendedSite_ = site;
 }
 
 } // namespace orvane

@@ -5,6 +5,7 @@
 #include "station/OperationPanel.h"
 
 #include <filesystem>
+#include <functional>
 
 namespace orvane {
 
@@ -24,6 +25,11 @@ class PanelSettings {
     /// Saves every setting as it stands. False: at least one could not be stored. Nothing is
     /// saved while the stored settings could not be read: that would lose them.
     bool writeSetup();
+    /// Which stored values of the site were no place's on earth, so that their defaults are in
+    /// force; empty: none, or another site has come since.
+    std::string impossibleSite() const {
+        return module_.site == mendedSite_ ? impossibleSite_ : std::string();
+    }
     /// Why the stored settings cannot be read, or nothing.
     Fault unreadable() const { return store_.unreadable(); }
 
@@ -44,20 +50,28 @@ class PanelSettings {
 
     /// After an edit of a site field: a number takes effect at once. False: the text is not a
     /// usable number (latitude -90 to 90, longitude -180 to 180 degrees, zone -12 to 14 hours) and
-    /// the value in force stays.
+    /// the value in force stays. The site is in edit until `showSite`.
     bool txt_lat_Change();
     bool txt_long_Change();
     bool txt_tz_Change();
-    /// Shows the values in force, after an edit that left something else in a site field.
+    /// Shows the values in force, after an edit that left something else in a site field, and
+    /// whether the zone fits the longitude.
     void showSite();
+    /// Called when a field has changed the site, and when a field that was edited has been left.
+    std::function<void()> siteEdited;
 
   private:
+    void mendSite();
+    bool edited(bool taken);
+
     Module1& module_;
     OperationPanel& panel_;
     SettingsStore& store_;
     std::filesystem::path chosenFolder_; ///< empty: none was ever chosen
     bool folderStored_ = true;
     bool loaded_ = false;
+    std::string impossibleSite_;
+    SiteValues mendedSite_;
 };
 
 } // namespace orvane

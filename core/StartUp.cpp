@@ -30,6 +30,9 @@ Fault StartUp(Station& station) {
         station.log.write(text);
         station.warnings.set(Warnings::Cause::Settings, text);
     }
+    if (const std::string text = station.settings.impossibleSite(); !text.empty())
+        station.log.write(text);
+    station.settings.siteEdited = [&station] { followSite(station); };
 
     module.imageProcessing = true;
     module.syncPending = false;
@@ -42,15 +45,37 @@ Fault StartUp(Station& station) {
     return std::nullopt;
 }
 
-void computeSunTimes(Station& station) {
+namespace {
+
+Fault showSunTimes(Station& station) {
     Module1& module = station.module;
-    const Fault fault = ComputeSunriseSunset(module.site, dayOf(station.clock.now()), module.sun);
+    Fault fault = ComputeSunriseSunset(module.site, dayOf(station.clock.now()), module.sun);
     station.panel.lbl_sunrise.caption = fault ? std::string() : module.sun.SunriseText;
     station.panel.lbl_sunset.caption = fault ? std::string() : module.sun.SunsetText;
+    return fault;
+}
+
+void warnOfSunTimes(Station& station, const Fault& fault) {
     const std::string warning =
-        fault ? "The sun times of the site cannot be computed: " + *fault + "." : "";
+        fault ? "The sun times of the site cannot be computed: " + *fault + "."
+              : station.settings.impossibleSite();
     if (fault) station.log.write(warning);
     station.warnings.set(Warnings::Cause::SunTimes, warning);
+}
+
+} // namespace
+
+void computeSunTimes(Station& station) {
+    warnOfSunTimes(station, showSunTimes(station));
+}
+
+/// The times of another site mean nothing: where no crossing is found, none is shown.
+void followSite(Station& station) {
+    station.module.sun = {};
+    const Fault fault = showSunTimes(station);
+    if (station.module.siteInEdit && fault) return; // it may be half a number
+    warnOfSunTimes(station, fault);
+    station.days.follow();
 }
 
 void loadTodaysThumbnails(Station& station) {

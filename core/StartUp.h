@@ -9,8 +9,12 @@ namespace orvane {
 Fault StartUp(Station& station);
 
 /// Computes the day's sun times and shows them on the panel. A site for which that cannot be done
-/// is logged and warned of until it can; the panel shows none then.
+/// is logged and warned of until it can; the panel shows none then. Defaults in the place of
+/// impossible values are warned of as well.
 void computeSunTimes(Station& station);
+/// The site has changed: shows its sun times. While a field of it is being edited nothing is
+/// warned of.
+void followSite(Station& station);
 
 /// The newest images of today's folder, newest first, as the thumbnail history at start.
 void loadTodaysThumbnails(Station& station);

@@ -54,6 +54,10 @@ std::optional<Crossing> crossingBetween(double before, double after) {
 
 } // namespace
 
+double hoursBesideSun(const SiteValues& site) {
+    return std::abs(std::remainder(site.Tz / 60.0 - site.longitude / 15, 24));
+}
+
 std::optional<std::string> scanCrossings(const ElevationTable& elevation, std::int16_t Tz,
                                          SunTimes& times) {
     for (std::size_t i = 1; i < elevation.size() - 2; ++i) {

@@ -19,6 +19,19 @@ struct SiteValues {
     bool operator==(const SiteValues&) const = default;
 };
 
+/// Whether a place on earth has that value; degrees, and minutes east of universal time.
+constexpr bool isLatitude(double degrees) {
+    return degrees >= -90 && degrees <= 90;
+}
+constexpr bool isLongitude(double degrees) {
+    return degrees >= -180 && degrees <= 180;
+}
+constexpr bool isZone(int minutes) {
+    return minutes >= -12 * 60 && minutes <= 14 * 60;
+}
+/// By how many hours the zone is beside the sun's own time at the longitude, 0 to 12.
+double hoursBesideSun(const SiteValues& site);
+
 /// The day's two texts as time of day, hours without a leading zero ("3:53:00"); one that falls on
 /// another day carries that day's date counted from day zero ("1899/12/29 23:53:00"). Empty until a
 /// crossing has been found.

@@ -90,6 +90,7 @@ struct OperationPanel {
     TextBox txt_lat;  ///< degrees, north positive
     TextBox txt_long; ///< degrees, east positive
     TextBox txt_tz;   ///< whole hours east of universal time
+    Label lbl_zone;   ///< that the zone does not fit the longitude, else empty
 
     StatusSign sgn_status; ///< beside the recording status
     Label lbl_fault;       ///< when and why the last attempt failed; empty: it did not

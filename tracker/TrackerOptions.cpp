@@ -55,6 +55,16 @@ std::string bytesFrom(const std::string& utf8) {
     return bytes;
 }
 
+/// "= 9 h", "= -5 h 30 min", "= 45 min"
+std::string hoursText(int minutes) {
+    const int size = std::abs(minutes);
+    std::string text = minutes < 0 ? "= -" : "= ";
+    if (size >= 60 || size == 0) text += std::to_string(size / 60) + " h";
+    if (size > 60 && size % 60 != 0) text += " ";
+    if (size % 60 != 0) text += std::to_string(size % 60) + " min";
+    return text;
+}
+
 bool below(double value, double limit) {
     return std::abs(value) < limit;
 }
@@ -85,13 +95,14 @@ Task<> TrackerOptions::activate() {
 OpenPort TrackerOptions::open(const char* status) {
     form_.status.caption = status;
     failures_.clear();
+    changes_.clear();
     OpenPort port = commands_.open();
     if (!port) form_.status.caption = "The tracker's port cannot be opened, or is in use.";
     return port;
 }
 
 void TrackerOptions::finish(const std::string& success) {
-    form_.status.caption = failures_.empty() ? success : "Failed: " + failures_ + ".";
+    form_.status.caption = (failures_.empty() ? success : "Failed: " + failures_ + ".") + changes_;
 }
 
 /// Logs how an exchange failed. A reading that brings another command's reply is logged as a
@@ -136,12 +147,26 @@ Task<> TrackerOptions::readSite() {
     const SiteValues told{doubleFrom(data.subspan<10, 8>()), doubleFrom(data.subspan<2, 8>()),
                           int16From(data.first<2>())};
     showSite(told);
-    if (below(told.Tz, 720) && below(told.longitude, 180) && below(told.latitude, 180)) {
-        module_.site = told;
-        siteChanged_();
+    if (below(told.Tz, 720) && below(told.longitude, 180) && isLatitude(told.latitude)) {
+        takeSite(told);
     } else {
         refuse(kTimezone, ":values out of range, not stored");
     }
+}
+
+/// The station's values are replaced without a question, so what they were is told.
+void TrackerOptions::takeSite(const SiteValues& told) {
+    const SiteValues before = std::exchange(module_.site, told);
+    noteChange("Latitude", toText(before.latitude), toText(told.latitude));
+    noteChange("Longitude", toText(before.longitude), toText(told.longitude));
+    noteChange("Time zone", std::to_string(before.Tz), std::to_string(told.Tz));
+    siteChanged_();
+}
+
+void TrackerOptions::noteChange(const char* name, const std::string& before,
+                                const std::string& now) {
+    if (before == now) return;
+    changes_ += std::string(" ") + name + " changed: " + before + " to " + now + ".";
 }
 
 Task<> TrackerOptions::readOrigin() {
@@ -159,8 +184,14 @@ Task<> TrackerOptions::readOrigin() {
 
 void TrackerOptions::showSite(const SiteValues& site) {
     form_.txt_tz.text = std::to_string(site.Tz);
+    txt_tz_Change();
     form_.txt_lon.text = twoDecimals(site.longitude);
     form_.txt_lat.text = twoDecimals(site.latitude);
+}
+
+void TrackerOptions::txt_tz_Change() {
+    const auto minutes = toInt16(form_.txt_tz.text.get());
+    form_.lbl_hours.caption = minutes ? hoursText(*minutes) : std::string();
 }
 
 Task<> TrackerOptions::Command1_Click() {

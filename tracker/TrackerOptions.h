@@ -13,6 +13,7 @@ namespace orvane {
 struct OptionForm {
     TextBox txt_sn;    ///< serial number
     TextBox txt_tz;    ///< minutes east of universal time
+    Label lbl_hours;   ///< the same in hours; empty while it is no number
     TextBox txt_lon;   ///< degrees
     TextBox txt_lat;   ///< degrees
     TextBox txt_org;   ///< origin, degrees
@@ -33,6 +34,8 @@ class TrackerOptions {
 
     /// Reads serial number, site and origin, when the dialog is activated.
     Task<> activate();
+    /// After an edit of the zone: shows its hours.
+    void txt_tz_Change();
     /// Validates and writes; faulty fields are told in boxes and left out.
     Task<> Command1_Click();
 
@@ -50,6 +53,8 @@ class TrackerOptions {
     Task<> writeOrigin();
     std::string siteFault() const;
     void showSite(const SiteValues& site);
+    void noteChange(const char* name, const std::string& before, const std::string& now);
+    void takeSite(const SiteValues& told);
     void setWorking(bool working);
 
     OptionForm& form_;
@@ -59,7 +64,8 @@ class TrackerOptions {
     Operator& op_;
     Busy& busy_;
     std::function<void()> siteChanged_;
-    std::string failures_; ///< of the run, for the status line
+    std::string failures_; ///< of the run, for the status line, as is what reading has changed
+    std::string changes_;
 };
 
 } // namespace orvane

@@ -307,7 +307,8 @@ TEST(MainLoop, SunTimesFollowTheDate) {
 /// The sun rises before the local day begins: no such time of day, and no reason not to record.
 TEST(MainLoop, ASiteWithoutSunTimesIsWarnedOfAndRecords) {
     TestStation s(at(2006, 11, 15, 9, 29));
-    s.store.values["Operation/Tz"] = "32400"; // 540, typed as hours
+    s.store.values["Operation/Longitude"] = "-60"; // the sun rises at 10 o'clock, universal time
+    s.store.values["Operation/Tz"] = "-720";
     s.module.sun.SunriseText = "5:00:00";
     s.start(true);
     s.clock.runUntil(at(2006, 11, 15, 9, 31));

@@ -159,6 +159,111 @@ TEST(PanelSettings, SiteFieldsTakeEffectAsTheyAreTyped) {
     EXPECT_EQ(s.panel.txt_lat.text.get(), "-7.25");
 }
 
+/// A hand in the settings file must not keep the station from recording.
+TEST(PanelSettings, AnImpossibleStoredSiteIsToldAndNotTaken) {
+    struct Case {
+        const char *key, *text, *told;
+        SiteValues site;
+    };
+    const Case cases[] = {
+        {"Latitude",
+         "135.7",
+         "The stored latitude 135.7 is no place's on earth; 35.738 is in force "
+         "instead.",
+         {35.738, 139.315, 540}},
+        {"Longitude",
+         "-180.5",
+         "The stored longitude -180.5 is no place's on earth; 139.315 is in "
+         "force instead.",
+         {35.738, 139.315, 540}},
+        {"Tz",
+         "32400",
+         "The stored zone 32400 is no place's on earth; 540 is in force instead.",
+         {35.738, 139.315, 540}},
+        {"Tz",
+         "-750",
+         "The stored zone -750 is no place's on earth; 540 is in force instead.",
+         {35.738, 139.315, 540}},
+        {"Tz", "840", "", {35.738, 139.315, 840}},
+        {"Latitude", "-90", "", {-90, 139.315, 540}},
+    };
+    for (const Case& c : cases) {
+        TestStation s(at(2006, 11, 15, 9, 29));
+        s.store.values[std::string("Operation/") + c.key] = c.text;
+        s.start(true);
+        s.clock.run(2min);
+        EXPECT_EQ(s.module.site, c.site) << c.text;
+        EXPECT_EQ(s.imagesOf("20061115").size(), 1U) << "it records";
+        const bool told = *c.told != 0;
+        EXPECT_EQ(s.countLogged(c.told), told ? 1 : 0);
+        EXPECT_EQ(s.warnings.text.get(), c.told);
+        s.panel.txt_lat.text = "36";
+        s.settings.txt_lat_Change();
+        s.settings.showSite();
+        EXPECT_EQ(s.warnings.text.get(), "") << "somebody saw to it";
+    }
+}
+
+TEST(PanelSettings, AZoneFarFromTheLongitudeIsPointedOut) {
+    TestStation s(at(2006, 11, 15));
+    s.start(false);
+    EXPECT_EQ(s.panel.lbl_zone.caption.get(), "");
+    struct Case {
+        double longitude;
+        std::int16_t Tz;
+        const char* told;
+    };
+    const Case cases[] = {
+        {-70, 540, "Zone 9 does not fit longitude -70: the sun times will be wrong by hours."},
+        {139.5, 300, "Zone 5 does not fit longitude 139.5: the sun times will be wrong by hours."},
+        {0, 330, "Zone 5.5 does not fit longitude 0: the sun times will be wrong by hours."},
+        {75, 480, ""},     // exactly three hours
+        {178.4, 720, ""},  // on the circle
+        {-171.8, 780, ""}, // beyond the date line
+        {-179, 840, ""},
+        {179, -660, ""},
+    };
+    for (const Case& c : cases) {
+        s.module.site = {35, c.longitude, c.Tz};
+        s.settings.showSite();
+        EXPECT_EQ(s.panel.lbl_zone.caption.get(), c.told);
+    }
+}
+
+/// Half a number that cannot be computed with is nobody's fault.
+TEST(PanelSettings, SunTextsFollowTheSiteAsItIsTyped) {
+    TestStation s(at(2006, 11, 15, 12, 10));
+    s.start(false);
+    const auto type = [&](TextBox& field, const char* text, bool (PanelSettings::*change)()) {
+        field.text = text;
+        (s.settings.*change)();
+    };
+    const std::string first = s.panel.lbl_sunset.caption;
+    type(s.panel.txt_lat, "60", &PanelSettings::txt_lat_Change);
+    const std::string north = s.panel.lbl_sunset.caption;
+    EXPECT_NE(north, first);
+    EXPECT_EQ(s.module.sun.SunsetText, north);
+    type(s.panel.txt_lat, "80", &PanelSettings::txt_lat_Change);
+    EXPECT_EQ(s.panel.lbl_sunset.caption.get(), "") << "polar night, not another site's sunset";
+    type(s.panel.txt_lat, "35", &PanelSettings::txt_lat_Change);
+    type(s.panel.txt_long, "-60", &PanelSettings::txt_long_Change);
+    type(s.panel.txt_tz, "-12", &PanelSettings::txt_tz_Change);
+    EXPECT_EQ(s.panel.lbl_sunrise.caption.get(), "");
+    EXPECT_EQ(s.panel.lbl_sunset.caption.get(), "");
+    s.clock.run(2min);
+    EXPECT_FALSE(s.warnings.stands(Warnings::Cause::SunTimes));
+    s.settings.showSite(); // the field is left: now it is in force
+    EXPECT_TRUE(s.warnings.stands(Warnings::Cause::SunTimes));
+    const std::string warning = s.warnings.text;
+    EXPECT_EQ(s.countLogged(warning), 1);
+    type(s.panel.txt_tz, "-1", &PanelSettings::txt_tz_Change);
+    EXPECT_TRUE(s.panel.lbl_sunrise.caption.get().size() > 3);
+    EXPECT_FALSE(s.warnings.stands(Warnings::Cause::SunTimes));
+    type(s.panel.txt_tz, "-12", &PanelSettings::txt_tz_Change);
+    s.clock.runUntil(at(2006, 11, 16, 0, 1));
+    EXPECT_TRUE(s.warnings.stands(Warnings::Cause::SunTimes)) << "midnight waits for no field";
+}
+
 TEST(PanelSettings, AGoneDataFolderFallsBackWithoutBeingForgotten) {
     TestStation s(at(2006, 11, 15));
     std::filesystem::remove_all(s.dataFolder());

@@ -239,6 +239,51 @@ TEST_F(Tracker, AValueThatTheDialogWouldRefuseIsShownButNotStored) {
     EXPECT_EQ(s.logged(), Messages{"OptionSetup Timezone:values out of range, not stored"});
 }
 
+TEST_F(Tracker, ReadingTellsWhatItChanged) {
+    finish(s.options.activate());
+    EXPECT_EQ(s.optionForm.status.caption.get(),
+              "Read from the tracker. Latitude changed: 35.738 to 35.5. Longitude changed: 139.315 "
+              "to 139.75.");
+    finish(s.options.activate());
+    EXPECT_EQ(s.optionForm.status.caption.get(), "Read from the tracker.") << "nothing any more";
+    s.port.site[0] = 0x01;
+    s.port.site[1] = 0x4A; // 330 min
+    s.port.answer = [&](const Bytes& frame) {
+        s.port.send(frame[2] == 0x47 ? Bytes{0x15} : s.port.goodAnswer(frame[2]));
+    };
+    finish(s.options.activate());
+    EXPECT_EQ(s.optionForm.status.caption.get(),
+              "Failed: OptionSetup Serial:Except[ACK]. Time zone changed: 540 to 330.");
+    EXPECT_EQ(s.optionForm.lbl_hours.caption.get(), "= 5 h 30 min");
+}
+
+TEST_F(Tracker, ALatitudeBeyondThePoleIsNotTaken) {
+    s.port.site[10] = 0xC0; // -120, as the station would write it
+    s.port.site[11] = 0x5E;
+    for (std::size_t i = 12; i < 18; ++i)
+        s.port.site[i] = 0;
+    finish(s.options.activate());
+    EXPECT_EQ(s.optionForm.txt_lat.text.get(), "-120.00");
+    EXPECT_EQ(s.module.site.latitude, 35.738);
+    EXPECT_EQ(s.logged(), Messages{"OptionSetup Timezone:values out of range, not stored"});
+}
+
+TEST_F(Tracker, ShowsTheZonesHours) {
+    const std::pair<const char*, const char*> cases[] = {{"540", "= 9 h"},
+                                                         {"330", "= 5 h 30 min"},
+                                                         {"-570", "= -9 h 30 min"},
+                                                         {"0", "= 0 h"},
+                                                         {"45", "= 45 min"},
+                                                         {"-30", "= -30 min"},
+                                                         {"", ""},
+                                                         {"-", ""}};
+    for (const auto& [minutes, hours] : cases) {
+        s.optionForm.txt_tz.text = minutes;
+        s.options.txt_tz_Change();
+        EXPECT_EQ(s.optionForm.lbl_hours.caption.get(), hours) << minutes;
+    }
+}
+
 TEST_F(Tracker, OptionReadingFaults) {
     s.port.answer = [&](const Bytes& frame) {
         Bytes answer = s.port.goodAnswer(frame[2]);

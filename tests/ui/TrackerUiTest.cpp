@@ -133,7 +133,10 @@ TEST_F(TrackerUi, OptionsAreLockedWhileRead) {
     for (const char* name : controls)
         EXPECT_TRUE(find<QWidget>(form, name).isEnabled()) << name;
     EXPECT_FALSE(find<QProgressBar>(form, "busy").isVisible());
-    EXPECT_EQ(find<QLabel>(form, "status").text(), "Read from the tracker.");
+    EXPECT_EQ(find<QLabel>(form, "status").text(),
+              "Read from the tracker. Latitude changed: 35.738 to 35.5. Longitude changed: 139.315 "
+              "to 139.75.");
+    EXPECT_EQ(find<QLabel>(form, "lbl_hours").text(), "= 9 h");
     const std::pair<const char*, const char*> values[] = {{"txt_sn", "ST-042"},
                                                           {"txt_tz", "540"},
                                                           {"txt_lon", "139.75"},
@@ -153,6 +156,7 @@ TEST_F(TrackerUi, OptionsAreSentAsTyped) {
     type(find<QLineEdit>(form, "txt_sn"), QString(40, 'x'));
     EXPECT_EQ(w.optionForm.txt_sn.text.get(), std::string(32, 'x'));
     type(find<QLineEdit>(form, "txt_tz"), "-60");
+    EXPECT_EQ(find<QLabel>(form, "lbl_hours").text(), "= -1 h");
     type(find<QLineEdit>(form, "txt_lon"), "-0.5");
     type(find<QLineEdit>(form, "txt_lat"), "51.5");
     w.port.written.clear();

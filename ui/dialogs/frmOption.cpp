@@ -2,6 +2,7 @@
 
 #include "ui/Layout.h"
 #include "ui/Text.h"
+#include "ui/panel/ElidedLabel.h"
 
 #include <QFormLayout>
 #include <QLineEdit>
@@ -33,10 +34,14 @@ QWidget* frmOption::fields() {
              {"txt_sn", "Serial &number", "Up to 16 characters. Not written when it is empty."},
              form_.txt_sn)
         ->setMaxLength(kSerialLength);
-    addField(*layout,
-             {"txt_tz", "Time &zone [min east of UTC]",
-              "Minutes east of universal time, such as 540 for Japan; between -720 and 720."},
-             form_.txt_tz);
+    ElidedLabel* hours =
+        controls_.label({"lbl_hours", "Time zone in hours", "The same in hours."}, form_.lbl_hours);
+    hours->setShortest("= -10 h 30 min");
+    addField(
+        *layout,
+        {"txt_tz", "Time &zone [min east of UTC]",
+         "Minutes east of universal time, such as 540 for Japan; between -720 and 720."},
+        form_.txt_tz, [this] { options_.txt_tz_Change(); }, hours);
     addField(*layout,
              {"txt_lon", "L&ongitude [\u00b0 east]", "Degrees, east is positive; below 180."},
              form_.txt_lon);
@@ -49,8 +54,14 @@ QWidget* frmOption::fields() {
     return inWidget(layout);
 }
 
-QLineEdit* frmOption::addField(QFormLayout& layout, const Face& face, TextBox& model) {
-    QLineEdit* field = controls_.textBox(face, model, {});
+/// `beside` stands in the field's row.
+QLineEdit* frmOption::addField(QFormLayout& layout, const Face& face, TextBox& model,
+                               PanelControls::Handler change, QWidget* beside) {
+    QLineEdit* field = controls_.textBox(face, model, std::move(change));
+    if (beside != nullptr) {
+        layout.addRow(captionOf(field, face.caption), row({{field, 1}, beside}));
+        return field;
+    }
     field->setMinimumWidth(field->fontMetrics().averageCharWidth() * 36);
     layout.addRow(face.caption, field);
     return field;

@@ -30,7 +30,8 @@ class frmOption : public QDialog {
     QWidget* fields();
     QLabel* status();
     QWidget* buttons();
-    QLineEdit* addField(QFormLayout& layout, const Face& face, TextBox& model);
+    QLineEdit* addField(QFormLayout& layout, const Face& face, TextBox& model,
+                        PanelControls::Handler change = {}, QWidget* beside = nullptr);
     void followWorking(bool working);
 
     OptionForm& form_;

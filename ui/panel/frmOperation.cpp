@@ -281,18 +281,28 @@ void frmOperation::selectFolder() {
 
 QWidget* frmOperation::siteGroup() {
     OperationPanel& panel = parts_.panel;
-    return panelGroup("Site",
-                      row({{siteField({"txt_lat", "Lat&itude", "Degrees, north is positive."},
-                                      panel.txt_lat, &PanelSettings::txt_lat_Change),
-                            1},
-                           {siteField({"txt_long", "Lon&gitude", "Degrees, east is positive."},
-                                      panel.txt_long, &PanelSettings::txt_long_Change),
-                            1},
-                           {siteField({"txt_tz", "Time &zone",
-                                       "Whole hours east of universal time, such as 9 for Japan."},
-                                      panel.txt_tz, &PanelSettings::txt_tz_Change),
-                            1}}),
-                      {8, 4, 8, 6}, 8);
+    auto* zone = new QLabel(this);
+    zone->setObjectName("lbl_zone");
+    zone->setWordWrap(true);
+    controls_.bindings().follow(panel.lbl_zone.caption, [zone](const std::string& text) {
+        zone->setText(toQString(text));
+        zone->setVisible(!text.empty());
+    });
+    return panelGroup(
+        "Site",
+        column({row({{siteField({"txt_lat", "Lat&itude", "Degrees, north is positive."},
+                                panel.txt_lat, &PanelSettings::txt_lat_Change),
+                      1},
+                     {siteField({"txt_long", "Lon&gitude", "Degrees, east is positive."},
+                                panel.txt_long, &PanelSettings::txt_long_Change),
+                      1},
+                     {siteField({"txt_tz", "Time &zone",
+                                 "Whole hours east of universal time, such as 9 for Japan."},
+                                panel.txt_tz, &PanelSettings::txt_tz_Change),
+                      1}},
+                    8),
+                zone},
+               2));
 }
 
 QLayout* frmOperation::siteField(const Face& face, TextBox& model,
