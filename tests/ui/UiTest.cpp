@@ -111,7 +111,7 @@ TEST_F(Ui, EveryControlOfThePanelIsThere) {
                            "lbl_free",  "Text1_6",   "lbl_sunrise",  "lbl_sunset", "UpDown1_6",
                            "Command4",  "Command6",  "cmd_Download", "lbl_dlcnt",  "lbl_sync",
                            "chk_fill",  "Dir1_1",    "txt_find",     "cmd_find",   "lst_found",
-                           "lbl_found", "sgn_status"};
+                           "lbl_found", "sgn_status", "chk_sun", "lbl_window"};
     auto& tabs = find<QTabWidget>(w.main, "pages");
     for (const char* name : names) {
         const auto found = w.main.operation().findChildren<QWidget*>(name);
@@ -144,6 +144,33 @@ TEST_F(Ui, RecordingButtonsAndLocks) {
     click(w.main, "Command7");
     ASSERT_EQ(w.switches.urls.size(), 1u);
     EXPECT_EQ(w.switches.urls[0], "http://192.168.0.10:80/cgi/live_s_hide2.cgi?rec=0");
+}
+
+TEST_F(Ui, TheSunTakesTheTimeFieldsPlace) {
+    Window w(op);
+    tick(w.main, "chk_sun");
+    for (const char* name : {"Text1_0", "UpDown1_1", "Text1_2", "UpDown1_3"})
+        EXPECT_FALSE(find<QWidget>(w.main, name).isEnabled()) << name;
+    EXPECT_TRUE(find<QWidget>(w.main, "Text1_5").isEnabled());
+    EXPECT_EQ(find<QLineEdit>(w.main, "Text1_0").text(), "9") << "what was typed stays";
+    const auto& window = find<QLabel>(w.main, "lbl_window");
+    EXPECT_TRUE(window.text().startsWith("today 05:")) << window.text().toStdString();
+    tick(w.main, "chk_sun");
+    EXPECT_TRUE(find<QWidget>(w.main, "Text1_0").isEnabled());
+    EXPECT_EQ(window.text(), "");
+}
+
+TEST_F(Ui, AZoneThatDoesNotFitIsPointedOutWhenItsFieldIsLeft) {
+    Window w(op);
+    const auto& told = find<QLabel>(w.main, "lbl_zone");
+    EXPECT_FALSE(told.isVisible()) << "no room is taken";
+    auto& longitude = find<QLineEdit>(w.main, "txt_long");
+    type(longitude, "-70");
+    EXPECT_FALSE(told.isVisible());
+    QTest::keyClick(&longitude, Qt::Key_Tab);
+    EXPECT_TRUE(told.isVisible());
+    EXPECT_EQ(told.text(),
+              "Zone 9 does not fit longitude -70: the sun times will be wrong by hours.");
 }
 
 TEST_F(Ui, SiteFieldIsMarkedUntilItIsANumber) {
