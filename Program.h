@@ -114,7 +114,8 @@ class Program {
     QtImageViews views_{clock_, faults_, op_, module_, days_, viewsControl_};
     PanelSettings settings_{module_, panel_, store_, defaultDataFolder()};
     PanelStatus status_{module_, panel_, clock_, faults_};
-    CameraPanel camera_{module_, panel_, inetFileGet_, WebBrowserTst_, views_, busy_, op_, clock_};
+    CameraPanel camera_{module_, panel_, inetFileGet_, WebBrowserTst_, views_,
+                        busy_,   op_,    clock_,       imageControl_};
     FileWriter files_{FileWriter::Force::Yes};
     PictureArchive archive_{
         {module_, days_, disk_, files_, imageControl_, views_, warnings_, log_, clock_}};

@@ -1,7 +1,9 @@
 #include "camera/CameraPanel.h"
 
-#include "platform/Fault.h"
+#include "camera/CameraAddress.h"
+#include "platform/Conversions.h"
 #include "platform/Paths.h"
+#include "station/Scope.h"
 
 #include <cerrno>
 #include <fstream>
@@ -14,6 +16,8 @@ namespace {
 constexpr const char* kRecordingSwitch = "/cgi/live_s_hide2.cgi";
 constexpr std::size_t kSlice = std::size_t{1} << 24; ///< bytes that are written at once
 constexpr Ticks kTurn = 10ms; ///< between two looks whether a transfer has ended
+constexpr const char* kTesting = "testing...";
+constexpr const char* kNotTested = "not tested: the station is busy";
 
 /// Overwrites `file` from its start without shortening it. `bytes` outlives the task, which lets
 /// the window live in the midst of a very large picture.
@@ -55,15 +59,16 @@ Task<HttpReply> CameraPanel::DownloadFile(std::string url, std::filesystem::path
 }
 
 void CameraPanel::Command5_Click() {
-    switchRecording("?rec=1");
+    switchRecording("?rec=1", "recording switched on");
 }
 
 void CameraPanel::Command7_Click() {
-    switchRecording("?rec=0");
+    switchRecording("?rec=0", "recording switched off");
 }
 
-void CameraPanel::switchRecording(const char* query) {
-    switches_.push_back(cameraBaseUrl(panel_) + kRecordingSwitch + query);
+void CameraPanel::switchRecording(const char* query, std::string done) {
+    switches_.push_back({cameraBaseUrl(panel_) + kRecordingSwitch + query, std::move(done)});
+    panel_.lbl_camera.caption = "switching...";
     if (!sending_.done()) return;
     sending_ = sendSwitches();
     sending_.start();
@@ -71,31 +76,93 @@ void CameraPanel::switchRecording(const char* query) {
 
 Task<> CameraPanel::sendSwitches() {
     while (!switches_.empty()) {
-        std::string url = std::move(switches_.front());
+        Switch next = std::move(switches_.front());
         switches_.pop_front();
-        Task<HttpReply> asking = WebBrowserTst_.get(std::move(url), Wanted::Nothing);
-        co_await asking;
+        Task<HttpReply> asking = WebBrowserTst_.get(std::move(next.url), Wanted::Nothing);
+        const HttpReply reply = co_await asking;
+        panel_.lbl_camera.caption = reply.ok ? next.done : shortReason(reply.fault);
     }
 }
 
 Task<> CameraPanel::Command8_Click() {
+    if (busy_.active()) co_return;
+    Value<std::string>& line = panel_.lbl_camera.caption;
+    const Scope testing([&line](bool on) {
+        if (on) {
+            line = kTesting;
+        } else if (line.get() == kTesting) {
+            line = kNotTested;
+        }
+    });
     while (inetFileGet_.running() && !busy_.active())
         co_await clock_.sleep(kTurn);
     if (busy_.active()) co_return;
-    std::string url = cameraBaseUrl(panel_) + kLatestImagePath;
+    CameraRequest asked = request();
+    std::string url = asked.camera + kLatestImagePath;
     std::filesystem::path folder = module_.programFolder / "";
     std::string fileName = kWorkingPicture;
     Task<HttpReply> download = DownloadFile(std::move(url), std::move(folder), std::move(fileName));
     const HttpReply reply = co_await download;
     if (busy_.active()) co_return; // a capture took the transfer over
-    if (reply.ok) {
-        views_.showLatest(module_.programFolder / kWorkingPicture);
-        co_return;
-    }
+    if (reply.ok) views_.showLatest(module_.programFolder / kWorkingPicture);
+    Task<CameraAnswer> judging = judge(reply, std::move(asked));
+    const CameraAnswer answer = co_await judging;
+    line = answer.text();
+    if (reply.ok) co_return;
     std::string message = "The camera sent no picture: " + reply.fault +
                           ".\nCheck its power and network, and its address and port on the page "
                           "Camera.";
     co_await op_.tell(std::move(message));
+}
+
+void CameraPanel::txtIp_Change() {
+    panel_.lbl_camera.caption = std::string(); // it spoke of another address
+    const std::string before = std::exchange(address_, panel_.txtIp.text);
+    if (isPasted(before, address_)) address_LostFocus();
+}
+
+void CameraPanel::txtPort_Change() {
+    panel_.lbl_camera.caption = std::string();
+}
+
+void CameraPanel::address_LostFocus() {
+    const CameraAddress address = splitAddress(panel_.txtIp.text.get(), panel_.txtPort.text.get());
+    panel_.txtIp.text = address_ = address.host;
+    panel_.txtPort.text = address.port;
+    if (address.wasHttps)
+        panel_.lbl_camera.caption = "not https: the camera is asked over plain HTTP";
+}
+
+Task<CameraAnswer> CameraPanel::judge(const HttpReply& reply, CameraRequest request) {
+    Task<CameraAnswer> judging = judgeAnswer(imageControl_, reply, clock_.ticks() - request.began);
+    CameraAnswer answer = co_await judging;
+    if (answer.fault != kCancelled) noteAnswer(request.camera, answer);
+    co_return answer;
+}
+
+void CameraPanel::noteAnswer(const std::string& camera, CameraAnswer answer) {
+    seen_ = Seen{clock_.now(), camera, std::move(answer)};
+}
+
+void CameraPanel::tellLive(const CameraAnswer& answer) {
+    if (answer.fault == kCancelled) return;
+    if (answer.isPicture()) return endLive();
+    if (!liveSince_) liveSince_ = clock_.now();
+    setLiveText("live view: " + answer.fault + " since " + timeText(*liveSince_));
+}
+
+void CameraPanel::endLive() {
+    liveSince_.reset();
+    setLiveText({});
+}
+
+/// Told once: what another button brings stays until the live view has something new to tell.
+void CameraPanel::setLiveText(const std::string& text) {
+    if (text == liveText_) return;
+    Value<std::string>& line = panel_.lbl_camera.caption;
+    if (!text.empty() || line.get() == liveText_) line = text;
+    liveText_ = text;
+    views_.tellLive(text);
 }
 
 } // namespace orvane

@@ -1,13 +1,13 @@
 #pragma once
 
-#include "platform/Clock.h"
-#include "platform/HttpTransfer.h"
+#include "camera/CameraAnswer.h"
 #include "platform/Operator.h"
 #include "station/Busy.h"
 #include "station/ImageViews.h"
 #include "station/OperationPanel.h"
 
 #include <deque>
+#include <optional>
 
 namespace orvane {
 
@@ -17,14 +17,22 @@ std::string cameraBaseUrl(const OperationPanel& panel);
 inline constexpr const char* kLatestImagePath = "/Images/full.jpg";
 inline constexpr const char* kWorkingPicture = "full.jpg"; ///< in the program's folder
 
+/// A request for the camera's picture.
+struct CameraRequest {
+    std::string camera; ///< the base address
+    Ticks began{0};
+};
+
 /// The panel's camera operations: the one download operation and the buttons that use it.
 class CameraPanel {
   public:
     CameraPanel(Module1& module, OperationPanel& panel, HttpTransfer& inetFileGet,
                 HttpTransfer& WebBrowserTst, ImageViews& views, Busy& busy, Operator& op,
-                Clock& clock)
+                Clock& clock, ImageControl& imageControl)
         : module_(module), panel_(panel), inetFileGet_(inetFileGet), WebBrowserTst_(WebBrowserTst),
-          views_(views), busy_(busy), op_(op), clock_(clock) {}
+          views_(views), busy_(busy), op_(op), clock_(clock), imageControl_(imageControl) {
+        busy_.lock(panel_.Command8.enabled);
+    }
 
     /// Fetches `url` and writes the body over the file folder + fileName, in place from the start
     /// and without shortening it. Not `ok` when the fetch or the write failed, with the reason as
@@ -39,9 +47,41 @@ class CameraPanel {
     /// transfer that is under way; does nothing while a capture or run is in progress.
     Task<> Command8_Click();
 
+    /// After an edit of the address: what was pasted is taken apart into both fields. Requests use
+    /// the fields as they stand.
+    void txtIp_Change();
+    void txtPort_Change();
+    /// Takes the address apart, and the blanks around both fields away.
+    void address_LostFocus();
+
+    /// What the camera answered last when it was asked for its picture.
+    struct Seen {
+        WallTime at;
+        std::string camera; ///< the base address
+        CameraAnswer answer;
+    };
+    const std::optional<Seen>& lastSeen() const { return seen_; }
+    /// A request of the present camera's picture begins.
+    CameraRequest request() const { return {cameraBaseUrl(panel_), clock_.ticks()}; }
+    /// Judges what a request brought, and takes note of it. `reply` outlives the task.
+    Task<CameraAnswer> judge(const HttpReply& reply, CameraRequest request);
+    /// Takes note of an answer that a capture has judged.
+    void noteAnswer(const std::string& camera, CameraAnswer answer);
+
+    /// Tells in `lbl_camera`, and where the live view is shown, since when it brings no picture.
+    void tellLive(const CameraAnswer& answer);
+    /// The live view is off.
+    void endLive();
+
   private:
-    void switchRecording(const char* query);
+    struct Switch {
+        std::string url;
+        std::string done; ///< what is told when the camera has taken it
+    };
+
+    void switchRecording(const char* query, std::string done);
     Task<> sendSwitches();
+    void setLiveText(const std::string& text);
 
     Module1& module_;
     OperationPanel& panel_;
@@ -51,7 +91,12 @@ class CameraPanel {
     Busy& busy_;
     Operator& op_;
     Clock& clock_;
-    std::deque<std::string> switches_; ///< addresses to be asked for
+    ImageControl& imageControl_;
+    std::string address_; ///< as it was last seen
+    std::optional<Seen> seen_;
+    std::optional<WallTime> liveSince_; ///< the live view's first failure in a row
+    std::string liveText_;
+    std::deque<Switch> switches_; ///< to be asked for
     Task<> sending_;
 };
 

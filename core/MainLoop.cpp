@@ -312,6 +312,7 @@ void MainLoop::startSynchronisation() {
 }
 
 void MainLoop::startLiveView() {
+    if (!station_.panel.chkLive.ticked) station_.camera.endLive();
     const bool wanted =
         station_.panel.chkLive.ticked && !station_.busy.active() && !station_.http.running();
     if (!wanted || !live_.done() || station_.clock.ticks() < nextLive_) return;
@@ -321,10 +322,14 @@ void MainLoop::startLiveView() {
 }
 
 Task<> MainLoop::showLivePicture() {
-    std::string url = cameraBaseUrl(station_.panel) + kLatestImagePath;
+    CameraRequest asked = station_.camera.request();
+    std::string url = asked.camera + kLatestImagePath;
     Task<HttpReply> get = station_.http.get(std::move(url));
     const HttpReply reply = co_await get;
     if (reply.ok && station_.panel.chkLive.ticked) station_.views.showLive(reply.body);
+    Task<CameraAnswer> judging = station_.camera.judge(reply, std::move(asked));
+    const CameraAnswer answer = co_await judging;
+    if (station_.panel.chkLive.ticked) station_.camera.tellLive(answer);
 }
 
 } // namespace orvane

@@ -11,6 +11,11 @@ namespace {
 constexpr unsigned kTem = 0x01;
 constexpr unsigned kRst0 = 0xD0;
 constexpr unsigned kRst7 = 0xD7;
+constexpr unsigned kSof0 = 0xC0;
+constexpr unsigned kSof15 = 0xCF;
+constexpr unsigned kDht = 0xC4; ///< these three stand among the frame headers' codes
+constexpr unsigned kJpg = 0xC8;
+constexpr unsigned kDac = 0xCC;
 constexpr unsigned kSoi = 0xD8;
 constexpr unsigned kEoi = 0xD9;
 constexpr unsigned kSos = 0xDA;
@@ -35,7 +40,24 @@ class MarkerWalk {
         }
     }
 
+    std::optional<JpegSize> size() {
+        if (nextMarker() != kSoi) return std::nullopt;
+        while (true) {
+            const unsigned marker = nextMarker();
+            if (marker == 0 || marker == kSoi || marker == kEoi || marker == kSos)
+                return std::nullopt;
+            if (isBare(marker)) continue;
+            const std::size_t segment = position_;
+            if (!skipSegment()) return std::nullopt;
+            if (isFrame(marker)) return sizeIn(segment);
+        }
+    }
+
   private:
+    static bool isFrame(unsigned marker) {
+        return marker >= kSof0 && marker <= kSof15 && marker != kDht && marker != kJpg &&
+               marker != kDac;
+    }
     static bool isBare(unsigned marker) {
         return marker == kTem || (marker >= kRst0 && marker <= kRst7);
     }
@@ -54,10 +76,26 @@ class MarkerWalk {
 
     bool skipSegment() {
         if (bytes_.size() - position_ < 2) return false;
-        const std::size_t length = byteAt(position_) << 8 | byteAt(position_ + 1);
+        const std::size_t length = wordAt(position_);
         if (length < 2 || length > bytes_.size() - position_) return false;
         position_ += length;
         return true;
+    }
+
+    unsigned wordAt(std::size_t position) const {
+        return byteAt(position) << 8 | byteAt(position + 1);
+    }
+
+    /// Of a frame header that has been skipped: length, precision, height, width. A height of 0
+    /// comes later in the file.
+    std::optional<JpegSize> sizeIn(std::size_t segment) const {
+        constexpr std::size_t kHeight = 3;
+        constexpr std::size_t kWidth = 5;
+        if (position_ - segment < kWidth + 2) return std::nullopt;
+        const JpegSize size{static_cast<int>(wordAt(segment + kWidth)),
+                            static_cast<int>(wordAt(segment + kHeight))};
+        if (size.width == 0 || size.height == 0) return std::nullopt;
+        return size;
     }
 
     /// Ends in front of the marker that ends the scan. Stuffed zeros and restart markers belong to
@@ -89,6 +127,10 @@ class MarkerWalk {
 
 bool isWholeJpeg(std::string_view bytes) {
     return MarkerWalk(bytes).wholePicture();
+}
+
+std::optional<JpegSize> jpegSize(std::string_view bytes) {
+    return MarkerWalk(bytes).size();
 }
 
 Task<Fault> pictureFault(ImageControl& control, const std::string& bytes) {

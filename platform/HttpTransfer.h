@@ -14,6 +14,9 @@ struct HttpReply {
     std::string fault; ///< why not, for the log; empty when `ok`
 };
 
+/// The fault of a transfer that `cancel` or another one ended.
+inline constexpr const char* kCancelled = "cancelled";
+
 /// What an answer is asked for. A picture and a page must have a body (128 MB and 4 MB at most);
 /// of a mere request (a switch) only the status counts.
 enum class Wanted { Picture, Page, Nothing };
@@ -27,7 +30,7 @@ class HttpTransfer {
     /// running is cancelled first.
     virtual Task<HttpReply> get(std::string url, Wanted wanted) = 0;
     Task<HttpReply> get(std::string url) { return get(std::move(url), Wanted::Picture); }
-    /// Ends the running transfer, whose `get` then answers the fault "cancelled".
+    /// Ends the running transfer, whose `get` then answers the fault `kCancelled`.
     virtual void cancel() = 0;
     /// Whether a transfer is under way.
     virtual bool running() const = 0;

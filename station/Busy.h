@@ -3,6 +3,8 @@
 #include "station/Scope.h"
 #include "station/Value.h"
 
+#include <vector>
+
 namespace orvane {
 
 /// Counts the work during which the window must not be closed from its close box: a capture up to
@@ -18,13 +20,21 @@ class Busy {
 
     Value<bool> mnuFileOpen{true}; ///< the menu entry's enabled state
     bool active() const { return count_ > 0; }
+    /// Has the enabled state of a control that does nothing meanwhile follow from here on.
+    void lock(Value<bool>& enabled) {
+        locked_.push_back(&enabled);
+        enabled = !active();
+    }
 
   private:
     void change(int by) {
         count_ += by;
         mnuFileOpen = count_ == 0;
+        for (Value<bool>* enabled : locked_)
+            *enabled = count_ == 0;
     }
     int count_ = 0;
+    std::vector<Value<bool>*> locked_;
 };
 
 } // namespace orvane

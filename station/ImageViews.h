@@ -17,6 +17,9 @@ class ImageViews {
     virtual void showLatest(const std::filesystem::path& file) = 0;
     /// Shows a JPEG that was not filed in the latest-image window.
     virtual void showLive(const std::string& jpeg) = 0;
+    /// Why no newer picture of the live view comes, told where its last one is shown; empty: it
+    /// has been switched off, or a picture has come.
+    virtual void tellLive(const std::string& text) = 0;
 };
 
 } // namespace orvane

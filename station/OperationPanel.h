@@ -95,6 +95,7 @@ struct OperationPanel {
     StatusSign sgn_status; ///< beside the recording status
     Label lbl_fault;       ///< when and why the last attempt failed; empty: it did not
 
+    Label lbl_camera;  ///< what the camera's buttons and the live view came to
     Label Label7;      ///< recording status
     Label Label11;     ///< recorded-image count
     Label Label12;     ///< date

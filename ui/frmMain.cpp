@@ -180,6 +180,10 @@ void frmMain::addWindowMenu() {
              &PictureArea::tile);
     addEntry(windows, {"mnuWindowCloseAll", "Close &All", "Closes every picture."}, {}, area_,
              &QMdiArea::closeAllSubWindows);
+    for (QAction* action : windows.actions()) {
+        action->setEnabled(false);
+        connect(area_, &PictureArea::emptied, action, &QAction::setDisabled);
+    }
     windows.addSeparator();
     const std::pair<const char*, const char*> pages[] = {{"mnuWindowRecording", "Page &Recording"},
                                                          {"mnuWindowCamera", "Page Ca&mera"},

@@ -274,7 +274,7 @@ Task<HttpReply> CurlTransfer::get(std::string url, Wanted wanted) {
 }
 
 void CurlTransfer::cancel() {
-    if (running_ != nullptr) std::exchange(running_, nullptr)->giveUp("cancelled");
+    if (running_ != nullptr) std::exchange(running_, nullptr)->giveUp(kCancelled);
 }
 
 } // namespace orvane

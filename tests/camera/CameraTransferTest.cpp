@@ -2,6 +2,7 @@
 #include "imaging/JpegMarkers.h"
 #include "platform/Page.h"
 #include "platform/curl/CurlTransfer.h"
+#include "platform/qt/LibjpegImageControl.h"
 #include "platform/qt/QtClock.h"
 #include "simulators/sky-camera/SkyCamera.h"
 #include "tests/support/Fakes.h"
@@ -60,10 +61,11 @@ struct CameraTransfer : testing::Test {
     CurlTransfer switches{curl, clock, limits};
     FakeOperator op{clock};
     FakeViews views;
+    LibjpegImageControl control{clock};
     Busy busy;
     Module1 module;
     OperationPanel panel;
-    CameraPanel camera{module, panel, transfer, switches, views, busy, op, clock};
+    CameraPanel camera{module, panel, transfer, switches, views, busy, op, clock, control};
 };
 
 TEST_F(CameraTransfer, FetchesAFreshWholePictureEachTime) {

@@ -15,6 +15,7 @@ struct FailingViews final : ImageViews {
     void refreshThumbnails(const ThumbnailHistory&) override {}
     void showLatest(const std::filesystem::path&) override {}
     void showLive(const std::string&) override { fail(); }
+    void tellLive(const std::string&) override {}
 };
 
 std::exception_ptr faultOf(const std::string& text) {

@@ -28,6 +28,22 @@ TEST(JpegMarkers, AcceptWhatEncodersWrite) {
     EXPECT_TRUE(isWholeJpeg(encoded(picture) + "trailing bytes \xFF\xD8"));
 }
 
+TEST(JpegMarkers, TellThePicturesOwnSize) {
+    const QImage picture = gradient(70, 50);
+    const auto size = [](const std::string& bytes) {
+        const JpegSize told = jpegSize(bytes).value_or(JpegSize{});
+        return std::pair(told.width, told.height);
+    };
+    EXPECT_EQ(size(encoded(picture)), std::pair(70, 50));
+    EXPECT_EQ(size(encoded(picture, 80, true)), std::pair(70, 50));
+    EXPECT_EQ(size(thumbnailed(encoded(picture))), std::pair(70, 50)) << "not the thumbnail's";
+    EXPECT_EQ(size("<html>"), std::pair(0, 0));
+    EXPECT_EQ(size(bytesOf({0xFF, 0xD8, 0xFF, 0xC0, 0, 6, 8, 0, 50, 0, 70})), std::pair(0, 0))
+        << "a frame header that is too short";
+    EXPECT_EQ(size(bytesOf({0xFF, 0xD8, 0xFF, 0xC4, 0, 7, 8, 0, 50, 0, 70})), std::pair(0, 0))
+        << "a table, no frame header";
+}
+
 TEST(JpegMarkers, RefuseEveryTruncation) {
     const std::string pictures[] = {encoded(gradient(24, 16)), encoded(gradient(24, 16), 80, true),
                                     thumbnailed(encoded(gradient(24, 16)))};

@@ -77,7 +77,7 @@ class FakeHttp final : public HttpTransfer {
         answering.start();
         Signal& ended = transfer.ended;
         co_await ended;
-        HttpReply reply = transfer.cancelled ? failed("cancelled") : answer(url);
+        HttpReply reply = transfer.cancelled ? failed(kCancelled) : answer(url);
         co_return reply;
     }
     void cancel() override {
@@ -268,11 +268,16 @@ class FakeViews final : public ImageViews {
         ++live;
         if (shown != nullptr) shown->showLive(jpeg);
     }
+    void tellLive(const std::string& text) override {
+        liveText = text;
+        if (shown != nullptr) shown->tellLive(text);
+    }
 
     ImageViews* shown = nullptr; ///< real views that show the pictures as well
     std::filesystem::path newest;
     std::filesystem::path latest;
     int live = 0;
+    std::string liveText;
 };
 
 } // namespace orvane::test

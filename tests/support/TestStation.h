@@ -103,7 +103,7 @@ class TestStation {
                   [this](const std::string& text) { panel.Label7.caption = text; }}};
     Faults faults{log, clock, op};
     PanelStatus status{module, panel, clock, faults};
-    CameraPanel camera{module, panel, http, switches, views, busy, op, clock};
+    CameraPanel camera{module, panel, http, switches, views, busy, op, clock, imageControl};
     bool unlistable = false; ///< dated folders can be written but not listed
     int listings = 0;
     std::chrono::minutes utcOffset{540};

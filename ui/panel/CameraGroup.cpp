@@ -1,5 +1,6 @@
 #include "camera/CameraPanel.h"
 #include "ui/Layout.h"
+#include "ui/panel/ElidedLabel.h"
 #include "ui/panel/PanelGroups.h"
 
 #include <QCheckBox>
@@ -12,10 +13,11 @@ QGroupBox* cameraGroup(PanelControls& controls, OperationPanel& panel, CameraPan
                        TaskGroup& tasks, const std::function<void()>& pictureWanted) {
     QLineEdit* address = controls.textBox(
         {"txtIp", "Camera address", "The camera's address or name on the network."}, panel.txtIp,
-        {});
+        [&camera] { camera.txtIp_Change(); }, [&camera] { camera.address_LostFocus(); });
     QLineEdit* port = controls.textBox(
         {"txtPort", "Camera port", "The port of the camera's web server, usually 80."},
-        panel.txtPort, {});
+        panel.txtPort, [&camera] { camera.txtPort_Change(); },
+        [&camera] { camera.address_LostFocus(); });
     port->setFixedWidth(port->fontMetrics().horizontalAdvance("000000") + 12);
     const auto fetch = [&camera, &tasks, pictureWanted] {
         pictureWanted();
@@ -37,7 +39,10 @@ QGroupBox* cameraGroup(PanelControls& controls, OperationPanel& panel, CameraPan
                            controls.checkBox({"chkLive", "Live &view",
                                               "Shows the camera's picture every 5 seconds without "
                                               "keeping it."},
-                                             panel.chkLive, pictureWanted))}));
+                                             panel.chkLive, pictureWanted)),
+                controls.label({"lbl_camera", "Camera's answer",
+                                "What the camera answered to the buttons above."},
+                               panel.lbl_camera)}));
 }
 
 } // namespace orvane

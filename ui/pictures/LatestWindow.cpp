@@ -35,22 +35,31 @@ void LatestWindow::showFile(const std::filesystem::path& file) {
     // A name has no seconds: a picture of this very minute has just come.
     const WallTime now = clock_.now();
     const auto name = ImageName::ofFile(file);
-    taken_ = name && name->minute() != minuteIndex(now) ? name->time() : now;
-    updateAge();
+    take(name && name->minute() != minuteIndex(now) ? name->time() : now, false);
     showPicture({.file = file}, "Latest Image: " + titleOf(file));
 }
 
 void LatestWindow::showLive(const std::string& jpeg) {
-    taken_ = clock_.now();
-    updateAge();
+    take(clock_.now(), true);
     showPicture({.jpeg = QByteArray::fromStdString(jpeg)}, "Live Picture");
 }
 
 void LatestWindow::showNone() {
-    taken_.reset();
-    updateAge();
+    take(std::nullopt, false);
     setWindowTitle("Latest Image");
     showText("No picture has been recorded yet.");
+}
+
+void LatestWindow::tellLive(const std::string& text) {
+    liveText_ = live_ ? toQString(text) : QString();
+    updateAge();
+}
+
+void LatestWindow::take(std::optional<WallTime> taken, bool live) {
+    taken_ = taken;
+    live_ = live;
+    liveText_.clear();
+    updateAge();
 }
 
 void LatestWindow::updateAge() {
@@ -59,11 +68,12 @@ void LatestWindow::updateAge() {
     const bool overdue = days_.isOverdue(*taken_);
     QString text = toQString(ageText(now - *taken_));
     if (overdue) text += ", overdue";
+    if (!liveText_.isEmpty()) text = liveText_;
     if (text == age_->text()) return;
     age_->setText(text);
     QPalette colours = palette();
     const bool dark = isDark(colours);
-    if (overdue)
+    if (overdue || !liveText_.isEmpty())
         colours.setColor(QPalette::WindowText, dark ? QColor("#ff8080") : QColor("#b00000"));
     age_->setPalette(colours);
     age_->setToolTip(overdue ? "Two or more pictures that were due have not come." : "");

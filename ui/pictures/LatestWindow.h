@@ -25,17 +25,22 @@ class LatestWindow : public ImageWindow {
     void showFile(const std::filesystem::path& file);
     /// Shows a JPEG that was not filed.
     void showLive(const std::string& jpeg);
+    /// While such a JPEG is shown, `text` stands in its age's place: why no newer one comes.
+    void tellLive(const std::string& text);
     void showNone();
 
     bool canStep() const override { return false; }
 
   private:
+    void take(std::optional<WallTime> taken, bool live);
     void updateAge();
 
     Clock& clock_;
     const DayWatch& days_;
     QLabel* age_;
     std::optional<WallTime> taken_; ///< nothing: there is no picture
+    bool live_ = false;
+    QString liveText_;
     RepeatingTimer ageTimer_;
 };
 

@@ -3,10 +3,12 @@
 #include "ui/pictures/PictureView.h"
 #include "ui/pictures/Tiles.h"
 
+#include <QEvent>
 #include <QScrollBar>
 #include <QStyle>
 
 #include <algorithm>
+#include <utility>
 
 namespace orvane {
 namespace {
@@ -54,6 +56,7 @@ QMdiSubWindow& PictureArea::add(QWidget& window, QSize size) {
     frame->setWindowIcon(style()->standardIcon(QStyle::SP_FileDialogContentsView));
     frame->setGeometry(QRect({offset, offset}, size));
     frame->show();
+    followWindows();
     return *frame;
 }
 
@@ -100,6 +103,16 @@ bool PictureArea::isTiled() const {
     return !tiles_.isEmpty() && std::ranges::equal(frames, tiles_, [](auto* frame, auto& tile) {
         return frame == tile.first && !frame->isMaximized() && frame->geometry() == tile.second;
     });
+}
+
+bool PictureArea::viewportEvent(QEvent* event) {
+    const bool done = QMdiArea::viewportEvent(event);
+    if (event->type() == QEvent::ChildRemoved) followWindows();
+    return done;
+}
+
+void PictureArea::followWindows() {
+    if (std::exchange(wasEmpty_, isEmpty()) != wasEmpty_) emit emptied(wasEmpty_);
 }
 
 void PictureArea::resizeEvent(QResizeEvent* event) {

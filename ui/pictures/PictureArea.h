@@ -25,17 +25,25 @@ class PictureArea : public QMdiArea {
 
     /// Public for the windows in it, which hand Tab on to what is around them.
     bool focusNextPrevChild(bool next) override { return QMdiArea::focusNextPrevChild(next); }
+    bool isEmpty() const { return subWindowList().isEmpty(); }
+
+  signals:
+    /// The first window has come (false), or the last one has gone.
+    void emptied(bool isEmpty);
 
   protected:
     void resizeEvent(QResizeEvent* event) override;
+    bool viewportEvent(QEvent* event) override;
 
   private:
     QList<QMdiSubWindow*> framesToTile() const;
     void lay(const QList<QMdiSubWindow*>& frames);
     bool isTiled() const;
+    void followWindows();
 
     QRect filled_;                                  ///< what a filling window's place is
     QList<std::pair<QMdiSubWindow*, QRect>> tiles_; ///< where `tile` laid them
+    bool wasEmpty_ = true;
 };
 
 } // namespace orvane

@@ -46,6 +46,10 @@ void QtImageViews::showLive(const std::string& jpeg) {
     if (area_ != nullptr && (latest_ != nullptr || latestWanted_)) latestWindow()->showLive(jpeg);
 }
 
+void QtImageViews::tellLive(const std::string& text) {
+    if (latest_ != nullptr) latest_->tellLive(text);
+}
+
 void QtImageViews::openLatest(const std::filesystem::path& file) {
     if (area_ == nullptr) return;
     if (latestFile_.empty()) latestFile_ = file.empty() ? module_.thumbnails[0] : file;

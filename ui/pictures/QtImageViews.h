@@ -27,6 +27,7 @@ class QtImageViews final : public ImageViews {
     void refreshThumbnails(const ThumbnailHistory& history) override;
     void showLatest(const std::filesystem::path& file) override;
     void showLive(const std::string& jpeg) override;
+    void tellLive(const std::string& text) override;
 
     /// The latest-image window opens with the first picture. Once the operator has closed it, new
     /// pictures leave it closed until one is asked for: by `wantLatest` or `openLatest`.
