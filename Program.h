@@ -12,6 +12,7 @@
 #include "core/DailyClocks.h"
 #include "core/MainLoop.h"
 #include "core/Shutdown.h"
+#include "core/StartTest.h"
 #include "core/StatusFile.h"
 #include "platform/SerialPort.h"
 #include "platform/SystemCalls.h"
@@ -126,6 +127,8 @@ class Program {
     Wishes wishes_{{module_, busy_, inetFileGet_, imageStore_, clock_}};
     Recording recording_{module_, panel_, schedules_, settings_, status_,
                          log_,    op_,    wishes_,    clock_};
+    StartTest startTest_{
+        {module_, panel_, recording_, camera_, imageStore_, inetFileGet_, faults_, clock_}};
     FolderScan folderScan_{module_, panel_};
     Keograms keograms_{{keogramsControl_, module_, busy_, clock_}};
     ShownDay shownDay_{{days_, panel_, keograms_, clock_, faults_}};
@@ -182,7 +185,8 @@ class Program {
                      [this] { showMainWindow(); },
                      [](int code) { QCoreApplication::exit(code); },
                      keepAwake,
-                     [this] { beginWork(); }};
+                     [this] { beginWork(); },
+                     &startTest_};
     MainLoop loop_{station_};
     AutoStart autoStart_{module_,
                          store_,

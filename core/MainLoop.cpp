@@ -1,5 +1,6 @@
 #include "core/MainLoop.h"
 
+#include "core/StartTest.h"
 #include "core/StartUp.h"
 #include "platform/Paths.h"
 
@@ -86,6 +87,7 @@ Task<bool> MainLoop::pass() {
     bool worked = station_.faults.attempt(kWhere, [&] { watch(now); });
     if (station_.wishes.standing()) co_return worked; // what they wait for must come to its end
     if (isWindowOfThePast(now)) endOfWindow();
+    if (station_.startTest != nullptr) station_.startTest->follow(isDue(now));
     if (!module.RecordFlg) {
         station_.panel.Label11.caption = std::string();
     } else if (isDue(now)) {
@@ -127,6 +129,7 @@ Task<bool> MainLoop::recordNow(std::int64_t dueMinute) {
     watchFolder();
     live_.reset(); // a capture never waits for the live view
     station_.gaps.standBack();
+    if (station_.startTest != nullptr) station_.startTest->standBack();
     Task<bool> capturing = station_.faults.run(kWhere, capture(captured));
     const bool worked = co_await capturing;
     station_.panel.Command2.enabled = station_.module.RecordFlg;
@@ -134,6 +137,7 @@ Task<bool> MainLoop::recordNow(std::int64_t dueMinute) {
         station_.panel.Label7.caption = "Recording Standby";
         co_return worked;
     }
+    if (station_.startTest != nullptr) station_.startTest->note(captured);
     fetchFault_ = captured.fault;
     station_.module.lastAttempt =
         CaptureAttempt{station_.clock.now(), attemptFault(captured), momentOf(dueMinute)};

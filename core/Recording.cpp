@@ -44,6 +44,25 @@ bool inRange(const TextBox& field, std::size_t index) {
     return value >= 0 && value <= OperationPanel::kFieldLimits[index];
 }
 
+/// The code of the first field that is empty or out of its range, or of an interval of nothing. The
+/// interval's hour and second are never checked.
+std::optional<int> fieldFault(const OperationPanel& panel) {
+    for (const std::size_t index : kLockedFields) {
+        const TextBox& field = panel.Text1[index];
+        if (field.text.get().empty() || !inRange(field, index)) return static_cast<int>(index);
+    }
+    if (leadingNumber(panel.Text1[5].text.get()) == 0 &&
+        leadingNumber(panel.Text1[6].text.get()) == 0)
+        return kNoInterval;
+    return std::nullopt;
+}
+
+std::optional<int> windowFault(const Schedule& schedule) {
+    if (schedule.StartTime == schedule.EndTime) return kSameTime;
+    if (schedule.StartTime > schedule.EndTime) return kStartAfterEnd;
+    return std::nullopt;
+}
+
 } // namespace
 
 Task<> Recording::Command1_Click() {
@@ -76,6 +95,7 @@ Task<> Recording::Command1_Click() {
     status_.runSync(true);
     status_.NumberOfRec();
     panel_.Label7.caption = "Recording Standby";
+    ++starts_;
 }
 
 void Recording::Command2_Click() {
@@ -85,6 +105,7 @@ void Recording::Command2_Click() {
     log_.write("Stop Recording");
     module_.RecCount = 0;
     panel_.Label7.caption = "Ready";
+    panel_.lbl_start.caption = std::string();
 }
 
 Task<> Recording::mnuRecordingStop_Click() {
@@ -137,26 +158,23 @@ void Recording::lockTimes() {
     }
 }
 
-/// The code of the first fault, or nothing. Makes the schedule's times on the way. The interval's
-/// hour and second are never checked.
+/// The code of the first fault, or nothing. Makes the schedule's times on the way.
 std::optional<int> Recording::validate() {
-    for (const std::size_t index : kLockedFields) {
-        const TextBox& field = panel_.Text1[index];
-        if (field.text.get().empty() || !inRange(field, index)) return static_cast<int>(index);
-    }
-    if (leadingNumber(panel_.Text1[5].text.get()) == 0 &&
-        leadingNumber(panel_.Text1[6].text.get()) == 0)
-        return kNoInterval;
-
+    if (const auto code = fieldFault(panel_)) return code;
     using namespace std::chrono;
     Schedule& schedule = module_.schedule;
     schedule = scheduleOf(panel_);
     schedule.NextRecTime =
         createNextRecTime(schedule.StartTime, schedule.EndTime, schedule.IntervalTime,
                           floor<seconds>(timeOfDay(clock_.now())));
-    if (schedule.StartTime == schedule.EndTime) return kSameTime;
-    if (schedule.StartTime > schedule.EndTime) return kStartAfterEnd;
-    return std::nullopt;
+    return windowFault(schedule);
+}
+
+std::optional<Recording::ScheduleFault> Recording::scheduleFault() const {
+    auto code = fieldFault(panel_);
+    if (!code) code = windowFault(scheduleOf(panel_));
+    if (!code) return std::nullopt;
+    return ScheduleFault{kMessages[static_cast<std::size_t>(*code)], fieldOf(*code)};
 }
 
 void Recording::Text1_Change(std::size_t index) {

@@ -46,6 +46,15 @@ class Recording {
 
     /// The field of `Text1` that a refused start complained of, until the next start.
     Value<std::optional<std::size_t>> faultyField;
+    /// How often recording has been switched on.
+    int starts() const { return starts_; }
+    /// What a start would tell now; nothing when it would be taken. Changes nothing.
+    struct ScheduleFault {
+        std::string message;
+        std::size_t field; ///< index of the field that it speaks of
+    };
+    std::optional<ScheduleFault> scheduleFault() const;
+
     Value<bool> mnuRecordingStart{true}; ///< the menu entries' enabled states
     Value<bool> mnuRecordingStop{false};
 
@@ -63,6 +72,7 @@ class Recording {
     Operator& op_;
     Wishes& wishes_;
     Clock& clock_;
+    int starts_ = 0;
 };
 
 } // namespace orvane

@@ -25,6 +25,8 @@
 
 namespace orvane {
 
+class StartTest;
+
 /// What the start-up, the main loop and the capture cycle work with. `main` builds every part and
 /// keeps them alive longer than any task.
 struct Station {
@@ -54,6 +56,7 @@ struct Station {
     std::function<void(int)> endProgram;           ///< with the exit code
     std::function<void(bool)> keepAwake = nullptr; ///< called when recording is switched on or off
     std::function<void()> atWork = nullptr;        ///< called when the start-up has succeeded
+    StartTest* startTest = nullptr;                ///< without it nothing is tested at a start
 };
 
 } // namespace orvane

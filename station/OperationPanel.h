@@ -96,6 +96,7 @@ struct OperationPanel {
     Label lbl_fault;       ///< when and why the last attempt failed; empty: it did not
 
     Label lbl_camera;  ///< what the camera's buttons and the live view came to
+    Label lbl_start;   ///< whether the camera answered as recording was started
     Label Label7;      ///< recording status
     Label Label11;     ///< recorded-image count
     Label Label12;     ///< date

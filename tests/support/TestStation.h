@@ -6,6 +6,7 @@
 #include "core/Condition.h"
 #include "core/MainLoop.h"
 #include "core/Shutdown.h"
+#include "core/StartTest.h"
 #include "core/Station.h"
 #include "core/StatusFile.h"
 #include "platform/Paths.h"
@@ -122,6 +123,8 @@ class TestStation {
     GapFilling gaps{{module, panel, days, archive, gapBrowser, gapHttp, log, faults, clock, busy}};
     Wishes wishes{{module, busy, http, imageStore, clock}};
     Recording recording{module, panel, schedules, settings, status, log, op, wishes, clock};
+    /// Its requests come among those that are counted, so it works only where it is looked at.
+    StartTest startTest{{module, panel, recording, camera, imageStore, http, faults, clock}};
     FolderScan folderScan{module, panel};
     FakeTracker port{clock};
     FakeHttp wbSystemTm{clock};

@@ -16,6 +16,7 @@
 #include <QListWidget>
 #include <QPainter>
 #include <QPushButton>
+#include <QScrollArea>
 #include <QTabBar>
 #include <QTabWidget>
 
@@ -142,6 +143,15 @@ void frmOperation::focusField(std::size_t index) {
     field->selectAll();
 }
 
+void frmOperation::lead(const QString& control) {
+    auto* wanted = findChild<QWidget*>(control);
+    for (int page = 0; page < pages_->count(); ++page)
+        if (pages_->widget(page)->isAncestorOf(wanted)) pages_->setCurrentIndex(page);
+    wanted->setFocus(Qt::ShortcutFocusReason);
+    for (QWidget* above = parentWidget(); above != nullptr; above = above->parentWidget())
+        if (auto* scroll = qobject_cast<QScrollArea*>(above)) scroll->ensureWidgetVisible(wanted);
+}
+
 QWidget* frmOperation::scheduleGroup() {
     auto* form = new QFormLayout;
     form->setFieldGrowthPolicy(QFormLayout::ExpandingFieldsGrow);
@@ -193,7 +203,15 @@ QWidget* frmOperation::recordingButtons() {
                               });
     start_->setIcon(sign(QColor(0xd0, 0x2f, 0x2f), true));
     stop->setIcon(sign(QColor(0x5f, 0x6b, 0x7a), false));
-    return inWidget(sideBySide(start_, stop));
+    ElidedLabel* test = controls_.label(
+        {"lbl_start", "Test at the start", "Whether the camera answered as recording was started."},
+        parts_.panel.lbl_start.caption);
+    // in the place of the label's own following: it takes room only while it tells something
+    controls_.bindings().follow(parts_.panel.lbl_start.caption, [test](const std::string& text) {
+        test->setText(toQString(text));
+        test->setVisible(!text.empty());
+    });
+    return inWidget(column({sideBySide(start_, stop), test}, 3));
 }
 
 QLineEdit* frmOperation::addTimeField(QHBoxLayout& row, std::size_t index, const QString& unit) {

@@ -45,6 +45,8 @@ class frmOperation : public QWidget {
     QWidget& bring(const QString& name);
     /// The same for a button, and presses it.
     void press(const QString& button);
+    /// Brings the page of the control of that name into view and gives the control the focus.
+    void lead(const QString& control);
 
   signals:
     /// The operator asked for the camera's picture.
