@@ -71,7 +71,8 @@ void Program::showMainWindow() {
                        faults_,
                        op_,
                        *systemInfo_,
-                       condition_});
+                       condition_,
+                       steps_});
     op_.setParentWindow(main_.get());
     main_->show();
     warningWindow_ = std::make_unique<Frm_massege>(warnings_, main_.get());

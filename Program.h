@@ -10,6 +10,7 @@
 #include "core/AutoStart.h"
 #include "core/Condition.h"
 #include "core/DailyClocks.h"
+#include "core/FirstSteps.h"
 #include "core/MainLoop.h"
 #include "core/Shutdown.h"
 #include "core/StartTest.h"
@@ -129,6 +130,7 @@ class Program {
                          log_,    op_,    wishes_,    clock_};
     StartTest startTest_{
         {module_, panel_, recording_, camera_, imageStore_, inetFileGet_, faults_, clock_}};
+    FirstSteps steps_{{module_, panel_, camera_, recording_, days_, clock_}};
     FolderScan folderScan_{module_, panel_};
     Keograms keograms_{{keogramsControl_, module_, busy_, clock_}};
     ShownDay shownDay_{{days_, panel_, keograms_, clock_, faults_}};

@@ -18,6 +18,7 @@
 #include "ui/dialogs/frmAbout.h"
 #include "ui/dialogs/frmOption.h"
 #include "ui/panel/PanelScroll.h"
+#include "ui/pictures/FirstRun.h"
 #include "ui/pictures/FullScreen.h"
 #include "ui/pictures/ImageMenu.h"
 #include "ui/pictures/PictureDrop.h"
@@ -78,6 +79,8 @@ frmMain::frmMain(Parts parts)
     connect(operation_, &frmOperation::imageWanted, this,
             [this](const std::filesystem::path& file) { parts_.views.openImage(file); });
     connect(operation_, &frmOperation::pictureWanted, this, [this] { parts_.views.wantLatest(); });
+    auto* first = new FirstRun({parts_.steps, parts_.clock, parts_.faults}, *area_);
+    connect(first, &FirstRun::controlWanted, operation_, &frmOperation::lead);
     MDIForm_Load();
     operation_->focusStart();
 }

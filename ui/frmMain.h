@@ -16,6 +16,7 @@ class CopiesAnew;
 class DayReport;
 class DaySurvey;
 class FilmFile;
+class FirstSteps;
 class FrmComPort;
 class FrmTKRTimeAuto;
 class FullScreen;
@@ -63,6 +64,7 @@ class frmMain : public QMainWindow {
         Operator& op;
         SystemInfo& systemInfo;
         Condition& condition;
+        FirstSteps& steps;
     };
 
     explicit frmMain(Parts parts);

@@ -4,6 +4,7 @@
 #include "core/Alerts.h"
 #include "core/AutoStart.h"
 #include "core/Condition.h"
+#include "core/FirstSteps.h"
 #include "core/MainLoop.h"
 #include "core/Shutdown.h"
 #include "core/StartTest.h"
@@ -125,6 +126,7 @@ class TestStation {
     Recording recording{module, panel, schedules, settings, status, log, op, wishes, clock};
     /// Its requests come among those that are counted, so it works only where it is looked at.
     StartTest startTest{{module, panel, recording, camera, imageStore, http, faults, clock}};
+    FirstSteps steps{{module, panel, camera, recording, days, clock}};
     FolderScan folderScan{module, panel};
     FakeTracker port{clock};
     FakeHttp wbSystemTm{clock};

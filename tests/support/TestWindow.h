@@ -71,7 +71,8 @@ struct Window : TestStation {
                 faults,
                 asked,
                 systemInfo,
-                condition}) {
+                condition,
+                steps}) {
         settings.initOperation();
         recording.ready();
         show(main);
