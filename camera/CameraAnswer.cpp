@@ -25,7 +25,7 @@ std::string bytesText(std::size_t bytes) {
 
 std::string CameraAnswer::picture() const {
     if (!isPicture()) return {};
-    const std::string size = bytesText(bytes);
+    std::string size = bytesText(bytes);
     if (width == 0) return size;
     return std::to_string(width) + " x " + std::to_string(height) + ", " + size;
 }
