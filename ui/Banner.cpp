@@ -69,6 +69,7 @@ BannerLine::BannerLine(std::size_t index, QWidget* parent)
     QSizePolicy policy(QSizePolicy::Ignored, QSizePolicy::Minimum);
     policy.setHeightForWidth(true);
     text_->setSizePolicy(policy);
+    text_->setMinimumHeight(fontMetrics().height()); // a wrapped text asks for more than it needs
     connect(button_, &QPushButton::clicked, this, &BannerLine::pressed);
     fill(*this, row({sign_, {text_, 1}, button_}, 8), {8, 2, 6, 2});
 }

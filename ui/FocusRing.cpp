@@ -15,13 +15,14 @@ bool isStop(const QWidget& widget) {
            qobject_cast<const QMdiSubWindow*>(&widget) == nullptr;
 }
 
-void scrollTo(QWidget& control) {
+} // namespace
+
+void giveFocus(QWidget& control, Qt::FocusReason reason) {
+    control.setFocus(reason);
     for (QWidget* above = control.parentWidget(); above != nullptr; above = above->parentWidget())
         if (auto* scrolled = qobject_cast<QScrollArea*>(above))
             scrolled->ensureWidgetVisible(&control);
 }
-
-} // namespace
 
 std::size_t FocusRing::partOf(const QWidget& control) const {
     const auto part = std::ranges::find_if(
@@ -49,8 +50,7 @@ bool FocusRing::step(bool next) const {
         const auto index = static_cast<std::size_t>(present - stops.begin());
         target = (index + (next ? 1 : stops.size() - 1)) % stops.size();
     }
-    stops[target]->setFocus(next ? Qt::TabFocusReason : Qt::BacktabFocusReason);
-    scrollTo(*stops[target]);
+    giveFocus(*stops[target], next ? Qt::TabFocusReason : Qt::BacktabFocusReason);
     return true;
 }
 

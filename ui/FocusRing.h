@@ -6,6 +6,9 @@
 
 namespace orvane {
 
+/// Gives a control the focus, and scrolls to it where it is out of sight.
+void giveFocus(QWidget& control, Qt::FocusReason reason);
+
 /// One closed ring of Tab and Shift+Tab through a window, its sub-windows included: a sub-window
 /// has a ring of its own otherwise, which the keyboard does not leave.
 class FocusRing {

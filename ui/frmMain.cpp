@@ -1,8 +1,8 @@
 #include "ui/frmMain.h"
 
-#include "ui/HelpMenu.h"
 #include "ui/Banner.h"
 #include "ui/Desktop.h"
+#include "ui/HelpMenu.h"
 #include "ui/Layout.h"
 #include "ui/Text.h"
 #include "ui/WishBar.h"
@@ -80,7 +80,8 @@ frmMain::frmMain(Parts parts)
             [this](const std::filesystem::path& file) { parts_.views.openImage(file); });
     connect(operation_, &frmOperation::pictureWanted, this, [this] { parts_.views.wantLatest(); });
     auto* first = new FirstRun({parts_.steps, parts_.clock, parts_.faults}, *area_);
-    connect(first, &FirstRun::controlWanted, operation_, &frmOperation::lead);
+    connect(first, &FirstRun::controlWanted, operation_,
+            [this](const QString& control) { operation_->bring(control); });
     MDIForm_Load();
     operation_->focusStart();
 }

@@ -140,6 +140,11 @@ TEST_F(PictureScreen, FullScreenFollowsTheLatestImageAndEndsWithTheLastWindow) {
     w.clock.run(1s);
     EXPECT_EQ(latest.windowTitle(), "Latest Image: 15 Nov 2006 09:30");
     EXPECT_TRUE(w.main.isFullScreen());
+    ThumbnailHistory history;
+    history[0] = w.dataFolder() / "20061115_093000_00.jpg";
+    w.pictures.refreshThumbnails(history);
+    const auto& strip = *w.main.findChild<ThumbnailStrip*>();
+    EXPECT_FALSE(strip.isVisible()) << "also with a new picture in it";
     trigger("mnuEditTrim");
     key(latest.view(), Qt::Key_Escape);
     EXPECT_TRUE(w.main.isFullScreen()) << "the rectangle goes first";
@@ -155,6 +160,7 @@ TEST_F(PictureScreen, FullScreenFollowsTheLatestImageAndEndsWithTheLastWindow) {
     QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     EXPECT_FALSE(w.main.isFullScreen());
     EXPECT_TRUE(w.main.operation().isVisible());
+    EXPECT_TRUE(strip.isVisible());
 }
 
 TEST_F(PictureScreen, TilesKeepTheirPlacesUntilOneIsMoved) {

@@ -104,14 +104,14 @@ TEST_F(Ui, WidgetsFollowValues) {
 
 TEST_F(Ui, EveryControlOfThePanelIsThere) {
     Window w(op);
-    const char* names[] = {"chk_auto",  "chk_time",  "chkLive",      "Command1",   "Command2",
-                           "Command3",  "Command5",  "Command7",     "Command8",   "Dir1_0",
-                           "Frame3_1",  "txtIp",     "txtPort",      "txt_lat",    "txt_long",
-                           "txt_tz",    "Label7",    "Label11",      "Label12",    "Label13",
-                           "lbl_free",  "Text1_6",   "lbl_sunrise",  "lbl_sunset", "UpDown1_6",
-                           "Command4",  "Command6",  "cmd_Download", "lbl_dlcnt",  "lbl_sync",
-                           "chk_fill",  "Dir1_1",    "txt_find",     "cmd_find",   "lst_found",
-                           "lbl_found", "sgn_status", "chk_sun", "lbl_window"};
+    const char* names[] = {"chk_auto",  "chk_time",   "chkLive",      "Command1",   "Command2",
+                           "Command3",  "Command5",   "Command7",     "Command8",   "Dir1_0",
+                           "Frame3_1",  "txtIp",      "txtPort",      "txt_lat",    "txt_long",
+                           "txt_tz",    "Label7",     "Label11",      "Label12",    "Label13",
+                           "lbl_free",  "Text1_6",    "lbl_sunrise",  "lbl_sunset", "UpDown1_6",
+                           "Command4",  "Command6",   "cmd_Download", "lbl_dlcnt",  "lbl_sync",
+                           "chk_fill",  "Dir1_1",     "txt_find",     "cmd_find",   "lst_found",
+                           "lbl_found", "sgn_status", "chk_sun",      "lbl_window"};
     auto& tabs = find<QTabWidget>(w.main, "pages");
     for (const char* name : names) {
         const auto found = w.main.operation().findChildren<QWidget*>(name);

@@ -4,8 +4,8 @@
 #include "ui/FocusRing.h"
 #include "ui/Layout.h"
 #include "ui/Text.h"
-#include "ui/panel/FolderView.h"
 #include "ui/panel/ElidedLabel.h"
+#include "ui/panel/FolderView.h"
 #include "ui/panel/PanelGroups.h"
 #include "ui/panel/UpDown.h"
 
@@ -16,7 +16,6 @@
 #include <QListWidget>
 #include <QPainter>
 #include <QPushButton>
-#include <QScrollArea>
 #include <QTabBar>
 #include <QTabWidget>
 
@@ -89,7 +88,7 @@ frmOperation::frmOperation(Parts parts, QWidget* parent)
     orderTabs();
     controls_.bindings().follow(parts_.recording.faultyField,
                                 [this](const std::optional<std::size_t>& index) {
-                                    if (index) focusField(*index);
+                                    if (index) bring(QString("Text1_%1").arg(*index));
                                 });
 }
 
@@ -134,22 +133,6 @@ void frmOperation::showPage(int page) {
         if (pages_->currentWidget()->isAncestorOf(stop))
             return stop->setFocus(Qt::ShortcutFocusReason);
     pages_->tabBar()->setFocus(Qt::ShortcutFocusReason); // all of them are locked
-}
-
-void frmOperation::focusField(std::size_t index) {
-    pages_->setCurrentIndex(0);
-    auto* field = findChild<QLineEdit*>(QString("Text1_%1").arg(index));
-    field->setFocus(Qt::OtherFocusReason);
-    field->selectAll();
-}
-
-void frmOperation::lead(const QString& control) {
-    auto* wanted = findChild<QWidget*>(control);
-    for (int page = 0; page < pages_->count(); ++page)
-        if (pages_->widget(page)->isAncestorOf(wanted)) pages_->setCurrentIndex(page);
-    wanted->setFocus(Qt::ShortcutFocusReason);
-    for (QWidget* above = parentWidget(); above != nullptr; above = above->parentWidget())
-        if (auto* scroll = qobject_cast<QScrollArea*>(above)) scroll->ensureWidgetVisible(wanted);
 }
 
 QWidget* frmOperation::scheduleGroup() {
@@ -278,7 +261,7 @@ QWidget& frmOperation::bring(const QString& name) {
     auto* control = findChild<QWidget*>(name);
     for (int page = 0; page < pages_->count(); ++page)
         if (pages_->widget(page)->isAncestorOf(control)) pages_->setCurrentIndex(page);
-    control->setFocus(Qt::OtherFocusReason);
+    giveFocus(*control, Qt::ShortcutFocusReason);
     return *control;
 }
 

@@ -45,8 +45,6 @@ class frmOperation : public QWidget {
     QWidget& bring(const QString& name);
     /// The same for a button, and presses it.
     void press(const QString& button);
-    /// Brings the page of the control of that name into view and gives the control the focus.
-    void lead(const QString& control);
 
   signals:
     /// The operator asked for the camera's picture.
@@ -68,7 +66,6 @@ class frmOperation : public QWidget {
     QLineEdit* addTimeField(QHBoxLayout& row, std::size_t index, const QString& unit);
     QLayout* siteField(const Face& face, TextBox& model, bool (PanelSettings::*change)());
     void orderTabs();
-    void focusField(std::size_t index);
     void enterFolder(const std::filesystem::path& folder);
     void addFolderMenu(FolderView& list);
     void selectFolder();

@@ -1,5 +1,6 @@
 #include "ui/pictures/FullScreen.h"
 
+#include "ui/Banner.h"
 #include "ui/WishBar.h"
 #include "ui/panel/PanelControls.h"
 #include "ui/pictures/PictureArea.h"
@@ -70,14 +71,15 @@ void FullScreen::begin(QMdiSubWindow& frame) {
     frame.widget()->setFocus();
 }
 
-/// Whatever stands beside the area, but for what lies over it to tell something.
+/// Whatever stands beside the area, but for what is there only to tell something.
 void FullScreen::hideOthers() {
     showMenuBar(*area_.window(), false);
     for (QWidget* part = &area_; !part->isWindow(); part = part->parentWidget())
         for (auto* other : part->parentWidget()->findChildren<QWidget*>(Qt::FindDirectChildrenOnly))
             if (other != part && !other->isWindow() && !other->isHidden() &&
                 qobject_cast<QMenuBar*>(other) == nullptr &&
-                dynamic_cast<WishBar*>(other) == nullptr) {
+                dynamic_cast<WishBar*>(other) == nullptr &&
+                dynamic_cast<Banner*>(other) == nullptr) {
                 other->hide();
                 hidden_ << other;
             }
