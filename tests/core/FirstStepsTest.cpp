@@ -118,8 +118,8 @@ TEST_F(FirstStepsTest, SaysWhatAStartWouldSay) {
         {"9", "17", "0", "0", State::Wrong, "'00:00' cannot be set as a Recording Interval.",
          "Text1_5"},
         {"9", "9", "30", "0", State::Wrong,
-         "Start Time and End Time cannot be set to the same time.", "Text1_0"},
-        {"18", "17", "30", "0", State::Wrong, "You must be Start Time < End Time.", "Text1_0"},
+         "Start Time and End Time cannot be set to the same time.", "Text1_2"},
+        {"18", "17", "30", "0", State::Wrong, "You must be Start Time < End Time.", "Text1_2"},
         {"9", "17", "0", "30", State::Wrong, "No minute is ever due: 09:00 to 17:00 every 00 min",
          "Text1_5"}};
     const orvane::Schedule before = s.module.schedule;

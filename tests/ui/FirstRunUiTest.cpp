@@ -40,7 +40,7 @@ TEST_F(FirstRunUi, TheStepsAreLiveAndLeadToTheirControls) {
     EXPECT_TRUE(find<QWidget>(w.main, "txtIp").hasFocus());
     click(w.main, "cmd_first_3");
     EXPECT_EQ(pages.currentIndex(), 0);
-    EXPECT_TRUE(find<QWidget>(w.main, "Text1_0").hasFocus());
+    EXPECT_TRUE(find<QWidget>(w.main, "Text1_2").hasFocus());
     QTest::keyClick(&w.main, Qt::Key_2, Qt::AltModifier);
     auto& folder = find<QWidget>(w.main, "Command3");
     EXPECT_TRUE(QTest::qWaitFor([&] { return folder.hasFocus(); }, 2000)); // it is seen pressed
