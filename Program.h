@@ -130,7 +130,7 @@ class Program {
                          log_,    op_,    wishes_,    clock_};
     StartTest startTest_{
         {module_, panel_, recording_, camera_, imageStore_, inetFileGet_, faults_, clock_}};
-    FirstSteps steps_{{module_, panel_, camera_, recording_, days_, clock_}};
+    FirstSteps steps_{{module_, panel_, camera_, recording_, schedules_, days_, clock_}};
     FolderScan folderScan_{module_, panel_};
     Keograms keograms_{{keogramsControl_, module_, busy_, clock_}};
     ShownDay shownDay_{{days_, panel_, keograms_, clock_, faults_}};

@@ -3,7 +3,6 @@
 #include "archive/Ledger.h"
 #include "platform/Files.h"
 #include "platform/Paths.h"
-#include "station/PanelSchedule.h"
 
 #include <algorithm>
 
@@ -78,17 +77,23 @@ FirstSteps::Step FirstSteps::schedule() const {
     constexpr std::size_t kIntervalMinute = 5;
     const auto fault = parts_.recording.scheduleFault();
     if (fault) return {State::Wrong, fault->message, fieldName(fault->field)};
-    const Schedule schedule = scheduleOf(parts_.panel);
+    const bool followsSun = parts_.panel.chk_sun.ticked;
+    const auto today = std::chrono::floor<std::chrono::days>(parts_.clock.now());
+    const Schedule schedule = parts_.schedules.of(today);
+    const std::string text = scheduleText(schedule);
     if (dueMinutesPerDay(schedule) == 0)
-        return {State::Wrong, "No minute is ever due: " + scheduleText(schedule),
+        return {State::Wrong,
+                (followsSun ? "No minute is due today: " : "No minute is ever due: ") + text,
                 fieldName(kIntervalMinute)};
-    return {State::Done, scheduleText(schedule), fieldName(kStartHour)};
+    return {State::Done, (followsSun ? "Follows the sun, today " : "") + text,
+            fieldName(kStartHour)};
 }
 
-/// The field, or the box that unlocks it.
+/// The field, or the box that locks it.
 std::string FirstSteps::fieldName(std::size_t index) const {
     if (parts_.panel.Text1[index].enabled) return "Text1_" + std::to_string(index);
-    return parts_.module.RecordFlg ? "" : "chk_auto";
+    if (parts_.module.RecordFlg) return {};
+    return parts_.panel.chk_auto.ticked ? "chk_auto" : "chk_sun";
 }
 
 std::string FirstSteps::summary(bool isReady) const {

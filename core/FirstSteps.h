@@ -3,6 +3,7 @@
 #include "archive/DayWatch.h"
 #include "camera/CameraPanel.h"
 #include "core/Recording.h"
+#include "station/DaySchedules.h"
 
 #include <array>
 
@@ -19,6 +20,7 @@ class FirstSteps {
         const OperationPanel& panel;
         const CameraPanel& camera;
         const Recording& recording;
+        const DaySchedules& schedules;
         DayWatch& days;
         const Clock& clock;
     };

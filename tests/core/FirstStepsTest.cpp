@@ -139,6 +139,18 @@ TEST_F(FirstStepsTest, SaysWhatAStartWouldSay) {
     EXPECT_EQ(step(Schedule).control, "chk_auto") << "first the lock";
 }
 
+/// The typed times only wait meanwhile: neither they nor their fields are spoken of.
+TEST_F(FirstStepsTest, SaysTheWindowThatFollowsTheSun) {
+    start();
+    s.panel.chk_sun.ticked = true;
+    s.recording.chk_sun_Click();
+    s.clock.run(1s);
+    const std::string window = s.panel.lbl_window.caption; // "today 05:21 to 17:35"
+    ASSERT_EQ(window.substr(0, 6), "today ");
+    EXPECT_EQ(step(Schedule).text, "Follows the sun, " + window + " every 30 min");
+    EXPECT_EQ(step(Schedule).control, "chk_sun");
+}
+
 TEST_F(FirstStepsTest, TellsWhenTheFirstPictureIsDue) {
     s.station.startTest = &s.startTest;
     s.setSchedule("9", "17", "30");

@@ -126,7 +126,7 @@ class TestStation {
     Recording recording{module, panel, schedules, settings, status, log, op, wishes, clock};
     /// Its requests come among those that are counted, so it works only where it is looked at.
     StartTest startTest{{module, panel, recording, camera, imageStore, http, faults, clock}};
-    FirstSteps steps{{module, panel, camera, recording, days, clock}};
+    FirstSteps steps{{module, panel, camera, recording, schedules, days, clock}};
     FolderScan folderScan{module, panel};
     FakeTracker port{clock};
     FakeHttp wbSystemTm{clock};
