@@ -46,7 +46,7 @@ QList<QCommandLineOption> optionList() {
         {"port", "Port to listen on, 0 for a free one; default 8080.", "PORT", "8080"},
         {"size", "Size of the picture; default 1280x960.", "WxH", "1280x960"},
         {"jpeg-quality", "1 to 100; default 85.", "QUALITY", "85"},
-        {"seed", "Another number, other clouds and hills; default 1.", "NUMBER", "1"},
+        {"seed", "Another number, other clouds; default 1.", "NUMBER", "1"},
         {"latitude", "Site, degrees, north positive; default 35.", "DEGREES", "35"},
         {"longitude", "Site, degrees, east positive; default the middle of the time zone.",
          "DEGREES"},

@@ -4,64 +4,40 @@ namespace skycamera {
 
 bool sendsWhole(FaultKind kind) {
     switch (kind) {
-    case FaultKind::None:
-    case FaultKind::Drip:
-    case FaultKind::Huge:
-    case FaultKind::Stale:
-    case FaultKind::Delay:
-    case FaultKind::ListHtml:
-    case FaultKind::ListNoComma:
-    case FaultKind::ListNames:
-    case FaultKind::ListPaths:
-    case FaultKind::ListFuture:
-    case FaultKind::ListMissing:
-    case FaultKind::ListBig:
-    case FaultKind::ListOneField:
-        return true;
-    default:
+    case FaultKind::Status:
+    case FaultKind::Html:
+    case FaultKind::Empty:
+    case FaultKind::Cut:
         return false;
+    default:
+        const Delivery delivery = deliveryOf({kind}, 0);
+        return delivery.sendHead && delivery.bodyBytes < 0;
     }
 }
 
 Delivery deliveryOf(const Fault& fault, qsizetype bodySize) {
-    Delivery delivery;
+    using End = Delivery::End;
     const qsizetype half = bodySize / 2;
     switch (fault.kind) {
     case FaultKind::Refuse:
-        delivery.sendHead = false;
-        delivery.end = Delivery::End::Reset;
-        break;
+        return {.sendHead = false, .end = End::Reset};
     case FaultKind::Silent:
-        delivery.sendHead = false;
-        delivery.end = Delivery::End::Hang;
-        break;
+        return {.sendHead = false, .end = End::Hang};
     case FaultKind::Reset:
-        delivery.bodyBytes = half;
-        delivery.end = Delivery::End::Reset;
-        break;
+        return {.bodyBytes = half, .end = End::Reset};
     case FaultKind::Stall:
-        delivery.bodyBytes = half;
-        delivery.end = Delivery::End::Hang;
-        break;
+        return {.bodyBytes = half, .end = End::Hang};
     case FaultKind::Short:
-        delivery.bodyBytes = half;
-        delivery.end = Delivery::End::Close;
-        break;
+        return {.bodyBytes = half, .end = End::Close};
     case FaultKind::NoLengthCut:
-        delivery.bodyBytes = half;
-        delivery.announceLength = false;
-        delivery.end = Delivery::End::Close;
-        break;
+        return {.announceLength = false, .bodyBytes = half, .end = End::Close};
     case FaultKind::Drip:
-        delivery.bytesPerSecond = fault.arg;
-        break;
+        return {.bytesPerSecond = fault.arg};
     case FaultKind::Delay:
-        delivery.delayMs = fault.arg;
-        break;
+        return {.delayMs = fault.arg};
     default:
-        break;
+        return {};
     }
-    return delivery;
 }
 
 } // namespace skycamera

@@ -1,5 +1,6 @@
 #include "simulators/sky-camera/HttpMessage.h"
 
+#include <QHash>
 #include <QList>
 #include <QUrl>
 
@@ -10,32 +11,18 @@ namespace {
 constexpr qsizetype kMaxHeadBytes = 16 * 1024;
 
 QByteArray reason(int status) {
-    switch (status) {
-    case 200:
-        return "OK";
-    case 400:
-        return "Bad Request";
-    case 401:
-        return "Unauthorized";
-    case 403:
-        return "Forbidden";
-    case 404:
-        return "Not Found";
-    case 405:
-        return "Method Not Allowed";
-    case 413:
-        return "Content Too Large";
-    case 431:
-        return "Request Header Fields Too Large";
-    case 500:
-        return "Internal Server Error";
-    case 503:
-        return "Service Unavailable";
-    case 505:
-        return "HTTP Version Not Supported";
-    default:
-        return "Error";
-    }
+    static const QHash<int, QByteArray> reasons{{200, "OK"},
+                                                {400, "Bad Request"},
+                                                {401, "Unauthorized"},
+                                                {403, "Forbidden"},
+                                                {404, "Not Found"},
+                                                {405, "Method Not Allowed"},
+                                                {413, "Content Too Large"},
+                                                {431, "Request Header Fields Too Large"},
+                                                {500, "Internal Server Error"},
+                                                {503, "Service Unavailable"},
+                                                {505, "HTTP Version Not Supported"}};
+    return reasons.value(status, "Error");
 }
 
 /// Length of the header section with its empty line; 0 when it is not complete. Bare line feeds are

@@ -124,14 +124,11 @@ class Sky {
         const Colour clear = mix(hour_.horizon, hour_.zenith, 1.0F - std::pow(1.0F - height, 3.0F));
         const Colour seen = clouded(sunlit(clear, x, y), x, elevation);
         return mix(hour_.horizon * Colour(0.24F, 0.26F, 0.20F), seen,
-                   smoothStep(-0.5F, 0.5F, static_cast<float>(elevation - hill(x))));
+                   smoothStep(-0.5F, 0.5F, static_cast<float>(elevation - 3.0)));
     }
 
   private:
     double side(double azimuth) const { return std::remainder(azimuth - facing_, 360.0); }
-    double hill(double x) const {
-        return 1.0 + 5.0 * static_cast<double>(fractalNoise(x * 5.0, 3.5, 3, seed_));
-    }
     Colour sunlit(const Colour& sky, double x, double y) const;
     Colour clouded(const Colour& sky, double x, double elevation) const;
 
