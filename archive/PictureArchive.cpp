@@ -107,15 +107,21 @@ Task<Fault> PictureArchive::refusal(const std::string& bytes, const std::filesys
     co_return fault;
 }
 
-Fault PictureArchive::makeFolders(const std::filesystem::path& datedFolder) const {
+Fault PictureArchive::makeFolders(const std::filesystem::path& datedFolder) {
     const std::filesystem::path data = datedFolder.parent_path();
     std::error_code error;
     if (data != parts_.module.defaultDataFolder && !std::filesystem::is_directory(data, error))
         return utf8FromPath(data) + " is not there";
     const std::filesystem::path edit = data / "Edit";
+    std::vector<std::filesystem::path> grown;
+    for (auto folder = datedFolder;
+         !std::filesystem::exists(folder, error) && folder.has_filename();
+         folder = folder.parent_path())
+        grown.push_back(folder.parent_path());
     for (const auto& folder : {edit, datedFolder, edit / datedFolder.filename()}) {
         if (const Fault fault = makeFolder(folder)) return utf8FromPath(folder) + ": " + *fault;
     }
+    grown_.insert(grown_.end(), grown.begin(), grown.end());
     return std::nullopt;
 }
 
@@ -132,9 +138,12 @@ void PictureArchive::flush() {
     if (const Fault trouble = forceNames(std::exchange(unforced_, {}))) warn(trouble);
 }
 
-/// The pictures are filed, whatever comes of this.
+/// The pictures are filed, whatever comes of this. A dated folder's own name is among those of the
+/// data folder, and would be lost with all that lies in it.
 Fault PictureArchive::forceNames(const std::filesystem::path& datedFolder) {
-    const Fault fault = parts_.files.flush(datedFolder);
+    Fault fault = parts_.files.flush(datedFolder);
+    for (const std::filesystem::path& folder : std::exchange(grown_, {}))
+        if (!fault) fault = parts_.files.flush(folder);
     if (!fault) return std::nullopt;
     parts_.log.write("Folder " + utf8FromPath(datedFolder.filename()) + ": " + *fault);
     return "A power cut may lose today's newest pictures: " + *fault + ".";

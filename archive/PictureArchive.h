@@ -67,7 +67,7 @@ class PictureArchive {
   private:
     Task<Fault> refusal(const std::string& bytes, const std::filesystem::path& wanted,
                         Arrival arrival);
-    Fault makeFolders(const std::filesystem::path& datedFolder) const;
+    Fault makeFolders(const std::filesystem::path& datedFolder);
     Fault write(const std::string& bytes, const std::filesystem::path& image);
     Fault forceNames(const std::filesystem::path& datedFolder);
     void removeLeftOvers(const std::filesystem::path& datedFolder);
@@ -80,7 +80,8 @@ class PictureArchive {
     Parts parts_;
     RecentCaptures recent_;
     std::filesystem::path unforced_; ///< the run's dated folder while its names are not forced
-    std::filesystem::path cleared_;  ///< the dated folder whose left-overs were removed last
+    std::vector<std::filesystem::path> grown_; ///< folders in which one was made, not forced yet
+    std::filesystem::path cleared_; ///< the dated folder whose left-overs were removed last
 };
 
 } // namespace orvane
