@@ -21,6 +21,7 @@ class PromisingViews final : public ImageViews {
     void refreshThumbnails(const ThumbnailHistory&) override {}
     void showLatest(const std::filesystem::path& file) override { record_.promise(file); }
     void showLive(const std::string&) override {}
+    void tellLive(const std::string&) override {}
 
   private:
     FileRecord& record_;

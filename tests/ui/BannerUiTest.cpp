@@ -165,6 +165,7 @@ TEST_F(BannerUi, NeverWidensTheWindow) {
     EXPECT_EQ(w.main.size(), QSize(910, 480));
     warn(Cause::ChosenFolder, "The data folder /media/usb/sky is not there. Pictures go to "
                               "/home/sky/Pictures/Orvane meanwhile.");
+    QCoreApplication::processEvents();
     EXPECT_LE(banner.height(), 3 * banner.fontMetrics().lineSpacing() + 12);
     warn(Cause::ClockSetting, "The daily clock setting failed: Communication is unusual.");
     warn(Cause::StatusFile, "The status page cannot be kept up to date: status.js: in use.");

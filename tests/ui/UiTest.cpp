@@ -68,7 +68,7 @@ TEST_F(Ui, TabFollowsTheLayout) {
     Window w(op);
     const std::vector<const char*> pages[] = {
         {"Text1_0", "Text1_1", "Text1_2", "Text1_3", "Text1_4", "Text1_5", "Text1_6", "chk_auto",
-         "chk_time", "Dir1_0", "Command3", "txt_lat", "txt_long", "txt_tz"},
+         "chk_time", "chk_sun", "Dir1_0", "Command3", "txt_lat", "txt_long", "txt_tz"},
         {"txtIp", "txtPort", "Command5", "Command7", "Command8", "chkLive", "Command4",
          "cmd_Download", "chk_fill"},
         {"Dir1_1", "txt_find", "cmd_find", "lst_found"}};

@@ -109,11 +109,11 @@ void frmOperation::addPage(QTabWidget& pages, const QString& title, const QStrin
 /// The order of the widgets' making is not the order in which they are read.
 void frmOperation::orderTabs() {
     const char* const order[] = {
-        "Command1", "Command2", "pages_bar", "Text1_0",      "Text1_1",  "Text1_2",  "Text1_3",
-        "Text1_4",  "Text1_5",  "Text1_6",   "chk_auto",     "chk_time", "Dir1_0",   "Command3",
-        "txt_lat",  "txt_long", "txt_tz",    "txtIp",        "txtPort",  "Command5", "Command7",
-        "Command8", "chkLive",  "Command4",  "cmd_Download", "Command6", "chk_fill", "Dir1_1",
-        "txt_find", "cmd_find", "lst_found"};
+        "Command1", "Command2", "pages_bar", "Text1_0",  "Text1_1",      "Text1_2",  "Text1_3",
+        "Text1_4",  "Text1_5",  "Text1_6",   "chk_auto", "chk_time",     "chk_sun",  "Dir1_0",
+        "Command3", "txt_lat",  "txt_long",  "txt_tz",   "txtIp",        "txtPort",  "Command5",
+        "Command7", "Command8", "chkLive",   "Command4", "cmd_Download", "Command6", "chk_fill",
+        "Dir1_1",   "txt_find", "cmd_find",  "lst_found"};
     QWidget* previous = nullptr;
     for (const char* name : order) {
         auto* next = findChild<QWidget*>(name);
