@@ -86,6 +86,8 @@ void BannerLine::tell(const Notice& notice) {
     const std::string advice = notice.advice.empty() ? "" : " " + notice.advice;
     text_->setAccessibleName(toQString(notice.text + advice));
     label(notice);
+    layout()->invalidate(); // it may need fewer lines now
+    updateGeometry();
 }
 
 void BannerLine::label(const Notice& notice) {
@@ -129,6 +131,8 @@ void Banner::follow() {
         line(index).tell(notices[index]);
     for (std::size_t index = 0; index < lines_.size(); ++index)
         lines_[index]->setVisible(index < shown);
+    layout()->invalidate();
+    updateGeometry();
     setVisible(shown > 0);
 }
 
