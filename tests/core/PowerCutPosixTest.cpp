@@ -83,11 +83,11 @@ class PowerCut : public testing::Test {
         prepare(next, "next ");
         next.start(true);
         next.clock.runUntil(at(2006, 11, 15, 9, 34, 2));
-        for (int minute = 29; minute <= 34; ++minute) {
-            const std::string name = "20061115_09" + twoDigits(minute) + "00_00.jpg";
+        for (int minute = 9 * 60 + 29; minute <= 9 * 60 + 34; ++minute) {
+            const std::string name = "20061115_09" + twoDigits(minute % 60) + "00_00.jpg";
             const bool isThere = isWholeJpeg(contentsOf(next.dataFolder() / "20061115" / name));
-            const auto state = next.days.plan().states[static_cast<std::size_t>(9 * 60 + minute)];
-            if (minute >= 33 && !isThere) return failure(name + " was not taken");
+            const auto state = next.days.plan().states[static_cast<std::size_t>(minute)];
+            if (minute >= 9 * 60 + 33 && !isThere) return failure(name + " was not taken");
             if (isThere != (state == DayState::Taken)) return failure(name + " is judged wrongly");
         }
         for (const char* below : {"", "Edit"})
