@@ -29,6 +29,13 @@ std::string archivePart(const std::filesystem::path& folder) {
     return {};
 }
 
+std::string placeText(const std::filesystem::path& folder, const std::filesystem::path& part,
+                      const std::string& what) {
+    const std::string name = utf8FromPath(part.filename());
+    if (part == folder) return name + " is " + what;
+    return utf8FromPath(folder.filename()) + " lies in " + name + ", " + what;
+}
+
 } // namespace
 
 bool isJpegName(const std::filesystem::path& file) {
@@ -61,10 +68,7 @@ std::optional<std::string> archivePlace(const std::filesystem::path& folder) {
     const std::filesystem::path whole = folder.has_filename() ? folder : folder.parent_path();
     for (std::filesystem::path part = whole; part.has_relative_path(); part = part.parent_path()) {
         const std::string what = archivePart(part);
-        if (what.empty()) continue;
-        const std::string name = utf8FromPath(part.filename());
-        if (part == whole) return name + " is " + what;
-        return utf8FromPath(whole.filename()) + " lies in " + name + ", " + what;
+        if (!what.empty()) return placeText(whole, part, what);
     }
     return std::nullopt;
 }

@@ -21,9 +21,9 @@ struct DayGrade {
     const char* text;
 };
 constexpr DayGrade kGrades[] = {{1, 0xff0064b4, 0xffffffff, "complete"},
-                             {0.95, 0xff8cc8f0, 0xff000000, "95 % or more"},
-                             {0.5, 0xfff5d76e, 0xff000000, "half or more"},
-                             {0, 0xffcd4600, 0xffffffff, "less"}};
+                                {0.95, 0xff8cc8f0, 0xff000000, "95 % or more"},
+                                {0.5, 0xfff5d76e, 0xff000000, "half or more"},
+                                {0, 0xffcd4600, 0xffffffff, "less"}};
 constexpr DayGrade kNotRecorded{0, 0xffa8a8a8, 0xff000000, "not recorded"};
 
 const DayGrade* gradeOf(const DaySurvey::Result& result) {
