@@ -112,7 +112,7 @@ void FolderView::changeEvent(QEvent* event) {
 
 QSize FolderView::minimumSizeHint() const {
     const int rowHeight = std::max(fontMetrics().height(), iconSize().height()) + 2;
-    return {fontMetrics().averageCharWidth() * 20, rowHeight * 4 + 2 * frameWidth()};
+    return {fontMetrics().averageCharWidth() * 20, rowHeight * 2 + 2 * frameWidth()};
 }
 
 } // namespace orvane
