@@ -2,6 +2,7 @@
 #include "imaging/JpegMarkers.h"
 #include "platform/curl/CurlTransfer.h"
 #include "platform/qt/QtClock.h"
+#include "simulators/sky-camera/CameraClock.h"
 #include "simulators/sky-camera/SkyCamera.h"
 #include "tests/support/Fakes.h"
 #include "tests/support/Patience.h"
@@ -23,6 +24,10 @@ namespace {
 struct StoreTransfer : testing::Test {
     StoreTransfer() {
         skycamera::SkyCameraOptions options;
+        // behind the PC, and far from the turn of a minute, which takes a picture out of its list
+        const QDateTime now = QDateTime::currentDateTime();
+        const QTime minute(now.time().hour(), now.time().minute());
+        options.startTime = skycamera::calendarTime(now.date(), minute).addSecs(-40);
         options.size = {160, 120};
         options.store.stored = 600;
         options.store.storedOnce = true;
