@@ -2,14 +2,11 @@
 #include "archive/FolderScan.h"
 #include "archive/RecentCaptures.h"
 #include "archive/SchFile.h"
-#include "platform/Files.h"
 #include "tests/support/Fakes.h"
-#include "tests/support/JumpingClock.h"
 #include "tests/support/TempFolder.h"
+#include "tests/support/TestPictures.h"
 
 #include <gtest/gtest.h>
-
-#include <fstream>
 
 namespace orvane::test {
 namespace {
@@ -87,20 +84,19 @@ TEST(SchFile, HoldsAThousandNames) {
     const TempFolder folder;
     std::filesystem::create_directory(folder.path() / "sub.jpg");
     for (int i = 0; i < 1000; ++i)
-        std::ofstream(folder.path() / (std::to_string(i) + ".jpg")) << i;
+        writeFile(folder.path() / (std::to_string(i) + ".jpg"), "x");
     std::vector<std::filesystem::path> names;
     EXPECT_TRUE(SchFile(folder.path() / "", "", names));
     EXPECT_EQ(names.size(), 1000U);
     EXPECT_TRUE(std::ranges::is_sorted(names));
+    writeFile(folder.path() / "one more", "x");
     names.clear();
-    EXPECT_TRUE(SchFile(folder.path() / "7.jpg", "", names));
-    EXPECT_EQ(names, std::vector{folder.path() / "7.jpg"});
-    names.clear();
-    EXPECT_TRUE(SchFile(folder.path() / "gone.jpg", "", names));
-    EXPECT_TRUE(names.empty());
-    std::ofstream(folder.path() / "one more") << "x";
     EXPECT_FALSE(SchFile(folder.path() / "", "*.*", names));
     EXPECT_EQ(names.size(), 1000U);
+    names.clear();
+    EXPECT_TRUE(SchFile(folder.path() / "gone.jpg", "", names));
+    EXPECT_TRUE(SchFile(folder.path() / "7.jpg", "", names));
+    EXPECT_EQ(names, std::vector{folder.path() / "7.jpg"});
 }
 
 /// A folder with pictures of every kind, by their names and by what is in them.
@@ -122,7 +118,7 @@ class DatedFolder : public testing::Test {
         expected[10 * 60] = PictureOrigin::Fetched;
     }
     void write(const char* name, const std::string& bytes) const {
-        EXPECT_FALSE(writeToFinalName(bytes, temp.path() / name));
+        writeFile(temp.path() / name, bytes);
     }
 
     TempFolder temp;
@@ -136,27 +132,19 @@ TEST_F(DatedFolder, TellsCapturesFromFetchedOnesAndBrokenFilesFromPictures) {
     EXPECT_TRUE(folder.refresh());
     EXPECT_EQ(folder.origins(), expected);
     EXPECT_FALSE(folder.fault());
+    write("20061115_150000_00.jpg", jpegLike("instead of a broken one"));
+    EXPECT_TRUE(folder.refresh());
+    EXPECT_EQ(folder.origins()[15 * 60], PictureOrigin::Taken);
     folder.turnTo(temp.path() / "none", day);
     folder.refresh();
     EXPECT_EQ(folder.origins(), DayPictures{});
     EXPECT_FALSE(folder.fault()) << "no folder is an empty one";
 }
 
-TEST_F(DatedFolder, ABrokenFileThatIsReplacedCounts) {
-    DayFolder folder(listDay);
-    folder.turnTo(temp.path(), day);
-    folder.refresh();
-    write("20061115_150000_00.jpg", jpegLike("new"));
-    EXPECT_TRUE(folder.refresh());
-    EXPECT_EQ(folder.origins()[15 * 60], PictureOrigin::Taken);
-}
-
 /// "Cannot be read" is never taken for "empty".
 TEST_F(DatedFolder, WhatCannotBeReadIsNotEmpty) {
-    const auto file = temp.path() / "20061115";
-    std::ofstream(file) << "in the way";
-    EXPECT_TRUE(listFolder(file).fault);
-    EXPECT_TRUE(listDay(file).fault);
+    write("20061115", "in the way");
+    EXPECT_TRUE(listDay(temp.path() / "20061115").fault);
     bool readable = true;
     DayFolder folder([&](const auto& path) {
         return readable ? listDay(path) : DayListing{{}, "Permission denied"};
@@ -177,20 +165,17 @@ TEST_F(DatedFolder, WhatCannotBeReadIsNotEmpty) {
 TEST(RecentCaptures, KnowsTenAcrossDaysAndARestart) {
     const TempFolder data;
     JumpingClock clock(at(2006, 11, 15));
-    for (int day = 13; day <= 14; ++day)
+    for (const std::string date : {"20061113", "20061114"}) {
+        std::filesystem::create_directory(data.path() / date);
         for (int minute = 10; minute < 16; ++minute) {
-            const std::string date = "200611" + std::to_string(day);
             const std::string name = date + "_10" + std::to_string(minute) + "00_00.jpg";
-            std::filesystem::create_directories(data.path() / date);
-            EXPECT_FALSE(writeToFinalName("picture " + name, data.path() / date / name));
+            writeFile(data.path() / date / name, "picture " + name);
         }
+    }
     std::filesystem::create_directories(data.path() / "Edit" / "20061115");
-    EXPECT_FALSE(writeToFinalName("stored", data.path() / "20061114" / "20061114_120007_00.jpg"));
+    writeFile(data.path() / "20061114" / "20061114_120007_00.jpg", "stored");
     RecentCaptures recent(clock);
-    Task<> recalling = recent.recall(data.path());
-    recalling.start();
-    clock.run(1s);
-    ASSERT_TRUE(recalling.done());
+    finish(clock, recent.recall(data.path()));
     EXPECT_TRUE(recent.holds("picture 20061114_101500_00.jpg"));
     EXPECT_TRUE(recent.holds("picture 20061113_101200_00.jpg"));
     EXPECT_FALSE(recent.holds("picture 20061113_101100_00.jpg")) << "the eleventh";

@@ -38,10 +38,8 @@ DayPlan planAt(int hour, int minuteOfHour, const std::string& pictures,
 
 TEST(DayPlanTest, CountsAndTells) {
     struct Case {
-        int hour;
-        int minuteOfHour;
-        const char* pictures;
-        const char* text;
+        int hour, minuteOfHour;
+        const char *pictures, *text;
     };
     const Case cases[] = {
         {8, 0, "", "taken 0 of 16, next at 09:00"},
@@ -59,9 +57,8 @@ TEST(DayPlanTest, CountsAndTells) {
         // another interval in the morning
         {9, 45, "0900 0910 0920 0930 0940f", "taken 2 of 16, next at 10:00"},
     };
-    for (const Case& test : cases)
-        EXPECT_EQ(planAt(test.hour, test.minuteOfHour, test.pictures).text, test.text)
-            << test.hour << ":" << test.minuteOfHour << " " << test.pictures;
+    for (const auto& [hour, minuteOfHour, pictures, text] : cases)
+        EXPECT_EQ(planAt(hour, minuteOfHour, pictures).text, text) << hour << ":" << minuteOfHour;
 }
 
 TEST(DayPlanTest, ALateCaptureBelongsToItsDueMinute) {
@@ -73,26 +70,39 @@ TEST(DayPlanTest, ALateCaptureBelongsToItsDueMinute) {
     EXPECT_EQ(planAt(9, 45, "0900 0933", kHalfHours, 2).missed, 0);
     EXPECT_EQ(planAt(9, 32, "0900", kHalfHours, 2).text, "taken 1 of 16, next at 09:30");
     EXPECT_EQ(planAt(9, 33, "0900", kHalfHours, 2).missed, 1);
-    const Schedule everyOther{9h, 10h, 2min, {}};
-    EXPECT_EQ(planAt(9, 3, "0902 0903", everyOther).text, "taken 1 of 30, next at 09:04, 1 missed")
+    EXPECT_EQ(planAt(9, 3, "0902 0903", {9h, 10h, 2min, {}}).text,
+              "taken 1 of 30, next at 09:04, 1 missed")
         << "a due minute's picture is its own";
 }
 
-TEST(DayPlanTest, EveryMinuteOfADay) {
+TEST(DayPlanTest, MarksOfManyMinutesShowTheWorst) {
     const Schedule everyMinute{0h, 23h + 59min, 1min, {}};
     DayPictures pictures;
     pictures.fill(PictureOrigin::Taken);
-    const DayPlan full = planDay(everyMinute, dueMinutes(everyMinute), pictures, 23 * 60 + 59, 0);
-    EXPECT_EQ(full.text, "taken 1439 of 1439, next tomorrow at 00:00");
+    const auto planOf = [&] {
+        return planDay(everyMinute, dueMinutes(everyMinute), pictures, 23 * 60 + 59, 0);
+    };
+    EXPECT_EQ(planOf().text, "taken 1439 of 1439, next tomorrow at 00:00");
     pictures[minute(10, 3)] = PictureOrigin::None;
     pictures[minute(10, 4)] = PictureOrigin::Fetched;
-    const DayPlan plan = planDay(everyMinute, dueMinutes(everyMinute), pictures, 23 * 60 + 59, 0);
-    const std::vector<DayMark> marks = dayMarks(plan, 5);
+    const std::vector<DayMark> marks = dayMarks(planOf(), 5);
     ASSERT_EQ(marks.size(), 288u);
     EXPECT_EQ(markText(marks[119]), "09:55 to 09:59 - 5 taken");
     EXPECT_EQ(markText(marks[120]),
               "10:00 to 10:04 - 3 taken, 1 fetched from the camera's store, 1 missed");
-    EXPECT_EQ(marks[120].state, DayState::Missed) << "the worst is what is seen";
+    EXPECT_EQ(marks[120].state, DayState::Missed);
+    EXPECT_EQ(columnMinutes(3, 3), 1);
+    EXPECT_EQ(columnMinutes(0.68, 3), 5);
+    EXPECT_EQ(columnMinutes(0.01, 3), 60);
+}
+
+TEST(DayPlanTest, MarksOfSingleMinutes) {
+    const std::vector<DayMark> marks = dayMarks(planAt(10, 15, "0900 0910 1000f"), 5);
+    ASSERT_EQ(marks.size(), 17u) << "sixteen due minutes and the one of another schedule";
+    const char* texts[] = {"09:00 - taken", "09:10 - taken, not on the schedule", "09:30 - missed",
+                           "10:00 - fetched from the camera's store", "10:30 - to come"};
+    for (std::size_t i = 0; i < std::size(texts); ++i)
+        EXPECT_EQ(markText(marks[i]), texts[i]);
 }
 
 TEST(DayPlanTest, WithoutRecordingOnlyWhatExistsIsShown) {
@@ -103,21 +113,7 @@ TEST(DayPlanTest, WithoutRecordingOnlyWhatExistsIsShown) {
     EXPECT_EQ(marks[0].state, DayState::Taken);
     EXPECT_EQ(marks[1].state, DayState::Fetched);
     EXPECT_FALSE(plan.begin);
-    const Schedule halfMinute{9h, 17h, 30s, {}};
-    EXPECT_EQ(planAt(12, 0, "", halfMinute).text, "no minute is due");
-}
-
-TEST(DayPlanTest, MarksOfSingleMinutes) {
-    const std::vector<DayMark> marks = dayMarks(planAt(10, 15, "0900 0910 1000f"), 5);
-    ASSERT_EQ(marks.size(), 17u) << "sixteen due minutes and the one of another schedule";
-    EXPECT_EQ(markText(marks[0]), "09:00 - taken");
-    EXPECT_EQ(markText(marks[1]), "09:10 - taken, not on the schedule");
-    EXPECT_EQ(markText(marks[2]), "09:30 - missed");
-    EXPECT_EQ(markText(marks[3]), "10:00 - fetched from the camera's store");
-    EXPECT_EQ(markText(marks[4]), "10:30 - to come");
-    EXPECT_EQ(columnMinutes(3, 3), 1);
-    EXPECT_EQ(columnMinutes(0.68, 3), 5);
-    EXPECT_EQ(columnMinutes(0.01, 3), 60);
+    EXPECT_EQ(planAt(12, 0, "", {9h, 17h, 30s, {}}).text, "no minute is due");
 }
 
 TEST(DayPlanTest, TheSunAgreesWithThePanel) {

@@ -1,49 +1,34 @@
 #include "archive/FilmFile.h"
 
 #include "platform/qt/LibjpegImageControl.h"
+#include "tests/archive/ArchiveStation.h"
 #include "tests/support/FakeProcess.h"
-#include "tests/support/TestPictures.h"
-#include "tests/support/TestStation.h"
 
 #include <gtest/gtest.h>
 
 namespace orvane::test {
 namespace {
 
-std::chrono::local_days november(unsigned day) {
-    return std::chrono::floor<std::chrono::days>(at(2006, 11, day));
-}
+/// A station with an ffmpeg that is none, and the real imaging control.
+struct Film : ArchiveStation {
+    Film() : ArchiveStation(at(2006, 11, 20, 12, 0)) { std::filesystem::create_directory(films); }
 
-/// A station with a day's folder, an ffmpeg that is none, and the real imaging control.
-struct Film {
-    Film() {
-        s.panel.Dir1[0].path = s.dataFolder();
-        std::filesystem::create_directory(films);
-    }
-    void write(const std::string& name, const std::string& bytes,
-               const std::string& day = "20061115") const {
-        std::filesystem::create_directories(s.dataFolder() / day);
-        writeFile(s.dataFolder() / day / name, bytes);
-    }
     /// A picture of one colour, `grey` for all three.
     void picture(const std::string& name, int grey, QSize size = {64, 48}) const {
         QImage image(size, QImage::Format_RGB32);
         image.fill(QColor(grey, grey, grey));
-        write(name, encoded(image), name.substr(0, 8));
+        write(name, encoded(image));
     }
     void someMinutes(int count) const {
         for (int minute = 0; minute < count; ++minute)
             picture("20061115_09" + twoDigits(minute) + "00_00.jpg", 10 * minute);
     }
-    void start(const FilmOptions& options = {}, unsigned first = 15, unsigned last = 15) {
-        film.start({november(first), november(last)}, options, target);
+    void start(const FilmOptions& form = {}, unsigned last = 15) {
+        film.start({november(15), november(last)}, form, target);
     }
-    void finishWork() {
-        EXPECT_TRUE(s.clock.runUntil([this] { return !film.running; }, 1h));
-    }
-    std::string make(const FilmOptions& options = {}, unsigned first = 15, unsigned last = 15) {
-        start(options, first, last);
-        finishWork();
+    std::string make(const FilmOptions& form = {}, unsigned last = 15) {
+        start(form, last);
+        finishWork(film);
         return film.text.get();
     }
     /// One colour of each picture that was fed, in its middle.
@@ -61,13 +46,13 @@ struct Film {
         const auto found = std::ranges::find(all, argument);
         return found != all.end() && found + 1 != all.end() && found[1] == value;
     }
+    bool hasPart() const { return std::filesystem::exists(films / ".day.mp4.part"); }
 
-    TestStation s{at(2006, 11, 20, 12, 0)};
-    LibjpegImageControl control{s.clock};
-    FakeProcess process{s.clock};
-    std::filesystem::path films = s.folder.path() / "films";
+    LibjpegImageControl control{clock};
+    FakeProcess process{clock};
+    std::filesystem::path films = folder.path() / "films";
     std::filesystem::path target = films / "day.mp4";
-    FilmFile film{{s.panel, s.busy, s.log, s.faults, s.clock}, control, process, s.store};
+    FilmFile film{forSpans(), control, process, store};
 };
 
 void expectNear(const std::vector<int>& found, const std::vector<int>& expected) {
@@ -87,16 +72,16 @@ TEST(FilmFile, OnePictureForEachMinuteInTheOrderOfTime) {
     f.picture("20061115_093207_00.jpg", 80);
     f.write("20061115_093300_00.jpg", jpegLike("cannot be decoded"));
     f.picture("20061116_000007_00.jpg", 99);
-    std::filesystem::rename(f.s.dataFolder() / "20061116" / "20061116_000007_00.jpg",
-                            f.s.dataFolder() / "20061115" / "20061116_000007_00.jpg");
+    std::filesystem::rename(f.file("20061116_000007_00.jpg"),
+                            f.dataFolder() / "20061115" / "20061116_000007_00.jpg");
     f.picture("20061116_000000_00.jpg", 120);
-    EXPECT_EQ(f.make({}, 15, 16), "day.mp4 is written: 4 pictures, 0.2 s. "
-                                  "Passed over: 2 pictures; see ERROR.LOG.");
+    EXPECT_EQ(f.make({}, 16), "day.mp4 is written: 4 pictures, 0.2 s. "
+                              "Passed over: 2 pictures; see ERROR.LOG.");
     expectNear(f.greys(), {40, 60, 80, 120});
     EXPECT_EQ(f.film.progress, SpanWork::kWhole);
     EXPECT_EQ(listing(f.films), std::vector<std::string>{"day.mp4"});
     EXPECT_EQ(contentsOf(f.target), "film of " + f.process.fed);
-    EXPECT_EQ(f.s.countLogged("FilmFile:with /opt/ffmpeg, libx264"), 1);
+    EXPECT_EQ(f.countLogged("FilmFile:with /opt/ffmpeg, libx264"), 1);
 }
 
 TEST(FilmFile, SizesAreEvenAndThoseOfTheFirstPicture) {
@@ -112,9 +97,9 @@ TEST(FilmFile, SizesAreEvenAndThoseOfTheFirstPicture) {
         {{8000, 2000}, 1080, {3840, 960}},  {{640, 480}, 720, {960, 720}},
         {{1080, 1920}, 720, {406, 720}},    {{10, 3000}, 480, {16, 480}},
     };
-    for (const Case& test : cases)
-        EXPECT_EQ(filmSizeOf(test.first, test.rows), test.film)
-            << test.first.width << "x" << test.first.height << " " << test.rows;
+    for (const auto& [first, rows, film] : cases)
+        EXPECT_EQ(filmSizeOf(first, rows), film)
+            << first.width << "x" << first.height << " " << rows;
 }
 
 /// What is piped is no larger than it must be; others are fitted to the first.
@@ -126,10 +111,9 @@ TEST(FilmFile, MixedSizesAreFitted) {
     EXPECT_TRUE(f.make({.rows = 100, .rate = 60}).starts_with("day.mp4 is written: 3 pictures"));
     EXPECT_TRUE(f.has("-video_size", "160x120")); // a quarter, the smallest with 100 rows
     EXPECT_TRUE(f.has("-framerate", "60"));
-    const auto scale = std::ranges::find_if(f.process.arguments, [](const std::string& argument) {
+    EXPECT_TRUE(std::ranges::any_of(f.process.arguments, [](const std::string& argument) {
         return argument.starts_with("scale=134:100:");
-    });
-    EXPECT_NE(scale, f.process.arguments.end());
+    }));
     ASSERT_EQ(f.process.fed.size(), 3U * 160 * 120 * 4);
     expectNear(f.greys({160, 120}), {50, 100, 150});
     const std::size_t row = 2U * 160 * 120 * 4 + 60U * 160 * 4;
@@ -149,29 +133,28 @@ TEST(FilmFile, StampAndMirrorAreIndependent) {
     const QRect upper(0, 0, 640, 400);
     const QRect corner(0, 440, 200, 40);
     const QImage plain = rendered(false, false);
-    const QImage stamped = rendered(false, true);
-    const QImage both = rendered(true, true);
     EXPECT_LT(meanDifference(plain, gradients), 3);
-    EXPECT_EQ(difference(plain.copy(upper), stamped.copy(upper)), 0);
-    EXPECT_GT(difference(plain.copy(corner), stamped.copy(corner)), 100);
-    EXPECT_EQ(difference(plain.mirrored(true, false).copy(upper), both.copy(upper)), 0);
-    EXPECT_GT(difference(plain.mirrored(true, false).copy(corner), both.copy(corner)), 100);
+    for (const bool mirror : {false, true}) {
+        const QImage unstamped = plain.mirrored(mirror, false);
+        const QImage stamped = rendered(mirror, true);
+        EXPECT_EQ(difference(unstamped.copy(upper), stamped.copy(upper)), 0) << mirror;
+        EXPECT_GT(difference(unstamped.copy(corner), stamped.copy(corner)), 100) << mirror;
+    }
 }
 
 TEST(FilmFile, TheEncoderIsTheBestThatIsThere) {
     const std::pair<const char*, const char*> cases[] = {
-        {"Encoders:\n V..... h264_mf   x\n V....D libopenh264   x\n V....D libx264   x\n",
-         "libx264"},
-        {"Encoders:\n V..... h264_mf   x\n V....D libopenh264   x\n", "libopenh264"},
-        {"Encoders:\n V..... h264_mf   x\n", "h264_mf"},
-        {"Encoders:\n V....D libx264rgb   x\n V..... h264_nvenc   x\n", ""},
-        {"Encoders:\n", ""},
+        {" V..... h264_mf   x\n V....D libopenh264   x\n V....D libx264   x\n", "libx264"},
+        {" V..... h264_mf   x\n V....D libopenh264   x\n", "libopenh264"},
+        {" V..... h264_mf   x\n", "h264_mf"},
+        {" V....D libx264rgb   x\n V..... h264_nvenc   x\n", ""},
+        {"", ""},
     };
     for (const auto& [list, encoder] : cases) {
-        EXPECT_EQ(h264EncoderIn(list), encoder) << list;
+        SCOPED_TRACE(list);
         Film f;
         f.someMinutes(1);
-        f.process.encoders = list;
+        f.process.encoders = std::string("Encoders:\n") + list;
         const std::string told = f.make();
         EXPECT_EQ(f.has("-c:v", encoder), *encoder != '\0');
         EXPECT_EQ(told.starts_with("Ended early: /opt/ffmpeg has no H.264 encoder"),
@@ -207,10 +190,10 @@ TEST(FilmFile, WhatFailsIsToldAndLeavesNothing) {
         {"stands still", fails("hang", 20'000), "Ended early: ffmpeg failed: it stands still ("},
         {"does not end", fails("hang at the end"), "Ended early: ffmpeg failed: it does not end ("},
         {"fails at the end", fails("exit code"), "Ended early: ffmpeg failed: exit code 1 ("},
-        {"no pictures", [](Film& f) { std::filesystem::remove_all(f.s.dataFolder() / "20061115"); },
+        {"no pictures", [](Film& f) { std::filesystem::remove_all(f.dataFolder() / "20061115"); },
          "Ended early: there are no pictures that can be used; choose other days. No film was "
          "written."},
-        {"the data folder goes", [](Film& f) { std::filesystem::remove_all(f.s.dataFolder()); },
+        {"the data folder goes", [](Film& f) { std::filesystem::remove_all(f.dataFolder()); },
          "Ended early: the data folder is not there; connect its disk or choose another one. No "
          "film was written."},
         {"the target is a folder",
@@ -220,59 +203,57 @@ TEST(FilmFile, WhatFailsIsToldAndLeavesNothing) {
          },
          "Ended early: the film cannot be renamed: "},
     };
-    for (const Case& test : cases) {
+    for (const auto& [what, spoil, expected] : cases) {
+        SCOPED_TRACE(what);
         Film f;
         f.someMinutes(5);
         writeFile(f.target, "older");
-        test.spoil(f);
+        spoil(f);
         const std::string told = f.make();
-        EXPECT_TRUE(told.starts_with(test.told)) << test.what << ": " << told;
-        EXPECT_TRUE(told.find("No film was written.") != std::string::npos);
-        EXPECT_FALSE(f.process.running) << test.what;
-        EXPECT_FALSE(std::filesystem::exists(f.films / ".day.mp4.part")) << test.what;
+        EXPECT_TRUE(told.starts_with(expected)) << told;
+        EXPECT_NE(told.find("No film was written."), std::string::npos);
+        EXPECT_FALSE(f.process.running);
+        EXPECT_FALSE(f.hasPart());
         if (std::filesystem::is_directory(f.target)) continue;
         EXPECT_EQ(contentsOf(f.target), "older");
         f.process.failing.clear();
         f.process.installed = true;
-        f.process.encoders = "Encoders:\n V....D libx264 \n";
+        f.process.encoders = FakeProcess(f.clock).encoders;
         f.someMinutes(5);
-        EXPECT_EQ(f.make(), "day.mp4 is written: 5 pictures, 0.2 s.") << test.what;
+        EXPECT_EQ(f.make(), "day.mp4 is written: 5 pictures, 0.2 s.");
     }
 }
 
 /// Wherever it is cancelled, or the program ends: no part of a film, nothing waits on.
 TEST(FilmFile, CanBeCancelledAtAnyMoment) {
     int cancelled = 0;
-    for (Ticks moment = 0ms; moment < 400ms; moment += 3ms) {
-        auto f = std::make_unique<Film>();
-        f->someMinutes(6);
-        writeFile(f->target, "older");
-        const std::size_t waiting = f->s.clock.pending();
-        f->start();
-        f->s.clock.run(moment);
-        const bool part = std::filesystem::exists(f->films / ".day.mp4.part");
-        if (!f->film.running) break;
-        f->film.cancel();
-        EXPECT_EQ(f->film.text.get(), "Cancelled. No film was written.");
-        EXPECT_EQ(f->s.clock.pending(), waiting);
-        EXPECT_FALSE(f->process.running);
-        EXPECT_TRUE(f->control.picture().isNull());
-        EXPECT_EQ(listing(f->films), std::vector<std::string>{"day.mp4"});
-        EXPECT_EQ(contentsOf(f->target), "older");
-        cancelled += part;
+    for (Ticks moment = 0ms; moment < 400ms; moment += 7ms) {
+        Film f;
+        f.someMinutes(6);
+        writeFile(f.target, "older");
+        const std::size_t waiting = f.clock.pending();
+        f.start();
+        f.clock.run(moment);
+        if (!f.film.running) break;
+        cancelled += f.hasPart();
+        f.film.cancel();
+        EXPECT_EQ(f.film.text.get(), "Cancelled. No film was written.");
+        EXPECT_EQ(f.clock.pending(), waiting);
+        EXPECT_FALSE(f.process.running);
+        EXPECT_TRUE(f.control.picture().isNull());
+        EXPECT_EQ(listing(f.films), std::vector<std::string>{"day.mp4"});
+        EXPECT_EQ(contentsOf(f.target), "older");
     }
-    EXPECT_GT(cancelled, 10);
+    EXPECT_GT(cancelled, 5);
 }
 
 TEST(FilmFile, EndsWithTheProgram) {
     Film f;
     f.someMinutes(6);
     {
-        FilmFile film({f.s.panel, f.s.busy, f.s.log, f.s.faults, f.s.clock}, f.control, f.process,
-                      f.s.store);
+        FilmFile film(f.forSpans(), f.control, f.process, f.store);
         film.start({november(15), november(15)}, {}, f.target);
-        const auto part = f.films / ".day.mp4.part";
-        ASSERT_TRUE(f.s.clock.runUntil([&] { return std::filesystem::exists(part); }, 1min));
+        ASSERT_TRUE(f.clock.runUntil([&] { return f.hasPart(); }, 1min));
     }
     EXPECT_FALSE(f.process.running);
     EXPECT_TRUE(listing(f.films).empty());
@@ -282,15 +263,15 @@ TEST(FilmFile, CapturesGoFirstAndNothingIsHeldUp) {
     Film f;
     f.someMinutes(20);
     f.start();
-    ASSERT_TRUE(f.s.clock.runUntil([&] { return f.greys().size() == 3; }, 1min));
-    EXPECT_FALSE(f.s.busy.active());
+    ASSERT_TRUE(f.clock.runUntil([&] { return f.greys().size() == 3; }, 1min));
+    EXPECT_FALSE(f.busy.active());
     {
-        const Busy::Hold capture(f.s.busy);
-        f.s.clock.run(1min);
+        const Busy::Hold capture(f.busy);
+        f.clock.run(1min);
         EXPECT_LE(f.greys().size(), 4U) << "the picture it was at";
         EXPECT_TRUE(f.film.running);
     }
-    f.finishWork();
+    f.finishWork(f.film);
     EXPECT_EQ(f.greys().size(), 20U);
 }
 
@@ -302,11 +283,11 @@ TEST(FilmFile, TheChosenFfmpegGoesBeforeTheFoundOne) {
     EXPECT_EQ(f.film.program(), std::filesystem::path("/opt/ffmpeg")) << "it is not there";
     writeFile(own, "a program");
     EXPECT_EQ(f.film.program(), own);
-    EXPECT_EQ(f.s.store.values["Station/Ffmpeg"], utf8FromPath(own));
+    EXPECT_EQ(f.store.values["Station/Ffmpeg"], utf8FromPath(own));
     f.someMinutes(1);
     f.make();
     EXPECT_EQ(f.process.programs, std::vector<std::filesystem::path>(2, own));
-    f.s.store.readOnly = true;
+    f.store.readOnly = true;
     f.film.choose("/opt/other");
     EXPECT_FALSE(f.film.text.get().empty());
 }

@@ -1,9 +1,7 @@
 #include "archive/Ledger.h"
-#include "platform/Files.h"
-#include "tests/support/JumpingClock.h"
 #include "tests/support/TempFolder.h"
+#include "tests/support/TestPictures.h"
 
-#include <algorithm>
 #include <gtest/gtest.h>
 
 namespace orvane::test {
@@ -27,16 +25,13 @@ std::string judged(const LedgerDay& day, const Schedule& present = kHalfHours, i
 
 LedgerDay dayOf(const std::string& lines) {
     const TempFolder folder;
-    const auto file = folder.path() / "day.csv";
-    EXPECT_FALSE(writeToFinalName(std::string(kHeader) + lines, file));
-    return readLedger(file);
+    writeFile(folder.path() / "day.csv", std::string(kHeader) + lines);
+    return readLedger(folder.path() / "day.csv");
 }
 
 TEST(Ledger, TellsWhoRecorded) {
     struct Case {
-        const char* what;
-        const char* lines;
-        const char* judged;
+        const char *what, *lines, *judged;
     };
     const Case cases[] = {
         {"no ledger", "", "  ........"},
@@ -83,8 +78,8 @@ TEST(Ledger, TellsWhoRecorded) {
          "08:10,+09:00,schedule,,09:00 to 17:00 every 3 min\n08:20,+09:00,recording on,,\n",
          "  xxxxxxxx"},
     };
-    for (const Case& test : cases)
-        EXPECT_EQ(judged(dayOf(test.lines)), test.judged) << test.what;
+    for (const auto& [what, lines, expected] : cases)
+        EXPECT_EQ(judged(dayOf(lines)), expected) << what;
 }
 
 TEST(Ledger, ALineIsReadAsItWasWritten) {
@@ -104,36 +99,30 @@ TEST(Ledger, ALineIsReadAsItWasWritten) {
 /// written next is not joined to half a line.
 TEST(Ledger, ACutLineIsPassedOver) {
     const TempFolder folder;
-    const auto data = folder.path() / "data";
-    std::filesystem::create_directory(data);
-    const auto file = ledgerOf(data, std::chrono::local_days(std::chrono::days(13467)));
-    EXPECT_EQ(file, data / "Ledger" / "20061115.csv");
+    const auto file = ledgerOf(folder.path(), std::chrono::local_days(std::chrono::days(13467)));
+    EXPECT_EQ(file, folder.path() / "Ledger" / "20061115.csv");
     const std::string lines = "08:00,+09:00,program started,,\r\n08:00,+09:00,recording on,,\r\n"
                               "09:30,+09:00,missed,,\"no, \"\"none\"\"\"\r\n"
                               "10:00,+09:00,schedule,,09:00 to 17:00 every 30 min\r\n"
                               "11:40,+09:00,recording off,,\r\n";
     ASSERT_FALSE(appendToLedger(file, lines));
-    std::string whole;
-    ASSERT_FALSE(readWholeFile(file, whole));
+    const std::string whole = contentsOf(file);
     EXPECT_EQ(whole, std::string(kHeader) + lines);
     for (std::size_t size = 0; size < whole.size(); ++size) {
+        SCOPED_TRACE(size);
         const std::string kept = whole.substr(0, size);
-        ASSERT_FALSE(writeToFinalName(kept, file));
+        const auto holds = [&](const char* line) { return kept.find(line) != std::string::npos; };
+        writeFile(file, kept);
         const LedgerDay day = readLedger(file);
-        const bool hasMiss = kept.find("\"\"\"\r\n") != std::string::npos;
-        ASSERT_EQ(day.reasonOf(570), hasMiss ? "no, \"none\"" : "") << size;
-        ASSERT_EQ(judged(day).substr(6, 2), kept.find("on,,\r\n") != std::string::npos ? "xx"
-                                            : kept.find("started,,\r\n") == std::string::npos
-                                                ? ".."
-                                                : "oo")
-            << size;
+        ASSERT_EQ(day.reasonOf(570), holds("\"\"\"\r\n") ? "no, \"none\"" : "");
+        ASSERT_EQ(judged(day).substr(6, 2), holds("on,,\r\n")        ? "xx"
+                                            : holds("started,,\r\n") ? "oo"
+                                                                     : "..");
         ASSERT_FALSE(mendLedger(file));
         ASSERT_FALSE(appendToLedger(file, "12:10,+09:00,recording off,,\r\n"));
-        std::string mended;
-        ASSERT_FALSE(readWholeFile(file, mended));
         const std::string before = kept.substr(0, kept.rfind('\n') + 1);
-        ASSERT_EQ(mended, (before.empty() ? std::string(kHeader) : before) +
-                              "12:10,+09:00,recording off,,\r\n");
+        ASSERT_EQ(contentsOf(file), (before.empty() ? std::string(kHeader) : before) +
+                                        "12:10,+09:00,recording off,,\r\n");
     }
 }
 

@@ -1,38 +1,22 @@
 #include "archive/ShownDay.h"
 
+#include "tests/archive/ArchiveStation.h"
 #include "tests/support/FolderTime.h"
-#include "tests/support/TestPictures.h"
-#include "tests/support/TestStation.h"
 
 #include <gtest/gtest.h>
 
 namespace orvane::test {
 namespace {
 
-std::chrono::local_days november(unsigned day) {
-    return std::chrono::floor<std::chrono::days>(at(2006, 11, day));
-}
-
 /// A station that records every half hour from 9 to 11; it is 9:45 of the 15th.
-class OtherDays : public testing::Test {
-  protected:
+struct OtherDays : testing::Test {
     OtherDays() {
-        s.panel.Dir1[0].path = s.dataFolder();
-        const char* fields[] = {"9", "0", "11", "0", "", "30", "0"};
-        for (std::size_t i = 0; i < std::size(fields); ++i)
-            s.panel.Text1[i].text = std::string(fields[i]);
-        s.module.image.Delay = 0;
-        s.module.schedule = {9h, 11h, 30min, {}};
+        s.type(9, 11, 30);
         s.module.RecordFlg = true;
         for (const char* name : {"20061112_090000_00.jpg", "20061114_090000_00.jpg",
                                  "20061114_093007_00.jpg", "20061115_090000_00.jpg"})
-            file(name);
+            s.write(name);
         shown.refresh();
-    }
-    void file(const std::string& name) {
-        const auto folder = s.dataFolder() / name.substr(0, 8);
-        std::filesystem::create_directory(folder);
-        writeFile(folder / name, jpegLike(name));
     }
     void ledger(const std::string& day, const std::string& lines) {
         std::filesystem::create_directory(s.dataFolder() / "Ledger");
@@ -46,7 +30,7 @@ class OtherDays : public testing::Test {
         return shown.plan().text;
     }
 
-    TestStation s{at(2006, 11, 15, 9, 45)};
+    ArchiveStation s{at(2006, 11, 15, 9, 45)};
     Keograms keograms{{s.imageControl, s.module, s.busy, s.clock}};
     ShownDay shown{{s.days, s.panel, keograms, s.clock, s.faults}};
 };
@@ -70,16 +54,16 @@ TEST_F(OtherDays, EachIsJudgedAsOneThatIsOver) {
 TEST_F(OtherDays, StayWithinTheArchive) {
     textOf(1);
     EXPECT_EQ(shown.day(), november(12));
-    textOf(30);
-    EXPECT_EQ(shown.day(), november(15));
-    shown.turnTo(std::chrono::local_days::max());
-    EXPECT_EQ(shown.day(), november(15));
+    for (const auto day : {november(30), std::chrono::local_days::max()}) {
+        shown.turnTo(day);
+        EXPECT_EQ(shown.day(), november(15));
+    }
 }
 
 TEST_F(OtherDays, FollowWhatIsFiledLater) {
     textOf(14);
     const std::int64_t before = shown.revision();
-    file("20061114_100000_00.jpg");
+    s.write("20061114_100000_00.jpg");
     setFolderTime(s.dataFolder() / "20061114",
                   std::filesystem::file_time_type::clock::now() + 1min);
     shown.refresh();
@@ -124,11 +108,8 @@ TEST_F(OtherDays, WhenTheProgramDidNotRun) {
 }
 
 TEST_F(OtherDays, ReadingIsSlicedAndCanBeLeft) {
-    for (int minute = 0; minute < kDayMinutes; ++minute) {
-        char name[64];
-        std::snprintf(name, sizeof name, "20061113_%02d%02d00_00.jpg", minute / 60, minute % 60);
-        file(name);
-    }
+    for (int minute = 0; minute < 11 * 60; ++minute)
+        s.write(ImageName::ofCapture(at(2006, 11, 13, 0, minute)).text());
     shown.turnTo(november(13));
     EXPECT_TRUE(shown.isReading());
     EXPECT_EQ(shown.plan().text, "reading the day's folder...");

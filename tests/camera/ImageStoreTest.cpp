@@ -1,4 +1,5 @@
 #include "tests/support/FakeCameraStore.h"
+#include "tests/support/TestPictures.h"
 #include "tests/support/TestStation.h"
 
 #include <gtest/gtest.h>
@@ -19,9 +20,15 @@ class ImageStoreTest : public testing::Test {
         s.browser2.answer = s.browser1.answer;
         s.http.answer = [this](const std::string& url) { return camera.picture(url); };
     }
-    void run(Task<> (ImageStore::*start)(), Ticks limit = 5min) {
+    void run(Task<> (ImageStore::*start)() = &ImageStore::Test_DL) {
         s.tasks.spawn((s.imageStore.*start)());
-        EXPECT_TRUE(s.clock.runUntil([this] { return !s.imageStore.running(); }, limit));
+        EXPECT_TRUE(s.clock.runUntil([this] { return !s.imageStore.running(); }, 5min));
+    }
+    /// The same while the camera answers each search so, and sends whatever is asked for.
+    void runWith(const std::string& reply) {
+        s.browser1.answer = [&](const std::string&) { return reply; };
+        s.http.answer = [](const std::string& url) { return FakeHttp::picture(url); };
+        run();
     }
     static std::string queryAt(const std::string& hour, const std::string& minute) {
         return std::string(kBase) +
@@ -29,21 +36,26 @@ class ImageStoreTest : public testing::Test {
                "&from_hour=" +
                hour + "&from_min=" + minute + "&from_sec=9&from_frame=0&maxnum=2";
     }
+    std::vector<std::string> images() const { return s.imagesOf("20060305"); }
+    std::filesystem::path file(const std::string& name) const {
+        return s.dataFolder() / "20060305" / name;
+    }
     const std::string& label() const { return s.panel.Label7.caption; }
+    const std::string& downloaded() const { return s.panel.lbl_dlcnt.caption; }
 
     TestStation s{at(2006, 3, 5, 14, 37, 9)};
     FakeCameraStore camera;
-    std::vector<std::string> first{"20060305_140807_00.jpg", "20060305_140907_00.jpg"};
+    const std::vector<std::string> first{"20060305_140807_00.jpg", "20060305_140907_00.jpg"};
 };
 
 TEST_F(ImageStoreTest, SearchDownloadsTheFirstPageThatHoldsPictures) {
-    run(&ImageStore::Test_DL);
+    run();
     EXPECT_EQ(s.browser1.pages(), std::vector{queryAt("14", "7")});
-    EXPECT_EQ(s.imagesOf("20060305"), first);
+    EXPECT_EQ(images(), first);
     EXPECT_EQ(s.imagesOf("20060305", "Edit"), first);
     EXPECT_EQ(s.http.urls, (std::vector<std::string>{kBase + ("/record/" + first[0]),
                                                      kBase + ("/record/" + first[1])}));
-    EXPECT_EQ(s.panel.lbl_dlcnt.caption.get(), "2");
+    EXPECT_EQ(downloaded(), "2");
     EXPECT_EQ(label(), "DownLoad File : " + first[1] + " ...");
     EXPECT_EQ(s.views.newest.filename(), first[1]);
     EXPECT_FALSE(s.panel.Command2.enabled); // nothing is being recorded
@@ -57,75 +69,62 @@ TEST_F(ImageStoreTest, EveryListedPictureIsFetchedAgain) {
         std::string name = "20060305_140807_00.jpg";
         EXPECT_FALSE(co_await station.imageStore.Sync_file(name));
     }(s));
-    run(&ImageStore::Test_DL);
-    const auto image = s.dataFolder() / "20060305" / first[0];
-    ASSERT_EQ(writeToFinalName(std::string(5000, 'x'), image), std::nullopt); // longer than ours
-    run(&ImageStore::Test_DL);
-    std::string bytes;
-    readWholeFile(image, bytes);
-    EXPECT_EQ(bytes, jpegLike("stored " + first[0]));
-    EXPECT_EQ(std::ranges::count(s.module.thumbnails, image), 1);
+    run();
+    writeFile(file(first[0]), std::string(5000, 'x')); // longer than ours
+    run();
+    EXPECT_EQ(contentsOf(file(first[0])), jpegLike("stored " + first[0]));
+    EXPECT_EQ(std::ranges::count(s.module.thumbnails, file(first[0])), 1);
 }
 
 TEST_F(ImageStoreTest, NoDataEndsTheRun) {
     camera.names.clear();
-    run(&ImageStore::Test_DL);
-    EXPECT_EQ(label(), "ダウンロードするファイルがありません");
+    for (const auto start : {&ImageStore::Test_DL, &ImageStore::cmd_Download}) {
+        s.panel.Label7.caption = std::string();
+        run(start);
+        EXPECT_EQ(label(), "ダウンロードするファイルがありません");
+    }
     EXPECT_EQ(s.browser1.urls.size(), 1U);
+    EXPECT_EQ(s.browser2.urls, std::vector{std::string(kBase) + "/cgi/srch.cgi"});
     EXPECT_EQ(s.http.requests, 0);
-    run(&ImageStore::cmd_Download);
-    EXPECT_EQ(label(), "ダウンロードするファイルがありません");
-    EXPECT_EQ(s.browser2.urls.back(), std::string(kBase) + "/cgi/srch.cgi");
 }
 
 /// The from-date stays where each page has moved it to.
 TEST_F(ImageStoreTest, FruitlessPagesReachBackFurtherAndEnd) {
     camera.broken = true;
-    run(&ImageStore::Test_DL);
+    run();
     const std::vector<std::string> pages = s.browser1.pages();
-    ASSERT_GE(pages.size(), 3U);
+    ASSERT_EQ(pages.size(), 10U);
     EXPECT_EQ(pages[0], queryAt("14", "7"));
     EXPECT_EQ(pages[1], queryAt("13", "37"));
     EXPECT_EQ(pages[2], queryAt("13", "7"));
-    EXPECT_EQ(pages.size(), 10U);
     EXPECT_EQ(s.http.requests, 20);
     EXPECT_EQ(label(), "DownLoad Error ?");
-    EXPECT_TRUE(s.imagesOf("20060305").empty());
-    // a page without any record is fruitless as well
+    EXPECT_TRUE(images().empty());
     s.browser1.urls.clear();
-    s.browser1.answer = [](const std::string&) { return "Busy"; };
-    run(&ImageStore::Test_DL);
+    runWith("Busy"); // a page without any record is fruitless as well
     EXPECT_EQ(s.browser1.pages().size(), 10U);
     EXPECT_EQ(label(), "DownLoad Error ?");
 }
 
 TEST_F(ImageStoreTest, APictureLaterThanTheStartCompletesTheRun) {
     camera.names = {"20060305_143709_00.jpg", "20060305_143709_01.jpg"};
-    run(&ImageStore::Test_DL);
-    EXPECT_EQ(s.imagesOf("20060305"), std::vector<std::string>{"20060305_143709_00.jpg"});
+    run();
+    EXPECT_EQ(images(), std::vector<std::string>{"20060305_143709_00.jpg"});
     EXPECT_EQ(label(), "ダウンロードを完了しました");
 }
 
 TEST_F(ImageStoreTest, NamesOfOtherLengthsTakeThePreviousStamp) {
-    std::string reply = "1,2,r/short.jpg,1,2,r/20060305_150000_00.jpg,1,2,r/never.jpg,";
-    s.browser1.answer = [&](const std::string&) { return reply; };
-    s.http.answer = [](const std::string& url) { return FakeHttp::picture(url); };
-    run(&ImageStore::Test_DL);
-    EXPECT_EQ(s.imagesOf("20060305"), std::vector<std::string>{"short.jpg"});
+    runWith("1,2,r/short.jpg,1,2,r/20060305_150000_00.jpg,1,2,r/never.jpg,");
+    EXPECT_EQ(images(), std::vector<std::string>{"short.jpg"});
     EXPECT_EQ(label(), "ダウンロードを完了しました");
 }
 
 TEST_F(ImageStoreTest, NothingLeavesTheDatedFolder) {
-    s.browser1.answer = [](const std::string&) {
-        return "1,2,record/..,1,2,r/..\\..\\evil.jpg,1,2,r/C:evil.jpg,1,2,evil.jpg,1,2,r/,"
-               "1,2,r/con,1,2,r/good.jpg,";
-    };
-    s.http.answer = [](const std::string& url) { return FakeHttp::picture(url); };
-    run(&ImageStore::Test_DL);
-    EXPECT_EQ(s.imagesOf("20060305"), std::vector<std::string>{"good.jpg"});
+    runWith("1,2,record/..,1,2,r/..\\..\\evil.jpg,1,2,r/C:evil.jpg,1,2,evil.jpg,1,2,r/,"
+            "1,2,r/con,1,2,r/good.jpg,");
+    EXPECT_EQ(images(), std::vector<std::string>{"good.jpg"});
     EXPECT_EQ(s.http.requests, 1);
-    const auto log = s.logged();
-    EXPECT_EQ(std::ranges::count_if(log,
+    EXPECT_EQ(std::ranges::count_if(s.logged(),
                                     [](const std::string& line) {
                                         return line.starts_with(
                                             "ImageStore:Name of a stored image not usable: ");
@@ -133,47 +132,18 @@ TEST_F(ImageStoreTest, NothingLeavesTheDatedFolder) {
               6);
 }
 
-/// What is not a whole picture never replaces one.
-TEST_F(ImageStoreTest, WhatIsNoPictureIsNotFiled) {
-    run(&ImageStore::Test_DL);
-    s.http.answer = [](const std::string&) {
-        return HttpReply{true, 200, "<html>Busy</html>", ""};
-    };
-    run(&ImageStore::Test_DL);
-    std::string bytes;
-    readWholeFile(s.dataFolder() / "20060305" / first[1], bytes);
-    EXPECT_EQ(bytes, jpegLike("stored " + first[1]));
-    EXPECT_EQ(s.panel.lbl_dlcnt.caption.get(), "0");
-}
-
 /// The camera records at second 00 too: its pictures stand beside the captures, not in their place.
 TEST_F(ImageStoreTest, ACaptureIsNotReplaced) {
-    const auto capture = s.dataFolder() / "20060305" / "20060305_141000_00.jpg";
-    std::filesystem::create_directory(capture.parent_path());
-    ASSERT_EQ(writeToFinalName(jpegLike("captured"), capture), std::nullopt);
+    std::filesystem::create_directory(s.dataFolder() / "20060305");
+    writeFile(file("20060305_141000_00.jpg"), jpegLike("captured"));
     camera.names = {"20060305_141000_00.jpg"};
-    for (int i = 0; i < 3; ++i) {
-        run(&ImageStore::Test_DL);
-        EXPECT_EQ(s.panel.lbl_dlcnt.caption.get(), "1");
+    for (int i = 0; i < 2; ++i) {
+        run();
+        EXPECT_EQ(downloaded(), "1");
     }
-    EXPECT_EQ(s.imagesOf("20060305"),
+    EXPECT_EQ(images(),
               (std::vector<std::string>{"20060305_141000_00.jpg", "20060305_141000_01.jpg"}));
-    std::string bytes;
-    readWholeFile(capture, bytes);
-    EXPECT_EQ(bytes, jpegLike("captured"));
-}
-
-TEST_F(ImageStoreTest, AFullDiskLeavesTheOlderCopies) {
-    run(&ImageStore::Test_DL);
-    s.http.answer = [](const std::string& url) { return FakeHttp::picture("new " + url); };
-    s.files.failing = "close";
-    run(&ImageStore::Test_DL);
-    std::string bytes;
-    readWholeFile(s.dataFolder() / "20060305" / first[1], bytes);
-    EXPECT_EQ(bytes, jpegLike("stored " + first[1]));
-    EXPECT_EQ(s.imagesOf("20060305"), first) << "no temporary stays";
-    EXPECT_EQ(s.panel.lbl_dlcnt.caption.get(), "0");
-    EXPECT_NE(s.warnings.text.get().find("No space left on device"), std::string::npos);
+    EXPECT_EQ(contentsOf(file("20060305_141000_00.jpg")), jpegLike("captured"));
 }
 
 TEST_F(ImageStoreTest, StopsAtAnyMoment) {
@@ -192,7 +162,7 @@ TEST_F(ImageStoreTest, StopsAtAnyMoment) {
 
 TEST_F(ImageStoreTest, ASilentCameraIsTold) {
     s.browser1.latency = s.browser2.latency = 60s;
-    s.browser1.answer = s.browser2.answer = [](const std::string&) { return std::string(); };
+    s.browser1.answer = s.browser2.answer = nullptr;
     for (const auto start : {&ImageStore::Download_proc, &ImageStore::cmd_Download}) {
         s.tasks.spawn((s.imageStore.*start)());
         s.clock.run(10s);
@@ -205,18 +175,16 @@ TEST_F(ImageStoreTest, ASilentCameraIsTold) {
 }
 
 TEST_F(ImageStoreTest, SynchronisationAsksWithoutItsQuery) {
+    s.module.syncPending = true; // of no meaning to its query
     s.panel.lbl_sync.caption = "95";
-    run(&ImageStore::cmd_Download);
-    EXPECT_EQ(s.browser2.pages(), std::vector{std::string(kBase) + "/cgi/srch.cgi"});
-    EXPECT_TRUE(s.browser1.pages().empty());
-    EXPECT_EQ(s.imagesOf("20060305").size(), 2U);
-    EXPECT_EQ(s.panel.lbl_sync.caption.get(), "30"); // counts from this run on
-    s.module.syncPending = true;                     // of no meaning to its query
-    s.panel.lbl_sync.caption = "95";
-    s.clock.jumpWall(at(2006, 3, 5, 14, 37, 9) - s.clock.now());
     s.tasks.spawn(s.imageStore.cmd_Download());
     EXPECT_NE(label().find("&from_hour=13&from_min=2&from_sec=9"), std::string::npos) << label();
     s.clock.run(1min);
+    EXPECT_FALSE(s.imageStore.running());
+    EXPECT_EQ(s.browser2.pages(), std::vector{std::string(kBase) + "/cgi/srch.cgi"});
+    EXPECT_TRUE(s.browser1.pages().empty());
+    EXPECT_EQ(images().size(), 2U);
+    EXPECT_EQ(s.panel.lbl_sync.caption.get(), "30"); // counts from this run on
 }
 
 TEST_F(ImageStoreTest, APendingSynchronisationReachesBackHalfAnHourMore) {
@@ -227,17 +195,63 @@ TEST_F(ImageStoreTest, APendingSynchronisationReachesBackHalfAnHourMore) {
     EXPECT_FALSE(s.module.syncPending);
 }
 
-TEST_F(ImageStoreTest, AReplyOfMillionsOfNamesIsBounded) {
+TEST_F(ImageStoreTest, AReplyOfManyThousandNamesIsBounded) {
     std::string reply;
-    for (int i = 0; i < 300'000; ++i)
+    for (int i = 0; i < 30'000; ++i)
         reply += "1,2,r/..x,";
-    s.browser1.answer = [&](const std::string&) { return reply; };
-    run(&ImageStore::Test_DL);
+    runWith(reply);
     EXPECT_EQ(s.http.requests, 0);
     EXPECT_LT(s.logged().size(), 20U);
-    s.browser1.answer = [](const std::string&) { return std::string(1 << 20, 'x'); };
-    run(&ImageStore::Test_DL);
+    runWith(std::string(1 << 20, 'x'));
     EXPECT_LT(label().size(), 1000U);
+}
+
+/// However a picture of the store fails to come in, whoever asked for it, nothing is left of it
+/// anywhere.
+TEST(StoreDownloads, ThatFailLeaveNeitherAPartNorATemporary) {
+    const HttpReply whole = FakeHttp::picture("stored");
+    const std::string half = whole.body.substr(0, whole.body.size() / 2);
+    struct Case {
+        const char* what;
+        HttpReply reply;
+        const char* failing = ""; ///< the step of writing it
+    };
+    const Case cases[] = {{"nothing fails", whole},
+                          {"a cut picture", {true, 200, half, ""}},
+                          {"a transfer that ends in its midst", {false, 200, half, "cut off"}},
+                          {"a file that cannot be opened", whole, "open"},
+                          {"a full disk", whole, "write"},
+                          {"a full disk that is told late", whole, "close"},
+                          {"a name that cannot be given", whole, "rename"}};
+    for (const char* asking : {"search", "synchronisation", "gap filling"})
+        for (const auto& [what, reply, failing] : cases) {
+            SCOPED_TRACE(std::string(asking) + ": " + what);
+            TestStation s(at(2006, 3, 5, 9, 5));
+            s.http.answer = s.gapHttp.answer = [&](const std::string& url) {
+                return url.ends_with("full.jpg") ? FakeHttp::failed("refused") : reply;
+            };
+            s.browser1.answer = s.browser2.answer = s.gapBrowser.answer = [](const std::string&) {
+                return "1,2,record/20060305_090007_00.jpg,";
+            };
+            s.store.values["Settings/FillGaps"] = asking[0] == 'g' ? "1" : "0";
+            s.files.failing = failing;
+            s.start(true);
+            s.clock.run(1s);
+            if (asking[0] == 's')
+                s.tasks.spawn(asking[1] == 'e' ? s.imageStore.Test_DL()
+                                               : s.imageStore.cmd_Download());
+            s.clock.run(10s);
+            std::vector<std::string> left = listing(s.folder.path());
+            std::erase_if(left, [&](const std::string& name) {
+                return std::filesystem::is_directory(s.folder.path() / name);
+            });
+            std::vector<std::string> expected{"data/Ledger/20060305.csv"};
+            if (&reply == &cases[0].reply)
+                expected = {"data/20060305/20060305_090007_00.jpg",
+                            "data/Edit/20060305/20060305_090007_00.jpg", expected[0]};
+            std::erase(left, "program/ERROR.LOG");
+            EXPECT_EQ(left, expected);
+        }
 }
 
 /// A capture that falls due during a long run happens in its minute, and the run goes on.

@@ -1,8 +1,6 @@
 #include "archive/DaySurvey.h"
 #include "archive/ShownDay.h"
-#include "tests/support/SampleArchive.h"
-#include "tests/support/TestPictures.h"
-#include "tests/support/TestStation.h"
+#include "tests/archive/ArchiveStation.h"
 
 #include <gtest/gtest.h>
 
@@ -13,7 +11,7 @@
 namespace orvane::test {
 namespace {
 
-constexpr int kDays = 3650;
+constexpr int kDays = 1100;
 constexpr std::chrono::local_days kToday{std::chrono::days(13467)}; // 2006/11/15
 
 /// Tells which folders of some were opened, or had one of their files opened: the system says so.
@@ -46,26 +44,22 @@ class Opened {
 };
 
 /// A day each, with one picture and a ledger, and a station that looks at them.
-class TenYears : public testing::Test {
+class ThreeYears : public testing::Test {
   protected:
     void SetUp() override {
-        const auto ledgers = folder.path() / "Ledger";
+        const auto ledgers = s.dataFolder() / "Ledger";
         std::filesystem::create_directory(ledgers);
         for (auto day = kToday - std::chrono::days(kDays); day <= kToday; ++day) {
-            const auto dated = datedFolderOf(folder.path(), WallTime(day));
-            const std::string name = dated.filename().string();
-            std::filesystem::create_directory(dated);
-            SampleArchive::paintGrey(dated / (name + "_090000_00.jpg"), 0);
+            const std::string name = dateDigits(WallTime(day));
+            s.write(name + "_090000_00.jpg");
             writeFile(ledgers / (name + ".csv"), "time,offset,event,file,detail\r\n");
             // a folder that has just been changed is read again
+            const auto dated = s.dataFolder() / name;
             const auto written = std::filesystem::last_write_time(dated);
             std::filesystem::last_write_time(dated, written - 1h);
             if (!opened.watch(dated)) GTEST_SKIP() << "the system watches no more folders";
         }
-        s.panel.Dir1[0].path = folder.path();
-        const char* fields[] = {"9", "0", "10", "0", "", "30", "0"};
-        for (std::size_t i = 0; i < std::size(fields); ++i)
-            s.panel.Text1[i].text = std::string(fields[i]);
+        s.type(9, 10, 30);
         s.days.refresh();
         opened.folders();
     }
@@ -80,28 +74,24 @@ class TenYears : public testing::Test {
         }
     }
 
-    TempFolder folder;
     Opened opened;
-    TestStation s{WallTime(kToday) + 12h};
+    ArchiveStation s{WallTime(kToday) + 12h};
     FakeImageControl control;
     Keograms keograms{{control, s.module, s.busy, s.clock}};
     ShownDay shown{{s.days, s.panel, keograms, s.clock, s.faults}};
 };
 
-using Names = std::set<std::string>;
-
-TEST_F(TenYears, OnlyTheDayInViewIsRead) {
-    turnTo(kToday - std::chrono::days(2000));
-    EXPECT_EQ(opened.folders(), Names{"20010525"});
-    turnTo(kToday - std::chrono::days(1));
-    EXPECT_EQ(opened.folders(), Names{"20061114"});
-    turnTo(kToday - std::chrono::days(9999));
-    EXPECT_EQ(shown.day(), kToday - std::chrono::days(kDays));
-    EXPECT_EQ(opened.folders(), Names{"19961117"});
+TEST_F(ThreeYears, OnlyWhatIsInViewIsRead) {
+    using Names = std::set<std::string>;
+    const std::pair<int, const char*> days[] = {
+        {1000, "20040219"}, {1, "20061114"}, {9999, "20031111"}};
+    for (const auto& [back, name] : days) {
+        turnTo(kToday - std::chrono::days(back));
+        EXPECT_EQ(opened.folders(), Names{name});
+    }
+    EXPECT_EQ(shown.day(), kToday - std::chrono::days(kDays)) << "the archive's first";
     EXPECT_EQ(shown.plan().text, "taken 1 of 2, 1 missed");
-}
 
-TEST_F(TenYears, OnlyTheMonthInViewIsSurveyed) {
     DaySurvey survey{{s.days, s.panel, s.clock, s.faults}};
     const auto first = kToday - std::chrono::days(1000);
     survey.start({first, first + std::chrono::days(2)});
