@@ -99,10 +99,6 @@ TEST(CopiesAnew, WhatFailsIsToldAndPassedOver) {
          5},
         {"no folder", fileInsteadOf("20061115"),
          "4 copies made, 1 day that cannot be read; see ERROR.LOG.", 4},
-        {"no data folder", [](Copies& s) { std::filesystem::remove_all(s.dataFolder()); },
-         "Ended early: the data folder is not there; connect its disk or choose another one. 0 "
-         "copies made.",
-         0},
     };
     for (const Case& test : cases) {
         SCOPED_TRACE(test.what);

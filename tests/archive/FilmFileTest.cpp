@@ -31,14 +31,14 @@ struct Film : ArchiveStation {
         finishWork(film);
         return film.text.get();
     }
-    /// One colour of each picture that was fed, in its middle.
+    /// The brightness of each picture that was fed, in its middle, to the nearest ten.
     std::vector<int> greys(QSize size = {64, 48}) const {
         std::vector<int> found;
         const auto width = static_cast<std::size_t>(size.width());
         const auto height = static_cast<std::size_t>(size.height());
         const std::size_t middle = (height / 2 * width + width / 2) * 4;
         for (std::size_t i = 0; i < process.fed.size(); i += width * height * 4)
-            found.push_back(static_cast<unsigned char>(process.fed[i + middle]));
+            found.push_back((static_cast<unsigned char>(process.fed[i + middle]) + 5) / 10 * 10);
         return found;
     }
     bool has(const std::string& argument, const std::string& value) const {
@@ -54,12 +54,6 @@ struct Film : ArchiveStation {
     std::filesystem::path target = films / "day.mp4";
     FilmFile film{forSpans(), control, process, store};
 };
-
-void expectNear(const std::vector<int>& found, const std::vector<int>& expected) {
-    ASSERT_EQ(found.size(), expected.size());
-    for (std::size_t i = 0; i < found.size(); ++i)
-        EXPECT_NEAR(found[i], expected[i], 2) << i;
-}
 
 TEST(FilmFile, OnePictureForEachMinuteInTheOrderOfTime) {
     Film f;
@@ -77,7 +71,7 @@ TEST(FilmFile, OnePictureForEachMinuteInTheOrderOfTime) {
     f.picture("20061116_000000_00.jpg", 120);
     EXPECT_EQ(f.make({}, 16), "day.mp4 is written: 4 pictures, 0.2 s. "
                               "Passed over: 2 pictures; see ERROR.LOG.");
-    expectNear(f.greys(), {40, 60, 80, 120});
+    EXPECT_EQ(f.greys(), (std::vector{40, 60, 80, 120}));
     EXPECT_EQ(f.film.progress, SpanWork::kWhole);
     EXPECT_EQ(listing(f.films), std::vector<std::string>{"day.mp4"});
     EXPECT_EQ(contentsOf(f.target), "film of " + f.process.fed);
@@ -110,36 +104,31 @@ TEST(FilmFile, MixedSizesAreFitted) {
     f.picture("20061115_093200_00.jpg", 150, {480, 640});
     EXPECT_TRUE(f.make({.rows = 100, .rate = 60}).starts_with("day.mp4 is written: 3 pictures"));
     EXPECT_TRUE(f.has("-video_size", "160x120")); // a quarter, the smallest with 100 rows
-    EXPECT_TRUE(f.has("-framerate", "60"));
+    EXPECT_TRUE(f.has("-framerate", "60") && f.has("-c:v", "libx264"));
     EXPECT_TRUE(std::ranges::any_of(f.process.arguments, [](const std::string& argument) {
         return argument.starts_with("scale=134:100:");
     }));
     ASSERT_EQ(f.process.fed.size(), 3U * 160 * 120 * 4);
-    expectNear(f.greys({160, 120}), {50, 100, 150});
+    EXPECT_EQ(f.greys({160, 120}), (std::vector{50, 100, 150}));
     const std::size_t row = 2U * 160 * 120 * 4 + 60U * 160 * 4;
     EXPECT_EQ(f.process.fed[row], 0) << "black beside one that stands upright";
 }
 
 TEST(FilmFile, StampAndMirrorAreIndependent) {
-    Film f;
-    const QImage gradients = gradient(640, 480);
-    f.write("20061115_093000_00.jpg", encoded(gradients));
-    const auto rendered = [&](bool mirror, bool stamp) {
-        f.make({.mirror = mirror, .stamp = stamp});
-        return QImage(reinterpret_cast<const uchar*>(f.process.fed.data()), 640, 480,
-                      QImage::Format_RGB32)
-            .copy();
-    };
-    const QRect upper(0, 0, 640, 400);
-    const QRect corner(0, 440, 200, 40);
-    const QImage plain = rendered(false, false);
-    EXPECT_LT(meanDifference(plain, gradients), 3);
-    for (const bool mirror : {false, true}) {
-        const QImage unstamped = plain.mirrored(mirror, false);
-        const QImage stamped = rendered(mirror, true);
-        EXPECT_EQ(difference(unstamped.copy(upper), stamped.copy(upper)), 0) << mirror;
-        EXPECT_GT(difference(unstamped.copy(corner), stamped.copy(corner)), 100) << mirror;
-    }
+    for (const bool mirror : {false, true})
+        for (const bool stamp : {false, true}) {
+            Film f;
+            f.write("20061115_093000_00.jpg");
+            FakeImageControl fake; // tells what was done to it
+            FilmFile film(f.forSpans(), fake, f.process, f.store);
+            film.start({november(15), november(15)}, {.mirror = mirror, .stamp = stamp}, f.target);
+            f.finishWork(film);
+            std::string fed;
+            for (std::size_t i = 0; i < f.process.fed.size(); i += 4)
+                fed += f.process.fed[i];
+            EXPECT_EQ(fed, jpegLike("20061115_093000_00.jpg") + (mirror ? "mirrored" : "") +
+                               (stamp ? "2006/11/15 09:30" : ""));
+        }
 }
 
 TEST(FilmFile, TheEncoderIsTheBestThatIsThere) {
@@ -150,17 +139,8 @@ TEST(FilmFile, TheEncoderIsTheBestThatIsThere) {
         {" V....D libx264rgb   x\n V..... h264_nvenc   x\n", ""},
         {"", ""},
     };
-    for (const auto& [list, encoder] : cases) {
-        SCOPED_TRACE(list);
-        Film f;
-        f.someMinutes(1);
-        f.process.encoders = std::string("Encoders:\n") + list;
-        const std::string told = f.make();
-        EXPECT_EQ(f.has("-c:v", encoder), *encoder != '\0');
-        EXPECT_EQ(told.starts_with("Ended early: /opt/ffmpeg has no H.264 encoder"),
-                  *encoder == '\0')
-            << told;
-    }
+    for (const auto& [list, encoder] : cases)
+        EXPECT_EQ(h264EncoderIn(std::string("Encoders:\n") + list), encoder) << list;
 }
 
 /// However it fails: told, nothing is left over, an older film stays, and it can be tried again.
@@ -184,6 +164,9 @@ TEST(FilmFile, WhatFailsIsToldAndLeavesNothing) {
          "written."},
         {"no ffmpeg at all", [](Film& f) { f.process.encoders = "Usage: notepad\n"; },
          "Ended early: /opt/ffmpeg is no ffmpeg that can be used. "},
+        {"no encoder that can be used",
+         [](Film& f) { f.process.encoders = "Encoders:\n V..... h264_nvenc   x\n"; },
+         "Ended early: /opt/ffmpeg has no H.264 encoder"},
         {"not to be started", fails("start"), "Ended early: /opt/ffmpeg failed: it cannot be"},
         {"dies", fails("die"), "Ended early: ffmpeg failed: it stopped reading (.day.mp4.part: No"},
         {"dies later", fails("die", 20'000), "Ended early: ffmpeg failed: it stopped reading ("},
@@ -193,9 +176,6 @@ TEST(FilmFile, WhatFailsIsToldAndLeavesNothing) {
         {"no pictures", [](Film& f) { std::filesystem::remove_all(f.dataFolder() / "20061115"); },
          "Ended early: there are no pictures that can be used; choose other days. No film was "
          "written."},
-        {"the data folder goes", [](Film& f) { std::filesystem::remove_all(f.dataFolder()); },
-         "Ended early: the data folder is not there; connect its disk or choose another one. No "
-         "film was written."},
         {"the target is a folder",
          [](Film& f) {
              std::filesystem::remove(f.target);
@@ -225,38 +205,31 @@ TEST(FilmFile, WhatFailsIsToldAndLeavesNothing) {
 }
 
 /// Wherever it is cancelled, or the program ends: no part of a film, nothing waits on.
-TEST(FilmFile, CanBeCancelledAtAnyMoment) {
-    int cancelled = 0;
-    for (Ticks moment = 0ms; moment < 400ms; moment += 7ms) {
+TEST(FilmFile, EndsAtAnyMoment) {
+    int withPart = 0;
+    for (Ticks moment = 0ms; moment < 400ms; moment += 5ms) {
         Film f;
         f.someMinutes(6);
         writeFile(f.target, "older");
         const std::size_t waiting = f.clock.pending();
-        f.start();
+        auto film = std::make_unique<FilmFile>(f.forSpans(), f.control, f.process, f.store);
+        film->start({november(15), november(15)}, {}, f.target);
         f.clock.run(moment);
-        if (!f.film.running) break;
-        cancelled += f.hasPart();
-        f.film.cancel();
-        EXPECT_EQ(f.film.text.get(), "Cancelled. No film was written.");
+        if (!film->running) break;
+        withPart += f.hasPart();
+        if (moment / 5ms % 2 == 0) {
+            film->cancel();
+            EXPECT_EQ(film->text.get(), "Cancelled. No film was written.");
+        } else {
+            film.reset();
+        }
         EXPECT_EQ(f.clock.pending(), waiting);
         EXPECT_FALSE(f.process.running);
         EXPECT_TRUE(f.control.picture().isNull());
         EXPECT_EQ(listing(f.films), std::vector<std::string>{"day.mp4"});
         EXPECT_EQ(contentsOf(f.target), "older");
     }
-    EXPECT_GT(cancelled, 5);
-}
-
-TEST(FilmFile, EndsWithTheProgram) {
-    Film f;
-    f.someMinutes(6);
-    {
-        FilmFile film(f.forSpans(), f.control, f.process, f.store);
-        film.start({november(15), november(15)}, {}, f.target);
-        ASSERT_TRUE(f.clock.runUntil([&] { return f.hasPart(); }, 1min));
-    }
-    EXPECT_FALSE(f.process.running);
-    EXPECT_TRUE(listing(f.films).empty());
+    EXPECT_GT(withPart, 10);
 }
 
 TEST(FilmFile, CapturesGoFirstAndNothingIsHeldUp) {

@@ -18,11 +18,6 @@ struct OtherDays : testing::Test {
             s.write(name);
         shown.refresh();
     }
-    void ledger(const std::string& day, const std::string& lines) {
-        std::filesystem::create_directory(s.dataFolder() / "Ledger");
-        writeFile(s.dataFolder() / "Ledger" / (day + ".csv"),
-                  "time,offset,event,file,detail\r\n" + lines);
-    }
     const std::string& textOf(unsigned day) {
         shown.turnTo(november(day));
         s.clock.runUntil([this] { return !shown.isReading(); }, 1min);
@@ -90,21 +85,6 @@ TEST_F(OtherDays, MidnightAndAnotherFolder) {
     shown.refresh();
     EXPECT_TRUE(shown.isToday());
     EXPECT_EQ(shown.firstDay(), november(14)) << "an archive without a folder begins today";
-}
-
-/// What the ledgers say of days on which nobody was there.
-TEST_F(OtherDays, WhenTheProgramDidNotRun) {
-    const std::string start = "09:00,+09:00,program started,,\r\n"
-                              "09:00,+09:00,schedule,,09:00 to 11:00 every 30 min\r\n"
-                              "09:00,+09:00,recording on,,\r\n";
-    ledger("20061112", start + "09:00,+09:00,taken,20061112_090000_00.jpg,\r\n");
-    ledger("20061114", start);
-    EXPECT_EQ(textOf(12), "taken 1 of 4, 3 not recorded") << "its lines end at 9:00";
-    EXPECT_EQ(textOf(13), "taken 0 of 4, 4 not recorded") << "the next start is a day later";
-    EXPECT_EQ(shown.plan().states[600], DayState::NotRunning);
-    // a day whose ledger is lost, between two on which the program ran
-    ledger("20061114", "00:00,+09:00,recording on,,\r\n");
-    EXPECT_EQ(textOf(13), "taken 0 of 4, 4 missed");
 }
 
 TEST_F(OtherDays, ReadingIsSlicedAndCanBeLeft) {

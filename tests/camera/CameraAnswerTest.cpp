@@ -14,8 +14,7 @@ TEST(CameraAnswer, SaysWhatCameOrWhyNot) {
     const std::string picture = encoded(gradient(640, 48));
     const std::string large = picture + std::string((std::size_t{5} << 20) - picture.size(), 'x');
     const std::string kilos = std::to_string((picture.size() + 512) / 1024) + " kB";
-    std::string damaged = picture;
-    damaged.replace(picture.size() / 2, 40, std::string(40, '\0'));
+    const std::string noPicture = "not a picture: the answer is not a whole JPEG picture";
     struct Case {
         HttpReply reply;
         Ticks took;
@@ -29,14 +28,8 @@ TEST(CameraAnswer, SaysWhatCameOrWhyNot) {
         {{false, 0, "", "no connection to the camera"}, 1ms, "no connection", false},
         {{false, 404, "", "HTTP status 404"}, 1ms, "HTTP status 404", true},
         {{false, 200, "", "the answer is empty"}, 1ms, "the answer is empty", true},
-        {{true, 200, "<html>Please wait</html>", ""},
-         1ms,
-         "not a picture: the answer is not a whole JPEG picture",
-         true},
-        {{true, 200, picture.substr(0, 500), ""},
-         1ms,
-         "not a picture: the answer is not a whole JPEG picture",
-         true},
+        {{true, 200, "<html>Please wait</html>", ""}, 1ms, noPicture, true},
+        {{true, 200, picture.substr(0, 500), ""}, 1ms, noPicture, true},
     };
     for (const auto& [reply, took, text, answered] : cases) {
         const CameraAnswer answer = finish(clock, judgeAnswer(control, reply, took));
@@ -44,8 +37,9 @@ TEST(CameraAnswer, SaysWhatCameOrWhyNot) {
         EXPECT_EQ(answer.answered, answered) << text;
         EXPECT_EQ(answer.isPicture(), answer.bytes > 0) << text;
     }
-    const HttpReply reply{true, 200, damaged, ""};
-    const CameraAnswer answer = finish(clock, judgeAnswer(control, reply, 1ms));
+    HttpReply damaged{true, 200, picture, ""};
+    damaged.body.replace(picture.size() / 2, 40, std::string(40, '\0'));
+    const CameraAnswer answer = finish(clock, judgeAnswer(control, damaged, 1ms));
     EXPECT_TRUE(answer.text().starts_with("the picture is damaged: ")) << answer.text();
 }
 
@@ -119,25 +113,24 @@ TEST_F(CameraLine, TellsWhatBecameOfTheRecordingSwitch) {
 
 TEST_F(CameraLine, ALiveViewWithoutACameraSaysSoOnce) {
     const std::vector<std::string> logged = s.logged();
-    answerWith(FakeHttp::failed("no connection to the camera"));
+    const auto answerFor = [&](std::chrono::seconds span, const HttpReply& reply) {
+        answerWith(reply);
+        s.clock.run(span);
+        return line();
+    };
     s.clock.runUntil(at(2006, 11, 15, 8, 1, 0));
     s.panel.chkLive.ticked = true;
-    s.clock.run(2s);
-    EXPECT_EQ(line(), "live view: no connection since 08:01:00");
+    EXPECT_EQ(answerFor(2s, FakeHttp::failed("no connection to the camera")),
+              "live view: no connection since 08:01:00");
     EXPECT_EQ(s.views.liveText, line());
     s.camera.Command5_Click();
     s.clock.run(30s);
     EXPECT_EQ(line(), "recording switched on") << "told once";
-    answerWith(FakeHttp::failed("no answer from the camera"));
-    s.clock.run(6s);
-    EXPECT_EQ(line(), "live view: no answer since 08:01:00");
-    s.http.answer = [](const std::string&) { return FakeHttp::picture("1"); };
-    s.clock.run(6s);
-    EXPECT_EQ(line(), "");
+    const HttpReply silence = FakeHttp::failed("no answer from the camera");
+    EXPECT_EQ(answerFor(6s, silence), "live view: no answer since 08:01:00");
+    EXPECT_EQ(answerFor(6s, FakeHttp::picture("1")), "");
     EXPECT_EQ(s.views.liveText, "");
-    answerWith(FakeHttp::failed("no answer from the camera"));
-    s.clock.run(6s);
-    EXPECT_EQ(line().substr(0, 27), "live view: no answer since ");
+    EXPECT_EQ(answerFor(6s, silence).substr(0, 27), "live view: no answer since ");
     s.panel.chkLive.ticked = false;
     s.clock.run(1s);
     EXPECT_EQ(line(), "");

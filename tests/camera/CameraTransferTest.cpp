@@ -23,14 +23,6 @@ struct CameraTransfer : testing::Test, RealCamera {
                        s.busy,   s.op,    clock,    s.imageControl};
 };
 
-TEST_F(CameraTransfer, FetchesAFreshWholePictureEachTime) {
-    ASSERT_TRUE(download()) << reason;
-    const std::string first = picture();
-    EXPECT_TRUE(isWholeJpeg(first));
-    ASSERT_TRUE(download());
-    EXPECT_NE(picture(), first);
-}
-
 /// What the camera can do wrong: either the download says so and leaves the file alone, or what it
 /// brought is seen not to be a whole picture.
 TEST_F(CameraTransfer, EveryFaultIsNoticedInBoundedTime) {

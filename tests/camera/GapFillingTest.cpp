@@ -1,11 +1,8 @@
-#include "imaging/JpegMarkers.h"
 #include "tests/support/FakeCameraStore.h"
 #include "tests/support/TestPictures.h"
 #include "tests/support/TestStation.h"
 
 #include <gtest/gtest.h>
-
-#include <random>
 
 namespace orvane::test {
 namespace {
@@ -71,17 +68,6 @@ TEST(GapFilling, AnOutageIsFilledWithinTenMinutes) {
     }
 }
 
-TEST_F(GapFillingTest, AsksForTheMinuteAndTakesNoOther) {
-    s.stored.names = {"20061115_085959_00.jpg", "20061115_093100_00.jpg", "20061115_093142_00.jpg"};
-    s.start(true);
-    s.runUntil(9, 32);
-    EXPECT_EQ(s.gapBrowser.pages().front(),
-              "http://192.168.0.10:80/cgi/srch.cgi?srch_type=0&s_mode=0&dl=1&ar0=on&from_year=6"
-              "&from_mon=10&from_day=14&from_hour=9&from_min=0&from_sec=0&from_frame=0&maxnum=2");
-    EXPECT_TRUE(s.images().empty()); // 9:00 and 9:30 are due, 9:31 is not
-    EXPECT_EQ(s.gapHttp.requests, 0);
-}
-
 TEST(GapFilling, AMinuteThatTheCameraDoesNotHoldIsAskedForTwice) {
     Filling s(at(2006, 11, 15, 21, 59));
     s.liveAnswers = false;
@@ -112,15 +98,12 @@ TEST(GapFilling, ARestartFillsTheMorning) {
     EXPECT_EQ(s.views.newest.filename(), "20061115_090000_00.jpg");
 }
 
-TEST_F(GapFillingTest, TheSwitchTurnsItOffAndIsStored) {
+TEST_F(GapFillingTest, TheSwitchTurnsItOff) {
     s.store.values["Settings/FillGaps"] = "0";
     s.start(true);
     s.runUntil(9, 40);
     EXPECT_EQ(s.askings(), 0U);
-    EXPECT_FALSE(s.panel.chk_fill.ticked);
     s.panel.chk_fill.ticked = true;
-    s.settings.writeSetup();
-    EXPECT_EQ(s.store.values["Settings/FillGaps"], "1");
     s.clock.run(10s);
     EXPECT_EQ(s.fetchedLater(), 2);
 }
@@ -182,6 +165,10 @@ TEST(GapFilling, EndsWhateverIsListedAndSent) {
         {"20061115_093000_00.JPG", 1, 1},
         {"20061115_093059_00.jpg", 1, 1},
         {"20061115_093007_99.jpg", 1, 1},
+        {"20061115_092959_00.jpg", 2, 0}, // of other minutes
+        {"20061115_093100_00.jpg", 2, 0},
+        {"20991231_235959_00.jpg", 2, 0},
+        {"../../evil.jpg", 2, 0},
         {"20061115_093060_00.jpg", 2, 0},
         {"20061115_093099_00.jpg", 2, 0},
         {"20061115_0930ab_00.jpg", 2, 0},
@@ -198,9 +185,13 @@ TEST(GapFilling, EndsWhateverIsListedAndSent) {
         s.setSchedule("9", "10", "30");
         std::vector<Ticks> asked; // for 9:30
         s.gapBrowser.answer = [&](const std::string& url) {
-            const bool ours = url.find("from_hour=9&from_min=30&from_sec=0") != std::string::npos;
-            if (ours) asked.push_back(s.clock.ticks());
-            return ours ? std::string("1,2,record/") + name + "," : "NO_DATA";
+            if (url.find("&from_hour=9&from_min=30&") == std::string::npos)
+                return std::string("NO_DATA");
+            EXPECT_EQ(url, "http://192.168.0.10:80/cgi/srch.cgi?srch_type=0&s_mode=0&dl=1&ar0=on"
+                           "&from_year=6&from_mon=10&from_day=14&from_hour=9&from_min=30"
+                           "&from_sec=0&from_frame=0&maxnum=2");
+            asked.push_back(s.clock.ticks());
+            return "1,2,record/" + std::string(name) + ",";
         };
         s.gapHttp.answer = [&](const std::string&) { return sent; };
         s.start(true);
@@ -231,42 +222,6 @@ TEST_F(GapFillingTest, NothingIsFilledOnAFolderThatCannotBeRead) {
     s.runUntil(10, 32);
     EXPECT_EQ(s.fetchedLater(), 3);
     EXPECT_EQ(s.warnings.text.get(), "");
-}
-
-/// Whatever the store answers: only whole pictures of missed minutes are filed, once each, below
-/// the data folder, and the captures keep their minutes.
-TEST(GapFilling, RandomStoreFaults) {
-    std::mt19937 random(11);
-    Filling s;
-    s.setSchedule("0", "23", "5", "59");
-    s.http.answer = [&](const std::string&) {
-        return random() % 3 == 0 ? FakeHttp::picture(std::to_string(++s.live))
-                                 : FakeHttp::failed("refused");
-    };
-    s.http.latency = 25s;
-    s.gapBrowser.answer = [&](const std::string& url) {
-        s.gapBrowser.latency = Ticks(random() % 20'000);
-        const std::string wrong[] = {"", "1,2,r/../../evil.jpg,", std::string(100'000, ','),
-                                     "1,2,r/20991231_235959_00.jpg,"};
-        const std::size_t turn = random() % 6;
-        return turn < std::size(wrong) ? wrong[turn] : s.stored.search(url);
-    };
-    s.gapHttp.answer = [&](const std::string& url) {
-        HttpReply reply = s.stored.picture(url);
-        if (random() % 3 == 0) reply.body.resize(random() % reply.body.size());
-        return reply;
-    };
-    s.start(true);
-    s.runUntil(14, 0);
-    EXPECT_GT(s.fetchedLater(), 20);
-    std::set<std::string> minutes;
-    for (const std::string& name : s.images()) {
-        EXPECT_TRUE(minutes.insert(name.substr(0, 13)).second) << name;
-        EXPECT_TRUE(isWholeJpeg(contentsOf(s.dataFolder() / "20061115" / name))) << name;
-    }
-    EXPECT_EQ(s.imagesOf("20061115", "Edit"), s.images());
-    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(s.dataFolder()), {}), 3)
-        << "the day, Edit and Ledger";
 }
 
 } // namespace

@@ -99,15 +99,6 @@ TEST_F(StoreTransfer, EveryFaultOfTheSearchEndsInBoundedTime) {
     }
 }
 
-TEST_F(StoreTransfer, FaultsOfThePicturesFileNothingBroken) {
-    for (const char* fault : {"cut", "html", "empty", "short", "reset", "status:404", "stall"}) {
-        std::filesystem::remove_all(data);
-        setFault(fault, 1, "/record/");
-        run(&ImageStore::Test_DL);
-        EXPECT_EQ(pictures().size(), 1U) << fault; // the second of the page is sound
-    }
-}
-
 /// Faults in any order: each picture that the camera sent whole is filed, and no other.
 TEST_F(StoreTransfer, RandomFaults) {
     std::vector<std::string> sent;

@@ -18,6 +18,9 @@ struct Turns : testing::Test {
         s.start(true);
         s.clock.run(1s);
     }
+    void runUntil(int hour, int minute, int second) {
+        s.clock.runUntil(at(2006, 11, 15, hour, minute, second));
+    }
     void testFetch() { s.tasks.spawn(s.camera.Command8_Click()); }
 };
 
@@ -47,13 +50,13 @@ TEST_F(Turns, TheLiveViewAndATestFetchWaitForEachOther) {
 }
 
 TEST_F(Turns, ACaptureEndsATestFetchAndTheLiveView) {
-    s.clock.runUntil(at(2006, 11, 15, 9, 29, 58));
+    runUntil(9, 29, 58);
     testFetch();
-    s.clock.runUntil(at(2006, 11, 15, 9, 30, 40));
+    runUntil(9, 30, 40);
     EXPECT_EQ(s.http.cancelled, 1);
     EXPECT_TRUE(s.op.told.empty()) << "taken over, not refused";
     s.panel.chkLive.ticked = true;
-    s.clock.runUntil(at(2006, 11, 15, 10, 0, 40));
+    runUntil(10, 0, 40);
     EXPECT_EQ(s.imagesOf("20061115"),
               (std::vector<std::string>{"20061115_093000_00.jpg", "20061115_100000_00.jpg"}));
     EXPECT_EQ(s.countLogged("DownLoad Error"), 0);
@@ -64,12 +67,12 @@ TEST_F(Turns, ACaptureWaitsForARunsPictureInTransfer) {
     camera.record("20061115", 9, 10);
     s.browser1.answer = [&](const std::string& url) { return camera.search(url); };
     s.panel.Text1[5].text = "15";
-    s.clock.runUntil(at(2006, 11, 15, 9, 29, 55));
+    runUntil(9, 29, 55);
     s.tasks.spawn(s.imageStore.Test_DL());
-    s.clock.runUntil(at(2006, 11, 15, 9, 30, 10));
+    runUntil(9, 30, 10);
     EXPECT_TRUE(s.imageStore.transferring());
     EXPECT_EQ(s.http.requests, 1);
-    s.clock.runUntil(at(2006, 11, 15, 9, 30, 30));
+    runUntil(9, 30, 30);
     EXPECT_EQ(s.http.requests, 2);
     s.clock.run(1min);
     EXPECT_EQ(s.http.cancelled, 0);
