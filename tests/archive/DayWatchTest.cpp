@@ -99,6 +99,7 @@ TEST_F(Days, FollowsWhatItDependsOn) {
 TEST_F(Days, WhatIsFiledCountsWithoutReading) {
     age(1h);
     refresh();
+    EXPECT_EQ(days.plan().taken, 0);
     days.add(today / "20061115_120000_00.jpg");
     days.add(data.path() / "20061114" / "20061114_113000_00.jpg"); // another day
     EXPECT_EQ(text(), "taken 1 of 16, next at 12:30, 6 missed");

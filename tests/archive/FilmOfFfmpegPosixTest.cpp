@@ -5,12 +5,13 @@
 #include "platform/qt/QtClock.h"
 #include "platform/qt/QtProcess.h"
 #include "tests/archive/ArchiveStation.h"
-#include "tests/support/Finish.h"
 
-#include <gtest/gtest.h>
+#include <QTest>
 
 namespace orvane::test {
 namespace {
+
+constexpr int kPatience = 120'000; ///< ms
 
 /// The program ffmpeg itself, where it is installed. It runs at the lowest priority, so each start
 /// of it is slow on a busy machine.
@@ -25,7 +26,7 @@ struct FilmOfFfmpeg : testing::Test {
     }
     std::string make(const FilmOptions& options, const std::filesystem::path& target) {
         film.start({november(15), november(15)}, options, target);
-        runEventLoopUntil([&] { return !film.running; });
+        EXPECT_TRUE(QTest::qWaitFor([&] { return !film.running; }, kPatience));
         return film.text.get();
     }
 
@@ -44,9 +45,10 @@ TEST_F(FilmOfFfmpeg, HasItsPicturesTheirColoursAndItsLength) {
     process.start(process.find("ffmpeg"),
                   {"-hide_banner", "-nostdin", "-nostats", "-i", utf8FromPath(target), "-f",
                    "rawvideo", "-pix_fmt", "rgb24", utf8FromPath(pixels)});
-    Task<ProcessEnd> ending = process.end(20s);
+    Task<ProcessEnd> ending = process.end(std::chrono::milliseconds(kPatience));
     ending.start();
-    const std::string said = finish(ending).said;
+    ASSERT_TRUE(QTest::qWaitFor([&] { return ending.done(); }, kPatience));
+    const std::string said = ending.result().said;
     for (const char* expected :
          {"Video: h264", "yuv420p(tv, bt709", " 160x120", " 10 fps", "Duration: 00:00:01.00"})
         EXPECT_NE(said.find(expected), std::string::npos) << expected << " in\n" << said;

@@ -115,6 +115,8 @@ TEST_F(GapFillingTest, StandsBackForCaptures) {
     s.start(true);
     s.runUntil(9, 1, 55);
     s.liveAnswers = true;
+    s.clock.run(5500ms);
+    EXPECT_FALSE(s.gapBrowser.running());
     s.runUntil(9, 2, 5);
     EXPECT_EQ(s.images(), std::vector<std::string>{"20061115_090200_00.jpg"});
     s.gapBrowser.latency = 20ms;
@@ -132,12 +134,16 @@ TEST(GapFilling, AStoreThatDoesNotAnswerIsAskedOnceAMinute) {
             return s.storeAnswers ? s.stored.search(url) : answer;
         };
         s.storeAnswers = false;
+        s.setSchedule("9", "17", "1");
         s.start(true);
-        s.runUntil(9, 29);
-        EXPECT_NEAR(static_cast<double>(s.askings()), 28, 2);
+        s.runUntil(9, 4, 30); // four minutes are missing
+        s.liveAnswers = true;
+        s.runUntil(9, 20, 30);
+        EXPECT_EQ(s.fetchedLater(), 0);
+        EXPECT_NEAR(static_cast<double>(s.askings()), 18, 2);
         s.storeAnswers = true;
-        s.clock.run(70s);
-        EXPECT_EQ(s.fetchedLater(), 1);
+        s.clock.run(150s);
+        EXPECT_EQ(s.fetchedLater(), 4);
     }
 }
 

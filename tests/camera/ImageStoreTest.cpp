@@ -100,6 +100,9 @@ TEST_F(ImageStoreTest, FruitlessPagesReachBackFurtherAndEnd) {
     EXPECT_EQ(s.http.requests, 20);
     EXPECT_EQ(label(), "DownLoad Error ?");
     EXPECT_TRUE(images().empty());
+    camera.perPage = 50;
+    run();
+    EXPECT_EQ(s.http.requests, 40) << "twenty failures in a row are enough";
     s.browser1.urls.clear();
     runWith("Busy"); // a page without any record is fruitless as well
     EXPECT_EQ(s.browser1.pages().size(), 10U);
@@ -237,6 +240,10 @@ TEST(StoreDownloads, ThatFailLeaveNeitherAPartNorATemporary) {
                 expected = {"data/20060305/20060305_090007_00.jpg",
                             "data/Edit/20060305/20060305_090007_00.jpg", expected[0]};
             EXPECT_EQ(left, expected);
+            if (asking[0] == 's') {
+                EXPECT_EQ(s.panel.lbl_dlcnt.caption.get(), expected.size() > 1 ? "1" : "0");
+                EXPECT_TRUE(s.panel.Command2.enabled) << "recording can be stopped";
+            }
         }
 }
 

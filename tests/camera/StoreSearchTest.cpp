@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstring>
+
 namespace orvane::test {
 namespace {
 
@@ -14,34 +16,31 @@ ImageStamp stamp(const char* name) {
     return stamp;
 }
 
-TEST(StoreSearch, QueriesAcrossMonthYearAndMidnight) {
-    const std::string head = "srch_type=0&s_mode=0&dl=1&ar0=on";
+TEST(StoreSearch, ReachesBackAcrossMonthYearAndMidnight) {
     struct Case {
         WallTime now;
         const char* span;
         double extra;
-        const char* from;
+        ImageStamp from;
     };
     const Case cases[] = {
-        {at(2006, 3, 5, 14, 37, 9), "30", 0,
-         "&from_year=6&from_mon=2&from_day=4&from_hour=14&from_min=7&from_sec=9"},
-        {at(2006, 3, 1, 0, 10, 0), "30", 0,
-         "&from_year=6&from_mon=1&from_day=27&from_hour=23&from_min=40&from_sec=0"},
-        {at(2008, 3, 1, 0, 0, 59), "1", 0, // a leap year
-         "&from_year=8&from_mon=1&from_day=28&from_hour=23&from_min=59&from_sec=59"},
-        {at(2007, 1, 1, 0, 29, 59), "30", 30,
-         "&from_year=6&from_mon=11&from_day=30&from_hour=23&from_min=29&from_sec=59"},
-        {at(2000, 1, 1, 0, 0, 0), "1", 0,
-         "&from_year=-1&from_mon=11&from_day=30&from_hour=23&from_min=59&from_sec=0"},
-        {at(2006, 3, 5, 14, 7, 9), "", 0, // an empty field is no span
-         "&from_year=6&from_mon=2&from_day=4&from_hour=14&from_min=7&from_sec=9"},
-        {at(2006, 3, 5, 14, 7, 9), "0.5", 0,
-         "&from_year=6&from_mon=2&from_day=4&from_hour=14&from_min=6&from_sec=39"},
+        {at(2006, 3, 5, 14, 37, 9), "30", 0, {2006, 3, 5, 14, 7, 9, 0}},
+        {at(2006, 3, 1, 0, 10, 0), "30", 0, {2006, 2, 28, 23, 40, 0, 0}},
+        {at(2008, 3, 1, 0, 0, 59), "1", 0, {2008, 2, 29, 23, 59, 59, 0}},
+        {at(2007, 1, 1, 0, 29, 59), "30", 30, {2006, 12, 31, 23, 29, 59, 0}},
+        {at(2000, 1, 1, 0, 0, 0), "1", 0, {1999, 12, 31, 23, 59, 0, 0}},
+        {at(2006, 3, 5, 14, 7, 9), "", 0, {2006, 3, 5, 14, 7, 9, 0}}, // no span
+        {at(2006, 3, 5, 14, 7, 9), "0.5", 0, {2006, 3, 5, 14, 6, 39, 0}},
     };
     for (const auto& [now, span, extra, from] : cases)
-        EXPECT_EQ(searchQuery(stampOf(movedBack(now, span, extra))),
-                  head + from + "&from_frame=0&maxnum=2");
+        EXPECT_EQ(stampOf(movedBack(now, span, extra)), from) << span;
     EXPECT_LT(movedBack(at(2006, 1, 1), "1e300"), at(1907, 1, 1)); // and no overflow
+    EXPECT_EQ(searchQuery({2006, 3, 5, 14, 7, 9, 0}),
+              "srch_type=0&s_mode=0&dl=1&ar0=on&from_year=6&from_mon=2&from_day=4&from_hour=14"
+              "&from_min=7&from_sec=9&from_frame=0&maxnum=2");
+    EXPECT_TRUE(searchQuery({1999, 12, 31, 23, 59, 0, 0})
+                    .ends_with("&from_year=-1&from_mon=11&from_day=30&from_hour=23&from_min=59"
+                               "&from_sec=0&from_frame=0&maxnum=2"));
 }
 
 TEST(StoreSearch, ReadsNamesByPosition) {
@@ -55,22 +54,16 @@ TEST(StoreSearch, ReadsNamesByPosition) {
 }
 
 TEST(StoreSearch, ComparesDatesBeforeTimes) {
-    struct Case {
-        const char *a, *b;
-        int order;
-    };
-    const Case cases[] = {
-        {"20061115_093007_00.jpg", "20061115_093007_00.jpg", 0},
-        {"20061115_093007_01.jpg", "20061115_093007_00.jpg", 1},
-        {"20061115_093007_99.jpg", "20061115_093008_00.jpg", -1},
-        {"20061115_235959_99.jpg", "20061116_000000_00.jpg", -1},
-        {"20070101_000000_00.jpg", "20061231_235959_99.jpg", 1},
-        {"20061201_000000_00.jpg", "20061130_235959_00.jpg", 1},
-    };
-    for (const auto& [a, b, order] : cases) {
-        EXPECT_EQ(CompareStamp(stamp(a), stamp(b)), order) << a << " " << b;
-        EXPECT_EQ(CompareStamp(stamp(b), stamp(a)), -order) << a << " " << b;
-    }
+    const char* ascending[] = {"20061115_093007_00.jpg", "20061115_093007_01.jpg",
+                               "20061115_093008_00.jpg", "20061115_235959_99.jpg",
+                               "20061116_000000_00.jpg", "20061130_235959_00.jpg",
+                               "20061201_000000_00.jpg", "20070101_000000_00.jpg"};
+    for (const char* a : ascending)
+        for (const char* b : ascending)
+            EXPECT_EQ(CompareStamp(stamp(a), stamp(b)), std::strcmp(a, b) > 0 ? 1
+                                                        : a == b              ? 0
+                                                                              : -1)
+                << a << " " << b;
 }
 
 TEST(StoreSearch, RepliesYieldCompleteRecordsOnly) {

@@ -74,6 +74,7 @@ TEST_F(Turns, ACaptureWaitsForARunsPictureInTransfer) {
     EXPECT_EQ(s.http.requests, 1);
     runUntil(9, 30, 30);
     EXPECT_EQ(s.http.requests, 2);
+    EXPECT_TRUE(s.http.urls.back().ends_with("full.jpg")) << "it goes before the run's next one";
     s.clock.run(1min);
     EXPECT_EQ(s.http.cancelled, 0);
     EXPECT_EQ(s.http.requests, 3);
