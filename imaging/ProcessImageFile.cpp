@@ -82,20 +82,12 @@ void applyOptions(ImageControl& control, const ImageOptions& options,
 Task<Fault> ProcessImageFile(ImageControl& control, std::filesystem::path image,
                              ImageOptions options, bool processingOn) {
     if (!processingOn) co_return std::nullopt;
-    Task<Fault> loading = control.load(image);
-    Fault fault = co_await loading;
-    if (fault) co_return fault;
-
-    // From here to the call of `save` there is no wait: the picture in the control is still ours.
-    applyOptions(control, options, image);
-    const std::filesystem::path edited = editPathOf(image);
-    fault = makeFolder(edited.parent_path());
-    if (!fault) {
-        Task<Fault> saving =
-            control.save(edited, options.JpegTyp, options.Quality, exifStampOf(image));
-        fault = co_await saving;
-    }
-    control.clear();
+    const bool mirrored = isSet(options.LrFlg);
+    const bool stamped = mirrored && isSet(options.DateFlg);
+    const ImageControl::Rewriting how{mirrored, stamped ? stampTextOf(image) : std::string(),
+                                      options.JpegTyp, options.Quality, exifStampOf(image)};
+    Task<Fault> rewriting = control.rewrite(image, editPathOf(image), how);
+    Fault fault = co_await rewriting;
     if (!fault && isSet(options.RawFlg)) fault = copyToFinalName(image, rawPathOf(image));
     co_return fault;
 }

@@ -51,6 +51,19 @@ class ImageControl {
     /// The picture as the bytes of a JFIF file, 4:4:4; `quality` 1 to 100. Empty without a picture.
     virtual Task<std::string> encode(int quality) = 0;
     virtual void clear() = 0; ///< frees the pixels
+
+    /// How `rewrite` changes and saves a picture; see the functions of these names.
+    struct Rewriting {
+        bool mirror = false;
+        std::string text{}; ///< empty: none is drawn
+        std::int16_t format = kFormatExif;
+        std::int16_t factor = 0;
+        std::string stamp{};
+    };
+    /// Loads `from`, changes it and saves it as `to`, whose folder is made when there is something
+    /// to save. No picture is in the control afterwards.
+    virtual Task<Fault> rewrite(std::filesystem::path from, std::filesystem::path to,
+                                Rewriting how);
 };
 
 } // namespace orvane

@@ -1,7 +1,5 @@
 #include "platform/qt/JpegDecoder.h"
 
-#include "platform/qt/ExifHeader.h"
-
 #include <algorithm>
 #include <cstdlib>
 #include <utility>
@@ -17,6 +15,12 @@ constexpr int kScanLimit = 200;
 constexpr int kExifMarker = JPEG_APP0 + 1;
 constexpr int kIccMarker = JPEG_APP0 + 2;
 constexpr std::string_view kExifSignature("Exif\0\0", 6);
+
+/// Rows of `Purpose::Rows` that stay in a processor's cache until they are encoded again.
+int rowsInCache(unsigned width) {
+    constexpr unsigned kPixels = 64 * 1024;
+    return static_cast<int>(std::max(kPixels / width, 2U * DCTSIZE));
+}
 
 /// The EXIF orientations that turn the picture by a quarter.
 bool isTransposed(int orientation) {
@@ -66,7 +70,7 @@ bool JpegDecoder::readHeader() {
     jpeg_create_decompress(&info_);
     jpeg_mem_src(&info_, reinterpret_cast<const unsigned char*>(jpeg_.data()),
                  static_cast<unsigned long>(jpeg_.size()));
-    if (purpose_ == Purpose::Picture) {
+    if (purpose_ != Purpose::Check) {
         jpeg_save_markers(&info_, kExifMarker, 0xFFFF);
         jpeg_save_markers(&info_, kIccMarker, 0xFFFF);
         jpeg_save_markers(&info_, JPEG_COM, 0xFFFF);
@@ -79,7 +83,7 @@ Fault JpegDecoder::refusal() const {
     if (std::uint64_t{info_.image_width} * info_.image_height > kPixelLimit)
         return "Picture of " + std::to_string(info_.image_width) + " x " +
                std::to_string(info_.image_height) + " pixels is too large";
-    if (purpose_ == Purpose::Picture && info_.num_components == 4)
+    if (purpose_ != Purpose::Check && info_.num_components == 4)
         return "CMYK pictures are not supported";
     return std::nullopt;
 }
@@ -138,7 +142,8 @@ bool JpegDecoder::allocate(int orientation) {
     }
     const bool transposed = isTransposed(orientation);
     const int width = static_cast<int>(transposed ? info_.output_height : info_.output_width);
-    const int height = static_cast<int>(transposed ? info_.output_width : info_.output_height);
+    int height = static_cast<int>(transposed ? info_.output_width : info_.output_height);
+    if (purpose_ == Purpose::Rows) height = std::min(height, rowsInCache(info_.output_width));
     picture_.pixels = QImage(width, height, QImage::Format_RGB32);
     if (picture_.pixels.isNull()) return false;
 
@@ -182,13 +187,17 @@ bool JpegDecoder::readRows() {
     if (setjmp(errors_.escape) != 0) return false;
     const bool inPlace = row_.empty();
     // The work is in the picture's own pixels, whatever size comes out.
-    const unsigned rows =
+    unsigned rows =
         std::max(1U, rowsPerSlice(info_.image_width) * info_.scale_num / info_.scale_denom);
+    if (purpose_ == Purpose::Rows) {
+        rows = static_cast<unsigned>(picture_.pixels.height());
+        top_ = info_.output_scanline;
+    }
     for (unsigned i = 0; i < rows && info_.output_scanline < info_.output_height; ++i) {
         JSAMPROW target = reinterpret_cast<JSAMPROW>(
-            inPlace ? origin_ + info_.output_scanline * yStep_ : row_.data());
+            inPlace ? origin_ + (info_.output_scanline - top_) * yStep_ : row_.data());
         jpeg_read_scanlines(&info_, &target, 1);
-        if (!inPlace && purpose_ == Purpose::Picture) scatter(row_.data());
+        if (!inPlace && purpose_ != Purpose::Check) scatter(row_.data());
     }
     if (info_.output_scanline < info_.output_height) return true;
     if (info_.buffered_image) jpeg_finish_output(&info_);
@@ -208,6 +217,16 @@ bool JpegDecoder::isComplete() const {
             return false;
     }
     return true;
+}
+
+QImage JpegDecoder::rows() {
+    QImage& pixels = picture_.pixels;
+    return QImage(pixels.bits(), pixels.width(), static_cast<int>(info_.output_scanline - top_),
+                  pixels.bytesPerLine(), QImage::Format_RGB32);
+}
+
+JpegPicture JpegDecoder::header() const {
+    return {{}, picture_.exif, picture_.colourProfile, picture_.comments};
 }
 
 void JpegDecoder::scatter(const std::uint32_t* row) {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/Fault.h"
+#include "platform/qt/ExifHeader.h"
 #include "platform/qt/JpegErrors.h"
 #include "platform/qt/JpegPicture.h"
 
@@ -17,6 +18,7 @@ class JpegDecoder {
   public:
     enum class Purpose {
         Picture, ///< its pixels and markers; what cannot be shown in colour is refused
+        Rows,    ///< the same, but only the rows of the last slice are kept: see `rows`
         Check,   ///< whether the data are sound and whole, of any kind; no pixel is kept
     };
 
@@ -35,6 +37,16 @@ class JpegDecoder {
     bool more() const { return stage_ != Stage::Done; }
     Fault decodeSlice();
     JpegPicture take() { return std::move(picture_); }
+
+    /// Whether its rows run from left to right and come from the top; after `begin`.
+    bool isUpright() const { return exifOrientation(picture_.exif) == 1; }
+    /// The first row of `rows` in the picture.
+    int top() const { return static_cast<int>(top_); }
+    /// For `Purpose::Rows` and an upright picture: those that the last slice brought, to be changed
+    /// at will until the next one. There are none while the scans are read.
+    QImage rows();
+    /// What the file carried besides the pixels.
+    JpegPicture header() const;
     /// Of the whole picture, upright; after `begin`.
     QSize fullSize() const { return fullSize_; }
 
@@ -66,6 +78,7 @@ class JpegDecoder {
     jpeg_decompress_struct info_{};
     Stage stage_ = Stage::Rows;
     JpegPicture picture_;
+    unsigned top_ = 0; ///< the picture's row that stands first in the pixels
 
     // Where source pixel (x, y) goes: origin_ + x * xStep_ + y * yStep_. Turning the picture
     // upright costs no pass of its own.

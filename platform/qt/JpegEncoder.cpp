@@ -18,8 +18,9 @@ const JOCTET* octets(const std::string& text) {
 
 } // namespace
 
-JpegEncoder::JpegEncoder(JpegPicture picture, Form form, int quality)
-    : picture_(std::move(picture)), form_(form), quality_(quality) {
+JpegEncoder::JpegEncoder(JpegPicture picture, Form form, int quality, QSize size)
+    : picture_(std::move(picture)), size_(size.isValid() ? size : picture_.pixels.size()),
+      form_(form), quality_(quality) {
     info_.err = &errors_;
     target_.init_destination = initTarget;
     target_.empty_output_buffer = growTarget;
@@ -41,8 +42,8 @@ Fault JpegEncoder::begin() {
 
 void JpegEncoder::setUp() {
     info_.dest = &target_;
-    info_.image_width = static_cast<JDIMENSION>(picture_.pixels.width());
-    info_.image_height = static_cast<JDIMENSION>(picture_.pixels.height());
+    info_.image_width = static_cast<JDIMENSION>(size_.width());
+    info_.image_height = static_cast<JDIMENSION>(size_.height());
     info_.input_components = 4;
     info_.in_color_space = kRgb32;
     jpeg_set_defaults(&info_);
@@ -66,12 +67,18 @@ void JpegEncoder::writeMarkers() {
 }
 
 Fault JpegEncoder::encodeSlice() {
-    if (setjmp(errors_.escape) != 0) return errors_.text;
     const QImage& pixels = picture_.pixels;
-    unsigned rows = rowsPerSlice(info_.image_width);
-    for (; rows > 0 && info_.next_scanline < info_.image_height; --rows) {
-        const uchar* line = pixels.constScanLine(static_cast<int>(info_.next_scanline));
-        JSAMPROW row = const_cast<JSAMPROW>(line); // the library only reads it
+    const int top = static_cast<int>(info_.next_scanline);
+    const int rows = static_cast<int>(rowsPerSlice(info_.image_width));
+    return write(QImage(pixels.constScanLine(top), pixels.width(),
+                        std::min(rows, pixels.height() - top), pixels.bytesPerLine(),
+                        QImage::Format_RGB32));
+}
+
+Fault JpegEncoder::write(const QImage& rows) {
+    if (setjmp(errors_.escape) != 0) return errors_.text;
+    for (int y = 0; y < rows.height(); ++y) {
+        JSAMPROW row = const_cast<JSAMPROW>(rows.constScanLine(y)); // the library only reads it
         jpeg_write_scanlines(&info_, &row, 1);
     }
     if (info_.next_scanline < info_.image_height) return std::nullopt;

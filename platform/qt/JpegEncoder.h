@@ -15,8 +15,8 @@ class JpegEncoder {
     /// Exif: EXIF header, the picture's `exif` as it stands, 4:2:0. Jfif444: JFIF header, 4:4:4.
     enum class Form { Exif, Jfif444 };
 
-    /// `quality` 1 to 100.
-    JpegEncoder(JpegPicture picture, Form form, int quality);
+    /// `quality` 1 to 100. With a `size` the rows come by `write`, not from the picture's pixels.
+    JpegEncoder(JpegPicture picture, Form form, int quality, QSize size = {});
     ~JpegEncoder();
     JpegEncoder(const JpegEncoder&) = delete;
     JpegEncoder& operator=(const JpegEncoder&) = delete;
@@ -24,6 +24,8 @@ class JpegEncoder {
     Fault begin();
     bool more() const { return !done_; }
     Fault encodeSlice();
+    /// Encodes the next rows (Format_RGB32) in the place of a slice.
+    Fault write(const QImage& rows);
     std::string take() { return std::move(target_.bytes); }
 
   private:
@@ -40,6 +42,7 @@ class JpegEncoder {
     void writeMarkers();
 
     JpegPicture picture_;
+    QSize size_;
     Form form_;
     int quality_;
     bool done_ = false;

@@ -15,6 +15,40 @@
 
 namespace orvane {
 
+namespace {
+
+bool isKnown(std::int16_t format) {
+    return format == ImageControl::kFormatExif || format == ImageControl::kFormat444;
+}
+
+JpegEncoder::Form formOf(std::int16_t format) {
+    return format == ImageControl::kFormatExif ? JpegEncoder::Form::Exif
+                                               : JpegEncoder::Form::Jfif444;
+}
+
+int qualityOf(std::int16_t factor) {
+    return std::clamp(100 - factor, 1, 100);
+}
+
+void mirrorRows(QImage& pixels) {
+    const auto width = static_cast<std::size_t>(pixels.width());
+    std::vector<QRgb> reversed(width); // a plain copy there and back is what compilers make fast
+    for (int y = 0; y < pixels.height(); ++y) {
+        auto* row = reinterpret_cast<QRgb*>(pixels.scanLine(y));
+        for (std::size_t x = 0; x < width; ++x)
+            reversed[x] = row[width - 1 - x];
+        std::copy(reversed.begin(), reversed.end(), row);
+    }
+}
+
+/// Of a picture that is saved upright in that size and form.
+void completeExif(JpegPicture& picture, std::int16_t format, const std::string& stamp, QSize size) {
+    if (format == ImageControl::kFormatExif)
+        picture.exif = exifForUpright(picture.exif, stamp, size.width(), size.height());
+}
+
+} // namespace
+
 LibjpegImageControl::LibjpegImageControl(Clock& clock)
     : clock_(clock),
       fontId_(QFontDatabase::addApplicationFont(QStringLiteral(":/fonts/DejaVuSans.ttf"))),
@@ -71,20 +105,13 @@ Task<Fault> LibjpegImageControl::run(JpegDecoder& decoder) {
 }
 
 void LibjpegImageControl::mirror() {
-    QImage& pixels = picture_.pixels;
-    const auto width = static_cast<std::size_t>(pixels.width());
-    std::vector<QRgb> reversed(width); // a plain copy there and back is what compilers make fast
-    for (int y = 0; y < pixels.height(); ++y) {
-        auto* row = reinterpret_cast<QRgb*>(pixels.scanLine(y));
-        for (std::size_t x = 0; x < width; ++x)
-            reversed[x] = row[width - 1 - x];
-        std::copy(reversed.begin(), reversed.end(), row);
-    }
+    mirrorRows(picture_.pixels);
 }
 
 void LibjpegImageControl::drawText(const std::string& text) {
     if (picture_.pixels.isNull()) return;
-    drawStamp(picture_.pixels, QString::fromStdString(text), fontFamily_);
+    TextStamp(picture_.pixels.size(), QString::fromStdString(text), fontFamily_)
+        .draw(picture_.pixels);
 }
 
 void LibjpegImageControl::fitInto(int width, int height) {
@@ -124,14 +151,10 @@ void LibjpegImageControl::take(Pixels pixels) {
 Task<Fault> LibjpegImageControl::save(std::filesystem::path file, std::int16_t format,
                                       std::int16_t factor, std::string stamp) {
     if (picture_.pixels.isNull()) co_return "No picture to save";
-    if (format != kFormatExif && format != kFormat444)
-        co_return "Unknown picture format " + std::to_string(format);
+    if (!isKnown(format)) co_return "Unknown picture format " + std::to_string(format);
     JpegPicture picture = picture_;
-    if (format == kFormatExif)
-        picture.exif =
-            exifForUpright(picture.exif, stamp, picture.pixels.width(), picture.pixels.height());
-    const auto form = format == kFormatExif ? JpegEncoder::Form::Exif : JpegEncoder::Form::Jfif444;
-    JpegEncoder encoder(std::move(picture), form, std::clamp(100 - factor, 1, 100));
+    completeExif(picture, format, stamp, picture.pixels.size());
+    JpegEncoder encoder(std::move(picture), formOf(format), qualityOf(factor));
     Task<Fault> encoding = run(encoder);
     Fault fault = co_await encoding;
     co_return fault ? fault : writeToFinalName(encoder.take(), file);
@@ -150,6 +173,45 @@ Task<Fault> LibjpegImageControl::run(JpegEncoder& encoder) {
     while (!fault && encoder.more()) {
         co_await clock_.yield(); // first: mirroring and drawing have just had a slice
         fault = encoder.encodeSlice();
+    }
+    co_return fault;
+}
+
+Task<Fault> LibjpegImageControl::rewrite(std::filesystem::path from, std::filesystem::path to,
+                                         Rewriting how) {
+    clear();
+    std::string bytes;
+    if (auto reason = readWholeFile(from, bytes)) co_return reason;
+    JpegDecoder decoder(bytes, {}, JpegDecoder::Purpose::Rows);
+    Fault fault = decoder.begin();
+    if (fault) co_return fault;
+    if (!decoder.isUpright() || !isKnown(how.format)) {
+        Task<Fault> whole = ImageControl::rewrite(from, to, how);
+        fault = co_await whole;
+        co_return fault;
+    }
+    JpegPicture header = decoder.header();
+    completeExif(header, how.format, how.stamp, decoder.fullSize());
+    JpegEncoder encoder(std::move(header), formOf(how.format), qualityOf(how.factor),
+                        decoder.fullSize());
+    Task<Fault> rewriting = rewriteRows(decoder, encoder, how);
+    fault = co_await rewriting;
+    if (!fault) fault = makeFolder(to.parent_path());
+    co_return fault ? fault : writeToFinalName(encoder.take(), to);
+}
+
+Task<Fault> LibjpegImageControl::rewriteRows(JpegDecoder& decoder, JpegEncoder& encoder,
+                                             const Rewriting& how) {
+    const TextStamp stamp(decoder.fullSize(), QString::fromStdString(how.text), fontFamily_);
+    Fault fault = encoder.begin();
+    while (!fault && decoder.more()) {
+        fault = decoder.decodeSlice();
+        if (fault) break;
+        QImage rows = decoder.rows();
+        if (how.mirror) mirrorRows(rows);
+        stamp.draw(rows, decoder.top());
+        fault = encoder.write(rows);
+        co_await clock_.yield();
     }
     co_return fault;
 }

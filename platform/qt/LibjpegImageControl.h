@@ -39,6 +39,10 @@ class LibjpegImageControl final : public ImageControl {
                      std::string stamp) override;
     Task<std::string> encode(int quality) override;
     void clear() override { picture_ = {}; }
+    /// A few rows after the others, so that no picture as a whole is ever in memory, unless it must
+    /// be turned.
+    Task<Fault> rewrite(std::filesystem::path from, std::filesystem::path to,
+                        Rewriting how) override;
 
     /// Loads the picture from the bytes of a JPEG file, which outlive the task. With a `bound` it
     /// decodes no more pixels than fitting the picture into it takes (see JpegDecoder).
@@ -55,6 +59,7 @@ class LibjpegImageControl final : public ImageControl {
     Task<Fault> read(std::filesystem::path file, QSize bound);
     Task<Fault> run(JpegDecoder& decoder);
     Task<Fault> run(JpegEncoder& encoder);
+    Task<Fault> rewriteRows(JpegDecoder& decoder, JpegEncoder& encoder, const Rewriting& how);
 
     Clock& clock_;
     int fontId_;

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cmath>
 #include <numbers>
+#include <vector>
 
 namespace orvane {
 
@@ -23,32 +24,58 @@ QFont stampFont(const QString& family, int pixelSize) {
     return font;
 }
 
-/// The text in one colour, drawn with its baseline starting at `start`, all else transparent.
-QImage letters(const QString& text, const QFont& font, QSize size, QPoint start, QColor colour) {
+/// The opacity of each pixel of the text, drawn with its baseline starting at `start`.
+std::vector<uchar> letters(const QString& text, const QFont& font, QSize size, QPoint start) {
     QImage image(size, QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::transparent);
     QPainter painter(&image);
     painter.setFont(font);
-    painter.setPen(colour);
+    painter.setPen(Qt::white);
     painter.drawText(start, text);
-    return image;
+    painter.end();
+    std::vector<uchar> opacity(static_cast<std::size_t>(size.width()) *
+                               static_cast<std::size_t>(size.height()));
+    const auto* pixels = reinterpret_cast<const QRgb*>(image.constBits());
+    std::transform(pixels, pixels + opacity.size(), opacity.begin(),
+                   [](QRgb pixel) { return static_cast<uchar>(qAlpha(pixel)); });
+    return opacity;
 }
 
-/// Dark copies on a circle make the outline: many times faster than stroking the letters' paths.
-void drawOutlined(QPainter& painter, const QImage& dark, const QImage& white, int outline) {
+/// Copies on a circle make the outline: the most opaque of them in each pixel. Many times faster
+/// than stroking the letters' paths. A copy that runs over a row's end meets the next row's border,
+/// which is empty.
+std::vector<uchar> outlineOf(const std::vector<uchar>& letters, int width, int outline) {
+    std::vector<uchar> result = letters;
     const int copies = outline <= 2 ? 8 : 16;
     for (int i = 0; i < copies; ++i) {
         const double angle = 2 * std::numbers::pi * i / copies;
-        painter.drawImage(QPoint(static_cast<int>(std::lround(outline * std::cos(angle))),
-                                 static_cast<int>(std::lround(outline * std::sin(angle)))),
-                          dark);
+        const auto shift =
+            std::lround(outline * std::sin(angle)) * width + std::lround(outline * std::cos(angle));
+        const auto* from = letters.data() + std::max(0L, -shift);
+        auto* to = result.data() + std::max(0L, shift);
+        const auto count = static_cast<long>(letters.size()) - std::abs(shift);
+        for (long pixel = 0; pixel < count; ++pixel)
+            to[pixel] = std::max(to[pixel], from[pixel]);
     }
-    painter.drawImage(QPoint(0, 0), white);
+    return result;
+}
+
+/// White letters in a dark outline, all else transparent.
+QImage outlined(const std::vector<uchar>& letters, QSize size, int outline) {
+    const std::vector<uchar> dark = outlineOf(letters, size.width(), outline);
+    QImage image(size, QImage::Format_ARGB32_Premultiplied);
+    auto* pixels = reinterpret_cast<QRgb*>(image.bits());
+    for (std::size_t i = 0; i < letters.size(); ++i) {
+        const int white = letters[i];
+        pixels[i] = qRgba(white, white, white, white + dark[i] * (255 - white) / 255);
+    }
+    return image;
 }
 
 } // namespace
 
-void drawStamp(QImage& picture, const QString& text, const QString& fontFamily) {
+TextStamp::TextStamp(QSize picture, const QString& text, const QString& fontFamily) {
+    if (text.isEmpty()) return;
     const int pixelSize = std::max(kSmallest, picture.height() / kHeightShare);
     const int outline = std::max(1, pixelSize / 12);
     const int margin = pixelSize / 2;
@@ -56,17 +83,17 @@ void drawStamp(QImage& picture, const QString& text, const QString& fontFamily) 
     const int border = outline + 1;
     const QRect box =
         QFontMetrics(font).tightBoundingRect(text).adjusted(-border, -border, border, border);
-    const QPoint corner(margin - border, picture.height() - margin + border - box.height());
-    const QRect region = QRect(corner, box.size()) & picture.rect();
-    if (text.isEmpty() || region.isEmpty()) return;
+    corner_ = QPoint(margin - border, picture.height() - margin + border - box.height());
+    image_ = outlined(letters(text, font, box.size(), -box.topLeft()), box.size(), outline);
+}
 
+void TextStamp::draw(QImage& rows, int top) const {
+    const QRect region = QRect(corner_, image_.size()) & QRect(0, top, rows.width(), rows.height());
+    if (region.isEmpty()) return;
     // A view of the region alone: the painter's coordinates end far below JPEG's 65500 lines.
-    QImage view(picture.scanLine(region.top()) + 4 * region.left(), region.width(), region.height(),
-                picture.bytesPerLine(), QImage::Format_RGB32);
-    QPainter painter(&view);
-    painter.translate(corner - region.topLeft());
-    drawOutlined(painter, letters(text, font, box.size(), -box.topLeft(), Qt::black),
-                 letters(text, font, box.size(), -box.topLeft(), Qt::white), outline);
+    QImage view(rows.scanLine(region.top() - top) + 4 * region.left(), region.width(),
+                region.height(), rows.bytesPerLine(), QImage::Format_RGB32);
+    QPainter(&view).drawImage(corner_ - region.topLeft(), image_);
 }
 
 } // namespace orvane

@@ -135,10 +135,13 @@ TEST(CopiesAnew, CanBeCancelledAtAnyMoment) {
     EXPECT_GT(cancelled, 5);
 }
 
-/// The real imaging control, whose work has waits within a picture.
+/// The real imaging control, which holds a picture as a whole when it must turn it.
 TEST(CopiesAnew, CancelledWithinAPictureHoldsNoPixels) {
+    constexpr int kOrientation = 0x0112;
     Copies s;
-    s.write("20061114_093000_00.jpg", encoded(gradient(1600, 1200)));
+    s.write("20061114_093000_00.jpg",
+            withSegments(encoded(gradient(1600, 1200)),
+                         segment(0xE1, exifPayload({shortEntry(kOrientation, 3)}, {}))));
     LibjpegImageControl control{s.clock};
     CopiesAnew copies{s.forSpans(), control};
     copies.start({november(14), november(14)}, s.module.image);

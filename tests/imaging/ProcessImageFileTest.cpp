@@ -10,6 +10,8 @@ namespace orvane::test {
 namespace {
 
 constexpr std::int16_t kOn = -1;
+constexpr int kMake = 0x010F;
+constexpr int kOrientation = 0x0112;
 constexpr int kDateTimeOriginal = 0x9003;
 
 class ProcessImageFileTest : public testing::Test {
@@ -58,6 +60,42 @@ TEST_F(ProcessImageFileTest, AppliesMirrorAndStamp) {
         EXPECT_TRUE(control_.picture().isNull()) << "the pixels are still held";
     }
     EXPECT_EQ(edited(), (std::vector<std::string>{"20250621", "20250621/20250621_093000_00.jpg"}));
+}
+
+/// The picture with a camera's header that tells how it is turned, 1 to 8.
+std::string withOrientation(const std::string& jpeg, int orientation) {
+    return withSegments(jpeg, segment(0xE1, exifPayload({textEntry(kMake, "SkyCam"),
+                                                         shortEntry(kOrientation, orientation)},
+                                                        {})) +
+                                  segment(0xFE, "roof"));
+}
+
+/// A picture that is turned by its header is worked on as a whole, any other one some rows after
+/// the others: they must not differ.
+TEST_F(ProcessImageFileTest, RowsAfterRowsOrAsAWholeIsTheSame) {
+    const QImage sky = gradient(1500, 1000);
+    for (const std::int16_t format : {ImageControl::kFormatExif, ImageControl::kFormat444})
+        for (const bool progressive : {false, true}) {
+            SCOPED_TRACE(std::to_string(format) + (progressive ? " progressive" : ""));
+            const std::string upright = encoded(sky, 95, progressive);
+            const std::string turned = encoded(sky.mirrored(true, true), 95, progressive);
+            QImage made[2];
+            for (const int orientation : {1, 3}) {
+                writeFile(image_,
+                          withOrientation(orientation == 1 ? upright : turned, orientation));
+                ASSERT_EQ(process({.Quality = 2, .LrFlg = kOn, .DateFlg = kOn, .JpegTyp = format}),
+                          std::nullopt);
+                made[orientation / 2] = decoded(copy_);
+                const JpegParts parts = partsOf(contentsOf(copy_));
+                EXPECT_EQ(parts.all(0xFE), std::vector<std::string>{"roof"});
+                if (format == ImageControl::kFormatExif) {
+                    EXPECT_EQ(textOf(tiffEntries(parts.tiff()), Ifd::Zero, kMake), "SkyCam");
+                }
+            }
+            EXPECT_EQ(made[0].size(), made[1].size());
+            EXPECT_LT(meanDifference(made[0], made[1]), 1);
+            EXPECT_LT(difference(made[0], made[1]), 30) << "the stamp stands where it stood";
+        }
 }
 
 TEST_F(ProcessImageFileTest, SavesInTheChosenForm) {
