@@ -152,6 +152,7 @@ void CameraPanel::tellLive(const CameraAnswer& answer) {
 }
 
 void CameraPanel::endLive() {
+    if (!liveSince_) return; // asked at every pass of the main loop
     liveSince_.reset();
     setLiveText({});
 }

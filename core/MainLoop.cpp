@@ -54,8 +54,15 @@ Task<> MainLoop::run() {
     while (true) {
         bool worked = false;
         try {
-            Task<bool> passing = pass();
-            worked = co_await passing;
+            const WallTime now = station_.clock.now();
+            worked = look(now);
+            if (!station_.wishes.standing()) {
+                if (hasWork(now)) {
+                    Task<bool> working = work(now);
+                    worked = co_await working && worked;
+                }
+                worked = besides(station_.clock.now()) && worked;
+            }
         } catch (...) {
             station_.faults.report(kWhere, std::current_exception());
         }
@@ -79,28 +86,40 @@ Task<Fault> MainLoop::start() {
     co_return std::nullopt;
 }
 
-/// False: a part of it failed in a way nobody foresaw, which has been reported. The other parts
-/// are done all the same, above all the recording.
-Task<bool> MainLoop::pass() {
-    Module1& module = station_.module;
-    const WallTime now = station_.clock.now();
-    bool worked = station_.faults.attempt(kWhere, [&] { watch(now); });
-    if (station_.wishes.standing()) co_return worked; // what they wait for must come to its end
+/// What a pass does without waiting. False: a part of it failed in a way nobody foresaw, which has
+/// been reported. The other parts are done all the same, above all the recording.
+bool MainLoop::look(WallTime now) {
+    const bool worked = station_.faults.attempt(kWhere, [&] { watch(now); });
+    due_ = isDue(now);
+    if (station_.wishes.standing()) return worked; // what they wait for must come to its end
+    const Module1& module = station_.module;
     if (isWindowOfThePast(now)) endOfWindow();
-    if (station_.startTest != nullptr) station_.startTest->follow(isDue(now));
+    if (station_.startTest != nullptr) station_.startTest->follow(due_);
     if (!module.RecordFlg) {
         station_.panel.Label11.caption = std::string();
-    } else if (isDue(now)) {
-        Task<bool> recording = recordNow(minuteIndex(now));
-        worked = co_await recording && worked;
-    } else if (module.RecDoneFlg && timeOfDay(now) >= module.schedule.EndTime + 1min) {
+    } else if (!due_ && module.RecDoneFlg && timeOfDay(now) >= module.schedule.EndTime + 1min) {
         endOfWindow();
+    }
+    return worked;
+}
+
+/// Most passes have nothing to wait for, and do without a coroutine of their own.
+bool MainLoop::hasWork(WallTime now) const {
+    return (due_ && station_.module.RecordFlg) || station_.dailyClocks.isDue(now, false);
+}
+
+/// False: it failed in a way nobody foresaw.
+Task<bool> MainLoop::work(WallTime now) {
+    bool worked = true;
+    if (due_ && station_.module.RecordFlg) {
+        Task<bool> recording = recordNow(minuteIndex(now));
+        worked = co_await recording;
     }
     if (station_.dailyClocks.isDue(now, false)) {
         Task<bool> clocks = setClocks();
         worked = co_await clocks && worked;
     }
-    co_return besides(station_.clock.now()) && worked;
+    co_return worked;
 }
 
 Task<bool> MainLoop::setClocks() {
@@ -215,6 +234,7 @@ void MainLoop::watchDay(WallTime now) {
 /// something to be told?
 void MainLoop::watch(WallTime now) {
     station_.days.follow();
+    watchedTime_ = now;
     // at most passes nothing has changed; the revision grows with all that is looked at here
     const std::int64_t revision = station_.days.revision();
     if (std::exchange(watchedRevision_, revision) == revision) return;
@@ -296,9 +316,12 @@ void MainLoop::watchDisk() {
 bool MainLoop::besides(WallTime now) {
     return station_.faults.attempt(kWhere, [&] {
         if (station_.wishes.standing()) return;
-        station_.days.follow(); // a capture may have taken it past midnight
+        if (now != watchedTime_) { // a capture takes it into another minute, or past midnight
+            station_.days.follow();
+            due_ = isDue(now);
+        }
         startLiveView();
-        if (!station_.module.RecordFlg || isDue(now)) return;
+        if (!station_.module.RecordFlg || due_) return;
         startSynchronisation();
         // what lies in a folder that is not there is not missing
         if (!station_.warnings.stands(Warnings::Cause::ChosenFolder)) station_.gaps.step();
@@ -316,10 +339,9 @@ void MainLoop::startSynchronisation() {
 }
 
 void MainLoop::startLiveView() {
-    if (!station_.panel.chkLive.ticked) station_.camera.endLive();
-    const bool wanted =
-        station_.panel.chkLive.ticked && !station_.busy.active() && !station_.http.running();
-    if (!wanted || !live_.done() || station_.clock.ticks() < nextLive_) return;
+    if (!station_.panel.chkLive.ticked) return station_.camera.endLive();
+    const bool mayFetch = !station_.busy.active() && !station_.http.running();
+    if (!mayFetch || !live_.done() || station_.clock.ticks() < nextLive_) return;
     nextLive_ = station_.clock.ticks() + kLiveInterval;
     live_ = station_.faults.run("LiveView", showLivePicture());
     live_.start();

@@ -20,7 +20,9 @@ class MainLoop {
 
   private:
     Task<Fault> start();
-    Task<bool> pass();
+    bool look(WallTime now);
+    bool hasWork(WallTime now) const;
+    Task<bool> work(WallTime now);
     Task<> capture(Captured& captured);
     Task<bool> recordNow(std::int64_t dueMinute);
     Task<bool> setClocks();
@@ -51,6 +53,8 @@ class MainLoop {
     std::chrono::local_days sunDay_{};
     std::int64_t watchedRevision_ = -1; ///< of the day's watch
     std::int64_t watchedMinute_ = -1;
+    WallTime watchedTime_{};
+    bool due_ = false; ///< the minute of this pass is, and waits for its picture
     bool watchedRecording_ = false;
     std::filesystem::path watchedFolder_;
     std::string folderWarning_; ///< why the chosen folder is not used

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <utility>
 
 namespace orvane {
 
@@ -41,7 +42,8 @@ void PanelStatus::Timer1_Timer() {
     countUp(module_.replyTicks); // first: waits end by them, whatever a label does
     countUp(module_.searchTicks);
     const WallTime now = clock_.now();
-    panel_.Label12.caption = dateText(now);
+    const auto day = std::chrono::floor<std::chrono::days>(now);
+    if (std::exchange(shownDay_, day) != day) panel_.Label12.caption = dateText(now);
     panel_.Label13.caption = timeText(now);
 }
 

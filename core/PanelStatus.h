@@ -32,6 +32,7 @@ class PanelStatus {
     Module1& module_;
     OperationPanel& panel_;
     Clock& clock_;
+    std::chrono::local_days shownDay_{}; ///< in `Label12`
 };
 
 } // namespace orvane

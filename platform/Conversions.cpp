@@ -30,13 +30,13 @@ std::size_t readNumber(std::string_view text, double& value) {
     return plus + static_cast<std::size_t>(end - digits.data());
 }
 
-/// Writes a number with leading zeros. Clock labels change every second for months, so this does
+/// Writes a number with leading zeros, `width` at most 4. Clock labels change every second for months, so this does
 /// without the formatted-output machinery.
 void put(std::string& text, int value, int width) {
-    const std::size_t start = text.size();
-    text.resize(start + static_cast<std::size_t>(width));
-    for (std::size_t i = text.size(); i-- > start; value /= 10)
-        text[i] = static_cast<char>('0' + value % 10);
+    std::array<char, 4> digits{};
+    for (auto i = static_cast<std::size_t>(width); i-- > 0; value /= 10)
+        digits[i] = static_cast<char>('0' + value % 10);
+    text.append(digits.data(), static_cast<std::size_t>(width));
 }
 
 void putDate(std::string& text, WallTime time, std::string_view separator) {

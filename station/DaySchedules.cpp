@@ -65,9 +65,13 @@ void DaySchedules::begin() {
 /// Ten times a second.
 void DaySchedules::follow() {
     const WallTime now = clock_.now();
+    const std::int64_t minute = minuteIndex(now);
+    const bool followsSun = panel_.chk_sun.ticked;
+    const bool isSame = minute == seen_.minute && followsSun == seen_.followsSun &&
+                        module_.RecordFlg == seen_.recording;
+    if (isSame && (module_.siteInEdit || module_.site == seen_.site)) return;
     const auto today = std::chrono::floor<std::chrono::days>(now);
-    const Seen seen{minuteIndex(now), panel_.chk_sun.ticked, module_.RecordFlg, siteOf(today)};
-    if (seen == seen_) return;
+    const Seen seen{minute, followsSun, module_.RecordFlg, siteOf(today)};
     today_ = today;
     const Seen before = std::exchange(seen_, seen);
     if (seen.followsSun != before.followsSun) ++revision_;
