@@ -101,7 +101,7 @@ class CurlTransfer::Transfer final : public CurlLoop::Owner {
     bool followRedirect();
     bool take(std::string_view bytes);
     void makeRoom(std::size_t count);
-    void checkLimits();
+    Task<> watchLimits();
     std::size_t mostBytes() const {
         return wanted_ == Wanted::Picture ? owner_.limits_.pictureSize : owner_.limits_.pageSize;
     }
@@ -111,7 +111,6 @@ class CurlTransfer::Transfer final : public CurlLoop::Owner {
     Wanted wanted_;
     CURL* easy_;
     curl_slist* headers_ = nullptr;
-    QTimer limit_;
     Ticks started_;
     Ticks lastByte_;
     int redirects_ = 0;
@@ -119,6 +118,7 @@ class CurlTransfer::Transfer final : public CurlLoop::Owner {
     std::size_t bodyBytes_ = 0;
     std::string body_;
     std::string fault_;
+    Task<> watching_;
 };
 
 CurlTransfer::Transfer::Transfer(CurlTransfer& owner, std::string url, Wanted wanted)
@@ -126,15 +126,14 @@ CurlTransfer::Transfer::Transfer(CurlTransfer& owner, std::string url, Wanted wa
       easy_(curl_easy_init()), started_(owner.clock_.ticks()), lastByte_(started_) {
     if (easy_ == nullptr) throw std::bad_alloc();
     if (url_.find("://") == std::string::npos) url_ = "http://" + url_;
-    limit_.setSingleShot(true);
-    QObject::connect(&limit_, &QTimer::timeout, &limit_, [this] { checkLimits(); });
     if (!hostAndPort(url_)) {
         giveUp(textOf(CURLE_URL_MALFORMAT));
         return;
     }
     setOptions();
     start();
-    checkLimits();
+    watching_ = watchLimits();
+    watching_.start();
 }
 
 void CurlTransfer::Transfer::setOptions() {
@@ -166,7 +165,6 @@ void CurlTransfer::Transfer::start() {
 }
 
 void CurlTransfer::Transfer::end() {
-    limit_.stop();
     owner_.loop_.remove(easy_);
     finished.fire();
 }
@@ -235,14 +233,20 @@ std::size_t CurlTransfer::Transfer::onHeader(char*, std::size_t, std::size_t cou
     return 0;
 }
 
-/// The timer is not moved at every byte: when it fires it looks how long it is since the last one.
-void CurlTransfer::Transfer::checkLimits() {
-    const Ticks now = owner_.clock_.ticks();
-    const Ticks idle = lastByte_ + owner_.limits_.idle - now;
-    const Ticks total = started_ + owner_.limits_.total - now;
-    if (total <= 0ms) return giveUp("the answer took too long");
-    if (idle <= 0ms) return giveUp("no answer from the camera");
-    limit_.start(std::min(idle, total));
+/// The wake-up is not moved at every byte: when it comes, it is seen how long it is since the last.
+Task<> CurlTransfer::Transfer::watchLimits() {
+    while (!finished.fired()) {
+        const Ticks now = owner_.clock_.ticks();
+        const Ticks idle = lastByte_ + owner_.limits_.idle - now;
+        const Ticks total = started_ + owner_.limits_.total - now;
+        if (total <= 0ms) {
+            giveUp("the answer took too long");
+        } else if (idle <= 0ms) {
+            giveUp("no answer from the camera");
+        } else {
+            co_await owner_.clock_.sleep(std::min(idle, total));
+        }
+    }
 }
 
 HttpReply CurlTransfer::Transfer::result() {
