@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""Writes tests/SunTable.h: true rising and setting times from an independent ephemeris.
+"""Writes tests/imaging/SunTable.h: true rising and setting times from an independent ephemeris.
 
 Needs PyEphem (Debian: python3-ephem), whose sun is VSOP87. A crossing is the geometric elevation
 of the sun's centre (no refraction) passing -0.5 degrees. Usage: make_sun_table.py > SunTable.h
@@ -7,6 +7,7 @@ of the sun's centre (no refraction) passing -0.5 degrees. Usage: make_sun_table.
 
 import datetime
 import math
+import textwrap
 
 import ephem
 
@@ -28,6 +29,7 @@ PLACES = [  # name, latitude, longitude, zone in minutes
 DATES = [(2019, 1, 3), (2024, 2, 29), (2025, 5, 1), (2023, 5, 31), (2026, 6, 21), (2020, 7, 4),
          (2027, 8, 15), (2024, 9, 22), (2031, 10, 30), (2022, 11, 11), (2025, 12, 21),
          (2024, 3, 1), (2025, 3, 20), (2028, 4, 9), (2026, 4, 30)]
+MINUTES = (0, 433, 871, 1300)
 THRESHOLD = math.radians(-0.5)
 CLOSE = math.radians(0.5)
 
@@ -141,42 +143,72 @@ def text_minutes(universal, close, zone, rising):
     return str(total % 1440 + 60)
 
 
+def listed(values):
+    return "{" + ", ".join(values) + "}"
+
+
 def main():
-    print("#pragma once\n\n// Written by tests/data/make_sun_table.py from PyEphem; do not edit.\n")
-    print("#include <cstddef>\n#include <cstdint>\n\nnamespace orvane::test {\n")
-    print("inline constexpr int kNone = 9999;      ///< no crossing on this day")
-    print("inline constexpr int kAmbiguous = 9998; ///< too close to an hour or day edge to compare")
-    print("inline constexpr int kFault = 9997;     ///< local hour of the rising is negative\n")
-    print("/// Minutes from day zero's midnight of the shifted texts.")
-    print("struct SunRow {\n    const char* place;\n    double latitude;\n    double longitude;")
-    print("    std::int16_t Tz;\n    int year;\n    unsigned month;\n    unsigned day;")
-    print("    int sunrise;\n    int sunset;\n};\n")
-    print("/// The sun's geometric elevation from the earth's centre at a minute of universal time: by")
-    print("/// the ephemeris, and by a second writing of the station's theory, cut to four decimals.")
-    print("struct SunSample {\n    double latitude;\n    double longitude;\n    int year;")
-    print("    unsigned month;\n    unsigned day;\n    std::size_t minute;\n    double elevation;")
-    print("    double stated;\n};\n")
-    print("// clang-format off\ninline constexpr SunRow kSunTable[] = {")
-    for name, latitude, longitude, zone in PLACES:
+    print("""#pragma once
+
+// Written by tests/data/make_sun_table.py from PyEphem; do not edit.
+
+#include <cstddef>
+#include <cstdint>
+
+namespace orvane::test {
+
+inline constexpr int kNone = 9999;      ///< no crossing on this day
+inline constexpr int kAmbiguous = 9998; ///< too close to an hour or day edge to compare
+inline constexpr int kFault = 9997;     ///< local hour of the rising is negative
+
+inline constexpr std::size_t kDates = %d;
+inline constexpr std::size_t kMinutes = %d;
+
+/// The sun's geometric elevation from the earth's centre on one of the dates: by the ephemeris, and
+/// by a second writing of the station's theory, cut to four decimals.
+struct SunDay {
+    std::size_t date; ///< index
+    double elevation[kMinutes];
+    double stated[kMinutes];
+};
+
+struct SunPlace {
+    const char* name;
+    double latitude;
+    double longitude;
+    std::int16_t Tz;
+    int sunrise[kDates]; ///< minutes from day zero's midnight of the shifted text
+    int sunset[kDates];
+    SunDay days[2];
+};
+
+// clang-format off
+""" % (len(DATES), len(MINUTES)), end="")
+    dates = ["{%d, %d, %d}" % date for date in DATES]
+    print("inline constexpr int kSunDates[kDates][3] = {")
+    for first in range(0, len(dates), 5):
+        print("    " + ", ".join(dates[first:first + 5]) + ",")
+    print("};\ninline constexpr std::size_t kSunMinutes[kMinutes] = %s; ///< of universal time" %
+          listed(str(minute) for minute in MINUTES))
+    print("inline constexpr SunPlace kSunPlaces[] = {")
+    for index, (name, latitude, longitude, zone) in enumerate(PLACES):
         place = observer(latitude, longitude)
-        for parts in DATES:
+        rises, sets, elevations = [], [], []
+        for number, parts in enumerate(DATES):
             sky = looked_up_date(datetime.date(*parts))
             midnight = ephem.Date((sky.year, sky.month, sky.day))
             rise, down, close = crossings(place, midnight)
-            print('    {"%s", %s, %s, %d, %d, %d, %d, %s, %s},' % (
-                name, latitude, longitude, zone, *parts,
-                text_minutes(rise, close, zone, True), text_minutes(down, close, zone, False)))
-    print("};\n")
-    print("inline constexpr SunSample kSunSamples[] = {")
-    for name, latitude, longitude, _ in PLACES[::2]:
-        place = observer(latitude, longitude)
-        for parts in DATES[::2]:
-            sky = looked_up_date(datetime.date(*parts))
-            midnight = ephem.Date((sky.year, sky.month, sky.day))
-            for minute in (0, 433, 871, 1300):
-                print("    {%s, %s, %d, %d, %d, %d, %.4f, %.4f}," % (
-                    latitude, longitude, *parts, minute, geocentric(place, midnight, minute),
-                    stated(latitude, longitude, parts, minute)))
+            rises.append(text_minutes(rise, close, zone, True))
+            sets.append(text_minutes(down, close, zone, False))
+            if number in (index, (index + 9) % len(DATES)):
+                elevations.append("{%d, %s, %s}" % (
+                    number, listed("%.4f" % geocentric(place, midnight, m) for m in MINUTES),
+                    listed("%.4f" % stated(latitude, longitude, parts, m) for m in MINUTES)))
+        print('    {"%s", %s, %s, %d,' % (name, latitude, longitude, zone))
+        for minutes in (rises, sets):
+            print(textwrap.fill(listed(minutes) + ",", 100, initial_indent=" " * 5,
+                                subsequent_indent=" " * 6))
+        print("     {%s}}," % ",\n      ".join(elevations))
     print("};\n// clang-format on\n\n} // namespace orvane::test")
 
 

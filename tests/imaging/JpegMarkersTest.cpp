@@ -1,5 +1,6 @@
 #include "imaging/JpegMarkers.h"
 
+#include "platform/qt/LibjpegImageControl.h"
 #include "tests/support/TestPictures.h"
 
 #include <gtest/gtest.h>
@@ -7,88 +8,81 @@
 namespace orvane::test {
 namespace {
 
-std::string bytesOf(std::initializer_list<int> values) {
+std::string bytesOf(const std::vector<int>& values) {
     std::string bytes;
     for (const int value : values)
         bytes += static_cast<char>(value);
     return bytes;
 }
 
-std::string thumbnailed(const std::string& jpeg) {
-    return withSegments(
-        jpeg, segment(0xE1, exifPayload({shortEntry(0x0112, 1)}, {}, encoded(gradient(32, 24)))));
-}
-
-TEST(JpegMarkers, AcceptWhatEncodersWrite) {
-    const QImage picture = gradient(70, 50);
-    EXPECT_TRUE(isWholeJpeg(encoded(picture)));
-    EXPECT_TRUE(isWholeJpeg(encoded(picture, 80, true)));
-    EXPECT_TRUE(isWholeJpeg(encoded(picture.convertToFormat(QImage::Format_Grayscale8))));
-    EXPECT_TRUE(isWholeJpeg(thumbnailed(encoded(picture))));
-    EXPECT_TRUE(isWholeJpeg(encoded(picture) + "trailing bytes \xFF\xD8"));
-}
-
-TEST(JpegMarkers, TellThePicturesOwnSize) {
-    const QImage picture = gradient(70, 50);
-    const auto size = [](const std::string& bytes) {
-        const JpegSize told = jpegSize(bytes).value_or(JpegSize{});
-        return std::pair(told.width, told.height);
-    };
-    EXPECT_EQ(size(encoded(picture)), std::pair(70, 50));
-    EXPECT_EQ(size(encoded(picture, 80, true)), std::pair(70, 50));
-    EXPECT_EQ(size(thumbnailed(encoded(picture))), std::pair(70, 50)) << "not the thumbnail's";
-    EXPECT_EQ(size("<html>"), std::pair(0, 0));
-    EXPECT_EQ(size(bytesOf({0xFF, 0xD8, 0xFF, 0xC0, 0, 6, 8, 0, 50, 0, 70})), std::pair(0, 0))
-        << "a frame header that is too short";
-    EXPECT_EQ(size(bytesOf({0xFF, 0xD8, 0xFF, 0xC4, 0, 7, 8, 0, 50, 0, 70})), std::pair(0, 0))
-        << "a table, no frame header";
-}
-
-TEST(JpegMarkers, RefuseEveryTruncation) {
-    const std::string pictures[] = {encoded(gradient(24, 16)), encoded(gradient(24, 16), 80, true),
-                                    thumbnailed(encoded(gradient(24, 16)))};
-    for (const std::string& whole : pictures)
+/// Whole as encoders write them, with their own size (not the thumbnail's) and whatever follows,
+/// and never whole when they are cut.
+TEST(JpegMarkers, KnowWholePicturesAndTheirSize) {
+    const QImage picture = gradient(24, 16);
+    const std::string exif = exifPayload({shortEntry(0x0112, 1)}, {}, encoded(gradient(32, 24)));
+    const std::string pictures[] = {encoded(picture), encoded(picture, 80, true),
+                                    encoded(picture.convertToFormat(QImage::Format_Grayscale8)),
+                                    withSegments(encoded(picture), segment(0xE1, exif))};
+    for (const std::string& whole : pictures) {
+        EXPECT_TRUE(isWholeJpeg(whole));
+        EXPECT_TRUE(isWholeJpeg(whole + "trailing bytes \xFF\xD8"));
+        const JpegSize size = jpegSize(whole).value_or(JpegSize{});
+        EXPECT_EQ(std::pair(size.width, size.height), std::pair(24, 16));
         for (std::size_t length = 0; length < whole.size(); ++length) {
             // A copy of exactly this size, so that the sanitizer sees any step outside.
             const std::vector<char> cut(whole.begin(),
                                         whole.begin() + static_cast<std::ptrdiff_t>(length));
             ASSERT_FALSE(isWholeJpeg({cut.data(), cut.size()})) << length;
         }
+    }
+    for (const std::string& none :
+         {std::string("<html>"), bytesOf({0xFF, 0xD8, 0xFF, 0xC0, 0, 6, 8, 0, 50, 0, 70}), // short
+          bytesOf({0xFF, 0xD8, 0xFF, 0xC4, 0, 7, 8, 0, 50, 0, 70})}) // a table, no frame header
+        EXPECT_FALSE(jpegSize(none));
 }
 
 TEST(JpegMarkers, FollowTheStructure) {
-    struct Case {
+    const struct {
         const char* name;
-        std::string bytes;
-        bool whole;
-    };
-    const Case cases[] = {
-        {"empty", "", false},
-        {"page", "<html><body>503 Service Unavailable</body></html>", false},
-        {"start marker only", bytesOf({0xFF, 0xD8}), false},
-        {"no scan", bytesOf({0xFF, 0xD8, 0xFF, 0xD9}), false},
+        std::vector<int> bytes;
+        bool whole = false;
+    } cases[] = {
+        {"empty", {}},
+        {"page", {'<', 'h', 't', 'm', 'l', '>'}},
+        {"start marker only", {0xFF, 0xD8}},
+        {"no scan", {0xFF, 0xD8, 0xFF, 0xD9}},
         {"stuffed zero, restart, fill bytes",
-         bytesOf({0xFF, 0xD8, 0xFF, 0xFF, 0xFF, 0xDA, 0, 2, 0x12, 0xFF, 0, 0x34, 0xFF, 0xD3, 0x56,
-                  0xFF, 0xFF, 0xD9}),
+         {0xFF, 0xD8, 0xFF, 0xFF, 0xFF, 0xDA, 0, 2, 0x12, 0xFF, 0, 0x34, 0xFF, 0xD3, 0x56, 0xFF,
+          0xFF, 0xD9},
          true},
         {"two scans with a table between",
-         bytesOf({0xFF, 0xD8, 0xFF, 0xDA, 0, 2, 1, 0xFF, 0xC4, 0, 3, 9, 0xFF, 0xDA, 0, 2, 2, 0xFF,
-                  0xD9}),
+         {0xFF, 0xD8, 0xFF, 0xDA, 0, 2, 1, 0xFF, 0xC4, 0, 3, 9, 0xFF, 0xDA, 0, 2, 2, 0xFF, 0xD9},
          true},
         {"end marker inside a segment only",
-         bytesOf({0xFF, 0xD8, 0xFF, 0xE1, 0, 4, 0xFF, 0xD9, 0xFF, 0xDA, 0, 2, 1}), false},
-        {"second start marker", bytesOf({0xFF, 0xD8, 0xFF, 0xD8, 0xFF, 0xDA, 0, 2, 0xFF, 0xD9}),
-         false},
-        {"segment length below two",
-         bytesOf({0xFF, 0xD8, 0xFF, 0xE0, 0, 1, 0xFF, 0xDA, 0, 2, 0xFF, 0xD9}), false},
-        {"segment reaching behind the end",
-         bytesOf({0xFF, 0xD8, 0xFF, 0xDA, 0, 2, 1, 0xFF, 0xE0, 0, 9, 0xFF, 0xD9}), false},
-        {"garbage between segments", bytesOf({0xFF, 0xD8, 0x00, 0xFF, 0xDA, 0, 2, 1, 0xFF, 0xD9}),
-         false},
-        {"leading byte", bytesOf({0, 0xFF, 0xD8, 0xFF, 0xDA, 0, 2, 1, 0xFF, 0xD9}), false},
+         {0xFF, 0xD8, 0xFF, 0xE1, 0, 4, 0xFF, 0xD9, 0xFF, 0xDA, 0, 2, 1}},
+        {"second start marker", {0xFF, 0xD8, 0xFF, 0xD8, 0xFF, 0xDA, 0, 2, 0xFF, 0xD9}},
+        {"length below two", {0xFF, 0xD8, 0xFF, 0xE0, 0, 1, 0xFF, 0xDA, 0, 2, 0xFF, 0xD9}},
+        {"beyond the end", {0xFF, 0xD8, 0xFF, 0xDA, 0, 2, 1, 0xFF, 0xE0, 0, 9, 0xFF, 0xD9}},
+        {"garbage between segments", {0xFF, 0xD8, 0x00, 0xFF, 0xDA, 0, 2, 1, 0xFF, 0xD9}},
+        {"leading byte", {0, 0xFF, 0xD8, 0xFF, 0xDA, 0, 2, 1, 0xFF, 0xD9}},
     };
-    for (const Case& test : cases)
-        EXPECT_EQ(isWholeJpeg(test.bytes), test.whole) << test.name;
+    for (const auto& [name, bytes, whole] : cases)
+        EXPECT_EQ(isWholeJpeg(bytesOf(bytes)), whole) << name;
+}
+
+TEST(SoundPicture, IsWholeAndDecodes) {
+    JumpingClock clock(at(2025, 6, 21, 9, 30));
+    LibjpegImageControl control(clock);
+    const std::string whole = encoded(gradient(240, 160));
+    const std::string half = whole.substr(0, whole.size() / 2);
+    const std::string notWhole = "the answer is not a whole JPEG picture";
+    const std::pair<std::string, Fault> cases[] = {
+        {whole, std::nullopt},
+        {half, notWhole},
+        {half + "\xFF\xD9",
+         "the picture is damaged: Corrupt JPEG data: premature end of data segment"}};
+    for (const auto& [bytes, fault] : cases)
+        EXPECT_EQ(finish(clock, pictureFault(control, bytes)), fault);
 }
 
 } // namespace

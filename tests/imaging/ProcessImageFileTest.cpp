@@ -14,14 +14,16 @@ constexpr int kMake = 0x010F;
 constexpr int kOrientation = 0x0112;
 constexpr int kDateTimeOriginal = 0x9003;
 
+using Names = std::vector<std::string>;
+
 class ProcessImageFileTest : public testing::Test {
   protected:
     Fault process(const ImageOptions& options, bool processingOn = true) {
         return finish(clock_, ProcessImageFile(control_, image_, options, processingOn));
     }
-    std::vector<std::string> edited() const {
+    Names edited() const {
         const auto edit = folder_.path() / "Edit";
-        return std::filesystem::exists(edit) ? listing(edit) : std::vector<std::string>();
+        return std::filesystem::exists(edit) ? listing(edit) : Names();
     }
 
     TempFolder folder_;
@@ -38,28 +40,32 @@ bool isStamped(const QImage& picture, const QImage& plain) {
     return difference(picture.copy(corner), plain.copy(corner)) > 100;
 }
 
-TEST_F(ProcessImageFileTest, AppliesMirrorAndStamp) {
-    struct Case {
-        std::int16_t LrFlg;
-        std::int16_t DateFlg;
-        bool mirrored;
-        bool stamped;
-    };
-    for (const Case& test : {Case{0, 0, false, false}, Case{0, kOn, false, false},
-                             Case{kOn, 0, true, false}, Case{kOn, kOn, true, true}}) {
-        writeFile(image_, source_);
-        ASSERT_EQ(
-            process({.Quality = 2, .LrFlg = test.LrFlg, .DateFlg = test.DateFlg, .JpegTyp = 98}),
-            std::nullopt);
-        const QImage plain = gradient(320, 240).mirrored(test.mirrored, false);
+TEST_F(ProcessImageFileTest, AppliesMirrorAndStampAndKeepsTheRawFile) {
+    writeFile(image_, source_);
+    ASSERT_EQ(process({.LrFlg = kOn, .RawFlg = kOn}, false), std::nullopt);
+    EXPECT_EQ(edited(), Names()) << "switched off";
+    const struct {
+        ImageOptions options;
+        bool mirrored, stamped;
+    } cases[] = {
+        {{.Quality = 2, .JpegTyp = 98}, false, false},
+        {{.Quality = 2, .DateFlg = kOn, .JpegTyp = 98}, false, false},
+        {{.Quality = 2, .LrFlg = kOn, .JpegTyp = 98}, true, false},
+        {{.Quality = 2, .LrFlg = kOn, .DateFlg = kOn, .RawFlg = kOn, .JpegTyp = 98}, true, true}};
+    for (const auto& [options, mirrored, stamped] : cases) {
+        ASSERT_EQ(process(options), std::nullopt);
+        const QImage plain = gradient(320, 240).mirrored(mirrored, false);
         const QImage result = decoded(copy_);
         const QRect upper(0, 0, 320, 200);
         EXPECT_LE(meanDifference(result.copy(upper), plain.copy(upper)), 2);
-        EXPECT_EQ(isStamped(result, plain), test.stamped);
+        EXPECT_EQ(isStamped(result, plain), stamped);
         EXPECT_EQ(contentsOf(image_), source_) << "the camera's file was changed";
         EXPECT_TRUE(control_.picture().isNull()) << "the pixels are still held";
+        EXPECT_EQ(std::filesystem::exists(rawPathOf(image_)), options.RawFlg != 0);
     }
-    EXPECT_EQ(edited(), (std::vector<std::string>{"20250621", "20250621/20250621_093000_00.jpg"}));
+    EXPECT_EQ(edited(), (Names{"20250621", "20250621/20250621_093000_00.jpg",
+                               "20250621/20250621_093000_00_raw.jpg"}));
+    EXPECT_EQ(contentsOf(rawPathOf(image_)), source_);
 }
 
 /// The picture with a camera's header that tells how it is turned, 1 to 8.
@@ -111,26 +117,12 @@ TEST_F(ProcessImageFileTest, SavesInTheChosenForm) {
     EXPECT_GT(std::filesystem::file_size(copy_), 2 * small);
 }
 
-TEST_F(ProcessImageFileTest, KeepsTheRawFileBesideTheProcessedOne) {
-    writeFile(image_, source_);
-    ASSERT_EQ(process({.LrFlg = kOn, .RawFlg = kOn}), std::nullopt);
-    EXPECT_EQ(contentsOf(folder_.path() / "Edit" / "20250621" / "20250621_093000_00_raw.jpg"),
-              source_);
-    EXPECT_EQ(edited().size(), 3u);
-}
-
-TEST_F(ProcessImageFileTest, DoesNothingWhileSwitchedOff) {
-    writeFile(image_, source_);
-    EXPECT_EQ(process({.LrFlg = kOn, .RawFlg = kOn}, false), std::nullopt);
-    EXPECT_EQ(edited(), std::vector<std::string>());
-}
-
 TEST_F(ProcessImageFileTest, FailureLeavesNoFile) {
-    const std::string damaged[] = {"<html>busy</html>", source_.substr(0, source_.size() / 2), ""};
-    for (const std::string& bytes : damaged) {
+    for (const std::string& bytes :
+         {std::string("<html>busy</html>"), source_.substr(0, source_.size() / 2), std::string()}) {
         writeFile(image_, bytes);
         EXPECT_NE(process({.RawFlg = kOn}).value_or(""), "");
-        EXPECT_EQ(edited(), std::vector<std::string>());
+        EXPECT_EQ(edited(), Names());
         EXPECT_EQ(contentsOf(image_), bytes);
     }
     std::filesystem::remove(image_);
@@ -138,15 +130,14 @@ TEST_F(ProcessImageFileTest, FailureLeavesNoFile) {
 
     writeFile(image_, source_);
     EXPECT_EQ(process({.JpegTyp = 11}), "Unknown picture format 11");
-    EXPECT_EQ(edited(), std::vector<std::string>{"20250621"});
-}
+    EXPECT_EQ(edited(), Names{"20250621"});
 
-TEST_F(ProcessImageFileTest, FolderThatCannotBeMadeIsAFault) {
-    writeFile(image_, source_);
-    writeFile(folder_.path() / "Edit", "a file of the user's");
+    const auto edit = folder_.path() / "Edit";
+    std::filesystem::remove_all(edit);
+    writeFile(edit, "a file of the user's");
     EXPECT_NE(process({.RawFlg = kOn}).value_or(""), "");
     EXPECT_TRUE(control_.picture().isNull());
-    EXPECT_EQ(contentsOf(folder_.path() / "Edit"), "a file of the user's");
+    EXPECT_EQ(contentsOf(edit), "a file of the user's");
 }
 
 TEST_F(ProcessImageFileTest, MayBeDestroyedAtAnyWait) {
@@ -176,12 +167,11 @@ TEST(ProcessedPaths, LieInTheEditTree) {
 }
 
 TEST(StampText, IsCutByPosition) {
-    struct Case {
+    const struct {
         const char8_t* path;
         const char* text;
         const char* exif;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {u8"/data/20250621/20250621_093005_00.jpg", "2025/06/21 09:30", "2025:06:21 09:30:05"},
         // The tail starts wherever 22 characters from the end lie.
         {u8"/data/x/20250621_093005_00.jpeg", "0250/62/1_ 93:00", ""},
@@ -190,13 +180,12 @@ TEST(StampText, IsCutByPosition) {
         {u8"", "// :", ""},
         {u8"20250621_0930", "2025/06/21 09:30", ""},
         {u8"/写真/20250621_093005_空0.jpg", "2025/06/21 09:30", "2025:06:21 09:30:05"},
-        {u8"空空空空空空空空空空空空空空空空空空空空空空空空空", "空空空空/空空/空空 空空:空空",
-         ""},
+        {u8"空空空空空空空空空空空空空空空空空空空空空空空", "空空空空/空空/空空 空空:空空", ""},
         {u8"/data/2025o621_093005_00.jpg", "2025/o6/21 09:30", ""},
     };
-    for (const Case& test : cases) {
-        EXPECT_EQ(stampTextOf(test.path), test.text);
-        EXPECT_EQ(exifStampOf(test.path), test.exif);
+    for (const auto& [path, text, exif] : cases) {
+        EXPECT_EQ(stampTextOf(path), text);
+        EXPECT_EQ(exifStampOf(path), exif);
     }
 }
 
