@@ -14,25 +14,18 @@ TEST(FileCopy, CopiesEveryByteAndReplacesAnOlderFile) {
     const TempFolder folder;
     const auto from = folder.path() / std::filesystem::path(u8"空.jpg");
     const auto to = folder.path() / std::filesystem::path(u8"copié.jpg");
-    writeFile(from, kBytes);
-    writeFile(to, "older and to be replaced");
-    EXPECT_EQ(copyToFinalName(from, to).value_or("copied"), "copied");
-    EXPECT_EQ(contentsOf(to), kBytes);
-    EXPECT_EQ(contentsOf(from), kBytes);
-    EXPECT_EQ(listing(folder.path()).size(), 2u);
-}
-
-TEST(FileCopy, EmptyFileIsAFileToo) {
-    const TempFolder folder;
-    EXPECT_FALSE(writeToFinalName({}, folder.path() / "empty"));
-    std::string bytes = "before";
-    EXPECT_FALSE(readWholeFile(folder.path() / "empty", bytes));
-    EXPECT_EQ(bytes, "");
+    for (const std::string& bytes : {kBytes, std::string()}) {
+        writeFile(from, bytes);
+        writeFile(to, "older and to be replaced");
+        EXPECT_EQ(copyToFinalName(from, to).value_or("copied"), "copied");
+        EXPECT_EQ(contentsOf(to), bytes);
+        EXPECT_EQ(contentsOf(from), bytes);
+        EXPECT_EQ(listing(folder.path()).size(), 2u);
+    }
 }
 
 TEST(FileCopy, TellsTheSystemsReasonAndLeavesNothing) {
     const TempFolder folder;
-    std::filesystem::create_directory(folder.path() / "taken");
     writeFile(folder.path() / "taken" / "inside", "x");
     const auto before = listing(folder.path());
     EXPECT_TRUE(writeToFinalName(kBytes, folder.path() / "taken"));
