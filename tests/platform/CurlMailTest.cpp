@@ -24,6 +24,9 @@ struct CurlMailTest : testing::Test {
     MailServer plain() const {
         return {"127.0.0.1", server.port(), MailSecurity::None, "", "", {}};
     }
+    MailServer withLogIn(MailSecurity security = MailSecurity::None) const {
+        return {"127.0.0.1", server.port(), security, "sky", "secret", {}};
+    }
     MailOutcome send(const MailServer& to, Mail mail = kMail, MailLimits limits = {5s, 20s}) {
         CurlMail mails(loop, clock, limits);
         Task<MailOutcome> task = mails.send(to, std::move(mail));
@@ -69,46 +72,40 @@ TEST_F(CurlMailTest, HandsAMailOverWholeAndSaysFarewell) {
                                         "RCPT TO:<one@example.org>", "RCPT TO:<two@example.org>",
                                         "DATA", ".", "QUIT"}));
     EXPECT_EQ(server.mail, "Subject: x\r\n\r\n..hidden\r\nlast\r\n");
+    EXPECT_FALSE(send(plain()).fault);
+    EXPECT_EQ(server.connections, 2) << "one that was kept could be less secure";
 }
 
 TEST_F(CurlMailTest, LogsIn) {
-    MailServer login = plain();
-    login.user = "sky";
-    login.password = "secret";
-    EXPECT_EQ(send(login).fault, std::nullopt);
+    EXPECT_EQ(send(withLogIn()).fault, std::nullopt);
     EXPECT_TRUE(wasSaid("AHNreQBzZWNyZXQ=")) << "NUL sky NUL secret in base64";
     answer("AHNreQBzZWNyZXQ=", "535-5.7.8 Wrong user\r\n535 5.7.8 or password.\r\n");
-    EXPECT_EQ(send(login).fault, "the mail server refused the log-in: 535 5.7.8 Wrong user 5.7.8 "
-                                 "or password.");
+    EXPECT_EQ(send(withLogIn()).fault,
+              "the mail server refused the log-in: 535 5.7.8 Wrong user 5.7.8 or password.");
     EXPECT_FALSE(wasSaid("MAIL"));
 }
 
 /// What the server says in refusing is told; a large mail and a full mailbox are such refusals.
 TEST_F(CurlMailTest, RefusalsAreToldInTheServersWords) {
-    struct Case {
+    const struct {
         const char* line;
         const char* reply;
         const char* fault;
-    };
-    const Case cases[] = {
-        {"", "554 no service\r\n", "refused the connection: 554 no service"},
+    } cases[] = {
+        {"", "554 no service\r\n", "the mail server refused the connection: 554 no service"},
         {"EHLO", "250 fine\r\n250 surplus\r\n", ""},
         {"MAIL", "530 5.7.0 Authentication Required\r\n",
-         "refused the mail: 530 5.7.0 Authentication Required"},
-        {"RCPT", "452 4.2.2 mailbox full\r\n", "refused the mail: 452 4.2.2 mailbox full"},
-        {"DATA", "250 what\r\n", "does not answer as one: 250 what"},
-        {".", "552-too\r\n552 large\x07\xC3\xA4\r\n", "refused the mail: 552 too large \xC3\xA4"},
-        {".", "hello\r\n", "does not answer as one: hello"},
-        {"QUIT", "500 rude\r\n", ""},
-    };
-    for (const Case& one : cases) {
-        answer(one.line, one.reply);
-        const std::string fault = send(plain()).fault.value_or("");
-        if (*one.fault == 0) {
-            EXPECT_EQ(fault, "") << one.line;
-        } else {
-            EXPECT_NE(fault.find(one.fault), std::string::npos) << one.line << ": " << fault;
-        }
+         "the mail server refused the mail: 530 5.7.0 Authentication Required"},
+        {"RCPT", "452 4.2.2 mailbox full\r\n",
+         "the mail server refused the mail: 452 4.2.2 mailbox full"},
+        {"DATA", "250 what\r\n", "the mail server does not answer as one: 250 what"},
+        {".", "552-too\r\n552 large\x07\xC3\xA4\r\n",
+         "the mail server refused the mail: 552 too large \xC3\xA4"},
+        {".", "hello\r\n", "the mail server does not answer as one: hello"},
+        {"QUIT", "500 rude\r\n", ""}};
+    for (const auto& [line, reply, fault] : cases) {
+        answer(line, reply);
+        EXPECT_EQ(send(plain()).fault.value_or(""), fault) << line;
     }
 }
 
@@ -128,9 +125,6 @@ TEST_F(CurlMailTest, ARefusedRecipientIsNamed) {
 /// At whatever point a server falls silent or closes the connection, the mail ends with a fault, in
 /// time, and the program goes on meanwhile. Behind the farewell neither is one.
 TEST_F(CurlMailTest, SilenceAndCutsEndAsFaults) {
-    MailServer login = plain();
-    login.user = "sky";
-    login.password = "secret";
     for (const std::string line : {"", "EHLO", "AUTH", "AHNr", "MAIL", "RCPT", "DATA", ".", "QUIT"})
         for (const auto& [reply, closes] :
              {std::pair{"", false}, std::pair{"", true}, std::pair{"250-fine\r\n", true}}) {
@@ -138,7 +132,7 @@ TEST_F(CurlMailTest, SilenceAndCutsEndAsFaults) {
             server.closesAt = closes ? std::optional(line) : std::nullopt;
             const bool fails = line != "QUIT";
             const MailOutcome outcome =
-                send(login, kMail, fails ? MailLimits{patience, 10s} : MailLimits{});
+                send(withLogIn(), kMail, fails ? MailLimits{patience, 10s} : MailLimits{});
             EXPECT_EQ(outcome.fault.has_value(), fails) << line << "," << reply << closes;
         }
     EXPECT_LT(standstill, 10 * patience.count());
@@ -171,30 +165,16 @@ TEST_F(CurlMailTest, NothingGoesInClearThatWasToBeSecure) {
             server.answer = [inner](const std::string& said) {
                 return said == "STARTTLS" ? std::string("454 not now\r\n") : inner(said);
             };
-            MailServer secure = plain();
-            secure.security = security;
-            secure.user = "sky";
-            secure.password = "secret";
-            EXPECT_TRUE(send(secure, kMail, {2 * patience, 20 * patience}).fault) << greeting;
+            EXPECT_TRUE(send(withLogIn(security), kMail, {2 * patience, 20 * patience}).fault)
+                << greeting;
             for (const char* word : {"AUTH", "MAIL", "RCPT", "DATA", "AHNr"})
                 EXPECT_FALSE(wasSaid(word)) << word;
         }
     }
     EXPECT_LT(standstill, 10 * patience.count());
-}
-
-TEST_F(CurlMailTest, SaysWhyThereIsNoEncryption) {
-    MailServer secure = plain();
-    secure.security = MailSecurity::StartTls;
-    EXPECT_EQ(send(secure).fault, "the mail server offers no encryption (STARTTLS)");
-}
-
-/// Every mail has a connection of its own: one that was kept could be less secure.
-TEST_F(CurlMailTest, NoConnectionIsKept) {
-    for (int mail = 1; mail <= 3; ++mail) {
-        EXPECT_FALSE(send(plain()).fault);
-        EXPECT_EQ(server.connections, mail);
-    }
+    server.reset();
+    EXPECT_EQ(send(withLogIn(MailSecurity::StartTls)).fault,
+              "the mail server offers no encryption (STARTTLS)");
 }
 
 TEST_F(CurlMailTest, ServersThatCannotBeReached) {

@@ -6,7 +6,7 @@ namespace orvane::test {
 namespace {
 
 TEST(Page, PlainTextStaysAsItIs) {
-    for (const char* text : {"", "1,2,record/a.jpg,", " NO_DATA\r\n", "a <b> &amp; c"})
+    for (const char* text : {"", "<", "1,2,record/a.jpg,", " NO_DATA\r\n", "a <b> &amp; c"})
         EXPECT_EQ(textOfPage(text), text);
 }
 
@@ -23,14 +23,11 @@ TEST(Page, HtmlBecomesWhatAReaderSees) {
         {"<p>&lt;&#65;&#x42;&amp;&nbsp;&quot;&eacute;&#233;&#0;&#xD800;&", "<AB& \"&eacute;é??&"},
         {"<p>1 < 2 <3 </p>", "1 < 2 <3\n"},
         {"<tr><td>a</td><td>b</td></tr>", "a b\n"},
-        {"<", "<"},
-        {"<a", ""},
-        {"<!--", ""},
-        {"<script>", ""},
-        {"<p title='", ""},
     };
     for (const auto& [html, text] : cases)
         EXPECT_EQ(textOfPage(html), text) << html;
+    for (const char* unfinished : {"<a", "<!--", "<script>", "<p title='"})
+        EXPECT_EQ(textOfPage(unfinished), "") << unfinished;
 }
 
 /// What takes a document's builder minutes, and more than is ever read.
@@ -38,7 +35,7 @@ TEST(Page, NestingCostsNothing) {
     for (const char* part :
          {"<div>", "<table><tr><td>", "<script></", "<!--", "<!-- --", "&#", "<p '", "</"}) {
         std::string page = "<html>";
-        while (page.size() < 20'000'000)
+        while (page.size() < 2'000'000)
             page += part;
         EXPECT_LE(textOfPage(page).size(), 256U * 1024) << part;
     }

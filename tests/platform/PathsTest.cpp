@@ -9,17 +9,20 @@ namespace orvane::test {
 namespace {
 
 /// A folder whose name no single code page can write, deeper than 260 characters in all.
-std::filesystem::path deepFolder(std::filesystem::path folder) {
-    folder /= std::filesystem::path(u8"観測 ü Données №1");
-    for (int i = 0; i < 5; ++i)
-        folder /= std::string(60, static_cast<char>('a' + i));
-    std::filesystem::create_directories(folder);
-    return folder;
-}
+struct Paths : testing::Test {
+    Paths() {
+        for (int i = 0; i < 5; ++i)
+            folder /= std::string(60, static_cast<char>('a' + i));
+        std::filesystem::create_directories(folder);
+    }
 
-TEST(Paths, AStationRecordsIntoAnyFolder) {
+    TempFolder temp;
+    std::filesystem::path folder = temp.path() / std::filesystem::path(u8"観測 ü Données №1");
+    JumpingClock clock{at(2006, 7, 15, 14, 3, 27)};
+};
+
+TEST_F(Paths, AStationRecordsIntoAnyFolder) {
     TestStation s(at(2006, 11, 15, 9, 29));
-    const auto folder = deepFolder(s.folder.path());
     s.store.values["DataPath/PathDataFile"] = utf8FromPath(folder);
     s.start(true);
     s.clock.runUntil(at(2006, 11, 15, 9, 31));
@@ -29,19 +32,13 @@ TEST(Paths, AStationRecordsIntoAnyFolder) {
     EXPECT_EQ(s.countLogged("DownLoad Error"), 0);
 }
 
-TEST(Paths, TheLogIsWrittenIntoAnyFolder) {
-    TempFolder temp;
-    const auto folder = deepFolder(temp.path());
-    JumpingClock clock(at(2006, 7, 15, 14, 3, 27));
+TEST_F(Paths, TheLogIsWrittenIntoAnyFolder) {
     ErrorLog log(folder, clock, {});
     EXPECT_TRUE(log.write("recMessage:SUM ERROR"));
     EXPECT_EQ(contentsOf(folder / "ERROR.LOG"), "2006/07/15 14:03:27 recMessage:SUM ERROR\r\n");
 }
 
-TEST(Paths, PicturesAreReadAndWrittenInAnyFolder) {
-    TempFolder temp;
-    const auto folder = deepFolder(temp.path());
-    JumpingClock clock(at(2006, 7, 15));
+TEST_F(Paths, PicturesAreReadAndWrittenInAnyFolder) {
     LibjpegImageControl control(clock);
     const auto from = folder / std::filesystem::path(u8"空.jpg");
     const auto to = folder / std::filesystem::path(u8"空-copié.jpg");

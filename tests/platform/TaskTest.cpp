@@ -1,4 +1,5 @@
 #include "station/RepeatingTimer.h"
+#include "station/Scope.h"
 #include "station/TaskGroup.h"
 #include "tests/support/Fakes.h"
 #include "tests/support/JumpingClock.h"
@@ -6,29 +7,30 @@
 #include <gtest/gtest.h>
 
 #include <stdexcept>
-#include <string>
 
 namespace orvane::test {
 namespace {
 
-const WallTime kStart = at(2006, 11, 15);
-
-Task<int> immediate(int value) {
-    co_return value;
-}
-
 Task<int> later(Clock& clock, Ticks wait, int value) {
-    co_await clock.sleep(wait);
+    if (wait > 0ms) co_await clock.sleep(wait);
     co_return value;
 }
 
 Task<int> sumOf(Clock& clock, int count) {
     int sum = 0;
     for (int i = 0; i < count; ++i) {
-        Task<int> next = i % 1000 == 0 ? later(clock, 10ms, 1) : immediate(1);
+        Task<int> next = later(clock, i % 1000 == 0 ? 10ms : 0ms, 1);
         sum += co_await next;
     }
     co_return sum;
+}
+
+Task<int> startedEarlier(Clock& clock, Ticks wait) {
+    Task<int> waited = later(clock, 10ms, 7);
+    waited.start();
+    co_await clock.sleep(wait);
+    const int value = co_await waited;
+    co_return value;
 }
 
 Task<> failing(Clock& clock) {
@@ -41,40 +43,30 @@ Task<> waitFor(Signal& signal, std::string& trace) {
     trace += "woken";
 }
 
+/// The name when the wait is over, "~" when the frame is destroyed.
 Task<> record(Clock& clock, std::string& trace, char name, Ticks wait) {
+    const Scope held([&trace](bool on) { trace += on ? "" : "~"; });
     co_await clock.sleep(wait);
     trace += name;
 }
 
-/// Sets a flag when its frame is destroyed.
-struct Guard {
-    explicit Guard(bool& gone) : gone_(gone) {}
-    ~Guard() { gone_ = true; }
-    bool& gone_;
-};
-
-Task<> guarded(Clock& clock, bool& gone) {
-    const Guard guard(gone);
-    co_await clock.sleep(1h);
-}
-
-Task<> outer(Clock& clock, bool& gone) {
-    Task<> inner = guarded(clock, gone);
+Task<> outer(Clock& clock, std::string& trace) {
+    Task<> inner = record(clock, trace, 'i', 1h);
     co_await inner;
 }
 
-Task<int> startedEarlier(Clock& clock, Ticks wait) {
-    Task<int> waited = later(clock, 10ms, 7);
-    waited.start();
-    co_await clock.sleep(wait);
-    const int value = co_await waited;
-    co_return value;
-}
+struct Tasks : testing::Test {
+    JumpingClock clock{at(2006, 11, 15)};
+    std::string trace;
+    std::string faults;
+    std::function<void(const std::exception_ptr&)> note = [this](const std::exception_ptr& fault) {
+        faults += textOf(fault) + " ";
+    };
+};
 
 /// While it still waits, and when it is done already.
-TEST(Task, AStartedOneCanBeAwaited) {
+TEST_F(Tasks, AStartedOneCanBeAwaited) {
     for (const Ticks wait : {Ticks(1ms), Ticks(1s)}) {
-        JumpingClock clock(kStart);
         Task<int> task = startedEarlier(clock, wait);
         task.start();
         clock.run(2s);
@@ -83,8 +75,7 @@ TEST(Task, AStartedOneCanBeAwaited) {
     }
 }
 
-TEST(Task, ManyTasksThatEndAtOnceDoNotGrowTheStack) {
-    JumpingClock clock(kStart);
+TEST_F(Tasks, ManyThatEndAtOnceDoNotGrowTheStack) {
     Task<int> task = sumOf(clock, 300'000);
     task.start();
     clock.run(10s);
@@ -92,46 +83,40 @@ TEST(Task, ManyTasksThatEndAtOnceDoNotGrowTheStack) {
     EXPECT_EQ(task.result(), 300'000);
 }
 
-TEST(Task, DestroyingTheOwnerTakesTheWakeUpAlong) {
-    JumpingClock clock(kStart);
-    bool gone = false;
-    {
-        Task<> task = outer(clock, gone);
-        task.start();
-        EXPECT_EQ(clock.pending(), 1U);
-    }
-    EXPECT_TRUE(gone);
+TEST_F(Tasks, DestroyingTheOwnerTakesTheWakeUpAlong) {
+    Task<> task = outer(clock, trace);
+    task.start();
+    EXPECT_EQ(clock.pending(), 1U);
+    task.reset();
+    EXPECT_EQ(trace, "~");
     EXPECT_EQ(clock.pending(), 0U);
     clock.run(2h);
+    EXPECT_EQ(trace, "~");
 }
 
-TEST(Task, WakesInTheOrderOfDeadlinesAndOfComing) {
-    JumpingClock clock(kStart);
-    std::string trace;
+TEST_F(Tasks, WakeInTheOrderOfDeadlinesAndOfComing) {
     TaskGroup tasks(noFault);
     tasks.spawn(record(clock, trace, 'c', 30ms));
     tasks.spawn(record(clock, trace, 'a', 10ms));
     tasks.spawn(record(clock, trace, 'b', 10ms));
     clock.run(20ms);
-    EXPECT_EQ(trace, "ab");
+    EXPECT_EQ(trace, "a~b~");
     clock.run(10ms);
-    EXPECT_EQ(trace, "abc");
+    EXPECT_EQ(trace, "a~b~c~");
     EXPECT_EQ(tasks.running(), 0U);
 }
 
-TEST(Task, AGroupReportsAFaultOnceAndGoesOn) {
-    JumpingClock clock(kStart);
-    std::string faults;
-    TaskGroup tasks([&](const std::exception_ptr& fault) { faults += textOf(fault); });
+TEST_F(Tasks, AGroupReportsAFaultOnceAndGoesOn) {
+    TaskGroup tasks(note);
     tasks.spawn(failing(clock));
+    tasks.spawn(record(clock, trace, 'a', 10ms));
     clock.run(10ms);
-    EXPECT_EQ(faults, "fault");
+    EXPECT_EQ(faults, "fault ");
+    EXPECT_EQ(trace, "a~");
     EXPECT_EQ(tasks.running(), 0U);
 }
 
-TEST(Signal, WakesFromTheClockAndRemembersAnEarlyFire) {
-    JumpingClock clock(kStart);
-    std::string trace;
+TEST_F(Tasks, ASignalWakesFromTheClockAndRemembersAnEarlyFire) {
     Signal signal(clock);
     Task<> waiting = waitFor(signal, trace);
     waiting.start();
@@ -150,10 +135,15 @@ TEST(Signal, WakesFromTheClockAndRemembersAnEarlyFire) {
     unfired.fire();
     clock.run(1s);
     EXPECT_EQ(trace, "wokenwoken");
+
+    Signal taken(clock);
+    Task<> first = waitFor(taken, trace);
+    first.start();
+    Task<> second = waitFor(taken, trace);
+    EXPECT_DEBUG_DEATH(second.start(), "waiting_ == nullptr");
 }
 
-TEST(RepeatingTimer, TicksWithoutDriftUntilDisabled) {
-    JumpingClock clock(kStart);
+TEST_F(Tasks, ATimerTicksWithoutDriftUntilDisabled) {
     int ticks = 0;
     const auto tick = [&](RepeatingTimer& timer) {
         if (++ticks == 5) timer.disable();
@@ -173,30 +163,16 @@ TEST(RepeatingTimer, TicksWithoutDriftUntilDisabled) {
     EXPECT_EQ(ticks, 7);
 }
 
-TEST(RepeatingTimer, ATickThatFailsIsReportedAndTheNextOneComes) {
-    JumpingClock clock(kStart);
+TEST_F(Tasks, ATickThatFailsIsReportedAndTheNextOneComes) {
     int ticks = 0;
-    std::string faults;
-    RepeatingTimer timer(
-        clock, 1000ms,
-        [&] {
-            if (++ticks < 3) throw std::runtime_error("tick " + std::to_string(ticks));
-        },
-        [&](const std::exception_ptr& fault) { faults += textOf(fault) + " "; });
+    const auto tick = [&ticks] {
+        if (++ticks < 3) throw std::runtime_error("tick " + std::to_string(ticks));
+    };
+    RepeatingTimer timer(clock, 1000ms, tick, note);
     timer.enable();
     clock.run(4s);
     EXPECT_EQ(ticks, 4);
     EXPECT_EQ(faults, "tick 1 tick 2 ");
-}
-
-TEST(Signal, ASecondOneThatWaitsIsRefused) {
-    JumpingClock clock(kStart);
-    std::string trace;
-    Signal signal(clock);
-    Task<> first = waitFor(signal, trace);
-    first.start();
-    Task<> second = waitFor(signal, trace);
-    EXPECT_DEBUG_DEATH(second.start(), "waiting_ == nullptr");
 }
 
 } // namespace
