@@ -1,26 +1,10 @@
-#include "tests/support/TestStation.h"
-
-#include <gtest/gtest.h>
+#include "tests/tracker/TrackerStation.h"
 
 namespace orvane::test {
 namespace {
 
-using Messages = std::vector<std::string>;
-
 /// What a line does that is slow, noisy or gone.
-struct TrackerLine : testing::Test {
-    TestStation s{at(2006, 12, 31, 23, 59, 58)};
-
-    void SetUp() override {
-        s.status.initStatus(); // the clock timer bounds every wait
-    }
-    template <class T>
-    T finish(Task<T> task, std::chrono::milliseconds limit = 1min) {
-        task.start();
-        EXPECT_TRUE(s.clock.runUntil([&] { return task.done(); }, limit));
-        return task.result();
-    }
-};
+struct TrackerLine : Tracker {};
 
 /// USB adapters hand on what they hold every 8 to 16 ms, wherever that cuts an echo.
 TEST_F(TrackerLine, AnEchoMayComeInTwoPortions) {
@@ -38,12 +22,11 @@ TEST_F(TrackerLine, AnEchoMayComeInTwoPortions) {
 }
 
 TEST_F(TrackerLine, AnEchoEndsWithSilenceAndAllThatIsThereIsRead) {
-    struct Case {
+    const struct {
         Bytes bytes;
         std::uint8_t cmd;
         Ticks took; ///< with the 2 ms of a look at the line
-    };
-    const Case cases[] = {{{1, 2}, 9, 22ms}, {{1, 2, 3}, 3, 22ms}, {Bytes(4000, 7), 7, 2ms}};
+    } cases[] = {{{1, 2}, 9, 22ms}, {{1, 2, 3}, 3, 22ms}, {Bytes(4000, 7), 7, 2ms}};
     for (const auto& [bytes, expected, took] : cases) {
         ASSERT_TRUE(s.link.initCommunication());
         s.port.send(bytes);
@@ -82,15 +65,13 @@ TEST_F(TrackerLine, ThePortIsClosedHoweverItsProcedureEnds) {
         destroyed.start();
         EXPECT_TRUE(s.port.isOpen());
     }
-    EXPECT_FALSE(s.port.isOpen());
-    EXPECT_FALSE(s.busy.active());
+    expectAtRest();
     s.port.answer = [](const Bytes&) { throw std::runtime_error("unforeseen"); };
     EXPECT_THROW(finish(s.options.activate()), std::runtime_error);
-    EXPECT_FALSE(s.port.isOpen());
+    expectAtRest();
     EXPECT_THROW(finish(s.timeSetting.setTrackerClock(true)), std::runtime_error);
-    EXPECT_FALSE(s.port.isOpen());
-    EXPECT_FALSE(s.busy.active());
-    s.port.answer = [&](const Bytes& frame) { s.port.send(s.port.goodAnswer(frame[2])); };
+    expectAtRest();
+    answerSoundly();
     s.port.closingFails = true;
     EXPECT_EQ(finish(s.timeSetting.setTrackerClock(true)), std::nullopt);
     EXPECT_EQ(s.logged(), Messages{"closeCommunication:COM Port ERROR"});
@@ -121,7 +102,7 @@ TEST_F(TrackerLine, AVanishedPortIsNoOthersBeforeItsProcedureEnds) {
     EXPECT_EQ(s.port.opened, 1);
     EXPECT_TRUE(s.clock.runUntil([&] { return reading.done(); }, 1s));
     EXPECT_GT(s.countLogged("get1charERROR:Input/output error"), 0);
-    s.port.answer = [&](const Bytes& frame) { s.port.send(s.port.goodAnswer(frame[2])); };
+    answerSoundly();
     EXPECT_EQ(finish(s.timeSetting.setTrackerClock(true)), std::nullopt);
 }
 
