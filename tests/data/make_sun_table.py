@@ -179,7 +179,7 @@ struct SunPlace {
     std::int16_t Tz;
     int sunrise[kDates]; ///< minutes from day zero's midnight of the shifted text
     int sunset[kDates];
-    SunDay days[2];
+    SunDay day;
 };
 
 // clang-format off
@@ -193,22 +193,22 @@ struct SunPlace {
     print("inline constexpr SunPlace kSunPlaces[] = {")
     for index, (name, latitude, longitude, zone) in enumerate(PLACES):
         place = observer(latitude, longitude)
-        rises, sets, elevations = [], [], []
+        rises, sets = [], []
         for number, parts in enumerate(DATES):
             sky = looked_up_date(datetime.date(*parts))
             midnight = ephem.Date((sky.year, sky.month, sky.day))
             rise, down, close = crossings(place, midnight)
             rises.append(text_minutes(rise, close, zone, True))
             sets.append(text_minutes(down, close, zone, False))
-            if number in (index, (index + 9) % len(DATES)):
-                elevations.append("{%d, %s, %s}" % (
+            if number == index * 4 % len(DATES):
+                day = "{%d, %s, %s}" % (
                     number, listed("%.4f" % geocentric(place, midnight, m) for m in MINUTES),
-                    listed("%.4f" % stated(latitude, longitude, parts, m) for m in MINUTES)))
+                    listed("%.4f" % stated(latitude, longitude, parts, m) for m in MINUTES))
         print('    {"%s", %s, %s, %d,' % (name, latitude, longitude, zone))
         for minutes in (rises, sets):
             print(textwrap.fill(listed(minutes) + ",", 100, initial_indent=" " * 5,
                                 subsequent_indent=" " * 6))
-        print("     {%s}}," % ",\n      ".join(elevations))
+        print("     %s}," % day)
     print("};\n// clang-format on\n\n} // namespace orvane::test")
 
 

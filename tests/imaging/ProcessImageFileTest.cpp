@@ -142,21 +142,18 @@ TEST_F(ProcessImageFileTest, FailureLeavesNoFile) {
 
 TEST_F(ProcessImageFileTest, MayBeDestroyedAtAnyWait) {
     writeFile(image_, encoded(gradient(1500, 1000)));
-    for (int waits = 1;; ++waits) {
-        const ImageOptions options{.LrFlg = kOn, .DateFlg = kOn, .RawFlg = kOn};
-        Task<Fault> task = ProcessImageFile(control_, image_, options, true);
-        task.start();
-        int left = waits;
-        clock_.runUntil([&] { return task.done() || --left == 0; }, std::chrono::hours(1));
-        if (task.done()) {
-            EXPECT_GE(waits, 4) << "loading and saving 1.5 megapixels take two waits each";
-            break;
-        }
-        task.reset();
+    const ImageOptions options{.LrFlg = kOn, .DateFlg = kOn, .RawFlg = kOn};
+    Task<Fault> task;
+    int waits = 0;
+    do {
+        task = ProcessImageFile(control_, image_, options, true);
         EXPECT_EQ(clock_.pending(), 0u);
-        for (const std::string& name : edited())
-            EXPECT_EQ(name, "20250621");
-    }
+        EXPECT_LE(edited().size(), 1u) << "no more than the folder of the day";
+        task.start();
+        int left = ++waits;
+        clock_.runUntil([&] { return task.done() || --left == 0; }, std::chrono::hours(1));
+    } while (!task.done());
+    EXPECT_GE(waits, 4) << "loading and saving 1.5 megapixels take two waits each";
 }
 
 TEST(ProcessedPaths, LieInTheEditTree) {
