@@ -1,5 +1,6 @@
 #include "platform/Files.h"
 
+#include "platform/SystemCalls.h"
 #include "tests/support/TempFolder.h"
 #include "tests/support/TestPictures.h"
 
@@ -35,6 +36,28 @@ TEST(FileCopy, TellsTheSystemsReasonAndLeavesNothing) {
               "No such file or directory");
     EXPECT_TRUE(copyToFinalName(folder.path() / "taken", folder.path() / "file"));
     EXPECT_EQ(listing(folder.path()), before);
+}
+
+TEST(FileLock, IsHeldByOneAtATime) {
+    TempFolder folder;
+    const auto file = folder.path() / "orvane.lock";
+    {
+        FileLock first;
+        EXPECT_FALSE(first.take(file).fault);
+        FileLock second;
+        const FileLock::Outcome refused = second.take(file);
+        EXPECT_TRUE(refused.isOthers);
+        EXPECT_FALSE(refused.fault);
+    }
+    writeFile(file, "left behind by a killed program");
+    FileLock next;
+    const FileLock::Outcome taken = next.take(file);
+    EXPECT_FALSE(taken.isOthers);
+    EXPECT_FALSE(taken.fault) << *taken.fault;
+    FileLock impossible;
+    const FileLock::Outcome failed = impossible.take(folder.path() / "nowhere" / "orvane.lock");
+    EXPECT_FALSE(failed.isOthers) << "nobody else's, since it cannot be made";
+    EXPECT_TRUE(failed.fault);
 }
 
 } // namespace

@@ -18,32 +18,31 @@ struct ProcessScript : testing::Test {
     void start(const std::string& script, const std::vector<std::string>& more = {}) {
         std::vector<std::string> arguments{"-c", script, "sh"};
         arguments.insert(arguments.end(), more.begin(), more.end());
-        process.start("/bin/sh", arguments);
+        process->start("/bin/sh", arguments);
     }
     Fault write(const std::string& bytes, Ticks patience = 10s) {
-        Task<Fault> writing = process.write(bytes, patience);
+        Task<Fault> writing = process->write(bytes, patience);
         writing.start();
         return finish(writing);
     }
     ProcessEnd end(Ticks patience = 10s) {
-        Task<ProcessEnd> ending = process.end(patience);
+        Task<ProcessEnd> ending = process->end(patience);
         ending.start();
         return finish(ending);
     }
-    /// Whether the process whose number a script has written into `pid` is there.
-    bool lives(const char* pid = "pid") const {
-        return ::kill(std::stoi(contentsOf(folder.path() / pid)), 0) == 0;
-    }
-    /// Starts `rest` after it has written its number.
-    void startTelling(const std::string& rest) {
-        start("echo $$ > \"$1\".new; mv \"$1\".new \"$1\"; " + rest,
-              {(folder.path() / "pid").string()});
-        runEventLoopUntil([&] { return std::filesystem::exists(folder.path() / "pid"); });
+    /// Whether the one that `startSleeper` started is there.
+    bool lives() const { return ::kill(std::stoi(contentsOf(folder.path() / "pid")), 0) == 0; }
+    void startSleeper() {
+        const auto pid = folder.path() / "pid";
+        std::filesystem::remove(pid);
+        start("echo $$ > \"$1\".new; mv \"$1\".new \"$1\"; exec sleep 100", {pid.string()});
+        runEventLoopUntil([&] { return std::filesystem::exists(pid); });
+        EXPECT_TRUE(lives());
     }
 
     TempFolder folder;
     QtClock clock;
-    QtProcess process{clock};
+    std::unique_ptr<QtProcess> process = std::make_unique<QtProcess>(clock);
 };
 
 TEST_F(ProcessScript, EveryByteArrivesInItsOrder) {
@@ -72,13 +71,12 @@ TEST_F(ProcessScript, WritingWaitsForTheReader) {
 }
 
 TEST_F(ProcessScript, OneThatDoesNotReadIsAFault) {
-    struct Case {
+    const struct {
         const char* script;
         const char* fault;
         const char* said;
         Ticks patience;
-    };
-    const Case cases[] = {
+    } cases[] = {
         {"sleep 100", "it stands still", "", 100ms},
         {"head -c 1000 > /dev/null; exec sleep 100", "it stands still", "", 100ms},
         {"echo disk full >&2; exit 1", "it stopped reading", "disk full\n", 10s},
@@ -86,13 +84,12 @@ TEST_F(ProcessScript, OneThatDoesNotReadIsAFault) {
         {"kill -9 $$", "it crashed or was killed", "", 10s},
     };
     const std::string bytes(12'000'000, 'x');
-    for (const Case& test : cases) {
-        start(test.script);
-        EXPECT_TRUE(write(bytes, test.patience)) << test.script;
-        const ProcessEnd ended = end(test.patience);
-        ASSERT_TRUE(ended.fault) << test.script;
-        EXPECT_EQ(*ended.fault, test.fault) << test.script;
-        EXPECT_EQ(ended.said, test.said) << test.script;
+    for (const auto& [script, fault, said, patience] : cases) {
+        start(script);
+        EXPECT_TRUE(write(bytes, patience)) << script;
+        const ProcessEnd ended = end(patience);
+        EXPECT_EQ(ended.fault, fault) << script;
+        EXPECT_EQ(ended.said, said) << script;
     }
 }
 
@@ -107,25 +104,16 @@ TEST_F(ProcessScript, WhatItSaysIsBounded) {
 }
 
 TEST_F(ProcessScript, ItIsKilledOnRequestAndWithItsOwner) {
-    startTelling("exec sleep 100");
-    EXPECT_TRUE(lives());
+    startSleeper();
     const Ticks before = clock.ticks();
-    process.kill();
+    process->kill();
     EXPECT_LT(clock.ticks() - before, 50ms);
     runEventLoopUntil([&] { return !lives(); });
     EXPECT_TRUE(write("x")); // nothing runs
     EXPECT_TRUE(end().fault);
-    {
-        QtProcess owned(clock);
-        owned.start("/bin/sh", {"-c", "echo $$ > \"$1\"; exec sleep 100", "sh",
-                                (folder.path() / "owned").string()});
-        runEventLoopUntil([&] {
-            return std::filesystem::exists(folder.path() / "owned") &&
-                   !contentsOf(folder.path() / "owned").empty();
-        });
-        EXPECT_TRUE(lives("owned"));
-    }
-    EXPECT_FALSE(lives("owned"));
+    startSleeper();
+    process.reset();
+    EXPECT_FALSE(lives());
 }
 
 TEST_F(ProcessScript, TheProcessorIsThisProgramsFirst) {
@@ -139,7 +127,7 @@ TEST_F(ProcessScript, AWaitThatIsDroppedIsForgotten) {
     const std::string bytes(12'000'000, 'x');
     start("sleep 100");
     {
-        Task<Fault> writing = process.write(bytes, 1min);
+        Task<Fault> writing = process->write(bytes, 1min);
         writing.start();
     }
     start("cat > /dev/null; echo second");

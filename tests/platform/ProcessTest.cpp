@@ -11,12 +11,14 @@ namespace {
 
 /// Programs that every system has: this one itself, which lists its tests, and none.
 struct ProcessTest : testing::Test {
-    ProcessEnd run(const std::filesystem::path& program, const std::vector<std::string>& arguments,
-                   Ticks patience = 20s) {
-        process.start(program, arguments);
-        Task<ProcessEnd> ending = process.end(patience);
+    ProcessEnd end() {
+        Task<ProcessEnd> ending = process.end(20s);
         ending.start();
         return finish(ending);
+    }
+    ProcessEnd list(const std::string& tests) {
+        process.start(self(), {"--gtest_list_tests", "--gtest_filter=" + tests});
+        return end();
     }
     static std::filesystem::path self() {
         return QCoreApplication::applicationFilePath().toStdString();
@@ -27,13 +29,11 @@ struct ProcessTest : testing::Test {
 };
 
 TEST_F(ProcessTest, TellsWhatItSaysAndItsExitCode) {
-    const ProcessEnd listed =
-        run(self(), {"--gtest_list_tests", "--gtest_filter=ProcessTest.TellsWhatItSays*"});
+    const ProcessEnd listed = list("ProcessTest.TellsWhatItSays*");
     EXPECT_FALSE(listed.fault) << *listed.fault;
     EXPECT_EQ(listed.code, 0);
     EXPECT_NE(listed.said.find("  TellsWhatItSaysAndItsExitCode"), std::string::npos);
-    const ProcessEnd again = run(self(), {"--gtest_list_tests", "--gtest_filter=none"});
-    EXPECT_EQ(again.said.find("TellsWhatItSays"), std::string::npos) << "what the one before said";
+    EXPECT_EQ(list("none").said.find("TellsWhatItSays"), std::string::npos) << "the one before";
 }
 
 TEST_F(ProcessTest, WhatCannotBeStartedIsToldByBoth) {
@@ -44,16 +44,10 @@ TEST_F(ProcessTest, WhatCannotBeStartedIsToldByBoth) {
         writing.start();
         return finish(writing).has_value();
     });
-    Task<ProcessEnd> ending = process.end(1s);
-    ending.start();
-    const ProcessEnd end = finish(ending);
-    ASSERT_TRUE(end.fault);
-    EXPECT_TRUE(end.fault->starts_with("it cannot be started: ")) << *end.fault;
+    const Fault fault = end().fault;
+    EXPECT_TRUE(fault && fault->starts_with("it cannot be started: ")) << fault.value_or("none");
     EXPECT_EQ(process.find("no-such-program"), std::filesystem::path());
-}
-
-/// It is beside "this program", the tests.
-TEST_F(ProcessTest, IsFoundByItsName) {
+    // this one is beside "this program", the tests
     EXPECT_EQ(process.find(self().stem().string()).filename(), self().filename());
 }
 

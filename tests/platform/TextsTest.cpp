@@ -1,0 +1,141 @@
+#include "platform/Conversions.h"
+#include "platform/JsonText.h"
+#include "platform/LineSettings.h"
+#include "platform/Page.h"
+#include "platform/SystemCalls.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+namespace orvane::test {
+namespace {
+
+/// The ill-formed ones are those of table 3-8 and its neighbours in the Unicode standard.
+TEST(JsonText, WritesAnyBytesAsAString) {
+    const std::pair<std::string, std::string> cases[] = {
+        {"plain", "\"plain\""},
+        {"", "\"\""},
+        {"a\"b\\c\nd\te\x01", "\"a\\\"b\\\\c\\nd\\u0009e\\u0001\""},
+        {std::string("\0", 1), "\"\\u0000\""},
+        {"\x7F \xC3\xA9 \xE2\x82\xAC \xF0\x9F\x98\x80",
+         "\"\x7F \xC3\xA9 \xE2\x82\xAC \xF0\x9F\x98\x80\""},
+        {"\x80", "\"\xEF\xBF\xBD\""},
+        {"\xC0\xAF", "\"\xEF\xBF\xBD\xEF\xBF\xBD\""},                 // longer than needed
+        {"\xE0\x80\xAF", "\"\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD\""}, // the same
+        {"\xED\xA0\x80", "\"\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD\""}, // a surrogate
+        {"\xE2\x82", "\"\xEF\xBF\xBD\xEF\xBF\xBD\""},                 // cut off
+        {"\xE2\x82x", "\"\xEF\xBF\xBD\xEF\xBF\xBDx\""},
+        {"\xF4\x90\x80\x80", "\"\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD\""}};
+    for (const auto& [bytes, text] : cases)
+        EXPECT_EQ(jsonString(bytes), text);
+}
+
+TEST(JsonText, WritesOnlyFiniteNumbers) {
+    const std::pair<double, const char*> cases[] = {
+        {0, "0.0"},      {-0.04, "0.0"},           {-0.25, "-0.3"},
+        {35.96, "36.0"}, {1234567.0, "1234567.0"}, {1e300, "null"},
+        {NAN, "null"},   {INFINITY, "null"}};
+    for (const auto& [number, text] : cases)
+        EXPECT_EQ(jsonDecimal(number), text);
+}
+
+TEST(JsonText, LaysObjectsOutLineByLine) {
+    EXPECT_EQ(
+        jsonObject(
+            {{"a", "1"}, {"b", jsonArray({jsonObject({{"c", "null"}})})}, {"d", jsonArray({})}}),
+        "{\n  \"a\": 1,\n  \"b\": [\n    {\n      \"c\": null\n    }\n  ],\n  \"d\": []\n}");
+}
+
+TEST(Conversions, WriteMomentsWithTheirOffset) {
+    const WallTime time = WallTime(std::chrono::local_days(std::chrono::year(2006) / 11 / 15)) +
+                          12h + 30min + 59s + 999ms;
+    EXPECT_EQ(isoTime(time, 540min), "2006-11-15T12:30:59+09:00");
+    EXPECT_EQ(isoTime(time, -210min), "2006-11-15T12:30:59-03:30");
+    EXPECT_EQ(isoTime(time, 0min), "2006-11-15T12:30:59+00:00");
+    EXPECT_EQ(universalSeconds(time, 0min), 1163593859); // date -u -d "2006-11-15 12:30:59" +%s
+    EXPECT_EQ(universalSeconds(time, 540min), 1163593859 - 9 * 3600);
+}
+
+TEST(LineSettings, ReadsEveryFieldOfAUsableText) {
+    using enum Parity;
+    const std::pair<const char*, LineSettings> cases[] = {
+        {"38400,N,8,1", {38400, None, 8, 1}}, {"300,E,7,2", {300, Even, 7, 2}},
+        {"600,O,6,1", {600, Odd, 6, 1}},      {"1200,N,5,1", {1200, None, 5, 1}},
+        {"2400,N,8,2", {2400, None, 8, 2}},   {"4800,E,8,1", {4800, Even, 8, 1}},
+        {"9600,O,7,1", {9600, Odd, 7, 1}},    {"19200,N,8,1", {19200, None, 8, 1}},
+        {"57600,N,8,1", {57600, None, 8, 1}}, {"115200,N,8,1", {115200, None, 8, 1}}};
+    for (const auto& [text, expected] : cases)
+        EXPECT_EQ(parseLineSettings(text), expected) << text;
+}
+
+/// In whichever field; 4294967596 is 300 when it is cut to 32 bits.
+TEST(LineSettings, RefusesAnythingElse) {
+    const std::vector<std::string> unusable[] = {{"", "38401", "038400", "+38400", "-300", "0",
+                                                  "3840", "384000", "230400", "4294967596",
+                                                  "38400.0", " 38400"},
+                                                 {"", "n", "M", "NE", " N"},
+                                                 {"", "4", "9", "8.0"},
+                                                 {"", "0", "3", "1.5", "11", "1 ", "1,", "1,0"}};
+    for (std::size_t field = 0; field < 4; ++field)
+        for (const std::string& text : unusable[field]) {
+            std::string fields[] = {"38400", "N", "8", "1"};
+            fields[field] = text;
+            const std::string line =
+                fields[0] + "," + fields[1] + "," + fields[2] + "," + fields[3];
+            EXPECT_FALSE(parseLineSettings(line)) << line;
+        }
+    for (const char* text : {"", ",", ",,,", "38400", "38400,N", "38400,N,8", "38400;N;8;1",
+                             "38400N81", "N,38400,8,1"})
+        EXPECT_FALSE(parseLineSettings(text)) << text;
+    EXPECT_FALSE(parseLineSettings(std::string_view("38400,N,8,1\0", 12)));
+}
+
+TEST(Page, PlainTextStaysAsItIs) {
+    for (const char* text : {"", "<", "1,2,record/a.jpg,", " NO_DATA\r\n", "a <b> &amp; c"})
+        EXPECT_EQ(textOfPage(text), text);
+}
+
+TEST(Page, HtmlBecomesWhatAReaderSees) {
+    const std::pair<const char*, const char*> cases[] = {
+        {"<html><body>1,2,record/a.jpg,</body></html>", "1,2,record/a.jpg,\n"},
+        {"\r\n<!DOCTYPE html><HTML><title>Search</title><BODY>NO_DATA</BODY>", "NO_DATA\n"},
+        {"<p>one</p><p>two<br/>three", "one\ntwo\nthree"},
+        {"<b>a</b>b <i> c</i>", "ab c"},
+        {"<pre>1,2,a.jpg,\n1,2,b.jpg,\n</pre>", "1,2,a.jpg, 1,2,b.jpg,\n"},
+        {"<script>if (a < b) '</p>'; </scripture> x</script>seen", "seen"},
+        {"<style>p > a {}</style><!-- <p>hidden --> seen", "seen"},
+        {"<a title='>' href=\"x>y\">seen</a>", "seen"},
+        {"<p>&lt;&#65;&#x42;&amp;&nbsp;&quot;&eacute;&#233;&#0;&#xD800;&", "<AB& \"&eacute;é??&"},
+        {"<p>1 < 2 <3 </p>", "1 < 2 <3\n"},
+        {"<tr><td>a</td><td>b</td></tr>", "a b\n"},
+    };
+    for (const auto& [html, text] : cases)
+        EXPECT_EQ(textOfPage(html), text) << html;
+    for (const char* unfinished : {"<a", "<!--", "<script>", "<p title='"})
+        EXPECT_EQ(textOfPage(unfinished), "") << unfinished;
+}
+
+/// What takes a document's builder minutes, and more than is ever read.
+TEST(Page, NestingCostsNothing) {
+    for (const char* part :
+         {"<div>", "<table><tr><td>", "<script></", "<!--", "<!-- --", "&#", "<p '", "</"}) {
+        std::string page = "<html>";
+        while (page.size() < 2'000'000)
+            page += part;
+        EXPECT_LE(textOfPage(page).size(), 256U * 1024) << part;
+    }
+}
+
+TEST(Secrets, AreGivenBackAsTheyWere) {
+    for (const std::string& secret :
+         {std::string(), std::string(" p\xC3\xA4ss; \"w\xC3\xB6rd\" "), std::string(1000, '%')}) {
+        const auto stored = protectSecret(secret);
+        ASSERT_TRUE(stored);
+        EXPECT_EQ(unprotectSecret(*stored), secret);
+        EXPECT_EQ(stored->find('\n'), std::string::npos) << "it is stored as one line";
+    }
+}
+
+} // namespace
+} // namespace orvane::test
