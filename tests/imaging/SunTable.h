@@ -16,7 +16,7 @@ inline constexpr std::size_t kMinutes = 4;
 
 /// The sun's geometric elevation from the earth's centre on one of the dates: by the ephemeris, and
 /// by a second writing of the station's theory, cut to four decimals.
-struct SunDay {
+struct SunSample {
     std::size_t date; ///< index
     double elevation[kMinutes];
     double stated[kMinutes];
@@ -29,7 +29,7 @@ struct SunPlace {
     std::int16_t Tz;
     int sunrise[kDates]; ///< minutes from day zero's midnight of the shifted text
     int sunset[kDates];
-    SunDay day;
+    SunSample day;
 };
 
 // clang-format off

@@ -279,12 +279,16 @@ TEST(SerialPosixOpen, AsksForTheDeviceOfThePort) {
     const auto port =
         makeSerialPort([&](int number) { return devices.at(std::size_t(number) - 1).path(); });
     for (const int number : {1, 4, 2, 3, 1}) { // each open gives up the port before
+        EXPECT_TRUE(port->isThere(number));
         ASSERT_TRUE(port->open(number, kLine)) << port->fault();
         ASSERT_TRUE(port->write(bytesOf("x")));
         for (int other = 1; other <= 4; ++other)
             EXPECT_EQ(devices[std::size_t(other) - 1].received(1, other == number ? 1000 : 0),
                       other == number ? bytesOf("x") : Bytes{});
     }
+    EXPECT_FALSE(port->isThere(0));
+    EXPECT_FALSE(port->isThere(5));
+    EXPECT_FALSE(makeSerialPort([](int) { return "/dev/none"; })->isThere(1));
 }
 
 /// And closes what was open before.

@@ -42,7 +42,7 @@ TEST_F(TrackerOptionsTest, ReadingTellsWhatItChanged) {
     EXPECT_EQ(status, "Read from the tracker.") << "nothing any more";
     s.port.site[0] = 0x01;
     s.port.site[1] = 0x4A; // 330 min
-    answer([](std::uint8_t cmd, Bytes sound) { return cmd == 0x47 ? Bytes{0x15} : sound; });
+    answer([](std::uint8_t cmd, const Bytes& sound) { return cmd == 0x47 ? Bytes{0x15} : sound; });
     finish(s.options.activate());
     EXPECT_EQ(status, "Failed: OptionSetup Serial:Except[ACK]. Time zone changed: 540 to 330.");
     EXPECT_EQ(form.lbl_hours.caption.get(), "= 5 h 30 min");
@@ -89,11 +89,10 @@ TEST_F(TrackerOptionsTest, TheZonesHoursAreShown) {
 }
 
 TEST_F(TrackerOptionsTest, ReadingFaults) {
-    answer([this](std::uint8_t cmd, Bytes sound) {
+    answer([this](std::uint8_t cmd, const Bytes& sound) {
         if (cmd == 0x47) return Bytes{0x15};
         if (cmd == 0x81) return s.port.goodAnswer(0x85); // another command's reply
-        sound.pop_back();                                // no end byte
-        return sound;
+        return Bytes(sound.begin(), sound.end() - 1);    // no end byte
     });
     finish(s.options.activate());
     EXPECT_EQ(s.logged(),
@@ -135,7 +134,9 @@ TEST_F(TrackerOptionsTest, WritingFaults) {
             SCOPED_TRACE(name + text);
             type("ABCDE", " 330 ", "139.75", "35.5", "10");
             s.port.written.clear();
-            answer([&](std::uint8_t cmd, Bytes sound) { return cmd == failing ? wrong : sound; });
+            answer([&](std::uint8_t cmd, const Bytes& sound) {
+                return cmd == failing ? wrong : sound;
+            });
             finish(s.options.Command1_Click());
             EXPECT_EQ(newlyLogged(), Messages{name + text});
             EXPECT_EQ(status, "Failed: " + name + text + ".");
@@ -164,7 +165,7 @@ TEST_F(TrackerOptionsTest, APortThatCannotBeOpenedOrVanishesIsTold) {
     }
     EXPECT_TRUE(s.port.written.empty());
     s.port.openable = true;
-    answer([this](std::uint8_t cmd, Bytes sound) {
+    answer([this](std::uint8_t cmd, const Bytes& sound) {
         if (cmd == 0x80) s.port.unplug();
         return sound;
     });

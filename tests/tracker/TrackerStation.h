@@ -19,13 +19,13 @@ struct Tracker : testing::Test {
         return task.result();
     }
     /// From now on frames are answered with what `spoil` makes of a sound answer.
-    void answer(std::function<Bytes(std::uint8_t cmd, Bytes sound)> spoil) {
+    void answer(std::function<Bytes(std::uint8_t cmd, const Bytes& sound)> spoil) {
         s.port.answer = [this, spoil = std::move(spoil)](const Bytes& frame) {
             s.port.send(spoil(frame[2], s.port.goodAnswer(frame[2])));
         };
     }
     void answerSoundly() {
-        answer([](std::uint8_t, Bytes sound) { return sound; });
+        answer([](std::uint8_t, const Bytes& sound) { return sound; });
     }
     /// What has been logged since this was asked last.
     Messages newlyLogged() {
