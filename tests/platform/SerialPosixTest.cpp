@@ -313,7 +313,7 @@ TEST(SerialPosixOpen, RefusesWhatIsNoPortAndTellsWhy) {
                  {device.path(), 1, "38400,N,8", "Unusable line settings: 38400,N,8"},
                  {device.path(), 1, "", "Unusable line settings: "}};
     for (const auto& [path, number, settings, reason] : cases) {
-        SCOPED_TRACE(path + " " + std::to_string(number) + " " + settings);
+        SCOPED_TRACE(testing::Message() << path << ' ' << number << ' ' << settings);
         std::string name = device.path();
         const auto port = makeSerialPort([&name](int) { return name; });
         ASSERT_TRUE(port->open(1, kLine)) << port->fault();

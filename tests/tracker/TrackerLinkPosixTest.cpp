@@ -109,7 +109,7 @@ TEST_F(TrackerLink, FaultMatrix) {
         EXPECT_FALSE(port->isOpen());
         QTest::qWait(rest);
         finish(options.activate());
-        EXPECT_EQ(logged() != "", readingFails);
+        EXPECT_EQ(logged().empty(), !readingFails);
         EXPECT_FALSE(port->isOpen());
         EXPECT_FALSE(busy.active());
         ASSERT_TRUE(simulator.setFault(QString("none")));

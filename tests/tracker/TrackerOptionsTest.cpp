@@ -139,7 +139,8 @@ TEST_F(TrackerOptionsTest, WritingFaults) {
             });
             finish(s.options.Command1_Click());
             EXPECT_EQ(newlyLogged(), Messages{name + text});
-            EXPECT_EQ(status, "Failed: " + name + text + ".");
+            EXPECT_EQ(status,
+                      (testing::Message() << "Failed: " << name << text << ".").GetString());
             EXPECT_EQ(form.txt_tz.text.get(), failing == 0x80 ? " 330 " : "330");
             EXPECT_EQ(s.port.written.size(), 5U) << "three frames, acknowledged but for one";
             expectAtRest();
