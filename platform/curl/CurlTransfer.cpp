@@ -14,6 +14,9 @@ constexpr int kMostRedirects = 3;
 constexpr std::size_t kFirstRoom = 128 * 1024;   ///< bytes
 constexpr std::size_t kMostHeaders = 256 * 1024; ///< bytes of all headers of a transfer
 
+/// A picture comes in few pieces then, each of which costs a turn of the event loop.
+constexpr long kBufferSize = 128 * 1024;
+
 /// Our own words, alike on all systems and for every version of the library.
 std::string textOf(CURLcode fault) {
     switch (fault) {
@@ -153,6 +156,7 @@ void CurlTransfer::Transfer::setOptions() {
     set(CURLOPT_NOSIGNAL, 1L);
     set(CURLOPT_QUICK_EXIT, 1L); // else ending during a name's look-up waits for the look-up
     set(CURLOPT_MAXFILESIZE_LARGE, static_cast<curl_off_t>(mostBytes()));
+    set(CURLOPT_BUFFERSIZE, kBufferSize);
     set(CURLOPT_WRITEFUNCTION, &Transfer::onBody);
     set(CURLOPT_WRITEDATA, this);
     set(CURLOPT_HEADERFUNCTION, &Transfer::onHeader);
