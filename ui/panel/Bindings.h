@@ -8,7 +8,7 @@
 namespace orvane {
 
 /// The values that a window follows. It stops following them when it is destroyed, since the values
-/// outlive the windows.
+/// outlive the windows. A value has one observer: whoever follows it takes it from the one before.
 class Bindings {
   public:
     Bindings() = default;

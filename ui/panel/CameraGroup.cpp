@@ -18,7 +18,9 @@ QGroupBox* cameraGroup(PanelControls& controls, OperationPanel& panel, CameraPan
         {"txtPort", "Camera port", "The port of the camera's web server, usually 80."},
         panel.txtPort, [&camera] { camera.txtPort_Change(); },
         [&camera] { camera.address_LostFocus(); });
+    // Five digits and a little: the address gets the room.
     port->setFixedWidth(port->fontMetrics().horizontalAdvance("000000") + 12);
+    // The window for the camera's picture opens first: what comes of the fetch is shown in it.
     const auto fetch = [&camera, &tasks, pictureWanted] {
         pictureWanted();
         tasks.spawn(camera.Command8_Click());

@@ -30,6 +30,7 @@ bool ElidedLabel::fits() const {
 }
 
 bool ElidedLabel::event(QEvent* event) {
+    // A text that fits leaves the place to the tool tip that says what the label is.
     if (event->type() != QEvent::ToolTip || fits()) return QLabel::event(event);
     QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), text(), this);
     return true;

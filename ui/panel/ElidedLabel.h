@@ -7,7 +7,8 @@
 namespace orvane {
 
 /// A one-line label that never widens its window: text that is too long is cut with an ellipsis and
-/// shown whole in the tool tip. `text()` is always the whole text.
+/// shown whole in the tool tip. `text()` is always the whole text. It draws by itself, as plain
+/// text: what a camera or a file name says is never taken for markup, and no "&" for a key.
 class ElidedLabel : public QLabel {
   public:
     explicit ElidedLabel(QWidget* parent = nullptr, Qt::TextElideMode mode = Qt::ElideRight);

@@ -24,6 +24,8 @@ QListWidget* foundList(PanelControls& controls, OperationPanel& panel,
                                    for (const auto& file : files)
                                        list->addItem(toQString(file.filename()));
                                });
+    // `itemActivated` is the double click and Enter. The row is looked up in the value, not in the
+    // item: a name alone does not say which folder it was found in.
     QObject::connect(list, &QListWidget::itemActivated, list,
                      [&panel, list, open = std::move(open)](QListWidgetItem* item) {
                          const auto row = static_cast<std::size_t>(list->row(item));
@@ -46,6 +48,7 @@ QGroupBox* findGroup(PanelControls& controls, OperationPanel& panel, FolderScan&
     QPushButton* button = controls.button(
         {"cmd_find", "Fi&nd", "Looks through the folder; at most 24 files are listed."},
         panel.cmd_find, [&scan] { scan.cmd_find_Click(); });
+    // By way of the button, so that Enter does nothing while that is locked.
     QObject::connect(text, &QLineEdit::returnPressed, button, &QPushButton::click);
     QVBoxLayout* rows = controls.folder(
         {"Dir1_1", "Folder to look through",

@@ -32,6 +32,7 @@ std::optional<Listing> subFolders(const fs::path& folder) {
             listing.complete = false;
             break;
         }
+        // An entry that cannot be asked is no folder to go into; the others are listed.
         std::error_code unreadable;
         if (entry->is_directory(unreadable)) listing.folders.push_back(entry->path());
     }
@@ -40,6 +41,7 @@ std::optional<Listing> subFolders(const fs::path& folder) {
 }
 
 fs::path parentOf(const fs::path& path) {
+    // A path that ends with a separator has the folder itself as its parent.
     const fs::path folder = path.has_filename() ? path : path.parent_path();
     return folder.parent_path();
 }
@@ -55,6 +57,7 @@ FolderView::FolderView(QWidget* parent) : QListWidget(parent) {
     setIconSize({icon, icon});
     connect(this, &QListWidget::itemActivated, this, [this](const QListWidgetItem* item) {
         const auto folder = item->data(Qt::UserRole).value<fs::path>();
+        // Notes have no folder.
         if (!folder.empty()) emit entered(folder);
     });
 }
@@ -62,6 +65,8 @@ FolderView::FolderView(QWidget* parent) : QListWidget(parent) {
 void FolderView::setPath(const fs::path& path) {
     path_ = path;
     list();
+    // With the focus there must be a row that the arrow keys go on from; without it none looks
+    // chosen.
     setCurrentRow(hasFocus() ? 0 : -1);
 }
 
@@ -111,6 +116,7 @@ void FolderView::changeEvent(QEvent* event) {
 }
 
 QSize FolderView::minimumSizeHint() const {
+    // Two rows: on small screens the list is what gives way before the panel has to scroll.
     const int rowHeight = std::max(fontMetrics().height(), iconSize().height()) + 2;
     return {fontMetrics().averageCharWidth() * 20, rowHeight * 2 + 2 * frameWidth()};
 }

@@ -8,11 +8,13 @@ namespace orvane {
 
 /// A folder's sub-folders, to walk through: ".." and one row each; Enter or a double click goes in.
 /// It holds at most `kMaxRows` sub-folders, and a folder that cannot be read is said to be so in a
-/// row of its own.
+/// row of its own. It lists when it is told a folder, when the keyboard comes to it and when it is
+/// enabled again; nothing watches the folder, so in between it may be behind.
 class FolderView : public QListWidget {
     Q_OBJECT
 
   public:
+    /// More than the days of a year; a list that long is read on the window's thread.
     static constexpr std::size_t kMaxRows = 500;
 
     explicit FolderView(QWidget* parent = nullptr);

@@ -8,7 +8,8 @@ namespace orvane {
 
 /// A small sign for a grade, told apart by its shape as well as by its colour: a ring while
 /// recording is off, a disc when all is well, a triangle for attention, a cross in a square for
-/// trouble.
+/// trouble. As high as a line of its font. What it means in words is its owner's to say, in the
+/// tool tip and the accessible name.
 class GradeSign : public QWidget {
   public:
     explicit GradeSign(QWidget* parent = nullptr);

@@ -41,6 +41,8 @@ class FocusWatch : public QObject {
 } // namespace
 
 QFont japaneseFont(QFont font) {
+    // Without a family named here the system picks one by itself, which for these characters may be
+    // Chinese. The window's own stays the last, for what the others lack.
     font.setFamilies({"MS UI Gothic", "IPAPGothic", "IPAexGothic", "IPAGothic", "Noto Sans CJK JP",
                       "Noto Sans JP", "Yu Gothic UI", "Meiryo UI", font.family()});
     return font;
@@ -73,6 +75,7 @@ QPushButton* PanelControls::button(const Face& face, Button& model, Handler clic
     auto* button = new QPushButton(face.caption, &owner_);
     present(*button, face);
     followEnabled(*button, model.enabled);
+    // The button itself is the context: the handler cannot be called once it is gone.
     QObject::connect(button, &QPushButton::clicked, button, std::move(click));
     return button;
 }
@@ -82,6 +85,7 @@ QCheckBox* PanelControls::checkBox(const Face& face, CheckBox& model, Handler cl
     present(*box, face);
     followEnabled(*box, model.enabled);
     bindings_.follow(model.ticked, [box](bool ticked) { box->setChecked(ticked); });
+    // `clicked` and not `toggled`: a tick that a routine sets is no wish of the operator.
     QObject::connect(box, &QCheckBox::clicked, box, [&model, click = std::move(click)](bool on) {
         model.ticked = on;
         if (click) click();
@@ -99,11 +103,13 @@ QLineEdit* PanelControls::textBox(const Face& face, TextBox& model, Handler chan
         // Setting an equal text would move the cursor of a field that is being edited.
         if (field->text() != text) field->setText(text);
     });
+    // `textEdited` and not `textChanged`, for the same reason.
     QObject::connect(field, &QLineEdit::textEdited, field,
                      [&model, change = std::move(change)](const QString& text) {
                          model.text = text.toStdString();
                          if (change) change();
                      });
+    // An event filter, since a line edit has no signal that leaves out its menu and other windows.
     if (lostFocus) new FocusWatch(*field, std::move(lostFocus));
     return field;
 }
@@ -133,10 +139,12 @@ QProgressBar* PanelControls::progressBar(const Face& face, ProgressBar& model) {
 QProgressBar* PanelControls::busyBar(const Face& face) {
     auto* bar = new QProgressBar(&owner_);
     present(*bar, face);
+    // Without a range the style shows a bar that runs to and fro.
     bar->setRange(0, 0);
     bar->setTextVisible(false);
     bar->setFixedHeight(bar->fontMetrics().height() / 2 + 2);
     QSizePolicy policy = bar->sizePolicy();
+    // What is below it would jump at the begin and the end of each run.
     policy.setRetainSizeWhenHidden(true);
     bar->setSizePolicy(policy);
     return bar;
@@ -145,6 +153,7 @@ QProgressBar* PanelControls::busyBar(const Face& face) {
 QVBoxLayout* PanelControls::folder(const Face& face, const QString& tip, FolderList& model,
                                    std::function<void(const std::filesystem::path&)> entered) {
     auto* path = new ElidedLabel(&owner_, Qt::ElideMiddle);
+    // The list itself has the control's name.
     path->setObjectName(face.name + "_path");
     path->setAccessibleName(face.caption);
     auto* folders = new FolderView(&owner_);

@@ -23,8 +23,9 @@ namespace orvane {
 class ElidedLabel;
 class UpDown;
 
-/// How a control presents itself: its name, what stands on it, its tool tip and what a screen
-/// reader calls it when nothing stands on it.
+/// How a control presents itself: its name, by which automation finds it, what stands on it, its
+/// tool tip and what a screen reader calls it when nothing stands on it. A "&" in the caption marks
+/// its key.
 struct Face {
     QString name;
     QString caption;
@@ -35,7 +36,8 @@ struct Face {
 /// it is not installed.
 QFont japaneseFont(QFont font);
 
-/// Whether windows are dark, so that what is coloured on them must be light.
+/// Whether windows are dark, so that what is coloured on them must be light. Asked anew at each
+/// drawing: the operator may change the desktop's colours while the program runs.
 bool isDark(const QPalette& palette);
 
 /// A dialog's own control: one that follows no value.
@@ -60,7 +62,10 @@ QAction* addEntry(QMenu& menu, const Face& face, const QList<QKeySequence>& keys
 }
 
 /// Makes the panel's widgets. Each follows the value of the same name; what the operator does goes
-/// into the value first and then to the handler.
+/// into the value first and then to the handler, so that a handler finds the new state in the
+/// panel, as a routine does that sets it by itself. The widgets belong to their Qt parents, the
+/// values to the station; this holds only the ties between the two and must go before the values
+/// do.
 class PanelControls {
   public:
     using Handler = std::function<void()>;

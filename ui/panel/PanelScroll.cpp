@@ -7,15 +7,18 @@
 
 namespace orvane {
 namespace {
+/// Pixels; less would cut the texts of the status.
 constexpr int kUsualWidth = 330;
-}
+} // namespace
 
 PanelScroll::PanelScroll(QWidget& panel, QWidget* parent) : QScrollArea(parent) {
     setFrameShape(QFrame::NoFrame);
+    // Else it would be a stop of the Tab key at which nothing is seen.
     setFocusPolicy(Qt::NoFocus);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setWidgetResizable(true);
     setWidget(&panel);
+    // A scroll area does not take over its widget's minimum width, so that has to be watched.
     panel.installEventFilter(this);
     fitWidth();
 }
@@ -32,6 +35,7 @@ void PanelScroll::resizeEvent(QResizeEvent* event) {
 
 void PanelScroll::fitWidth() {
     const QSize needed = widget()->minimumSizeHint();
+    // Worked out, since the bar may be shown or hidden only after this.
     const bool scrolls = height() < needed.height();
     setFixedWidth(std::max(kUsualWidth, needed.width()) +
                   (scrolls ? verticalScrollBar()->sizeHint().width() : 0));

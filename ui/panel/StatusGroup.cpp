@@ -13,6 +13,7 @@ QGroupBox* statusGroup(PanelControls& controls, OperationPanel& panel) {
     QFont narrow = large; // with its own size and weight: a painter fills in what is not set
     narrow.setPointSizeF(large.pointSizeF());
     narrow.setBold(false);
+    // The longest texts of the status do not fit in large letters.
     status->setNarrowFont(narrow);
     large.setPointSizeF(large.pointSizeF() * 1.6);
     large.setBold(true);
@@ -27,6 +28,8 @@ QGroupBox* statusGroup(PanelControls& controls, OperationPanel& panel) {
         sign->setAccessibleName(toQString(words));
     });
     grid->addLayout(row({sign, {status, 1}}, 6), 0, 0, 1, 4);
+    // Not made by `controls`: besides its text it follows whether there is one, and a value has one
+    // observer.
     auto* fault = new ElidedLabel;
     fault->setObjectName("lbl_fault");
     fault->setAccessibleName("Why the last attempt failed");
@@ -56,6 +59,7 @@ QGroupBox* statusGroup(PanelControls& controls, OperationPanel& panel) {
         panel.lbl_free);
     grid->setColumnStretch(1, 1);
     QGroupBox* box = panelGroup("Status", grid);
+    // Behind `panelGroup`, which gives a layout one spacing for both directions.
     grid->setHorizontalSpacing(8);
     grid->setVerticalSpacing(2);
     return box;

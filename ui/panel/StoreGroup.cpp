@@ -16,6 +16,7 @@ QLayout* countRow(PanelControls& controls, OperationPanel& panel) {
         panel.lbl_sync);
     span->setShortest("00000");
     span->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    // It stands between its caption and its unit: the count beside it takes the room.
     span->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     ElidedLabel* count = controls.label(
         {"lbl_dlcnt", "Downloaded files", "Files that the present or last run has downloaded."},

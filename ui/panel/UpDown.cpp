@@ -18,6 +18,7 @@ UpDown::UpDown(QLineEdit& field, int maximum, QWidget* parent)
     addArrow(Qt::DownArrow, -1);
     const int height = field.sizeHint().height();
     setFixedSize(height * 3 / 4, height);
+    // Keys and wheel arrive at the field, which has the focus.
     field.installEventFilter(this);
 }
 
@@ -28,6 +29,7 @@ void UpDown::addArrow(Qt::ArrowType arrow, int by) {
     button->setArrowType(arrow);
     button->setAutoRepeat(true);
     button->setFocusPolicy(Qt::NoFocus); // the keyboard steps in the field itself
+    // Two of them share the field's height, which is less than a tool button wants.
     button->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Ignored);
     connect(button, &QToolButton::clicked, this, [this, by] { step(by); });
     layout()->addWidget(button);
@@ -54,6 +56,7 @@ bool UpDown::eventFilter(QObject* watched, QEvent* event) {
     }
     // Without the focus the wheel scrolls the panel: passing over a field must not change it.
     if (event->type() == QEvent::Wheel && field_.hasFocus()) {
+        // Touch pads and fine wheels send parts of a step.
         wheel_ += static_cast<QWheelEvent*>(event)->angleDelta().y();
         step(wheel_ / QWheelEvent::DefaultDeltasPerStep);
         wheel_ %= QWheelEvent::DefaultDeltasPerStep;

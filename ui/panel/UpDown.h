@@ -7,7 +7,8 @@ class QLineEdit;
 namespace orvane {
 
 /// The two arrow buttons beside a numeric field. The field's Up and Down keys and, while it has the
-/// focus, its wheel step too. It stops at its limits; it does not write into the field.
+/// focus, its wheel step too. It stops at its limits; it does not write into the field: the
+/// station's handler does, so that stepping and typing take the same way.
 class UpDown : public QWidget {
     Q_OBJECT
 

@@ -52,6 +52,7 @@ QIcon sign(const QColor& colour, bool circle) {
 
 /// Marks a field whose text is not the number it should be, and says so in its tool tip.
 void markNumber(QLineEdit& field, bool valid) {
+    // The tip of a valid field, which the description keeps.
     const QString tip = field.accessibleDescription();
     field.setProperty("valid", valid);
     field.setToolTip(valid ? tip : "Not a number that can be used; the last one stays. " + tip);
@@ -72,6 +73,7 @@ frmOperation::frmOperation(Parts parts, QWidget* parent)
     setObjectName("frmOperation");
     setAccessibleName("Operation panel");
     pages_->setObjectName("pages");
+    // Without a frame around the pages, whose groups have frames enough.
     pages_->setDocumentMode(true);
     pages_->tabBar()->setObjectName("pages_bar");
     addPage(*pages_, "Recording", "When pictures are taken and where they go.",
@@ -86,6 +88,7 @@ frmOperation::frmOperation(Parts parts, QWidget* parent)
     fill(*this, column({statusGroup(controls_, parts_.panel), recordingButtons(), {pages_, 1}}, 5),
          {6, 4, 6, 6});
     orderTabs();
+    // A start that the schedule's fields forbid leads to the field at fault.
     controls_.bindings().follow(parts_.recording.faultyField,
                                 [this](const std::optional<std::size_t>& index) {
                                     if (index) bring(QString("Text1_%1").arg(*index));
@@ -128,6 +131,7 @@ void frmOperation::focusStart() {
 
 void frmOperation::showPage(int page) {
     pages_->setCurrentIndex(page);
+    // The window's ring and not the page's own chain: it knows what is enabled and in which order.
     const FocusRing controls(*window(), {});
     for (QWidget* stop : controls.stops())
         if (pages_->currentWidget()->isAncestorOf(stop))
@@ -174,6 +178,7 @@ QWidget* frmOperation::recordingButtons() {
     QPushButton* stop = controls_.button({"Command2", "S&top Recording", "Stops recording."},
                                          parts_.panel.Command2, [this] {
                                              parts_.recording.Command2_Click();
+                                             // The pressed button is disabled now; see below.
                                              if (start_->isEnabled()) start_->setFocus();
                                          });
     start_ = controls_.button({"Command1", "&Start Recording",
@@ -254,6 +259,7 @@ void frmOperation::addFolderMenu(FolderView& list) {
     connect(show, &QAction::triggered, this,
             [this, &list] { emit folderShowWanted(list.currentFolder()); });
     list.addAction(show);
+    // The action is the list's own, so the menu's key opens it as well.
     list.setContextMenuPolicy(Qt::ActionsContextMenu);
 }
 
@@ -261,6 +267,7 @@ QWidget& frmOperation::bring(const QString& name) {
     auto* control = findChild<QWidget*>(name);
     for (int page = 0; page < pages_->count(); ++page)
         if (pages_->widget(page)->isAncestorOf(control)) pages_->setCurrentIndex(page);
+    // As by a key: a field's text is selected then, ready to be typed over.
     giveFocus(*control, Qt::ShortcutFocusReason);
     return *control;
 }
@@ -274,6 +281,7 @@ void frmOperation::selectFolder() {
                                    toQString(parts_.panel.Dir1[0].path.get()));
     dialog->setFileMode(QFileDialog::Directory);
     dialog->setOption(QFileDialog::ShowDirsOnly);
+    // Nothing happens when it is cancelled. A task, since the station may have a question about it.
     connect(dialog, &QFileDialog::fileSelected, this, [this](const QString& folder) {
         parts_.tasks.spawn(parts_.recording.chooseDataFolder(toPath(folder)));
     });
@@ -314,6 +322,7 @@ QLayout* frmOperation::siteField(const Face& face, TextBox& model,
     };
     QLineEdit* field = controls_.textBox(
         face, model, [&settings, change, mark] { mark((settings.*change)()); },
+        // Leaving the field shows the number that is in force again.
         [&settings, mark] {
             settings.showSite();
             mark(true);

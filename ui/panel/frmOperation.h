@@ -19,7 +19,9 @@ namespace orvane {
 class FolderView;
 
 /// The operation panel. It holds no logic: it shows the values of `OperationPanel` in widgets of
-/// the same names and forwards what the operator does.
+/// the same names and forwards what the operator does. What takes time is spawned into `tasks`, so
+/// a click returns at once. What concerns other windows is a signal, and `frmMain` connects it. The
+/// main window owns it; it goes before the values that it follows.
 class frmOperation : public QWidget {
     Q_OBJECT
 
