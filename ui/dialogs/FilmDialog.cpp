@@ -25,6 +25,7 @@ class FilmControls : public QWidget {
         rate_->setToolTip("How many pictures are shown in a second, 1 to 60.");
         rate_->setRange(1, 60);
         rate_->setValue(FilmOptions{}.rate);
+        // Enter starts the film, whichever control has the focus.
         choose_->setAutoDefault(false);
         fill(*this, column({row({captionOf(size_, "Si&ze"), size_,
                                  captionOf(rate_, "Pictures a secon&d"), rate_, Item()},
@@ -56,6 +57,7 @@ class FilmControls : public QWidget {
     }
 };
 
+/// Told each time the dialog comes to the front: ffmpeg may have been installed meanwhile.
 QString purposeOf(const FilmFile& film, const Module1& module) {
     const std::filesystem::path program = film.program();
     if (program.empty())
@@ -73,6 +75,7 @@ void askForProgram(FilmFile& film, SpanDialog& form) {
     dialog->setFileMode(QFileDialog::ExistingFile);
     QObject::connect(dialog, &QFileDialog::fileSelected, &form, [&](const QString& file) {
         film.choose(toPath(file));
+        // It names the program, or how to get one.
         form.tellPurpose();
     });
     openOnce(dialog);
@@ -84,8 +87,11 @@ SpanDialog* filmDialog(FilmFile& film, const Module1& module, const Clock& clock
     auto* controls = new FilmControls;
     const auto purpose = [&] { return purposeOf(film, module); };
     const auto start = [&, controls](DaySpan span, SpanDialog& form) {
+        // A key may start the film while a number is being typed.
         controls->interpretText();
         FilmOptions options = controls->chosen();
+        // As the save options are at the start, not when the dialog was opened: the purpose says
+        // which.
         options.mirror = isSet(module.image.LrFlg);
         QString days = toQString(dateDigits(WallTime(span.first)));
         if (span.last != span.first) days += "-" + toQString(dateDigits(WallTime(span.last)));

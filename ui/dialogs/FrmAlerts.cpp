@@ -17,6 +17,7 @@
 namespace orvane {
 namespace {
 
+// Pixels, and room for a server's longer replies: else the dialog would grow under the pointer.
 constexpr int kTextWidth = 460;
 constexpr int kTextLines = 3;
 
@@ -45,6 +46,7 @@ QGridLayout* grid(std::initializer_list<std::pair<QLabel*, Item>> rows) {
 FrmAlerts::FrmAlerts(Alerts& alerts, Faults& faults, QWidget* parent)
     : QDialog(parent), alerts_(alerts), tasks_(faults.teller("Alerts")) {
     outcome_ = control<QLabel>("lblOutcome", {});
+    // A server's reply may stand in it.
     outcome_->setTextFormat(Qt::PlainText);
     outcome_->setTextInteractionFlags(Qt::TextSelectableByMouse);
     outcome_->setWordWrap(true);
@@ -89,6 +91,7 @@ QLayout* FrmAlerts::portRow() {
     port_->setObjectName("spnPort");
     port_->setToolTip("The server's port; usually 25, 587 or 465.");
     port_->setRange(1, 65535);
+    // Chosen by the operator only: what `Form_Activate` shows has its own port.
     connect(security_, &QComboBox::activated, this, &FrmAlerts::cmbSecurity_Click);
     return row({security_, captionOf(port_, "P&ort"), port_, Item()}, 8);
 }
@@ -137,6 +140,7 @@ void FrmAlerts::done(int result) {
 }
 
 void FrmAlerts::showEvent(QShowEvent* event) {
+    // Not when a minimised window comes back: what is being entered stays.
     if (!event->spontaneous()) Form_Activate();
     QDialog::showEvent(event);
 }
@@ -185,6 +189,7 @@ MailSettings FrmAlerts::entered() const {
     settings.server.port = port_->value();
     settings.server.security = static_cast<MailSecurity>(security_->currentIndex());
     settings.server.user = text(user_);
+    // Not trimmed: a blank may belong to it.
     settings.server.password = password_->text().toStdString();
     settings.server.caFile = toPath(caFile_->text().trimmed());
     return settings;
@@ -215,6 +220,7 @@ bool FrmAlerts::isUsable(const MailSettings& settings) {
     tell(text);
     field->setFocus();
     field->selectAll();
+    // Beside the field as well, where the operator looks; it goes by itself.
     QToolTip::showText(field->mapToGlobal(QPoint(0, field->height())), text, field);
     return false;
 }
@@ -244,6 +250,7 @@ void FrmAlerts::cmdOk_Click() {
     port_->interpretText();
     const MailSettings settings = entered();
     if (settings.wanted() && !isUsable(settings)) return;
+    // In force even when they cannot be stored; the dialog then stays, and says so.
     if (const Fault fault = alerts_.use(settings))
         return tell(toQString(*fault + " They hold until the program ends."));
     accept();

@@ -18,7 +18,9 @@ namespace orvane {
 
 /// What the station mails, to whom and by which server. It does not hold up the rest of the
 /// program. The fields show what is in force whenever it opens, and take effect with OK; a test
-/// uses them as they stand, and ends with the dialog.
+/// uses them as they stand, and ends with the dialog. The main window owns it, and it is only
+/// hidden when it closes. What went wrong is told in the dialog, not in a box: nothing that is
+/// entered is lost.
 class FrmAlerts : public QDialog {
   public:
     /// `alerts` and `faults` outlive the dialog.

@@ -50,6 +50,7 @@ void FrmComPort::Form_Activate() {
     }
     for (QRadioButton* option : Option1_)
         option->setAutoExclusive(true);
+    // What is stored is none of these: OK without a choice tries that.
     if (!stored) return Command1_->setFocus();
     QRadioButton* option = Option1_.at(static_cast<std::size_t>(*stored));
     option->setChecked(true);
@@ -63,6 +64,8 @@ std::optional<int> FrmComPort::selected() const {
 }
 
 void FrmComPort::Command1_Click() {
+    // A trial may have to tell the operator something, so it is a task. It belongs to the station
+    // and may outlive the dialog: hence the weak pointer.
     tasks_.spawn(confirm(this, selected()));
 }
 

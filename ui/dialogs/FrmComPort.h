@@ -15,7 +15,8 @@ namespace orvane {
 
 /// Chooses the tracker's port. Those that are not there when it opens are marked, but can be
 /// chosen: their adapter may be plugged in yet. OK tries the port first: the dialog stays open,
-/// with the old port stored, when it cannot be opened.
+/// with the old port stored, when it cannot be opened. The main window owns it, and it is only
+/// hidden when it closes.
 class FrmComPort : public QDialog {
   public:
     /// Both outlive the dialog.

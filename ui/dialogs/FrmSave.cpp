@@ -88,12 +88,14 @@ QLayout* FrmSave::buttons() {
 void FrmSave::Form_Load() {
     chk_lr_->setChecked(isSet(options_.LrFlg));
     chk_date_->setChecked(isSet(options_.DateFlg));
+    // At once, even if the dialog is cancelled: only mirrored pictures are stamped.
     if (!chk_lr_->isChecked()) options_.DateFlg = asFlag(false);
     chk_lr_Click(chk_lr_->isChecked());
     chk_save_->setChecked(isSet(options_.RawFlg));
     txt_delay_->setText(QString::number(options_.Delay));
     opt_type_[0]->setChecked(options_.JpegTyp == ImageControl::kFormatExif);
     opt_type_[1]->setChecked(options_.JpegTyp == ImageControl::kFormat444);
+    // A factor between those of the buttons shows as one of theirs; it stays until one is pressed.
     QRadioButton* level = options_.Quality < 10   ? Option1_
                           : options_.Quality < 50 ? Option2_
                                                   : Option3_;
@@ -110,6 +112,7 @@ void FrmSave::Command1_Click() {
     const QString text = txt_delay_->text().normalized(QString::NormalizationForm_KC);
     const std::optional<std::int16_t> delay = toInt16(text.toStdString());
     if (!delay) {
+        // A box of its own and not the station's operator: the dialog stays open behind it.
         auto* box = new QMessageBox(QMessageBox::NoIcon, "Orvane",
                                     "The delay is not a usable number. Please enter whole seconds, "
                                     "5 or more and at most 32767.",

@@ -14,6 +14,7 @@ namespace orvane {
 
 /// The options of saved pictures. They change when OK is pressed, but for two: the quality follows
 /// its buttons at once, and without mirroring the date stamp is off as soon as the dialog opens.
+/// Made anew each time, and gone when it is closed.
 class FrmSave : public QDialog {
   public:
     /// `options` outlives the dialog.

@@ -20,6 +20,7 @@ FrmStatusPage::FrmStatusPage(const Module1& module, PanelSettings& settings, QWi
                   "second and can be opened from other computers when its folder is shared:");
     about->setWordWrap(true);
     auto* place = control<QLabel>("Label2", QDir::toNativeSeparators(toQString(page_)));
+    // A path, to be copied into a browser elsewhere.
     place->setTextFormat(Qt::PlainText);
     place->setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
     place->setWordWrap(true);

@@ -7,7 +7,8 @@
 namespace orvane {
 
 /// "Tools > Status Page": where the page lies that tells the station's state to others, and whether
-/// the latest picture is copied beside it. The switch takes effect at once.
+/// the latest picture is copied beside it. The switch takes effect at once. Made anew each time,
+/// and gone when it is closed; what it is given outlives it.
 class FrmStatusPage : public QDialog {
     Q_OBJECT
 

@@ -11,6 +11,7 @@
 
 namespace orvane {
 namespace {
+// The whole of it is seen, since the field cannot be widened.
 constexpr const char* kLongestQuery = "?i_year=2000&i_mon=00&i_day=00&i_hour=00&i_min=00&i_sec=00";
 } // namespace
 
@@ -29,6 +30,7 @@ QGridLayout* FrmTKRTimeAuto::outcomes() {
     QLineEdit* query = controls_.textBox(
         {"txtSystemQuery", "Query to the camera", "What is sent to the camera's clock page."},
         form_.txtSystemQuery, {});
+    // A field all the same: a query can be selected and copied.
     query->setReadOnly(true);
     query->setMinimumWidth(query->fontMetrics().horizontalAdvance(kLongestQuery) + 20);
     grid->addWidget(captionOf(query, "&Query"), 1, 0);
@@ -63,6 +65,7 @@ QLayout* FrmTKRTimeAuto::buttons() {
     // A disabled "Close" is what tells that a procedure runs.
     controls_.bindings().follow(form_.Command3.enabled, [this, bar, close](bool on) {
         bar->setVisible(!on);
+        // In the place of the button's own following: a value has one observer.
         close->setEnabled(on);
         // Where the focus would fall when its button is disabled, it selects the query.
         QWidget* next = on ? static_cast<QWidget*>(close) : this;
@@ -76,6 +79,7 @@ void FrmTKRTimeAuto::applyColours() {
     const bool dark = isDark(palette());
     const QColor blue = dark ? QColor(0x8a, 0xb4, 0xff) : QColor(0x00, 0x00, 0xff);
     for (std::size_t index = 0; index < Label2_.size(); ++index) {
+        // Called while they are being made as well.
         if (Label2_[index] == nullptr) continue;
         QPalette colours;
         if (form_.Label2[index].blue) colours.setColor(QPalette::WindowText, blue);
@@ -89,6 +93,7 @@ void FrmTKRTimeAuto::changeEvent(QEvent* event) {
 }
 
 void FrmTKRTimeAuto::openManual() {
+    // The daily run may have shown it last. `showEvent` asks for the same flag.
     setAttribute(Qt::WA_ShowWithoutActivating, false);
     show();
     raise();
@@ -102,6 +107,7 @@ void FrmTKRTimeAuto::openAutomatic() {
 
 void FrmTKRTimeAuto::showEvent(QShowEvent* event) {
     QDialog::showEvent(event);
+    // Nothing is set by a window that only comes back from being minimised.
     const bool automatic = testAttribute(Qt::WA_ShowWithoutActivating);
     if (event->spontaneous() || automatic || timeSetting_.running()) return;
     tasks_.spawn(timeSetting_.activate());

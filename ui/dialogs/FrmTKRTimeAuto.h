@@ -12,7 +12,10 @@ class QLabel;
 namespace orvane {
 
 /// Shows how the clocks of camera and tracker are set. Opening it sets the camera's clock;
-/// `openAutomatic` leaves that to the daily run. It stays open while a procedure runs.
+/// `openAutomatic` leaves that to the daily run. It stays open while a procedure runs: Esc and the
+/// close box do nothing then, only the daily run takes it away. The main window owns it, and hides
+/// it when it closes, so that its form has one window for good. Not modal: captures and the panel
+/// go on.
 class FrmTKRTimeAuto : public QDialog {
   public:
     /// All three outlive the dialog.

@@ -53,6 +53,7 @@ void Frm_AutoStart::closeEvent(QCloseEvent* event) {
 void Frm_AutoStart::showEvent(QShowEvent* event) {
     QDialog::showEvent(event);
     const QRect area = screen()->availableGeometry();
+    // It has no parent that it could stand before.
     move(area.center() - rect().center());
 }
 

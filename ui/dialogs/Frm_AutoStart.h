@@ -7,8 +7,9 @@
 
 namespace orvane {
 
-/// The countdown dialog, the program's first window. Its close box and Esc are "Cancel": ending
-/// the program takes the button that says so.
+/// The countdown dialog, the program's first window. Its close box and Esc are "Cancel": ending the
+/// program takes the button that says so. All its exits are `AutoStart`'s, which also counts; what
+/// comes of them has the dialog closed by `closeDialog`.
 class Frm_AutoStart : public QDialog {
   public:
     /// Starts the countdown.

@@ -11,6 +11,7 @@ namespace orvane {
 
 Frm_massege::Frm_massege(Warnings& warnings, QWidget* parent)
     : QDialog(parent), warnings_(warnings), text_(new QLabel("Warning", this)) {
+    // Whoever types into another window goes on typing there.
     setAttribute(Qt::WA_ShowWithoutActivating);
     text_->setObjectName("Label1");
     text_->setTextFormat(Qt::PlainText);
@@ -28,6 +29,7 @@ Frm_massege::Frm_massege(Warnings& warnings, QWidget* parent)
 }
 
 void Frm_massege::follow(const std::string& text) {
+    // The value tells that something has changed; what is shown is asked for anew, with advice.
     if (text.empty()) return hide();
     QStringList all;
     for (const auto& [cause, warning] : warnings_.standing())

@@ -15,12 +15,14 @@ class OpenBox {
             QMessageBox::StandardButtons buttons,
             QMessageBox::StandardButton standing = QMessageBox::Ok)
         : closed(clock), box_(new QMessageBox(icon, "Orvane", toQString(text), buttons, window)) {
+        // What a camera answers or a file is called may look like markup.
         box_->setTextFormat(Qt::PlainText);
         box_->setDefaultButton(standing);
         QObject::connect(box_, &QMessageBox::finished, box_, [this](int result) {
             result_ = result;
             closed.fire();
         });
+        // With its window, without an answer: the task must not wait for ever.
         QObject::connect(box_, &QObject::destroyed, box_, [this] { closed.fire(); });
         box_->open();
     }
@@ -28,6 +30,7 @@ class OpenBox {
     OpenBox& operator=(const OpenBox&) = delete;
     ~OpenBox() {
         if (box_ == nullptr) return;
+        // The task is being destroyed: nothing may call back, and the box cannot outlive it.
         box_->disconnect();
         delete box_.data();
     }

@@ -9,7 +9,9 @@
 namespace orvane {
 
 /// The operator at the screen, asked by message boxes. A box belongs to the task that shows it and
-/// goes with it; one whose window is destroyed counts as cancelled.
+/// goes with it; one whose window is destroyed counts as cancelled. Boxes are opened, never
+/// executed: the event loop that runs is the program's own, and several tasks may have one open at
+/// once.
 class QtOperator final : public Operator {
   public:
     explicit QtOperator(Clock& clock) : clock_(clock) {}

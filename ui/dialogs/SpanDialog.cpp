@@ -18,6 +18,7 @@
 namespace orvane {
 namespace {
 
+// Pixels, and lines: texts that come and go do not change the dialog's size.
 constexpr int kTextWidth = 430;
 constexpr int kTextLines = 3;
 
@@ -73,6 +74,7 @@ QLayout* SpanDialog::work() {
 QLayout* SpanDialog::buttons() {
     start_->setDefault(true);
     for (QPushButton* other : {cancel_, close_})
+        // Enter is "Start" from wherever it is pressed.
         other->setAutoDefault(false);
     connect(start_, &QPushButton::clicked, this, [this] { start(); });
     connect(cancel_, &QPushButton::clicked, this, [this] { job_.work.cancel(); });
@@ -87,6 +89,7 @@ void SpanDialog::bring() {
 }
 
 void SpanDialog::bringFor(DaySpan days) {
+    // Work that goes on keeps its days: the dialog then shows that.
     if (!job_.work.running) {
         from_->setDate(dateOf(days.first));
         to_->setDate(dateOf(days.last));
@@ -102,6 +105,7 @@ void SpanDialog::tellPurpose() {
 void SpanDialog::showEvent(QShowEvent* event) {
     QDialog::showEvent(event);
     if (event->spontaneous()) return;
+    // Today at each opening: the program may have been running for weeks.
     if (!used_) {
         const QDate today = dateOf(std::chrono::floor<std::chrono::days>(job_.clock.now()));
         from_->setDate(today);
@@ -137,6 +141,7 @@ void SpanDialog::followRunning(bool running) {
     }
     for (QWidget* control : std::initializer_list<QWidget*>{from_, to_, start_, job_.options})
         if (control != nullptr) control->setEnabled(!running);
+    // And only then: the operator may have gone elsewhere meanwhile.
     if (!running && cancel_->hasFocus()) close_->setFocus();
     cancel_->setEnabled(running);
 }

@@ -21,7 +21,8 @@ struct Module1;
 
 /// Starts work over a span of days, shows how far it is and how it ended, and cancels it. It does
 /// not hold up the rest of the program, and the work goes on when it is closed. The days stand as
-/// they were used last while the program runs, before that both are today.
+/// they were used last while the program runs, before that both are today. Its parent owns it; it
+/// is made once and only hidden when it closes, since it follows the work's values.
 class SpanDialog : public QDialog {
   public:
     /// What is done. All but the texts outlive the dialog.
@@ -75,7 +76,8 @@ SpanDialog* copiesDialog(CopiesAnew& copies, const Module1& module, const Clock&
 /// "Save Report", which asks for the file.
 SpanDialog* reportDialog(DayReport& report, const Clock& clock, QWidget* parent);
 
-/// Asks for a file to be written, and before an existing one is replaced.
+/// Asks for a file to be written, and before an existing one is replaced. `write` is called with
+/// it, not at all when the operator cancels or closes `form`.
 struct FileQuestion {
     QString title;
     QStandardPaths::StandardLocation where;

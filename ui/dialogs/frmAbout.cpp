@@ -44,6 +44,7 @@ QLabel* icon(const QWidget& dialog) {
     const QIcon shown = QApplication::windowIcon();
     if (!shown.isNull())
         made->setPixmap(shown.pixmap(QSize(kIconSize, kIconSize), dialog.devicePixelRatioF()));
+    // Without one it takes no room.
     made->setVisible(!shown.isNull());
     return made;
 }

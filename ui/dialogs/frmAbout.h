@@ -9,7 +9,8 @@
 namespace orvane {
 
 /// The about box: the program's title and version, and a button for the system's own information
-/// tool. It shows the application's icon when there is one.
+/// tool. It shows the application's icon when there is one. Made anew each time, and gone when it
+/// is closed; a start of the tool that is under way then goes on in the station's tasks.
 class frmAbout : public QDialog {
   public:
     /// What the button drives; all of it outlives the dialog.

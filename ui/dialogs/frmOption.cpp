@@ -63,6 +63,7 @@ QLineEdit* frmOption::addField(QFormLayout& layout, const Face& face, TextBox& m
         return field;
     }
     field->setMinimumWidth(field->fontMetrics().averageCharWidth() * 36);
+    // The form layout makes the caption, and its key leads to the field.
     layout.addRow(face.caption, field);
     return field;
 }
@@ -94,6 +95,7 @@ QLabel* frmOption::status() {
 }
 
 void frmOption::followWorking(bool working) {
+    // Locked controls lose the focus: it is given back when the exchange has ended.
     if (working && focusWidget() != nullptr) focus_ = focusWidget();
     fields_->setEnabled(!working);
     buttons_->setEnabled(!working);

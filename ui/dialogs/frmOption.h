@@ -14,7 +14,8 @@ class QProgressBar;
 namespace orvane {
 
 /// The tracker's options: read when the dialog opens, written back by "Send". Locked, and not to be
-/// closed, while an exchange runs.
+/// closed, while an exchange runs: each ends by itself, within 15 s. The main window
+/// owns it, and hides it when it closes.
 class frmOption : public QDialog {
   public:
     /// All three outlive the dialog.
