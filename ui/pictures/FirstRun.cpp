@@ -14,6 +14,7 @@
 namespace orvane {
 namespace {
 
+// Logical pixels.
 constexpr int kCardWidth = 480;
 constexpr int kSign = 20;
 
@@ -71,6 +72,7 @@ FirstRun::FirstRun(Parts parts, PictureArea& area)
         rows->addWidget(links_[i] = addStep(i));
     fill(*card_, rows, {12, 10, 12, 8});
     fill(*this, column({Item(), row({Item(), card_, Item()}, 0), Item()}, 0));
+    // A child without a layout: nobody else tells it the area's size.
     area.viewport()->installEventFilter(this);
     setGeometry(area.viewport()->geometry());
     connect(&area, &PictureArea::emptied, this, &QWidget::setVisible);
@@ -80,6 +82,7 @@ QCommandLinkButton* FirstRun::addStep(std::size_t index) {
     auto* link = control<QCommandLinkButton>(QString("cmd_first_%1").arg(index + 1), kTitles[index],
                                              kTips[index]);
     QFont font = link->font();
+    // Styles write command links in large letters, for which the card has no room.
     font.setPointSizeF(QWidget::font().pointSizeF());
     link->setFont(font);
     link->setIconSize({kSign, kSign});
@@ -114,11 +117,13 @@ void FirstRun::changeEvent(QEvent* event) {
 
 void FirstRun::resizeEvent(QResizeEvent* event) {
     QWidget::resizeEvent(event);
+    // The texts are cut to the card's width, so they are presented again.
     card_->setFixedWidth(std::clamp(width() - 12, 0, kCardWidth));
     present();
 }
 
 void FirstRun::look() {
+    // The queued call may come after the first window has opened.
     if (!isVisible()) return;
     const FirstSteps::Look seen = parts_.steps.look();
     if (seen == shown_) return;

@@ -15,7 +15,9 @@ namespace orvane {
 class PictureArea;
 
 /// What stands in the picture area while no window is open there: the steps before the first
-/// picture, each with its state. A click on one leads to the control where it is set right.
+/// picture, each with its state. A click on one leads to the control where it is set right. It
+/// looks once a second while it is seen, and not at all otherwise. The area owns it; it lies over
+/// the viewport and is no window of the area.
 class FirstRun : public QWidget {
     Q_OBJECT
 

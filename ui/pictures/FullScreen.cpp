@@ -55,6 +55,7 @@ void FullScreen::toggle() {
     } else if (frame != nullptr) {
         begin(*frame);
     }
+    // The action has checked itself, whether there was a window to show or not.
     entry_->setChecked(on_);
 }
 
@@ -88,6 +89,7 @@ void FullScreen::hideOthers() {
 void FullScreen::end() {
     on_ = false;
     QWidget& window = *area_.window();
+    // Before anything is shown again: the size that new windows were placed in.
     const QSize whole = area_.viewport()->size();
     for (const QPointer<QWidget>& part : std::exchange(hidden_, {}))
         if (part != nullptr) part->show();

@@ -18,7 +18,8 @@ class PictureArea;
 
 /// The picture window in front alone on the whole screen, and back. It stays a part of the main
 /// window, whose other parts are hidden meanwhile, so that menus, keys, boxes and warnings work as
-/// ever. Another window that comes to the front takes its place; without any it ends.
+/// ever. Another window that comes to the front takes its place; without any it ends. The entry,
+/// Escape, the system and the last window's end all lead back the same way. The area owns it.
 class FullScreen : public QObject {
     Q_OBJECT
 
@@ -47,6 +48,7 @@ class FullScreen : public QObject {
     QRect frameBefore_;
     QSize areaBefore_;
     QList<QMdiSubWindow*> windowsBefore_;
+    /// Only these are shown again: what was hidden before stays so.
     QList<QPointer<QWidget>> hidden_;
 };
 

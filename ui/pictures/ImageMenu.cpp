@@ -86,6 +86,7 @@ void ImageMenu::update() {
 
 void ImageMenu::mnuFileSaveAs_Click() {
     if (window_ == nullptr || !window_->hasPicture()) return;
+    // As it is now: the window may show another picture, or be gone, when the name has been chosen.
     const PictureSource source = window_->source();
     auto* dialog = new QFileDialog(area_.window(), "Save As", folderFor(source, saveFolder_),
                                    "JPEG pictures (*.jpg *.jpeg *.JPG *.JPEG)");

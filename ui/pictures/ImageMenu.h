@@ -17,7 +17,8 @@ class PictureArea;
 class QtImageViews;
 
 /// "Save As" of the menu "File" and the menu "Picture": what can be done with the picture window
-/// that is in front. An entry is enabled only when it applies.
+/// that is in front. An entry is enabled only when it applies. The area owns it. The keys belong to
+/// the main window, so they work wherever the focus is in it.
 class ImageMenu : public QObject {
     Q_OBJECT
 

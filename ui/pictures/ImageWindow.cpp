@@ -37,6 +37,8 @@ ImageWindow::ImageWindow(ImageServices& services, QWidget* parent)
     : QWidget(parent), services_(services), view_(new PictureView), details_(new ElidedLabel),
       status_(row({{details_, 1}}, 12)), copying_(services.faults.teller("Orvane")),
       tasks_([this](const std::exception_ptr& fault) {
+          // An unforeseen fault of a loading: told in the window, which would say "Loading..." for
+          // ever.
           services_.faults.report("ImageWindow", fault);
           showText(toQString("The picture cannot be shown: " + textOf(fault) + "."));
       }) {
@@ -65,6 +67,7 @@ void ImageWindow::showPicture(PictureSource source, const QString& title) {
     setToolTip(path);
     view_->setAccessibleName(path.isEmpty() ? title_ : path);
     describeFile();
+    // A picture that is shown stays until the next one is there: stepping does not flicker.
     if (!hasPicture()) view_->showText("Loading...");
     tasks_.spawn(load(Purpose::Show, source_, {}));
 }
@@ -82,7 +85,9 @@ Task<> ImageWindow::load(Purpose purpose, PictureSource source, QRect part) {
     if (purpose == Purpose::Show) co_return take(loaded);
     if (purpose == Purpose::Full) {
         fullLoading_ = false;
+        // The file was replaced or has gone since: not tried again with each move of the zoom.
         fullFailed_ = loaded.size != view_->pictureSize();
+        // Another window may have been zoomed in meanwhile: then these pixels go at once.
         if (services_.fullHolder == this) view_->setFull(loaded.pixels);
         co_return;
     }
@@ -102,6 +107,7 @@ void ImageWindow::take(const LoadedPicture& loaded) {
         const QString others = "\nPage Up and Page Down show the other pictures of its folder.";
         return showText(toQString(loaded.fault) + (path.isEmpty() ? path : '\n' + path + others));
     }
+    // A part must not change when its file does, nor go with it.
     if (keepsJpeg_ || !source_.part.isNull()) source_.jpeg = loaded.jpeg;
     if (fileDetails_.isEmpty() && !loaded.jpeg.isEmpty() && source_.part.isNull())
         fileDetails_ = bytesText(loaded.jpeg.size());
@@ -110,6 +116,7 @@ void ImageWindow::take(const LoadedPicture& loaded) {
 
 void ImageWindow::loadFull() {
     if (services_.fullHolder != this && services_.fullHolder != nullptr)
+        // It asks again when its zoom changes or it gets the focus.
         services_.fullHolder->view_->dropFull();
     services_.fullHolder = this;
     if (std::exchange(fullLoading_, true) || fullFailed_) return;
@@ -147,6 +154,7 @@ void ImageWindow::trim() {
 
 PictureSource ImageWindow::partOf(QRect rectangle) const {
     PictureSource part = source_;
+    // Of a part: its own corner counts in the whole picture.
     part.part = rectangle.translated(source_.part.topLeft());
     return part;
 }
@@ -179,6 +187,7 @@ void ImageWindow::updateStatus() {
 }
 
 QSize ImageWindow::screenPixels() const {
+    // The screen's and not the window's: enlarging the window needs no new decoding.
     return screen()->size() * devicePixelRatioF();
 }
 

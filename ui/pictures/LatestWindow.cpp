@@ -69,6 +69,7 @@ void LatestWindow::updateAge() {
     QString text = toQString(ageText(now - *taken_));
     if (overdue) text += ", overdue";
     if (!liveText_.isEmpty()) text = liveText_;
+    // Called each second: a palette that is set anew paints the window anew.
     if (text == age_->text()) return;
     age_->setText(text);
     QPalette colours = palette();

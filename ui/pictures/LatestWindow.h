@@ -14,7 +14,9 @@ namespace orvane {
 std::string ageText(std::chrono::milliseconds age);
 
 /// The window that follows the captures. At its lower right it tells the age of its picture, and
-/// whether the next ones are overdue.
+/// whether the next ones are overdue. Four states: no picture, a recorded one, a live one, a live
+/// one with the reason why no newer one comes. Closed by the operator it is gone; `QtImageViews`
+/// makes another when one is wanted.
 class LatestWindow : public ImageWindow {
     Q_OBJECT
 

@@ -47,6 +47,7 @@ PictureArea::PictureArea(QWidget* parent) : QMdiArea(parent) {
 QMdiSubWindow& PictureArea::add(QWidget& window, QSize size) {
     constexpr int kStep = 26;
     constexpr int kSteps = 7;
+    // Title bars stay in sight; after seven the steps begin anew.
     const int offset = static_cast<int>(subWindowList().size()) % kSteps * kStep;
     auto* frame = new PictureFrame(*this);
     frame->setWidget(&window);
@@ -77,6 +78,7 @@ void PictureArea::tile() {
     QMdiSubWindow* front = currentSubWindow();
     for (QMdiSubWindow* frame : frames)
         if (frame->isMaximized()) frame->showNormal();
+    // `showNormal` brings each window forward.
     if (front != nullptr) setActiveSubWindow(front);
     lay(frames);
 }
@@ -85,15 +87,18 @@ void PictureArea::lay(const QList<QMdiSubWindow*>& frames) {
     std::vector<Tile> tiles;
     for (const QMdiSubWindow* frame : frames)
         tiles.push_back(tileOf(*frame));
+    // Places count from the corner that is in sight.
     for (QScrollBar* bar : {horizontalScrollBar(), verticalScrollBar()})
         bar->setValue(0);
     const QSize room = maximumViewportSize();
     std::vector<QRect> places = tilesIn(room, tiles);
+    // Those that go on below need a scroll bar, which takes its width from them.
     if (!places.empty() && places.back().bottom() >= room.height())
         places = tilesIn(room - QSize(verticalScrollBar()->sizeHint().width(), 0), tiles);
     tiles_.clear();
     for (qsizetype i = 0; i < frames.size(); ++i) {
         frames[i]->setGeometry(places[static_cast<std::size_t>(i)]);
+        // As it was placed, which need not be as it was told: a window has a least size.
         tiles_.append({frames[i], frames[i]->geometry()});
     }
 }
@@ -107,6 +112,8 @@ bool PictureArea::isTiled() const {
 
 bool PictureArea::viewportEvent(QEvent* event) {
     const bool done = QMdiArea::viewportEvent(event);
+    // A window has gone for good only when it is no child any more: no signal of the area tells
+    // that.
     if (event->type() == QEvent::ChildRemoved) followWindows();
     return done;
 }
@@ -117,6 +124,7 @@ void PictureArea::followWindows() {
 
 void PictureArea::resizeEvent(QResizeEvent* event) {
     const QRect before = filled_;
+    // Asked before the base class has a say in the windows' places.
     const bool tiled = isTiled();
     QMdiArea::resizeEvent(event);
     filled_ = viewport()->rect();

@@ -8,7 +8,8 @@
 namespace orvane {
 
 /// The part of the main window that holds the picture windows. A picture window that fills it goes
-/// on filling it when its size changes, and windows that were tiled stay so until one is moved.
+/// on filling it when its size changes, and windows that were tiled stay so until one is moved. It
+/// owns its windows, each of which goes when it is closed.
 class PictureArea : public QMdiArea {
     Q_OBJECT
 

@@ -11,7 +11,8 @@ namespace orvane {
 class QtImageViews;
 
 /// Opens files that are dropped onto a window or anything in it, as the entry "Open" does, and only
-/// while that is available.
+/// while that is available. The window owns it. A filter, since all that it needs of the window are
+/// three events; what no child accepts arrives there.
 class PictureDrop : public QObject {
   public:
     PictureDrop(QWidget& window, const QAction& open, QtImageViews& views);

@@ -9,7 +9,9 @@
 namespace orvane {
 namespace {
 
+// Short beside a slice of decoding; a queue would have to forget those that are destroyed.
 constexpr auto kTurnPoll = 5ms;
+// Twice what a transfer may bring: a file of any other origin must not fill the memory.
 constexpr qsizetype kMaxBytes = 256 * 1024 * 1024;
 constexpr qsizetype kReadSlice = 4 * 1024 * 1024;
 const std::string kNotOpened = "This file cannot be opened";
@@ -65,6 +67,7 @@ Task<std::string> PictureLoader::read(PictureSource& source) {
         bytes.resize(done + kReadSlice);
         stream.read(bytes.data() + done, kReadSlice);
         bytes.resize(done + stream.gcount());
+        // Looked at with the first slice: a large file of another kind is not read to its end.
         if (!bytes.startsWith("\xFF\xD8"))
             co_return sentence(kNoPicture, bytes.isEmpty() ? "It is empty" : "It is no JPEG file");
         if (bytes.size() > kMaxBytes) co_return sentence(kNoPicture, "The file is too large");
@@ -117,6 +120,7 @@ Task<std::string> PictureLoader::save(PictureSource source, std::filesystem::pat
     Task<std::string> reading = read(source);
     std::string fault = co_await reading;
     if (!fault.empty()) co_return fault;
+    // Byte for byte, so nothing is lost by saving; and without a turn, since nothing is decoded.
     if (!source.isAltered()) co_return writeToFinalName(bytesOf(source.jpeg), target).value_or("");
     while (taken_)
         co_await clock_.sleep(kTurnPoll);

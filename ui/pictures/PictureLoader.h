@@ -33,7 +33,8 @@ struct LoadedPicture {
 
 /// Decodes and saves the pictures of all windows, one at a time, so that no more than one picture
 /// is ever held whole for it, and in slices, so that the windows stay alive. Whoever awaits its
-/// tasks may destroy them at any point; it must outlive them. Nobody else uses its `control`.
+/// tasks may destroy them at any point; it must outlive them. Nobody else uses its `control`. Whose
+/// turn is next is a matter of chance among those that wait: none of them is more urgent.
 class PictureLoader {
   public:
     PictureLoader(Clock& clock, LibjpegImageControl& control) : clock_(clock), control_(control) {}

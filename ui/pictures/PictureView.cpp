@@ -27,12 +27,14 @@ QPoint arrowOf(int key) {
 
 PictureView::PictureView(QWidget* parent) : QWidget(parent) {
     setObjectName("picture");
+    // Each paint covers everything, so nothing needs to be cleared before.
     setAttribute(Qt::WA_OpaquePaintEvent);
     setFocusPolicy(Qt::StrongFocus);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
 }
 
 void PictureView::setPicture(const QImage& reduced, QSize full) {
+    // Another size is another camera or setting: a rectangle means nothing in it.
     if (full != size_) rectangle_ = lastRectangle_ = {};
     reduced_ = reduced;
     full_ = {};
@@ -128,6 +130,7 @@ void PictureView::resizeEvent(QResizeEvent*) {
 /// wheel or a touch pad's sideways stroke does without a key.
 void PictureView::wheelEvent(QWheelEvent* event) {
     const QPoint angle = event->angleDelta();
+    // Eighths of a degree, as Qt counts a wheel; finer wheels send less at a time.
     constexpr double kNotch = 120;
     constexpr double kPixels = 60; // of one notch
     const bool keys = event->modifiers().testAnyFlags(Qt::ShiftModifier | Qt::ControlModifier);
@@ -165,6 +168,7 @@ void PictureView::mouseMoveEvent(QMouseEvent* event) {
 }
 
 void PictureView::dragRectangle(QPointF to) {
+    // The pointer may be outside of the view: `pixelsOf` keeps to the picture.
     const QPointF corner = geometry_.toPicture(to);
     rectangle_ = pixelsOf(QRectF(dragFrom_, corner).normalized(), size_);
     moved();
@@ -246,6 +250,7 @@ void PictureView::focusInEvent(QFocusEvent* event) {
 
 void PictureView::paintEvent(QPaintEvent*) {
     QPainter painter(this);
+    // Black in light and in dark windows: beside a bright frame a night sky shows nothing.
     painter.fillRect(rect(), Qt::black);
     if (hasPicture()) {
         paintPicture(painter);
@@ -274,6 +279,7 @@ void PictureView::paintRectangle(QPainter& painter) const {
     const QRectF frame = geometry_.toView(rectangle_);
     QRegion outside(rect());
     outside -= frame.toAlignedRect();
+    // What would be cut away is darkened; black and white dashes are seen on any picture.
     painter.setClipRegion(outside);
     painter.fillRect(rect(), QColor(0, 0, 0, 130));
     painter.setClipping(false);

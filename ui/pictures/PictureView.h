@@ -11,7 +11,9 @@ namespace orvane {
 /// there is no picture.
 ///
 /// It keeps the picture in no more pixels than the screen has. The whole picture comes only while
-/// the zoom needs it (`fullWanted`, answered by `setFull`) and goes when it does not.
+/// the zoom needs it (`fullWanted`, answered by `setFull`) and goes when it does not. The arrow
+/// keys move the rectangle while there is one, else the picture; keys that it has no use for go on
+/// to its window.
 class PictureView : public QWidget {
     Q_OBJECT
 

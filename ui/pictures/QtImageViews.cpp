@@ -68,7 +68,9 @@ void QtImageViews::openLatest(const std::filesystem::path& file) {
 void QtImageViews::openImages(const std::vector<std::filesystem::path>& files) {
     for (const std::filesystem::path& file : files) {
         PictureSource source{.file = file};
+        // Shown as its processed copy will be, without waiting for that.
         if (module_.imageProcessing) source.processing = module_.image;
+        // No room for one more: the operator has been told, once for all of them.
         if (!open(source, titleOf(file))) return;
         if (isInDatedFolder(file)) tasks_.spawn(writeCopy(file));
     }
@@ -140,6 +142,7 @@ ImageWindow* QtImageViews::find(const PictureSource& source) const {
 LatestWindow* QtImageViews::latestWindow() {
     if (latest_ != nullptr) return latest_;
     latest_ = new LatestWindow(services_, clock_, days_);
+    // Closed by the operator from now on, it stays closed.
     latestWanted_ = false;
     // A capture may open it: what somebody types must not end up in it.
     const QPointer<QWidget> typedInto = QApplication::focusWidget();

@@ -12,7 +12,8 @@ namespace orvane {
 
 /// The picture windows inside the main window: one for the latest picture, one for each picture
 /// that the operator opened, up to `kMaxWindows`. Exists before the main window does; until
-/// `attach` nothing is shown. `control` is theirs alone.
+/// `attach` nothing is shown. `control` is theirs alone. The windows belong to the area, this only
+/// finds them; it outlives the area, whose going is noticed by the weak pointers.
 class QtImageViews final : public ImageViews {
   public:
     static constexpr int kMaxWindows = 24; ///< bounds the memory: each keeps a screenful of pixels

@@ -14,6 +14,7 @@
 namespace orvane {
 namespace {
 
+// Logical pixels, in the proportions of most cameras.
 constexpr QSize kPictureSize(60, 45);
 
 } // namespace
@@ -61,6 +62,7 @@ void Thumbnail::setNewest(bool newest) {
 }
 
 void Thumbnail::mouseDoubleClickEvent(QMouseEvent*) {
+    // A copy: whoever opens it may move the history on, and this frame gets another file.
     const std::filesystem::path file = file_;
     if (!file.empty()) emit opened(file);
 }
@@ -101,6 +103,7 @@ ThumbnailStrip::ThumbnailStrip(PictureLoader& loader, FaultHandler onFault, QWid
         layout->addWidget(frames_[i]);
     }
     layout->addStretch();
+    // Else the frames would hold the window at their width together.
     layout->setSizeConstraint(QLayout::SetNoConstraint);
     fill(*this, layout, {4, 4, 4, 4});
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
@@ -108,6 +111,7 @@ ThumbnailStrip::ThumbnailStrip(PictureLoader& loader, FaultHandler onFault, QWid
 }
 
 void ThumbnailStrip::resizeEvent(QResizeEvent*) {
+    // A frame is shown whole or not at all.
     int right = layout()->contentsMargins().left();
     for (Thumbnail* frame : frames_) {
         right += frame->sizeHint().width();
@@ -129,6 +133,7 @@ void ThumbnailStrip::showHistory(const ThumbnailHistory& history) {
         frames_[i]->setNewest(i == 0 && !history[i].empty());
     }
     setMaximumHeight(history[0].empty() ? 0 : QWIDGETSIZE_MAX);
+    // One that runs finds the new files by itself.
     if (tasks_.running() == 0) tasks_.spawn(decodeWaiting());
 }
 

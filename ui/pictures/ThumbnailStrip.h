@@ -48,8 +48,8 @@ class Thumbnail : public QFrame {
 
 /// The newest pictures, newest first, each decoded once, at the size it is shown in. A picture that
 /// was decoded moves on with its file, so a capture costs one decoding. The arrow keys go from one
-/// to the next. Without height while there is no picture: on a
-/// small desktop its room is dear.
+/// to the next. Without height while there is no picture: on a small desktop its room is dear. One
+/// task at most decodes, for all frames, and goes with the strip.
 class ThumbnailStrip : public QWidget {
     Q_OBJECT
 

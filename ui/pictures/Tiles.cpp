@@ -10,6 +10,7 @@ std::vector<QRect> inRows(QSize area, int count, int rows) {
     std::vector<QRect> places;
     for (int row = 0; row < rows; ++row) {
         const int inRow = count / rows + (row < count % rows ? 1 : 0);
+        // Each edge from the whole, so that roundings leave no gaps.
         const int top = area.height() * row / rows;
         const int bottom = area.height() * (row + 1) / rows;
         for (int column = 0; column < inRow; ++column) {
@@ -68,6 +69,8 @@ std::vector<QRect> tilesIn(QSize area, const std::vector<Tile>& windows) {
             most = sum;
             best = std::move(places);
         }
+    // No grid gives each window its least size: rows of that size go on below, and the area
+    // scrolls.
     if (!best.empty() || count == 0) return best;
     const int columns = std::clamp(area.width() / least.width(), 1, count);
     const int rows = (count + columns - 1) / columns;

@@ -7,7 +7,8 @@
 
 namespace orvane {
 
-/// A window that is to be laid beside others.
+/// A window that is to be laid beside others. All sizes are logical pixels but the picture's, of
+/// which only the proportions matter.
 struct Tile {
     QSize picture; ///< whose shape counts
     QSize around;  ///< what the window needs besides the picture

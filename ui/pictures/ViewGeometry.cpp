@@ -14,6 +14,7 @@ double settled(double centre, double shown, double length) {
 } // namespace
 
 void ViewGeometry::setView(QSize size, double ratio) {
+    // Moved to a screen of another density the picture keeps its zoom, not its size.
     const double zoomBefore = zoom();
     view_ = size.expandedTo(QSize(1, 1));
     ratio_ = ratio;
@@ -40,6 +41,7 @@ double ViewGeometry::fittingScale() const {
 
 void ViewGeometry::zoomTo(double zoom, QPointF at) {
     const QPointF fixed = toPicture(at);
+    // Below what fits nothing more could be seen; a picture smaller than the view may go down to 1.
     const double least = std::min(fittingScale() * ratio_, 1.0);
     scale_ = std::clamp(zoom, least, kMaxZoom) / ratio_;
     fitted_ = false;
@@ -55,6 +57,7 @@ void ViewGeometry::pan(QPointF by) {
 void ViewGeometry::bringIntoView(QRectF part) {
     const QRectF at = toView(part);
     const auto by = [](double from, double to, double length) {
+        // The upper left wins where both cannot be had.
         return std::max(std::min(0.0, length - to), -from);
     };
     pan({by(at.left(), at.right(), view_.width()), by(at.top(), at.bottom(), view_.height())});
@@ -67,6 +70,7 @@ void ViewGeometry::settle() {
 }
 
 bool ViewGeometry::canPan() const {
+    // A fitted picture is as large as the view but for this.
     constexpr double kRounding = 0.5;
     return picture_.width() * scale_ > view_.width() + kRounding ||
            picture_.height() * scale_ > view_.height() + kRounding;

@@ -8,7 +8,9 @@ namespace orvane {
 
 /// Which part of a picture a view shows, and how large. View positions are logical pixels from the
 /// view's upper left corner, picture positions are pixels of the whole picture. A picture smaller
-/// than the view is centred; a larger one cannot be moved out of it.
+/// than the view is centred; a larger one cannot be moved out of it. While it is fitted the zoom
+/// follows the view's size; each zoom of the operator ends that, and `fit` or another size of
+/// picture begins it.
 class ViewGeometry {
   public:
     static constexpr double kMaxZoom = 16;
