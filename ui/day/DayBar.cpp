@@ -29,6 +29,7 @@ DayBar::DayBar(ShownDay& day, QWidget* parent)
     };
     turn(previous_, [](const ShownDay& shown) { return shown.day() - std::chrono::days(1); });
     turn(next_, [](const ShownDay& shown) { return shown.day() + std::chrono::days(1); });
+    // `turnTo` takes any day that is still to come for today.
     turn(today_, [](const ShownDay&) { return std::chrono::local_days::max(); });
     connect(date_, &QToolButton::clicked, this, &DayBar::calendarWanted);
 }
@@ -39,6 +40,7 @@ QToolButton* DayBar::button(const char* name, const QString& caption, const QStr
     made->setText(caption);
     made->setToolTip(tip);
     made->setAutoRaise(true);
+    // Tool buttons are left out by the Tab key otherwise.
     made->setFocusPolicy(Qt::StrongFocus);
     made->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Expanding);
     return made;

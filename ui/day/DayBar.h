@@ -9,7 +9,8 @@ namespace orvane {
 class ShownDay;
 
 /// Which day is in view: "<", the day itself, ">" and "Today". They lie over the band's line of
-/// text, at its left.
+/// text, at its left. The band owns it and tells it of every change; it turns the day by itself,
+/// and says so afterwards. A button for which there is no day is disabled.
 class DayBar : public QWidget {
     Q_OBJECT
 

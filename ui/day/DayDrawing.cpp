@@ -62,6 +62,7 @@ void DayDrawing::draw(const Content& content) {
     painter_.setRenderHint(QPainter::Antialiasing);
     painter_.fillRect(layout_.plot, colours_.ground);
     onPicture_ = !content.keogram.isNull();
+    // From the back to the front: the keogram covers the night, the marks cover the keogram.
     if (content.sun) drawNight(*content.sun);
     if (onPicture_) drawKeogram(content.keogram);
     if (content.sun) drawCurve(*content.sun);
@@ -141,6 +142,7 @@ void DayDrawing::drawNight(const SunDay& sun) {
 void DayDrawing::drawCurve(const SunDay& sun) {
     const double highest = std::max(kFlattestDay, *std::ranges::max_element(sun.elevation));
     const auto y = [&](double degrees) {
+        // A little room is left above noon, so that the curve does not touch the edge.
         const double share = (degrees - kLowestSun) / (highest * 1.08 - kLowestSun);
         return layout_.sun.bottom() - share * layout_.sun.height();
     };
@@ -156,6 +158,7 @@ void DayDrawing::drawCurve(const SunDay& sun) {
     QPainterPath sky;
     sky.addRect(QRectF(layout_.sun.topLeft(), QPointF(layout_.sun.right(), y(0))));
     QPainterPath below = curve;
+    // Far below everything: only the part above the horizon is filled.
     below.lineTo(layout_.plot.right(), layout_.plot.bottom() * 4);
     below.lineTo(layout_.plot.left(), layout_.plot.bottom() * 4);
     if (!onPicture_) painter_.fillPath(below.intersected(sky), colours_.day);
@@ -181,6 +184,7 @@ void DayDrawing::drawSunTime(int minute, bool rising) {
     if (!left && x + gap + width > layout_.plot.right()) left = true;
     const QRectF place(left ? x - gap - width : x + gap, layout_.sun.top() + 1, width,
                        layout_.unit);
+    // Letters on a picture of the sky could not be read.
     if (onPicture_) painter_.fillRect(place, colours_.ground);
     painter_.setPen(colours_.ink);
     const Qt::AlignmentFlag side = left ? Qt::AlignRight : Qt::AlignLeft;
@@ -206,6 +210,7 @@ void DayDrawing::drawMark(const QRectF& place, DayState state, bool isDue) {
     };
     switch (state) {
     case DayState::Taken:
+        // One beside the schedule is paler: there is a picture, but nobody asked for it.
         barOf(0.6, isDue ? colours_.taken : mixed(colours_.ground, colours_.taken, 0.6));
         break;
     case DayState::Fetched:
@@ -233,6 +238,7 @@ void DayDrawing::drawHours() {
     const double label = metrics.horizontalAdvance("00:00");
     int step = 12;
     for (const int hours : {6, 4, 3, 2, 1})
+        // The smallest step whose labels stay apart; all of them divide a day.
         if (hours * 60 * layout_.pixelsPerMinute() > label * 1.5) step = hours;
     for (int hour = 0; hour <= 24; ++hour) {
         const double x = layout_.x(hour * 60);

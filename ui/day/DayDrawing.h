@@ -10,7 +10,7 @@ namespace orvane {
 
 /// Draws one day. States differ in colour and height: a missed mark, which is to be seen first, is
 /// a bar of full height, then come taken, fetched, not recorded, and the low outline of one to
-/// come.
+/// come. Made for one painting and gone after it; it holds nothing but references.
 class DayDrawing {
   public:
     struct Content {

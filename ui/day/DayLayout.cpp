@@ -8,6 +8,7 @@
 namespace orvane {
 namespace {
 
+// Logical pixels, but for the heights.
 constexpr double kMargin = 8;
 constexpr double kColumnWidth = 3; ///< narrower marks cannot be told apart
 constexpr double kWidestMark = 7;
@@ -41,6 +42,7 @@ int DayLayout::columnMinutes() const {
 }
 
 double DayLayout::markWidth(const std::vector<DayMark>& marks) const {
+    // As wide as the closest two allow, with a pixel between them.
     int gap = kDayMinutes;
     for (std::size_t i = 1; i < marks.size(); ++i)
         gap = std::min(gap, marks[i].first - marks[i - 1].first);

@@ -11,7 +11,8 @@
 namespace orvane {
 
 /// Where everything of the day's drawing stands: a line of text with the legend, the sun's curve,
-/// the row of marks, the hours. All sizes follow the font.
+/// the row of marks, the hours. All sizes follow the font. A value for one size and font, made anew
+/// wherever it is needed; all places are logical pixels of the band.
 class DayLayout {
   public:
     DayLayout(const QRect& area, const QFont& font);

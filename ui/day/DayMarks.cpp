@@ -50,6 +50,7 @@ std::vector<DayMark> dayMarks(const DayPlan& plan, int columnMinutes) {
 }
 
 int columnMinutes(double pixelsPerMinute, double pixels) {
+    // Divisors of an hour, so that marks begin with it.
     for (const int minutes : {1, 2, 3, 4, 5, 6, 10, 12, 15, 20, 30})
         if (minutes * pixelsPerMinute >= pixels) return minutes;
     return 60;
@@ -68,6 +69,8 @@ std::string markText(const DayMark& mark, const std::string& detail) {
         text += separator + std::to_string(count) + " " + factsOf(state).text;
         separator = ", ";
     }
+    // Of several minutes only a miss needs its reason; one file's name would say nothing of the
+    // others.
     if (mark.state == DayState::Missed && !detail.empty())
         text += "; " + minuteText(mark.worst) + ": " + detail;
     return text;

@@ -65,6 +65,7 @@ void DayMenu::addWindows(QMenu& menu) {
 
 void DayMenu::turnTo(std::chrono::local_days day) {
     parts_.day.turnTo(day);
+    // As if the band's own buttons had been pressed: it refreshes at once, and all follow.
     emit band_.turned();
 }
 
@@ -111,6 +112,7 @@ void DayMenu::openKeogram() {
 }
 
 void DayMenu::wantKeogram() {
+    // Columns are decoded only while somebody sees them.
     const bool inWindow = keogram_ != nullptr && keogram_->isVisible();
     parts_.day.wantKeogram(inBand_->isChecked() || inWindow);
     band_.refresh();

@@ -23,6 +23,9 @@ class Faults;
 struct Module1;
 
 /// The menu "Day": which day is in view, and the windows that show it otherwise than the band does.
+/// The picture area owns it. Film and keogram are windows of the area and go when they are closed;
+/// the calendar belongs to the main window and is kept. All of them follow the band's signal that
+/// something is new, so none of them needs a timer.
 class DayMenu : public QObject {
     Q_OBJECT
 

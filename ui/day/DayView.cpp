@@ -56,6 +56,7 @@ void DayView::refresh() {
     parts_.day.refresh();
     const bool newSun = computeSun();
     const std::int64_t revision = parts_.day.revision();
+    // Most seconds bring nothing new, and nothing is drawn.
     if (std::exchange(shown_, revision) == revision && !newSun) return;
     keogram_ = keogramShown_ ? imageOf(parts_.day.keogram()) : QImage();
     bar_->follow();
@@ -77,6 +78,7 @@ void DayView::setFilm(int minute) {
 /// Nothing when the site's sun cannot be computed. Whether it has been computed anew.
 bool DayView::computeSun() {
     const auto day = parts_.day.day();
+    // A table of a day's minutes: not worked out anew each second.
     if (day == sunDay_ && site_ == parts_.module.site) return false;
     sunDay_ = day;
     site_ = parts_.module.site;
@@ -85,6 +87,7 @@ bool DayView::computeSun() {
 }
 
 void DayView::mergeMarks() {
+    // The width decides how many minutes share a mark, so each resize merges anew.
     marks_ = dayMarks(parts_.day.plan(), dayLayout().columnMinutes());
     describe();
 }
@@ -130,6 +133,7 @@ void DayView::select(int index) {
 }
 
 bool DayView::event(QEvent* event) {
+    // The height follows the font, which a layout does not know.
     if (event->type() == QEvent::FontChange) updateGeometry();
     if (event->type() != QEvent::ToolTip) return QWidget::event(event);
     const auto* help = static_cast<QHelpEvent*>(event);
@@ -209,6 +213,7 @@ void DayView::openMark(std::size_t index) {
 void DayView::focusOutEvent(QFocusEvent* event) {
     QWidget::focusOutEvent(event);
     QToolTip::hideText();
+    // The band is left: the next time the keyboard starts at the present again.
     selectedMinute_ = -1;
     describe();
     update();
@@ -227,6 +232,7 @@ void DayView::paintEvent(QPaintEvent*) {
 }
 
 void DayView::resizeEvent(QResizeEvent*) {
+    // Not `dayLayout`, whose text begins behind the bar that is placed here.
     const DayLayout day(rect(), font());
     bar_->setGeometry(static_cast<int>(day.text.left()), static_cast<int>(day.text.top()),
                       bar_->sizeHint().width(), static_cast<int>(day.text.height()));

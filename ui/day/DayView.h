@@ -12,12 +12,15 @@ namespace orvane {
 
 class DayBar;
 
+/// A copy of pixels as imaging has them, 32 bits each, for the screen.
 QImage imageOf(const Pixels& pixels);
 
 /// The band with a day at a glance: hours, sun, recording window and what became of every due
 /// minute. While it is visible it looks once a second whether there is something new to show, by
 /// the injected clock. The arrow keys go from mark to mark and tell what the tool tip tells; a
-/// click or Enter opens the mark's picture. While a film is open the band is its slider.
+/// click or Enter opens the mark's picture. While a film is open the band is its slider: a click
+/// goes to that minute of it instead. The main window owns it. It decides nothing: which day, its
+/// plan and its pictures are `ShownDay`'s.
 class DayView : public QWidget {
     Q_OBJECT
 

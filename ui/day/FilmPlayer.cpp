@@ -11,6 +11,7 @@ void FilmPlayer::setFiles(std::vector<std::filesystem::path> files, ImageOptions
     const std::filesystem::path shown = index_ < 0 ? std::filesystem::path() : file(index_);
     files_ = std::move(files);
     processing_ = processing;
+    // New pictures come while a day is watched: the one that is shown keeps its place.
     const auto same = std::ranges::find(files_, shown.native(), &std::filesystem::path::native);
     index_ = same == files_.end() ? -1 : static_cast<int>(same - files_.begin());
     if (index_ < 0) {
@@ -30,6 +31,7 @@ void FilmPlayer::setRate(int picturesPerSecond) {
 
 void FilmPlayer::play() {
     if (files_.empty()) return;
+    // At its end: `run` goes on from the picture after this one.
     if (index_ + 1 >= count()) index_ = -1;
     playing_ = true;
     goOn();
@@ -37,6 +39,7 @@ void FilmPlayer::play() {
 }
 
 void FilmPlayer::pause() {
+    // What was sought is shown all the same.
     if (!seeking_) tasks_.clear();
     playing_ = false;
     emit changed();
@@ -63,6 +66,7 @@ Task<LoadedPicture> FilmPlayer::load(int index) {
 }
 
 Task<> FilmPlayer::showSought() {
+    // Again while another one has been sought meanwhile: only the last of them counts.
     for (int sought = -1; sought != index_;) {
         const Scope seeking(seeking_);
         sought = index_;
@@ -80,6 +84,7 @@ Task<> FilmPlayer::run() {
     const Ticks start = clock_.ticks();
     const int first = index_;
     while (index_ + 1 < count()) {
+        // How many moments have passed: as many are left out as were decoded too slowly.
         const auto over = static_cast<int>((clock_.ticks() - start) / interval_);
         const int next = std::min(std::max(index_ + 1, first + over), count() - 1);
         Task<LoadedPicture> loading = load(next);

@@ -10,7 +10,9 @@
 namespace orvane {
 
 /// Runs pictures one after the other at a fixed rate. A picture that would come too late is left
-/// out, so the film keeps its time; no more than the next picture is held ahead.
+/// out, so the film keeps its time; no more than the next picture is held ahead. Paused or playing;
+/// in both a picture may be sought, and then playing goes on from there. One task does all of it,
+/// and goes with the player.
 class FilmPlayer : public QObject {
     Q_OBJECT
 

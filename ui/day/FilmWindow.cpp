@@ -74,6 +74,7 @@ QLayout* FilmWindow::buttons() {
 }
 
 void FilmWindow::follow() {
+    // What has been read so far would be half a day's film.
     if (!isVisible() || parts_.day.isReading()) return;
     std::vector<FiledPicture> pictures = onePerMinute(parts_.day.pictures());
     setWindowTitle("Film of " + toQString(plainDate(WallTime(parts_.day.day()))));
@@ -88,6 +89,7 @@ void FilmWindow::follow() {
 
 void FilmWindow::seekMinute(int minute) {
     const std::int64_t sought = minuteIndex(WallTime(parts_.day.day())) + minute;
+    // Behind the last picture the player keeps to its last one.
     const auto next = std::ranges::lower_bound(
         pictures_, sought, {}, [](const FiledPicture& picture) { return picture.name.minute(); });
     player_.seek(static_cast<int>(next - pictures_.begin()));
@@ -133,6 +135,7 @@ void FilmWindow::toggle() {
 }
 
 void FilmWindow::step(int by) {
+    // Who steps wants to look at single pictures.
     if (player_.isPlaying()) player_.pause();
     player_.seek(player_.index() + by);
 }

@@ -14,7 +14,10 @@ class QPushButton;
 namespace orvane {
 
 /// The pictures of the day in view as a film, with buttons to play, pause and step. The band is its
-/// slider: it tells where the film is (`minuteShown`) and where it shall be (`seekMinute`).
+/// slider: it tells where the film is (`minuteShown`) and where it shall be (`seekMinute`). A
+/// window of the picture area, which goes when it is closed; hidden it pauses. It has
+/// a loader and an imaging control of its own, since one that all windows share would not keep the
+/// film's time.
 class FilmWindow : public QWidget {
     Q_OBJECT
 

@@ -26,6 +26,7 @@ constexpr DayGrade kGrades[] = {{1, 0xff0064b4, 0xffffffff, "complete"},
                                 {0, 0xffcd4600, 0xffffffff, "less"}};
 constexpr DayGrade kNotRecorded{0, 0xffa8a8a8, 0xff000000, "not recorded"};
 
+/// Null: nothing was due, and the day keeps the calendar's own colours.
 const DayGrade* gradeOf(const DaySurvey::Result& result) {
     if (!result.share) return result.isRecorded ? nullptr : &kNotRecorded;
     if (*result.share == 0 && !result.isRecorded) return &kNotRecorded;
@@ -50,6 +51,7 @@ FrmCalendar::FrmCalendar(ShownDay& day, DaySurvey& survey, QWidget* parent)
     auto* today = control<QPushButton>("cmd_calendar_today", "&Today", "Goes back to today.");
     auto* close = control<QPushButton>("cmdClose", "&Close", "Closes the calendar.");
     for (QPushButton* button : {today, close})
+        // Enter is the calendar's.
         button->setAutoDefault(false);
     setUp(*this, "frmCalendar", "Calendar",
           {calendar_, legend(), text_, row({today, Item(), close})});
@@ -106,6 +108,7 @@ void FrmCalendar::follow() {
 void FrmCalendar::survey() {
     constexpr int kBefore = 7;
     constexpr int kShown = 42;
+    // All formats go: a day of another page may have changed since it was surveyed.
     calendar_->setDateTextFormat({}, {});
     const QDate first(calendar_->yearShown(), calendar_->monthShown(), 1);
     const std::chrono::local_days begin = dayOf(first) - std::chrono::days(kBefore);
@@ -115,6 +118,7 @@ void FrmCalendar::survey() {
 void FrmCalendar::colour() {
     for (const auto& [day, result] : survey_.results()) {
         const QDate date = dateOf(day);
+        // It has its colour: each that is set draws the calendar anew.
         if (!calendar_->dateTextFormat(date).toolTip().isEmpty()) continue;
         QTextCharFormat format;
         if (const DayGrade* grade = gradeOf(result)) {

@@ -15,7 +15,8 @@ class ShownDay;
 
 /// A calendar whose days are coloured by how complete they are, with the numbers in their tips. A
 /// click or Enter turns to a day; the window stays, so that one day after the other can be looked
-/// at.
+/// at. The main window owns it; it is kept when it closes, and its survey ends then. Days get their
+/// colours as the survey finds them.
 class FrmCalendar : public QDialog {
     Q_OBJECT
 

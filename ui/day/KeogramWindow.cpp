@@ -183,6 +183,8 @@ void KeogramWindow::save() {
                 folder_ = QFileInfo(file).absolutePath();
                 QBuffer buffer;
                 const bool isPng = file.endsWith(".png", Qt::CaseInsensitive);
+                // Into memory first: a file that cannot be written whole must not take the old
+                // one's place.
                 image.save(&buffer, isPng ? "PNG" : "JPEG", isPng ? kPngCompression : 92);
                 const Fault fault = writeToFinalName(buffer.data().toStdString(), toPath(file));
                 if (!fault) return;

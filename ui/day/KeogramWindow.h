@@ -8,7 +8,8 @@
 
 namespace orvane {
 
-/// The keogram itself above its hours.
+/// The keogram itself above its hours, as wide as the window: a day's columns, stretched. The arrow
+/// keys go from picture to picture, Enter and a click open one.
 class KeogramView : public QWidget {
     Q_OBJECT
 
@@ -42,7 +43,8 @@ class KeogramView : public QWidget {
 };
 
 /// The keogram of the day in view in a window of its own: to look at, to copy, to save; a click
-/// opens the picture of that minute.
+/// opens the picture of that minute. A window of the picture area, which goes when it is closed. It
+/// fills as columns are decoded, and wants none while it is hidden.
 class KeogramWindow : public QWidget {
     Q_OBJECT
 
