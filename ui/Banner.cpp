@@ -64,8 +64,10 @@ BannerLine::BannerLine(std::size_t index, QWidget* parent)
     setFrameShape(QFrame::StyledPanel);
     setAutoFillBackground(true);
     text_->setObjectName(QString("lbl_banner_%1").arg(index));
+    // Rich for the bold part and the places where a path may be broken; what is told is escaped.
     text_->setTextFormat(Qt::RichText);
     text_->setWordWrap(true);
+    // As wide as the window, whatever the text is, and as high as it needs at that width.
     QSizePolicy policy(QSizePolicy::Ignored, QSizePolicy::Minimum);
     policy.setHeightForWidth(true);
     text_->setSizePolicy(policy);
@@ -77,6 +79,7 @@ BannerLine::BannerLine(std::size_t index, QWidget* parent)
 void BannerLine::tell(const Notice& notice) {
     const bool dark = isDark(parentWidget()->palette());
     const auto [window, text] = coloursOf(notice.grade, dark);
+    // From the parent's: its own has been coloured by the notice before.
     QPalette colours = parentWidget()->palette();
     colours.setColor(QPalette::Window, window);
     colours.setColor(QPalette::WindowText, text);
@@ -84,6 +87,7 @@ void BannerLine::tell(const Notice& notice) {
     sign_->show(notice.grade);
     text_->setText("<b>" + breakable(notice.text) + "</b> " + breakable(notice.advice));
     const std::string advice = notice.advice.empty() ? "" : " " + notice.advice;
+    // Without the marks that the drawn text has.
     text_->setAccessibleName(toQString(notice.text + advice));
     label(notice);
     layout()->invalidate(); // it may need fewer lines now
@@ -111,6 +115,7 @@ Banner::Banner(Condition& condition, QWidget* parent)
     setObjectName("banner");
     setAccessibleName("Warnings");
     fill(*this, column({}, 0));
+    // The first line is the gravest notice's, and always there.
     line(0).add(*more_);
     connect(more_, &QPushButton::clicked, this, [this] {
         showsAll_ = !showsAll_;
@@ -147,6 +152,7 @@ BannerLine& Banner::line(std::size_t index) {
 }
 
 void Banner::press(std::size_t index) {
+    // A copy: closing or mending it changes the list.
     const Notice notice = condition_.notices.get().at(index);
     if (notice.grade == Grade::Well) return condition_.closeOver();
     emit remedyWanted(notice.remedy);

@@ -12,7 +12,7 @@ namespace orvane {
 
 class GradeSign;
 
-/// A notice in a line or two: what, what to do, and a button that does it.
+/// A notice in a line or two: what, what to do, and a button that does it. The banner owns it.
 class BannerLine : public QFrame {
     Q_OBJECT
 
@@ -35,8 +35,10 @@ class BannerLine : public QFrame {
     QPushButton* button_;
 };
 
-/// The notices of the station's condition, under the menu; hidden while there are none. The
-/// gravest stands alone until the operator wants to see the others. It never widens the window.
+/// The notices of the station's condition, under the menu; hidden while there are none. The gravest
+/// stands alone until the operator wants to see the others. It never widens the window. Its lines
+/// are made as they are needed and kept. It shows and asks; what a remedy does is the main
+/// window's.
 class Banner : public QWidget {
     Q_OBJECT
 

@@ -6,7 +6,8 @@
 
 namespace orvane {
 
-/// Calendar days between the windows and the rooms below.
+/// Calendar days between the windows and the rooms below. By the number of the day, so that no time
+/// zone has a part in it.
 inline QDate dateOf(std::chrono::local_days day) {
     return QDate(1970, 1, 1).addDays(day.time_since_epoch().count());
 }

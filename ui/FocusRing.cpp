@@ -36,6 +36,7 @@ std::vector<QWidget*> FocusRing::stops() const {
     std::vector<QWidget*> stops;
     for (QWidget* widget = window_.nextInFocusChain(); widget != &window_;
          widget = widget->nextInFocusChain())
+        // A dialog of the window may be in the chain, too.
         if (widget->window() == &window_ && isStop(*widget)) stops.push_back(widget);
     std::ranges::stable_sort(stops, {}, [this](const QWidget* stop) { return partOf(*stop); });
     return stops;
@@ -45,6 +46,7 @@ bool FocusRing::step(bool next) const {
     const std::vector<QWidget*> stops = this->stops();
     if (stops.empty()) return false;
     const auto present = std::ranges::find(stops, window_.focusWidget());
+    // Where nothing has the focus the ring is entered at its begin or its end.
     std::size_t target = next ? 0 : stops.size() - 1;
     if (present != stops.end()) {
         const auto index = static_cast<std::size_t>(present - stops.begin());

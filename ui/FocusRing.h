@@ -10,7 +10,8 @@ namespace orvane {
 void giveFocus(QWidget& control, Qt::FocusReason reason);
 
 /// One closed ring of Tab and Shift+Tab through a window, its sub-windows included: a sub-window
-/// has a ring of its own otherwise, which the keyboard does not leave.
+/// has a ring of its own otherwise, which the keyboard does not leave. It remembers nothing:
+/// controls that come, go or are locked meanwhile need not be told to it.
 class FocusRing {
   public:
     /// `parts` of `window` in the order in which they are read; what is in none of them comes

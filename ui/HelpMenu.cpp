@@ -35,6 +35,7 @@ HelpMenu::HelpMenu(QMenu& menu, Parts parts) : QObject(&menu), parts_(parts) {
 bool HelpMenu::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() != QEvent::KeyPress || !watched->isWidgetType()) return false;
     const auto& key = *static_cast<QKeyEvent*>(event);
+    // One window of the browser, however long the key is held.
     if (key.key() != Qt::Key_F1 || key.modifiers() != Qt::NoModifier || key.isAutoRepeat())
         return false;
     mnuHelpGuide_Click();

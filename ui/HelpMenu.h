@@ -11,7 +11,8 @@ class QMenu;
 namespace orvane {
 
 /// The entries of the menu "Help" that show files of the program's folder: the guide, which only
-/// the packages carry, and the log. F1 shows the guide also from dialogs, which block the menu.
+/// the packages carry, and the log. F1 shows the guide also from dialogs, which block the menu:
+/// hence a filter on the whole application. The menu owns it, and the filter goes with it.
 class HelpMenu : public QObject {
     Q_OBJECT
 

@@ -60,6 +60,7 @@ QGroupBox* dialogGroup(const QString& title, QLayout* layout) {
 
 QLabel* unitLabel(const QString& text) {
     auto* label = new QLabel(text);
+    // A role and not a colour, so that it follows a palette that turns dark.
     label->setForegroundRole(QPalette::PlaceholderText);
     return label;
 }
@@ -82,6 +83,7 @@ void setUp(QDialog& dialog, const char* name, const QString& title, Items rows) 
     dialog.setObjectName(name);
     dialog.setWindowTitle(title);
     fill(dialog, column(rows, 12), {16, 16, 16, 12});
+    // It grows and shrinks with its rows; nothing in it could use more room.
     dialog.layout()->setSizeConstraint(QLayout::SetFixedSize);
 }
 
@@ -94,6 +96,7 @@ QHBoxLayout* buttonRow(std::initializer_list<QWidget*> buttons) {
 
 void openOnce(QDialog* dialog) {
     dialog->setAttribute(Qt::WA_DeleteOnClose);
+    // Modal to its window, and without an event loop of its own.
     dialog->open();
 }
 

@@ -26,6 +26,7 @@ void WishBar::follow(const std::string& text) {
     setVisible(!text.empty());
     if (text.empty()) return;
     text_->setText(toQString(text));
+    // It stands in no layout.
     adjustSize();
     move((parentWidget()->width() - width()) / 2, 4);
     raise();

@@ -45,6 +45,7 @@ frmMain::frmMain(Parts parts)
     auto* day = new DayView({parts_.day, parts_.module, parts_.clock, parts_.faults});
     auto* banner = new Banner(parts_.condition);
     setCentralWidget(inWidget(column({banner, {above, 1}, day}, 0)));
+    // After the layout's parts, so that it lies above them.
     new WishBar(parts_.wishes, centralWidget());
     ring_.reset(new FocusRing(*this, {operation_, area_, strip, &day->bar(), day}));
 
@@ -67,6 +68,8 @@ frmMain::frmMain(Parts parts)
     bindings_.follow(parts_.condition.title,
                      [this](const std::string& title) { setWindowTitle(toQString(title)); });
     bindings_.follow(parts_.condition.begun, [this](int begun) {
+        // The task bar's entry blinks where the window is not in front; 0 is the value at the
+        // start.
         if (begun > 0) QApplication::alert(this);
     });
     addWindowMenu();
@@ -185,6 +188,7 @@ void frmMain::addWindowMenu() {
     addEntry(windows, {"mnuWindowCloseAll", "Close &All", "Closes every picture."}, {}, area_,
              &QMdiArea::closeAllSubWindows);
     for (QAction* action : windows.actions()) {
+        // The area is empty, and says so only when that changes.
         action->setEnabled(false);
         connect(area_, &PictureArea::emptied, action, &QAction::setDisabled);
     }
@@ -197,6 +201,7 @@ void frmMain::addWindowMenu() {
                  {QKeyCombination(Qt::CTRL, static_cast<Qt::Key>(Qt::Key_1 + page))}, operation_,
                  [this, page] { operation_->showPage(page); });
     windows.addSeparator();
+    // Made when somebody looks: titles change with each capture.
     connect(&windows, &QMenu::aboutToShow, this, [this, &windows] { listWindows(windows); });
 }
 
@@ -205,6 +210,7 @@ void frmMain::listWindows(QMenu& menu) {
     windowActions_.clear();
     for (QMdiSubWindow* frame : area_->subWindowList()) {
         const auto number = windowActions_.size() + 1;
+        // A file's name may have an "&", which would be taken for a key.
         const QString title = frame->windowTitle().replace('&', "&&");
         QAction* action =
             menu.addAction(number < 10 ? QString("&%1 %2").arg(number).arg(title) : title);
@@ -225,17 +231,21 @@ void frmMain::MDIForm_Load() {
 /// The prescribed place and size first, then no more than the desktop that is there.
 void frmMain::fitDesktop() {
     const QSize around = frameGeometry().size() - size();
+    // Without the task bar; its left and top may be other than 0, and below it with several
+    // screens.
     const QRect desktop = screen()->availableGeometry();
     QRect place({0, 0}, kSize.boundedTo(desktop.size()));
     place.moveLeft(std::max(desktop.left(), std::min(0, desktop.right() + 1 - place.width())));
     place.moveTop(std::max(desktop.top(), std::min(0, desktop.bottom() + 1 - place.height())));
     move(place.topLeft());
     resize(place.size() - around);
+    // Last, so that the place before it is the one to come back to.
     if (parts_.shutdown.wasMaximised()) showMaximized();
 }
 
 void frmMain::showEvent(QShowEvent* event) {
     QMainWindow::showEvent(event);
+    // Coming back from the task bar the window stays where the operator moved it.
     if (!event->spontaneous()) placed_ = false;
 }
 
@@ -267,6 +277,7 @@ void frmMain::mnuFileOpen_Click() {
 
 void frmMain::mnuFileExit_Click() {
     parts_.shutdown.mnuFileExit_Click();
+    // `closeEvent` runs within `close`, and passes on who asked.
     const Scope exiting(exiting_);
     close();
 }
@@ -311,9 +322,11 @@ void frmMain::showFolder(const std::filesystem::path& folder) {
     } else if (!openOnDesktop(folder)) {
         fault = "No file manager could be started. Please open " + name + " in one.";
     }
+    // A box that nobody waits for.
     if (!fault.empty()) parts_.operation.tasks.spawn(parts_.op.tell(std::move(fault)));
 }
 
+/// By way of the controls that the operator would use, so that it is the same, locks included.
 void frmMain::remedy(Remedy remedy) {
     switch (remedy) {
     case Remedy::TestFetch:
@@ -336,6 +349,7 @@ void frmMain::remedy(Remedy remedy) {
     }
 }
 
+/// Refused until the station has been asked: its question may stay open for days.
 void frmMain::closeEvent(QCloseEvent* event) {
     event->setAccepted(unloaded_);
     if (unloaded_) return;
@@ -345,15 +359,18 @@ void frmMain::closeEvent(QCloseEvent* event) {
 Task<> frmMain::unload(QPointer<frmMain> window, UnloadMode mode) {
     Task<bool> query = window->parts_.shutdown.MDIForm_QueryUnload(mode);
     const bool mayClose = co_await query;
+    // The window may have gone while it was asked.
     if (!mayClose || window == nullptr) co_return;
     // From here on nothing may hold the window back: ending the program closes every window.
     window->unloaded_ = true;
     Shutdown& shutdown = window->parts_.shutdown;
+    // Before it closes: a hidden window has no frame.
     const std::optional<WindowPlace> place = window->place();
     window->close();
     shutdown.MDIForm_Unload(place);
 }
 
+/// In the full screen's place the frame that it will have again.
 std::optional<WindowPlace> frmMain::place() const {
     if (isMinimized()) return std::nullopt;
     const QRect frame = fullScreen_->frameBefore().value_or(frameGeometry());

@@ -30,8 +30,10 @@ struct TimeSettingForm;
 
 /// The main window: the operation panel at its left, the picture windows beside it, the newest
 /// pictures' strip below those, the day at a glance below all; above them a banner while something
-/// is wrong. A close request starts a task that
-/// asks; the window goes when the answer allows it.
+/// is wrong. It makes the parts, connects what one asks of another, and decides nothing. A close
+/// request starts a task that asks; the window goes when the answer allows it. So there are three
+/// states: open, asked, and unloaded, from which on each close request is granted. It goes before
+/// what it shows.
 class frmMain : public QMainWindow {
     Q_OBJECT
 
@@ -118,7 +120,9 @@ class frmMain : public QMainWindow {
     QList<QAction*> windowActions_; ///< the menu's list of windows, as it was last shown
     QString openFolder_;            ///< where a picture was opened last
     bool exiting_ = false;          ///< "Exit" closes the window
+    /// Since it was shown last.
     bool placed_ = false;
+    /// The station has been shut down: nothing holds the window any more.
     bool unloaded_ = false;
     Bindings bindings_;
 };
