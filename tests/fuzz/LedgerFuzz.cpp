@@ -4,6 +4,8 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <set>
+#include <sstream>
 
 namespace {
 
@@ -52,28 +54,23 @@ bool isTime(const std::string& text) {
 }
 
 bool isLine(const std::string& line) {
-    static const std::string events = "|taken|fetched later|missed|program started|program ended|"
-                                      "recording on|recording off|schedule|";
+    static const std::set<std::string> events{"taken",           "fetched later", "missed",
+                                              "program started", "program ended", "recording on",
+                                              "recording off",   "schedule"};
     const auto fields = fieldsOf(line);
-    if (fields.empty()) return false;
-    const std::string& offset = fields[1];
-    const bool isSigned = !offset.empty() && (offset[0] == '+' || offset[0] == '-');
-    return isTime(fields[0]) && isSigned && isTime(offset.substr(1)) && !fields[2].empty() &&
-           fields[2].find('|') == std::string::npos &&
-           events.find("|" + fields[2] + "|") != std::string::npos;
+    return !fields.empty() && isTime(fields[0]) &&
+           (fields[1].starts_with('+') || fields[1].starts_with('-')) &&
+           isTime(fields[1].substr(1)) && events.contains(fields[2]);
 }
 
+/// Without what follows the last line's end.
 std::vector<std::string> wholeLines(const std::string& text) {
-    std::vector<std::string> lines(1);
-    for (const char c : text) {
-        if (c != '\n') {
-            lines.back() += c;
-            continue;
-        }
-        if (lines.back().ends_with('\r')) lines.back().pop_back();
-        lines.emplace_back();
+    std::vector<std::string> lines;
+    std::istringstream stream(text);
+    for (std::string line; std::getline(stream, line) && !stream.eof();) {
+        if (line.ends_with('\r')) line.pop_back();
+        lines.push_back(line);
     }
-    lines.pop_back();
     return lines;
 }
 

@@ -18,19 +18,13 @@
 namespace {
 
 using namespace orvane;
+using test::finish;
 using test::JumpingClock;
 
 constexpr const char* kStamp = "2006:11:15 09:30:00";
 
 void require(bool condition) {
     if (!condition) std::abort();
-}
-
-template <class T>
-T finish(JumpingClock& clock, Task<T> task) {
-    task.start();
-    require(clock.runUntil([&] { return task.done(); }, std::chrono::hours(1)));
-    return task.result();
 }
 
 /// Anything that may be read as a frame's header and tells of many pixels: allowed, but slow.

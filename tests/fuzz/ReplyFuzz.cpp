@@ -8,6 +8,8 @@
 #include "tests/support/TempFolder.h"
 
 #include <cstdlib>
+#include <set>
+#include <sstream>
 
 namespace {
 
@@ -21,17 +23,11 @@ void require(bool condition) {
 /// The complete records' paths, worked out apart from the reader: every third of the pieces that a
 /// comma ends.
 std::vector<std::string> pathsOf(const std::string& reply) {
-    std::vector<std::string> pieces(1);
-    for (const char c : reply) {
-        if (c == ',') {
-            pieces.emplace_back();
-        } else {
-            pieces.back() += c;
-        }
-    }
     std::vector<std::string> paths;
-    for (std::size_t i = 2; i + 1 < pieces.size(); i += 3)
-        paths.push_back(pieces[i]);
+    std::istringstream pieces(reply);
+    int count = 0;
+    for (std::string piece; std::getline(pieces, piece, ',') && !pieces.eof();)
+        if (++count % 3 == 0) paths.push_back(piece);
     return paths;
 }
 
@@ -80,20 +76,16 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         return url.size() % 2 == 0 ? FakeHttp::picture(url.substr(0, 100))
                                    : FakeHttp::failed("HTTP status 404");
     };
-    Task<> run = s.store.Test_DL();
-    run.start();
-    require(s.clock.runUntil([&] { return run.done(); }, 1h));
+    finish(s.clock, s.store.Test_DL());
     require(!s.busy.active());
     require(s.http.requests <= static_cast<std::int64_t>(10 * expected.size()));
     // one dated folder, nothing in it but files, nothing beside it but those of processed copies
     for (const auto& entry : std::filesystem::recursive_directory_iterator(s.folder.path())) {
         const auto path = entry.path().lexically_relative(s.folder.path());
-        if (entry.is_directory()) {
-            require(path == "data" || path == "data/20061115" || path == "data/Edit" ||
-                    path == "data/Edit/20061115");
-        } else {
-            require(path.parent_path() == "data/20061115");
-        }
+        static const std::set<std::filesystem::path> folders{"data", "data/20061115", "data/Edit",
+                                                             "data/Edit/20061115"};
+        require(entry.is_directory() ? folders.contains(path)
+                                     : path.parent_path() == "data/20061115");
     }
     return 0;
 }

@@ -2,6 +2,8 @@
 
 #include "platform/Clock.h"
 
+#include <stdexcept>
+
 namespace orvane::test {
 
 /// A clock that jumps from deadline to deadline: a day passes as fast as its work is done. Both
@@ -50,6 +52,15 @@ class JumpingClock final : public Clock {
     Ticks ticks_{0};
     WakeQueue queue_;
 };
+
+/// The result of a task that is not started yet, and must end within `limit`.
+template <class T>
+T finish(JumpingClock& clock, Task<T> task, Ticks limit = 1h) {
+    task.start();
+    if (!clock.runUntil([&] { return task.done(); }, limit))
+        throw std::runtime_error("a task does not end");
+    return task.result();
+}
 
 /// Wall time from its parts.
 inline WallTime at(int year, unsigned month, unsigned day, int hour = 0, int minute = 0,

@@ -1,8 +1,13 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <random>
+#include <string>
+#include <vector>
 
 namespace orvane::test {
 
@@ -29,5 +34,24 @@ class TempFolder {
   private:
     std::filesystem::path path_;
 };
+
+/// Empty for a file that is not there.
+inline std::string contentsOf(const std::filesystem::path& file) {
+    std::ifstream stream(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+/// Makes the file's folder as well.
+inline void writeFile(const std::filesystem::path& file, const std::string& bytes) {
+    std::filesystem::create_directories(file.parent_path());
+    std::ofstream(file, std::ios::binary) << bytes;
+}
+/// Every file and folder below, relative, sorted.
+inline std::vector<std::string> listing(const std::filesystem::path& folder) {
+    std::vector<std::string> found;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(folder))
+        found.push_back(entry.path().lexically_relative(folder).generic_string());
+    std::ranges::sort(found);
+    return found;
+}
 
 } // namespace orvane::test

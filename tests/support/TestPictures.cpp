@@ -5,10 +5,7 @@
 #include <QImageWriter>
 
 #include <algorithm>
-#include <array>
 #include <cstdlib>
-#include <fstream>
-#include <iterator>
 
 namespace orvane::test {
 
@@ -53,51 +50,46 @@ std::string directory(const std::vector<TiffEntry>& entries, std::size_t offset,
     return head + littleEndian(next, 4) + values;
 }
 
-class TiffReader {
-  public:
-    explicit TiffReader(const std::string& tiff) : tiff_(tiff), big_(tiff.substr(0, 2) == "MM") {}
+/// Of the lowest byte first.
+std::uint32_t number(const std::string& bytes, std::size_t at, std::size_t size) {
+    std::uint32_t value = 0;
+    for (std::size_t i = size; i-- > 0;)
+        value = value << 8 | byteOf(bytes, at + i);
+    return value;
+}
 
-    TiffEntries read() {
-        const std::uint32_t next = readDirectory(Ifd::Zero, number(4, 4));
-        if (next != 0) readDirectory(Ifd::One, next);
-        return entries_;
-    }
-
-  private:
-    std::uint32_t number(std::size_t at, std::size_t size) const {
-        std::uint32_t value = 0;
-        for (std::size_t i = 0; i < size; ++i)
-            value = value << 8 | byteOf(tiff_, big_ ? at + i : at + size - 1 - i);
-        return value;
-    }
-
-    std::uint32_t readDirectory(Ifd ifd, std::uint32_t at) {
-        const std::uint32_t count = number(at, 2);
-        for (std::uint32_t i = 0; i < count; ++i)
-            readEntry(ifd, at + 2 + i * 12);
-        return number(at + 2 + count * 12, 4);
-    }
-
-    void readEntry(Ifd ifd, std::uint32_t at) {
-        static constexpr std::uint32_t kSizes[] = {0, 1, 1, 2, 4, 8, 1, 1, 2, 4, 8};
-        TiffEntry entry{static_cast<int>(number(at, 2)),
-                        static_cast<int>(number(at + 2, 2)),
-                        number(at + 4, 4),
+/// Answers where the next directory is, or 0.
+std::uint32_t readDirectory(const std::string& tiff, Ifd ifd, std::uint32_t at,
+                            TiffEntries& entries) {
+    static constexpr std::uint32_t kSizes[] = {0, 1, 1, 2, 4, 8, 1, 1, 2, 4, 8};
+    const std::uint32_t end = at + 2 + number(tiff, at, 2) * 12;
+    for (at += 2; at < end; at += 12) {
+        TiffEntry entry{static_cast<int>(number(tiff, at, 2)),
+                        static_cast<int>(number(tiff, at + 2, 2)),
+                        number(tiff, at + 4, 4),
                         {}};
         const std::uint32_t size = kSizes[entry.type] * entry.count;
-        const std::uint32_t valueAt = size <= 4 ? at + 8 : number(at + 8, 4);
-        if (entry.type == 3 || entry.type == 4)
-            entry.bytes = littleEndian(number(valueAt, entry.type == 3 ? 2 : 4), 4);
-        else
-            entry.bytes = tiff_.substr(valueAt, size);
-        if (entry.tag == kExifIfd) readDirectory(Ifd::Exif, number(valueAt, 4));
-        entries_.insert({{ifd, entry.tag}, entry});
+        entry.bytes = tiff.substr(size <= 4 ? at + 8 : number(tiff, at + 8, 4), size);
+        if (entry.tag == kExifIfd)
+            readDirectory(tiff, Ifd::Exif, number(entry.bytes, 0, 4), entries);
+        entries.insert({{ifd, entry.tag}, entry});
     }
+    return number(tiff, end, 4);
+}
 
-    const std::string& tiff_;
-    bool big_;
-    TiffEntries entries_;
-};
+/// Of each colour of each pixel; false when the sizes differ.
+template <class Take>
+bool forEachDifference(const QImage& a, const QImage& b, Take take) {
+    if (a.size() != b.size() || a.isNull()) return false;
+    for (int y = 0; y < a.height(); ++y)
+        for (int x = 0; x < a.width(); ++x) {
+            const QRgb p = a.pixel(x, y), q = b.pixel(x, y);
+            take(std::abs(qRed(p) - qRed(q)));
+            take(std::abs(qGreen(p) - qGreen(q)));
+            take(std::abs(qBlue(p) - qBlue(q)));
+        }
+    return true;
+}
 
 } // namespace
 
@@ -127,33 +119,16 @@ QImage decoded(const std::filesystem::path& file) {
                             static_cast<int>(bytes.size()), "jpeg");
 }
 
-namespace {
-
-std::array<int, 3> colourDifferences(QRgb p, QRgb q) {
-    return {std::abs(qRed(p) - qRed(q)), std::abs(qGreen(p) - qGreen(q)),
-            std::abs(qBlue(p) - qBlue(q))};
-}
-
-} // namespace
-
 int difference(const QImage& a, const QImage& b) {
-    if (a.size() != b.size() || a.isNull()) return 255;
     int largest = 0;
-    for (int y = 0; y < a.height(); ++y)
-        for (int x = 0; x < a.width(); ++x)
-            for (const int colour : colourDifferences(a.pixel(x, y), b.pixel(x, y)))
-                largest = std::max(largest, colour);
-    return largest;
+    return forEachDifference(a, b, [&](int by) { largest = std::max(largest, by); }) ? largest
+                                                                                     : 255;
 }
 
 double meanDifference(const QImage& a, const QImage& b) {
-    if (a.size() != b.size() || a.isNull()) return 255;
     double sum = 0;
-    for (int y = 0; y < a.height(); ++y)
-        for (int x = 0; x < a.width(); ++x)
-            for (const int colour : colourDifferences(a.pixel(x, y), b.pixel(x, y)))
-                sum += colour;
-    return sum / (3.0 * a.width() * a.height());
+    const bool isSameSize = forEachDifference(a, b, [&](int by) { sum += by; });
+    return isSameSize ? sum / (3.0 * a.width() * a.height()) : 255;
 }
 
 std::string segment(int marker, const std::string& payload) {
@@ -228,39 +203,22 @@ std::string exifPayload(std::vector<TiffEntry> ifd0, const std::vector<TiffEntry
 }
 
 TiffEntries tiffEntries(const std::string& tiff) {
-    return tiff.empty() ? TiffEntries() : TiffReader(tiff).read();
+    TiffEntries entries;
+    if (tiff.empty()) return entries;
+    const std::uint32_t next = readDirectory(tiff, Ifd::Zero, number(tiff, 4, 4), entries);
+    if (next != 0) readDirectory(tiff, Ifd::One, next, entries);
+    return entries;
 }
 
 std::uint32_t numberOf(const TiffEntries& entries, Ifd ifd, int tag) {
     const auto found = entries.find({ifd, tag});
     if (found == entries.end()) return 0xFFFFFFFF;
-    std::uint32_t value = 0;
-    for (std::size_t i = 4; i-- > 0;)
-        value = value << 8 | byteOf(found->second.bytes, i);
-    return value;
+    return number(found->second.bytes, 0, found->second.bytes.size());
 }
 
 std::string textOf(const TiffEntries& entries, Ifd ifd, int tag) {
     const auto found = entries.find({ifd, tag});
     return found == entries.end() ? "missing" : found->second.bytes.c_str();
-}
-
-std::string contentsOf(const std::filesystem::path& file) {
-    std::ifstream stream(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
-}
-
-void writeFile(const std::filesystem::path& file, const std::string& bytes) {
-    std::filesystem::create_directories(file.parent_path());
-    std::ofstream(file, std::ios::binary) << bytes;
-}
-
-std::vector<std::string> listing(const std::filesystem::path& folder) {
-    std::vector<std::string> found;
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(folder))
-        found.push_back(entry.path().lexically_relative(folder).generic_string());
-    std::sort(found.begin(), found.end());
-    return found;
 }
 
 } // namespace orvane::test

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "platform/Task.h"
 #include "tests/support/JumpingClock.h"
+#include "tests/support/TempFolder.h"
 
 #include <cstdint>
 #include <filesystem>
@@ -61,21 +61,9 @@ std::string exifPayload(std::vector<TiffEntry> ifd0, const std::vector<TiffEntry
 
 enum class Ifd { Zero, One, Exif };
 using TiffEntries = std::map<std::pair<Ifd, int>, TiffEntry>;
-/// Entries of a little or big endian TIFF block; numbers are given back little endian.
+/// Of a little endian TIFF block.
 TiffEntries tiffEntries(const std::string& tiff);
 std::uint32_t numberOf(const TiffEntries& entries, Ifd ifd, int tag);
 std::string textOf(const TiffEntries& entries, Ifd ifd, int tag);
-
-std::string contentsOf(const std::filesystem::path& file);
-void writeFile(const std::filesystem::path& file, const std::string& bytes);
-/// Every file and folder below, relative, sorted.
-std::vector<std::string> listing(const std::filesystem::path& folder);
-
-template <class T>
-T finish(JumpingClock& clock, Task<T> task) {
-    task.start();
-    clock.runUntil([&] { return task.done(); }, std::chrono::hours(1));
-    return task.result();
-}
 
 } // namespace orvane::test
