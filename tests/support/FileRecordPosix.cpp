@@ -1,11 +1,10 @@
-#include "tests/support/FileRecord.h"
+#include "tests/support/PowerCut.h"
+#include "tests/support/TempFolder.h"
 
 #include <atomic>
 #include <cerrno>
 #include <cstdarg>
 #include <cstdio>
-#include <fstream>
-#include <iterator>
 #include <system_error>
 #include <utility>
 
@@ -23,15 +22,6 @@ using What = FileStep::What;
 
 std::atomic<FileRecord*> running = nullptr; ///< asked by every thread
 
-std::string contentOf(const std::filesystem::path& file) {
-    std::ifstream stream(file, std::ios::binary);
-    return {std::istreambuf_iterator<char>(stream), {}};
-}
-
-std::filesystem::path linkOf(int descriptor) {
-    return "/proc/self/fd/" + std::to_string(descriptor);
-}
-
 } // namespace
 
 FileRecord::FileRecord(std::filesystem::path root) : root_(std::move(root)) {
@@ -45,33 +35,24 @@ void FileRecord::end() {
 }
 
 void FileRecord::promise(const std::filesystem::path& file) {
-    add({What::Promised, 0, file.lexically_relative(root_).native(), {}, {}});
+    steps_.push_back({What::Promised, 0, relative(file)});
 }
 
-void FileRecord::changed() {
+void FileRecord::changed(std::optional<int> forcedDescriptor) {
     const int reason = errno;
     FileRecord* const record = running;
-    if (record != nullptr && record->sees()) record->look();
+    if (record != nullptr && !record->looking_ && record->thread_ == std::this_thread::get_id()) {
+        record->looking_ = true;
+        forcedDescriptor ? record->force(*forcedDescriptor) : record->look();
+        record->looking_ = false;
+    }
     errno = reason;
-}
-
-void FileRecord::forced(int descriptor) {
-    const int reason = errno;
-    FileRecord* const record = running;
-    if (record != nullptr && record->sees()) record->force(descriptor);
-    errno = reason;
-}
-
-bool FileRecord::sees() const {
-    return !looking_ && thread_ == std::this_thread::get_id();
 }
 
 void FileRecord::look() {
-    looking_ = true;
     const Names names = read();
     compare(names);
     names_ = names;
-    looking_ = false;
 }
 
 /// A file that has lost its last name is forgotten: its inode may be another one's next. One that
@@ -82,44 +63,32 @@ FileRecord::Names FileRecord::read() {
     for (const auto& entry : std::filesystem::recursive_directory_iterator(root_)) {
         struct stat status {};
         if (::stat(entry.path().c_str(), &status) != 0) continue;
-        const bool isFolder = S_ISDIR(status.st_mode);
-        const int file = isFolder ? 0 : numberOf(status.st_ino);
-        names[entry.path().lexically_relative(root_).native()] = {isFolder, file};
-        if (isFolder) continue;
+        int& file = names[relative(entry.path())] = FileStep::kFolder;
+        if (S_ISDIR(status.st_mode)) continue;
+        file = numberOf(status.st_ino);
         named.insert(status.st_ino);
-        noteBytes(file, contentOf(entry.path()));
+        noteBytes(file, contentsOf(entry.path()));
     }
     for (const std::uint64_t inode : std::exchange(named_, named))
         if (!named.contains(inode)) numbers_.erase(inode);
     return names;
 }
 
+/// New names, also such of files whose name has gone, and then what has gone altogether.
 void FileRecord::compare(const Names& names) {
-    std::set<std::string> gone;
-    for (const auto& [path, entry] : names_)
-        if (!names.contains(path)) gone.insert(path);
-    for (const auto& [path, entry] : names) {
+    Names gone = names_;
+    std::erase_if(gone, [&](const auto& name) { return names.contains(name.first); });
+    for (const auto& [path, file] : names) {
         const auto before = names_.find(path);
-        if (before != names_.end() && before->second.file == entry.file) continue;
-        if (entry.isFolder) {
-            add({What::Made, 0, path, {}, {}});
-        } else {
-            rename(gone, path, entry.file);
-        }
+        if (before != names_.end() && before->second == file) continue;
+        const auto from = std::ranges::find_if(gone, [wanted = file](const auto& name) {
+            return name.second == wanted && wanted != FileStep::kFolder;
+        });
+        steps_.push_back({What::Named, file, path, from == gone.end() ? "" : from->first});
+        if (from != gone.end()) gone.erase(from);
     }
-    for (const std::string& path : gone)
-        add({What::Removed, 0, path, {}, {}});
-}
-
-/// A new name, or another one of a file whose name has gone.
-void FileRecord::rename(std::set<std::string>& gone, const std::string& path, int file) {
-    for (const std::string& from : gone) {
-        if (names_[from].file != file) continue;
-        add({What::Renamed, file, path, from, {}});
-        gone.erase(from);
-        return;
-    }
-    add({What::Named, file, path, {}, {}});
+    for (const auto& [path, file] : gone)
+        steps_.push_back({What::Named, file, "", path});
 }
 
 int FileRecord::numberOf(std::uint64_t inode) {
@@ -129,29 +98,25 @@ int FileRecord::numberOf(std::uint64_t inode) {
 }
 
 void FileRecord::noteBytes(int file, const std::string& bytes) {
-    std::string& known = bytes_[file];
-    if (known == bytes) return;
-    known = bytes;
-    add({What::Written, file, {}, {}, bytes});
+    if (std::exchange(bytes_[file], bytes) != bytes)
+        steps_.push_back({What::Written, file, "", "", bytes});
 }
 
 /// Also of a file that has no name yet.
 void FileRecord::force(int descriptor) {
-    looking_ = true;
-    struct stat status {};
+    const std::filesystem::path link = "/proc/self/fd/" + std::to_string(descriptor);
     std::error_code error;
-    const auto target = std::filesystem::read_symlink(linkOf(descriptor), error);
-    if (!error && ::fstat(descriptor, &status) == 0 &&
-        target.native().starts_with(root_.native())) {
-        if (S_ISDIR(status.st_mode)) {
-            add({What::FolderForced, 0, target.lexically_relative(root_).native(), {}, {}});
-        } else {
-            const int file = numberOf(status.st_ino);
-            noteBytes(file, contentOf(linkOf(descriptor)));
-            add({What::FileForced, file, {}, {}, bytes_[file]});
-        }
+    const auto target = std::filesystem::read_symlink(link, error);
+    struct stat status {};
+    if (error || ::fstat(descriptor, &status) != 0 || !target.native().starts_with(root_.native()))
+        return;
+    if (S_ISDIR(status.st_mode)) {
+        steps_.push_back({What::FolderForced, 0, relative(target)});
+    } else {
+        const int file = numberOf(status.st_ino);
+        noteBytes(file, contentsOf(link));
+        steps_.push_back({What::FileForced, file});
     }
-    looking_ = false;
 }
 
 } // namespace orvane::test
@@ -161,15 +126,17 @@ void FileRecord::force(int descriptor) {
 
 namespace {
 
-template <class Function>
-Function* behind(const char* name) {
-    return reinterpret_cast<Function*>(::dlsym(RTLD_NEXT, name));
-}
-
 template <class Function, class... Arguments>
 auto change(Function* function, Arguments... arguments) {
     const auto result = function(arguments...);
     orvane::test::FileRecord::changed();
+    return result;
+}
+
+template <class Function>
+int force(Function* function, int file) {
+    const int result = function(file);
+    if (result == 0) orvane::test::FileRecord::changed(file);
     return result;
 }
 
@@ -180,98 +147,48 @@ mode_t modeOf(int flags, std::va_list list) {
 
 } // namespace
 
+/// The C library's own function of that name.
+#define REAL(name) reinterpret_cast<decltype(::name)*>(::dlsym(RTLD_NEXT, #name))
+/// Defines a function that calls the C library's own and hands what it changed to `watch`.
+#define WATCHED(result, name, parameters, watch, ...)                                              \
+    result name parameters {                                                                       \
+        static auto* const real = REAL(name);                                                      \
+        return watch(real, __VA_ARGS__);                                                           \
+    }
+
 extern "C" {
 
-std::FILE* fopen(const char* path, const char* mode) {
-    static auto* const real = behind<decltype(::fopen)>("fopen");
-    return change(real, path, mode);
-}
-
-std::FILE* fopen64(const char* path, const char* mode) {
-    static auto* const real = behind<decltype(::fopen)>("fopen64");
-    return change(real, path, mode);
-}
-
-std::size_t fwrite(const void* bytes, std::size_t size, std::size_t count, std::FILE* file) {
-    static auto* const real = behind<decltype(::fwrite)>("fwrite");
-    return change(real, bytes, size, count, file);
-}
-
-int fclose(std::FILE* file) {
-    static auto* const real = behind<decltype(::fclose)>("fclose");
-    return change(real, file);
-}
+WATCHED(std::FILE*, fopen, (const char* path, const char* mode), change, path, mode)
+WATCHED(std::FILE*, fopen64, (const char* path, const char* mode), change, path, mode)
+WATCHED(std::size_t, fwrite, (const void* from, std::size_t size, std::size_t count, FILE* file),
+        change, from, size, count, file)
+WATCHED(int, fclose, (std::FILE * file), change, file)
+WATCHED(ssize_t, write, (int file, const void* from, std::size_t size), change, file, from, size)
+WATCHED(ssize_t, writev, (int file, const iovec* parts, int count), change, file, parts, count)
+WATCHED(int, truncate, (const char* path, off_t size) noexcept, change, path, size)
+WATCHED(int, rename, (const char* from, const char* to) noexcept, change, from, to)
+WATCHED(int, linkat, (int at, const char* from, int in, const char* to, int flags) noexcept, change,
+        at, from, in, to, flags)
+WATCHED(int, unlink, (const char* path) noexcept, change, path)
+WATCHED(int, remove, (const char* path) noexcept, change, path)
+WATCHED(int, mkdir, (const char* path, mode_t mode) noexcept, change, path, mode)
+WATCHED(int, fsync, (int file), force, file)
+WATCHED(int, fdatasync, (int file), force, file)
 
 int open(const char* path, int flags, ...) {
-    static auto* const real = behind<decltype(::open)>("open");
+    static auto* const real = REAL(open);
     std::va_list list;
     va_start(list, flags);
     const mode_t mode = modeOf(flags, list);
     va_end(list);
     return change(real, path, flags, mode);
 }
-
 int open64(const char* path, int flags, ...) {
-    static auto* const real = behind<decltype(::open)>("open64");
     std::va_list list;
     va_start(list, flags);
     const mode_t mode = modeOf(flags, list);
     va_end(list);
-    return change(real, path, flags, mode);
-}
-
-ssize_t write(int file, const void* bytes, std::size_t size) {
-    static auto* const real = behind<decltype(::write)>("write");
-    return change(real, file, bytes, size);
-}
-
-ssize_t writev(int file, const iovec* parts, int count) {
-    static auto* const real = behind<decltype(::writev)>("writev");
-    return change(real, file, parts, count);
-}
-
-int truncate(const char* path, off_t size) noexcept {
-    static auto* const real = behind<decltype(::truncate)>("truncate");
-    return change(real, path, size);
-}
-
-int rename(const char* from, const char* to) noexcept {
-    static auto* const real = behind<decltype(::rename)>("rename");
-    return change(real, from, to);
-}
-
-int linkat(int fromFolder, const char* from, int toFolder, const char* to, int flags) noexcept {
-    static auto* const real = behind<decltype(::linkat)>("linkat");
-    return change(real, fromFolder, from, toFolder, to, flags);
-}
-
-int unlink(const char* path) noexcept {
-    static auto* const real = behind<decltype(::unlink)>("unlink");
-    return change(real, path);
-}
-
-int remove(const char* path) noexcept {
-    static auto* const real = behind<decltype(::remove)>("remove");
-    return change(real, path);
-}
-
-int mkdir(const char* path, mode_t mode) noexcept {
-    static auto* const real = behind<decltype(::mkdir)>("mkdir");
-    return change(real, path, mode);
-}
-
-int fsync(int file) {
-    static auto* const real = behind<decltype(::fsync)>("fsync");
-    const int result = real(file);
-    if (result == 0) orvane::test::FileRecord::forced(file);
-    return result;
-}
-
-int fdatasync(int file) {
-    static auto* const real = behind<decltype(::fdatasync)>("fdatasync");
-    const int result = real(file);
-    if (result == 0) orvane::test::FileRecord::forced(file);
-    return result;
+    return open(path, flags | O_LARGEFILE, mode);
 }
 
 } // extern "C"
