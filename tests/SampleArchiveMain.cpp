@@ -4,6 +4,7 @@
 
 #include "tests/support/SampleArchive.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
@@ -26,59 +27,37 @@ std::map<int, fs::path> picturesIn(const fs::path& folder) {
     return pictures;
 }
 
-/// Another name for the same file, where the file system can.
-void link(const fs::path& picture, const fs::path& file) {
-    std::error_code error;
-    fs::create_hard_link(picture, file, error);
-    if (error) fs::copy_file(picture, file);
-}
-
+/// Gives the nearest picture another name, where the file system can, else copies it.
 SampleArchive::Paint paintOf(std::map<int, fs::path> pictures) {
     if (pictures.empty()) return SampleArchive::paintGrey;
     return [pictures = std::move(pictures)](const fs::path& file, int minute) {
-        auto nearest = pictures.begin();
-        for (auto picture = pictures.begin(); picture != pictures.end(); ++picture)
-            if (std::abs(picture->first - minute) < std::abs(nearest->first - minute))
-                nearest = picture;
-        link(nearest->second, file);
+        const auto distance = [=](const auto& picture) { return std::abs(picture.first - minute); };
+        const fs::path& nearest = std::ranges::min_element(pictures, {}, distance)->second;
+        std::error_code error;
+        fs::create_hard_link(nearest, file, error);
+        if (error) fs::copy_file(nearest, file);
     };
-}
-
-std::chrono::local_days dateOf(const std::tm& time) {
-    return std::chrono::local_days(
-        std::chrono::year_month_day{std::chrono::year(time.tm_year + 1900),
-                                    std::chrono::month(static_cast<unsigned>(time.tm_mon + 1)),
-                                    std::chrono::day(static_cast<unsigned>(time.tm_mday))});
-}
-
-int write(const fs::path& folder, const fs::path& pictures) {
-    fs::create_directories(folder);
-    if (!fs::is_empty(folder)) {
-        std::fprintf(stderr, "%s is not empty.\n", folder.string().c_str());
-        return 1;
-    }
-    const std::time_t now = std::time(nullptr);
-    const std::tm local = *std::localtime(&now);
-    const SampleArchive archive(
-        folder, dateOf(local),
-        paintOf(pictures.empty() ? std::map<int, fs::path>() : picturesIn(pictures)),
-        local.tm_hour * 60 + local.tm_min);
-    std::printf("%s: %d days, the last is %s.\n", folder.string().c_str(), kSampleDays,
-                archive.days().back().digits.c_str());
-    return 0;
 }
 
 } // namespace
 
-int main(int count, char** arguments) {
-    if (count < 2 || count > 3) {
-        std::fprintf(stderr, "usage: orvane-sample-archive FOLDER [PICTURES]\n");
-        return 2;
-    }
-    try {
-        return write(arguments[1], count == 3 ? arguments[2] : "");
-    } catch (const std::exception& fault) {
-        std::fprintf(stderr, "%s\n", fault.what());
-        return 1;
-    }
+int main(int count, char** arguments) try {
+    if (count < 2 || count > 3)
+        throw std::runtime_error("usage: orvane-sample-archive FOLDER [PICTURES]");
+    const fs::path folder = arguments[1];
+    fs::create_directories(folder);
+    if (!fs::is_empty(folder)) throw std::runtime_error(folder.string() + " is not empty.");
+    const std::time_t now = std::time(nullptr);
+    const std::tm local = *std::localtime(&now);
+    const std::chrono::local_days today(std::chrono::year(local.tm_year + 1900) /
+                                        (local.tm_mon + 1) / local.tm_mday);
+    const auto pictures = count == 3 ? picturesIn(arguments[2]) : std::map<int, fs::path>();
+    const SampleArchive archive(folder, today, paintOf(pictures),
+                                local.tm_hour * 60 + local.tm_min);
+    std::printf("%s: %d days, the last is %s.\n", arguments[1], kSampleDays,
+                archive.days().back().digits.c_str());
+    return 0;
+} catch (const std::exception& fault) {
+    std::fprintf(stderr, "%s\n", fault.what());
+    return 1;
 }

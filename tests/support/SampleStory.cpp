@@ -1,4 +1,4 @@
-#include "tests/support/SampleStory.h"
+#include "tests/support/SampleArchive.h"
 
 namespace orvane::test {
 
@@ -6,143 +6,92 @@ namespace {
 
 using enum Happens;
 
-constexpr int hm(int hour, int minute) {
-    return hour * 60 + minute;
-}
+/// A day of the story, and hours and minutes: {3, 1005} is five past ten.
+struct Moment {
+    int day;
+    int time;
+};
 
-constexpr SampleSchedule kQuarters{hm(6, 0), hm(20, 0), 15};
-constexpr SampleSchedule kNight{0, hm(23, 59), 10};
-constexpr SampleSchedule kMinutes{hm(8, 0), hm(12, 0), 1};
+struct Story {
+    std::vector<SampleEvent> events;
+
+    void add(Moment when, Happens what, const char* text = "", int number = 0,
+             const SampleSchedule& schedule = kSampleSchedule) {
+        events.push_back(
+            {when.day, when.time / 100 * 60 + when.time % 100, what, text, number, schedule});
+    }
+    void outage(Moment from, Moment until, const char* text) {
+        add(from, Fails, text);
+        add(until, Works);
+    }
+    void off(Moment from, Moment until, const SampleSchedule& next = kSampleSchedule) {
+        add(from, Off);
+        add(until, On, "", 0, next);
+    }
+    /// `how` is `End` or `Kill`.
+    void away(Moment from, Happens how, Moment until) {
+        add(from, how);
+        add(until, Start);
+    }
+};
+
+constexpr SampleSchedule kQuarters{6 * 60, 20 * 60, 15};
+constexpr SampleSchedule kNight{0, 23 * 60 + 59, 10};
+constexpr SampleSchedule kMinutes{8 * 60, 12 * 60, 1};
+
+std::vector<SampleEvent> told() {
+    Story story;
+    story.add({0, 805}, Start);
+    story.outage({3, 1005}, {3, 1315}, "HTTP status 503"); // nothing fills it
+    story.outage({4, 905}, {4, 1105}, "no answer");        // the camera's store fills it in part
+    story.add({4, 1112}, Fill, "", 20);
+    story.off({6, 1203}, {6, 1204}, kQuarters); // another schedule in the middle of a day
+    story.off({7, 2100}, {7, 2101});            // and the old one again after a day's end
+    story.off({9, 1235}, {9, 1625}); // switched off for an afternoon, and over a whole day
+    story.off({10, 1755}, {12, 540});
+    story.away({14, 1500}, End, {15, 800});   // ended in the afternoon, started in the morning
+    story.away({18, 1420}, Kill, {20, 941});  // killed behind a capture, started two days later
+    story.away({21, 1143}, Kill, {21, 1152}); // a power cut of some minutes
+    story.away({22, 1015}, End, {22, 1047});  // a restart, and the store helps out
+    story.add({22, 1052}, Fill, "", 20);
+    story.away({23, 1630}, Kill, {23, 1644}); // killed behind a capture and started on the same day
+    story.outage({25, 705}, {25, 805}, "no answer"); // an outage on a day whose ledger will be lost
+    story.away({26, 1532}, Kill, {27, 715});         // the power fails while a line is written
+    story.outage({28, 905}, {28, 935}, "HTTP status 503");
+    story.off({29, 2005}, {29, 2006}, kNight); // nights as well, and summer time begins
+    story.add({31, 200}, Forward);
+    story.off({32, 2005}, {32, 2006});
+    story.off({36, 500}, {36, 501}, kMinutes); // a picture a minute, with gaps
+    story.outage({36, 930}, {36, 937}, "The host is not known");
+    story.off({36, 2000}, {36, 2001});
+    story.add({38, 905}, Late, "", 1); // pictures that come late
+    story.add({38, 1105}, Late, "", 2);
+    story.add({38, 1805}, Late, "", 0);
+    // summer time ends in a night with an outage of either hour
+    story.off({44, 1835}, {44, 1836}, kNight);
+    story.outage({46, 215}, {46, 235}, "no answer");
+    story.add({46, 300}, Back);
+    story.outage({46, 225}, {46, 245}, "HTTP status 404");
+    story.off({46, 2005}, {46, 2006});
+    story.add({52, 905}, Off); // switched off, then ended; started without recording
+    story.add({52, 935}, End);
+    story.add({52, 1105}, StartOff);
+    story.add({52, 1205}, On);
+    // killed while recording is off: from its last line to the next start it was not running
+    story.add({53, 907}, Off);
+    story.away({53, 908}, Kill, {53, 1105});
+    story.outage({54, 705}, {54, 725}, "Saved as \"a, b\": no space");
+    story.outage({55, 2305}, {56, 2305}, "no answer"); // an outage of a whole day
+    story.outage({58, 1515}, {58, 1635}, "HTTP status 503");
+    story.add({58, 1642}, Fill, "", 30);
+    return story.events;
+}
 
 } // namespace
 
 const std::vector<SampleEvent>& sampleStory() {
-    static const std::vector<SampleEvent> story{
-        {0, hm(8, 5), Start},
-        // an outage that nothing fills, and one that the camera's store fills in part
-        {3, hm(10, 5), Fails, "HTTP status 503"},
-        {3, hm(13, 15), Works},
-        {4, hm(9, 5), Fails, "no answer"},
-        {4, hm(11, 5), Works},
-        {4, hm(11, 12), Fill, "", 20},
-        // another schedule in the middle of a day, and the old one again after a day's end
-        {6, hm(12, 3), Off},
-        {6, hm(12, 4), On, "", 0, kQuarters},
-        {7, hm(21, 0), Off},
-        {7, hm(21, 1), On},
-        // switched off for an afternoon, and over a whole day
-        {9, hm(12, 35), Off},
-        {9, hm(16, 25), On},
-        {10, hm(17, 55), Off},
-        {12, hm(5, 40), On},
-        // ended in the afternoon, started in the morning
-        {14, hm(15, 0), End},
-        {15, hm(8, 0), Start},
-        // killed behind a capture, started two days later
-        {18, hm(14, 20), Kill},
-        {20, hm(9, 41), Start},
-        // restarts within a day: by a power cut, and in order, when the store helps out
-        {21, hm(11, 43), Kill},
-        {21, hm(11, 52), Start},
-        {22, hm(10, 15), End},
-        {22, hm(10, 47), Start},
-        {22, hm(10, 52), Fill, "", 20},
-        // killed behind a capture and started on the same day
-        {23, hm(16, 30), Kill},
-        {23, hm(16, 44), Start},
-        // an outage on a day whose ledger will be lost
-        {25, hm(7, 5), Fails, "no answer"},
-        {25, hm(8, 5), Works},
-        // the power fails while a line is written
-        {26, hm(15, 32), Kill},
-        {27, hm(7, 15), Start},
-        {28, hm(9, 5), Fails, "HTTP status 503"},
-        {28, hm(9, 35), Works},
-        // nights as well, and summer time begins
-        {29, hm(20, 5), Off},
-        {29, hm(20, 6), On, "", 0, kNight},
-        {31, hm(2, 0), Forward},
-        {32, hm(20, 5), Off},
-        {32, hm(20, 6), On},
-        // a picture a minute, with gaps
-        {36, hm(5, 0), Off},
-        {36, hm(5, 1), On, "", 0, kMinutes},
-        {36, hm(9, 30), Fails, "The host is not known"},
-        {36, hm(9, 37), Works},
-        {36, hm(20, 0), Off},
-        {36, hm(20, 1), On},
-        // pictures that come late
-        {38, hm(9, 5), Late, "", 1},
-        {38, hm(11, 5), Late, "", 2},
-        {38, hm(18, 5), Late, "", 0},
-        // summer time ends in a night with two outages, of the first hour and of the second
-        {44, hm(18, 35), Off},
-        {44, hm(18, 36), On, "", 0, kNight},
-        {46, hm(2, 15), Fails, "no answer"},
-        {46, hm(2, 35), Works},
-        {46, hm(3, 0), Back},
-        {46, hm(2, 25), Fails, "HTTP status 404"},
-        {46, hm(2, 45), Works},
-        {46, hm(20, 5), Off},
-        {46, hm(20, 6), On},
-        // switched off, then ended; started without recording
-        {52, hm(9, 5), Off},
-        {52, hm(9, 35), End},
-        {52, hm(11, 5), StartOff},
-        {52, hm(12, 5), On},
-        // killed while recording is off: from its last line to the next start it was not running
-        {53, hm(9, 7), Off},
-        {53, hm(9, 8), Kill},
-        {53, hm(11, 5), Start},
-        {54, hm(7, 5), Fails, "Saved as \"a, b\": no space"},
-        {54, hm(7, 25), Works},
-        // an outage of a whole day
-        {55, hm(23, 5), Fails, "no answer"},
-        {56, hm(23, 5), Works},
-        {58, hm(15, 15), Fails, "HTTP status 503"},
-        {58, hm(16, 35), Works},
-        {58, hm(16, 42), Fill, "", 30},
-    };
+    static const std::vector<SampleEvent> story = told();
     return story;
-}
-
-const std::vector<SampleHarm>& sampleHarms() {
-    static const std::vector<SampleHarm> harms{
-        {24, hm(7, 0), Harm::Empty},
-        {24, hm(7, 10), Harm::Cut},
-        {24, hm(7, 20), Harm::Zeros},
-        {24, hm(7, 30), Harm::Renamed, "picture of 7.30.jpg"},
-        {24, hm(7, 40), Harm::Renamed, "20061115_256000_00.jpg"},
-        {24, hm(7, 50), Harm::Removed},
-        {24, hm(8, 0), Harm::Tail, "what a camera puts behind a picture"},
-        {24, hm(8, 10), Harm::Cut},
-        // what was fetched may be lost as well: then the reason of the miss is known again
-        {58, hm(15, 30), Harm::Empty},
-        {58, hm(9, 0), Harm::Cut},
-    };
-    return harms;
-}
-
-const std::vector<SampleExtra>& sampleExtras() {
-    static const std::vector<SampleExtra> extras{
-        {24, 24, hm(8, 10), "07_00"},                               // beside a broken capture
-        {40, 40, hm(4, 58), "00_00"},                               // outside the window
-        {40, 40, hm(9, 5), "07_00"},                                // between two due minutes
-        {40, 40, hm(9, 5), "37_00"},  {40, 40, hm(9, 10), "07_00"}, // beside a capture
-        {40, 40, hm(22, 0), "00_00"}, {40, 41, 0, "07_00"}, // a run that went on past midnight
-        {3, 3, hm(10, 11), "07_00"},  // a minute after a missed one: no late capture
-        {11, 11, hm(12, 0), "07_00"}, // on a day without recording
-        {15, 15, hm(6, 30), "12_00"}, // while the program was not running
-    };
-    return extras;
-}
-
-const std::vector<SampleLedgerHarm>& sampleLedgerHarms() {
-    static const std::vector<SampleLedgerHarm> harms{{25, LedgerHarm::Removed},
-                                                     {26, LedgerHarm::Cut},
-                                                     {28, LedgerHarm::Nonsense},
-                                                     {34, LedgerHarm::Emptied}};
-    return harms;
 }
 
 } // namespace orvane::test
