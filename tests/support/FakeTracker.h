@@ -3,8 +3,11 @@
 #include "platform/Clock.h"
 #include "platform/SerialPort.h"
 
+#include <algorithm>
 #include <deque>
 #include <functional>
+#include <iterator>
+#include <numeric>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -17,11 +20,6 @@ using Bytes = std::vector<std::uint8_t>;
 /// written down here byte by byte, not built with the station's own code.
 class FakeTracker final : public SerialPort {
   public:
-    struct Byte {
-        Ticks time;
-        std::uint8_t value;
-    };
-
     explicit FakeTracker(Clock& clock) : clock_(clock) {}
 
     bool open(int portNumber, const std::string& lineSettings) override {
@@ -42,7 +40,7 @@ class FakeTracker final : public SerialPort {
     std::optional<std::size_t> inputCount() override {
         if (!isOpen_) return std::nullopt;
         std::size_t count = 0;
-        while (count < input_.size() && input_[count].time <= clock_.ticks())
+        while (count < input_.size() && input_[count].first <= clock_.ticks())
             ++count;
         if (count == 0 && unplugAfterInput) unplug();
         return isOpen_ ? std::optional(count) : std::nullopt;
@@ -52,7 +50,7 @@ class FakeTracker final : public SerialPort {
     }
     std::optional<std::uint8_t> readByte() override {
         if (inputCount().value_or(0) == 0) return std::nullopt;
-        const std::uint8_t value = input_.front().value;
+        const std::uint8_t value = input_.front().second;
         input_.pop_front();
         return value;
     }
@@ -73,26 +71,24 @@ class FakeTracker final : public SerialPort {
     void send(const Bytes& bytes, Ticks delay = 1ms, Ticks gap = 0ms) {
         Ticks time = clock_.ticks() + delay;
         for (const std::uint8_t value : bytes) {
-            input_.push_back({time, value});
+            input_.emplace_back(time, value);
             time += gap;
         }
     }
 
     /// Called with every frame that the station writes.
-    std::function<void(const Bytes&)> answer = [this](const Bytes& frame) { obey(frame); };
+    std::function<void(const Bytes&)> answer = [this](const Bytes& frame) {
+        send(goodAnswer(frame[2]));
+    };
     /// Acknowledgement and echo, or the reply of a reading, as a tracker in order gives them.
     Bytes goodAnswer(std::uint8_t cmd) const {
-        Bytes bytes{0x06};
-        const Bytes data = cmd == 0x47   ? serial
-                           : cmd == 0x81 ? site
-                           : cmd == 0x85 ? origin
-                                         : Bytes{};
-        bytes.insert(bytes.end(), {0x02, static_cast<std::uint8_t>(data.size()), cmd});
-        unsigned sum = cmd;
-        for (const std::uint8_t byte : data) {
-            bytes.push_back(byte);
-            sum += byte;
-        }
+        Bytes data;
+        if (cmd == 0x47) data = serial;
+        if (cmd == 0x81) data = site;
+        if (cmd == 0x85) data = origin;
+        const unsigned sum = std::accumulate(data.begin(), data.end(), unsigned{cmd});
+        Bytes bytes{0x06, 0x02, static_cast<std::uint8_t>(data.size()), cmd};
+        std::ranges::copy(data, std::back_inserter(bytes));
         bytes.push_back(static_cast<std::uint8_t>(sum));
         bytes.push_back(0x03);
         return bytes;
@@ -113,12 +109,10 @@ class FakeTracker final : public SerialPort {
     std::vector<Bytes> written;
 
   private:
-    void obey(const Bytes& frame) { send(goodAnswer(frame[2])); }
-
     Clock& clock_;
     bool isOpen_ = false;
     std::string fault_;
-    std::deque<Byte> input_;
+    std::deque<std::pair<Ticks, std::uint8_t>> input_; ///< and when it has come
 };
 
 } // namespace orvane::test

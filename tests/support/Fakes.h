@@ -6,12 +6,15 @@
 #include "platform/ImageControl.h"
 #include "platform/Operator.h"
 #include "platform/SettingsStore.h"
+#include "platform/SystemInfo.h"
 #include "station/ImageViews.h"
 
 #include <algorithm>
 #include <exception>
 #include <functional>
 #include <map>
+#include <memory>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -63,7 +66,7 @@ class FakeStore final : public SettingsStore {
 };
 
 /// Answers after `latency` whatever `answer` gives; a cancelled one within a tenth of a second.
-class FakeHttp final : public HttpTransfer {
+class FakeHttp : public HttpTransfer {
   public:
     explicit FakeHttp(Clock& clock) : clock_(clock) {}
 
@@ -72,22 +75,24 @@ class FakeHttp final : public HttpTransfer {
         note(urls, url);
         ++requests;
         cancel();
-        Transfer transfer(clock_, running_);
-        Task<> answering = transfer.answerAfter(latency);
+        const auto transfer = std::make_shared<Transfer>(clock_);
+        running_ = transfer;
+        Task<> answering = endAfter(clock_, latency, transfer->ended);
         answering.start();
-        Signal& ended = transfer.ended;
+        Signal& ended = transfer->ended;
         co_await ended;
-        HttpReply reply = transfer.cancelled ? failed(kCancelled) : answer(url);
+        HttpReply reply = transfer->cancelled ? failed(kCancelled) : answer(url);
         co_return reply;
     }
     void cancel() override {
-        if (running_ == nullptr) return;
-        running_->cancelled = true;
+        const auto transfer = running_.lock();
+        if (!transfer) return;
+        transfer->cancelled = true;
         ++cancelled;
-        running_->ended.fire();
-        running_ = nullptr;
+        transfer->ended.fire();
+        running_.reset();
     }
-    bool running() const override { return running_ != nullptr; }
+    bool running() const override { return !running_.expired(); }
 
     static HttpReply failed(const std::string& fault) { return {false, 0, "", fault}; }
     static HttpReply picture(const std::string& content) {
@@ -104,57 +109,33 @@ class FakeHttp final : public HttpTransfer {
 
   private:
     struct Transfer {
-        Transfer(Clock& clock, Transfer*& running)
-            : ended(clock), clock_(clock), running_(running) {
-            running_ = this;
-        }
-        ~Transfer() {
-            if (running_ == this) running_ = nullptr;
-        }
-        Task<> answerAfter(Ticks time) {
-            co_await clock_.sleep(time);
-            ended.fire();
-        }
+        explicit Transfer(Clock& clock) : ended(clock) {}
         Signal ended;
         bool cancelled = false;
-
-      private:
-        Clock& clock_;
-        Transfer*& running_;
     };
+    static Task<> endAfter(Clock& clock, Ticks time, Signal& ended) {
+        co_await clock.sleep(time);
+        ended.fire();
+    }
 
     Clock& clock_;
-    Transfer* running_ = nullptr; ///< in the frame of the running get()
+    std::weak_ptr<Transfer> running_; ///< lives in the frame of the running get()
     int served_ = 0;
 };
 
-/// Answers after `latency` with the text that `answer` gives; empty is a failure.
-class FakePages final : public HttpTransfer {
+/// Answers with the text that `answer` gives; empty is a failure.
+class FakePages final : public FakeHttp {
   public:
-    explicit FakePages(Clock& clock) : http_(clock) {
-        http_.latency = 20ms;
-        http_.answer = [this](const std::string& url) {
+    explicit FakePages(Clock& clock) : FakeHttp(clock) {
+        latency = 20ms;
+        FakeHttp::answer = [this](const std::string& url) {
             const std::string text = answer ? answer(url) : std::string();
-            return text.empty() ? FakeHttp::failed("no answer") : HttpReply{true, 200, text, ""};
+            return text.empty() ? failed("no answer") : HttpReply{true, 200, text, ""};
         };
     }
-
-    using HttpTransfer::get;
-    Task<HttpReply> get(std::string url, Wanted wanted) override {
-        return http_.get(std::move(url), wanted);
-    }
-    void cancel() override { http_.cancel(); }
-    bool running() const override { return http_.running(); }
-    const std::vector<std::string>& pages() const { return http_.urls; }
+    const std::vector<std::string>& pages() const { return urls; }
 
     std::function<std::string(const std::string&)> answer;
-
-  private:
-    FakeHttp http_;
-
-  public:
-    std::chrono::milliseconds& latency = http_.latency;
-    std::vector<std::string>& urls = http_.urls;
 };
 
 /// An operator who reads every message for `patience` and answers every question with `answer`.
@@ -278,6 +259,28 @@ class FakeViews final : public ImageViews {
     std::filesystem::path latest;
     int live = 0;
     std::string liveText;
+};
+
+/// A registry and programs that are a test's to fill; `asked` traces the registry's questions.
+class FakeSystemInfo final : public SystemInfo {
+  public:
+    std::string GetKeyValue(const std::string& key, const std::string& value) const override {
+        asked.push_back(key + " " + value);
+        const auto found = registry.find(asked.back());
+        return found == registry.end() ? std::string() : found->second;
+    }
+    bool fileExists(const std::filesystem::path& file) const override {
+        return files.contains(file.string());
+    }
+    bool start(const std::filesystem::path& program) override {
+        started.push_back(program.string());
+        return files.contains(started.back());
+    }
+
+    std::map<std::string, std::string> registry; ///< by key, blank, value
+    std::set<std::string> files;
+    mutable std::vector<std::string> asked;
+    std::vector<std::string> started;
 };
 
 } // namespace orvane::test

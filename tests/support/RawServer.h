@@ -67,15 +67,11 @@ class RawServer {
         socket.write(bytes.data(), static_cast<qint64>(bytes.size()));
     }
     void trickle(QTcpSocket& socket, const std::string& bytes) {
-        auto* timer = new QTimer(&socket);
-        QObject::connect(timer, &QTimer::timeout, &socket,
-                         [this, timer, &socket, bytes, at = 0]() mutable {
-                             socket.write(&bytes[static_cast<std::size_t>(at++)], 1);
-                             if (at < static_cast<int>(bytes.size())) return;
-                             timer->stop();
-                             end(socket);
-                         });
-        timer->start(pace);
+        if (bytes.empty()) return end(socket);
+        QTimer::singleShot(pace, &socket, [this, &socket, bytes] {
+            send(socket, bytes.substr(0, 1));
+            trickle(socket, bytes.substr(1));
+        });
     }
 
     QTcpServer server_;

@@ -12,7 +12,6 @@
 #include "core/StatusFile.h"
 #include "platform/Paths.h"
 #include "station/TaskGroup.h"
-#include "tests/support/FakeMail.h"
 #include "tests/support/FakeTracker.h"
 #include "tests/support/Fakes.h"
 #include "tests/support/JumpingClock.h"
@@ -23,6 +22,32 @@
 #include <algorithm>
 
 namespace orvane::test {
+
+/// A mail server that takes every mail after `latency`, or fails with what `answer` gives.
+class FakeMail final : public MailTransfer {
+  public:
+    explicit FakeMail(Clock& clock) : clock_(clock) {}
+
+    Task<MailOutcome> send(MailServer server, Mail mail) override {
+        ++tries;
+        lastServer = server;
+        triedAt.push_back(clock_.now());
+        co_await clock_.sleep(latency);
+        MailOutcome outcome = answer ? answer(mail) : MailOutcome{};
+        if (!outcome.fault) sent.push_back(std::move(mail));
+        co_return outcome;
+    }
+
+    std::function<MailOutcome(const Mail&)> answer;
+    std::chrono::milliseconds latency{2000};
+    int tries = 0;
+    MailServer lastServer;
+    std::vector<WallTime> triedAt;
+    std::vector<Mail> sent;
+
+  private:
+    Clock& clock_;
+};
 
 /// The whole station but its windows, on a jumping clock, with a camera that answers every request
 /// with a fresh picture. Its folders are real and temporary.
@@ -157,35 +182,16 @@ class TestStation {
     Condition condition{{module, panel, warnings, days, clock}, faults};
     int exitCode = -1;
     int windowsShown = 0;
-    Station station{module,
-                    panel,
-                    settings,
-                    status,
-                    recording,
-                    camera,
-                    imageStore,
-                    http,
-                    days,
-                    ledger,
-                    disk,
-                    archive,
-                    gaps,
-                    wishes,
-                    log,
-                    faults,
-                    clock,
-                    op,
-                    warnings,
-                    busy,
-                    views,
-                    dailyClocks,
-                    [this] { ++windowsShown; },
-                    [this](int code) { exitCode = code; },
-                    nullptr,
-                    [this] {
-                        condition.begin();
-                        if (tellsStatus) statusFile.begin();
-                    }};
+    const std::function<void()> showWindows = [this] { ++windowsShown; };
+    const std::function<void(int)> quit = [this](int code) { exitCode = code; };
+    const std::function<void()> begin = [this] {
+        condition.begin();
+        if (tellsStatus) statusFile.begin();
+    };
+    Station station{module,      panel,       settings, status,  recording, camera, imageStore,
+                    http,        days,        ledger,   disk,    archive,   gaps,   wishes,
+                    log,         faults,      clock,    op,      warnings,  busy,   views,
+                    dailyClocks, showWindows, quit,     nullptr, begin};
     MainLoop loop{station};
     FakeMail mail{clock};
     FakeImageControl alertPictures;

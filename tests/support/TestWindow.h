@@ -6,7 +6,6 @@
 #include "archive/FilmFile.h"
 #include "archive/ShownDay.h"
 #include "tests/support/FakeProcess.h"
-#include "tests/support/FakeSystemInfo.h"
 #include "tests/support/TestStation.h"
 #include "ui/frmMain.h"
 
@@ -54,25 +53,8 @@ struct Window : TestStation {
         : TestStation(at(2006, 11, 15, 8, 0)),
           pictures(clock, faults, asked, module, days, control),
           shutdown({settings, store, busy, wishes, asked, log, [this] { ++ended; }}),
-          main({{panel, recording, settings, camera, imageStore, folderScan, tasks},
-                module,
-                busy,
-                shutdown,
-                wishes,
-                pictures,
-                shownDay,
-                survey,
-                {portSelection, timeForm, timeSetting, optionForm, options},
-                copies,
-                report,
-                film,
-                alerts,
-                clock,
-                faults,
-                asked,
-                systemInfo,
-                condition,
-                steps}) {
+          main({operation, module, busy, shutdown, wishes, pictures, shownDay, survey, tracker,
+                copies, report, film, alerts, clock, faults, asked, systemInfo, condition, steps}) {
         settings.initOperation();
         recording.ready();
         show(main);
@@ -93,6 +75,9 @@ struct Window : TestStation {
     DayReport report{{panel, busy, log, faults, clock}, module, schedules};
     FakeProcess process{clock};
     FilmFile film{{panel, busy, log, faults, clock}, imageControl, process, store};
+    const frmOperation::Parts operation{panel,      recording,  settings, camera,
+                                        imageStore, folderScan, tasks};
+    const frmMain::Tracker tracker{portSelection, timeForm, timeSetting, optionForm, options};
     frmMain main;
 };
 
