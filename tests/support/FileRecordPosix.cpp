@@ -148,7 +148,7 @@ mode_t modeOf(int flags, std::va_list list) {
 } // namespace
 
 /// The C library's own function of that name.
-#define REAL(name) reinterpret_cast<decltype(::name)*>(::dlsym(RTLD_NEXT, #name))
+#define REAL(name) (reinterpret_cast<decltype(::name)*>(::dlsym(RTLD_NEXT, #name)))
 /// Defines a function that calls the C library's own and hands what it changed to `watch`.
 #define WATCHED(result, name, parameters, watch, ...)                                              \
     result name parameters {                                                                       \
