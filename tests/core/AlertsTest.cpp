@@ -1,7 +1,5 @@
 #include "tests/support/ReadMail.h"
-#include "tests/support/TestStation.h"
-
-#include <gtest/gtest.h>
+#include "tests/support/StationDay.h"
 
 namespace orvane::test {
 namespace {
@@ -30,14 +28,6 @@ struct Mailing : TestStation {
     }
     ~Mailing() { tasks.clear(); }
 
-    void failFrom(const std::string& fault) {
-        http.answer = [fault](const std::string&) { return FakeHttp::failed(fault); };
-    }
-    void recover() {
-        http.answer = [this](const std::string&) {
-            return FakeHttp::picture(std::to_string(++pictures_));
-        };
-    }
     void refuseMails(const std::string& fault) {
         mail.answer = [fault](const Mail&) { return MailOutcome{fault, {}}; };
     }
@@ -47,10 +37,6 @@ struct Mailing : TestStation {
             all.push_back(ReadMail(one.bytes).subject());
         return all;
     }
-    int countLoggedFrom(const std::string& start) const {
-        return static_cast<int>(std::ranges::count_if(
-            logged(), [&](const auto& line) { return line.starts_with(start); }));
-    }
     /// Has a cause come up and go in turn, each for `span`, until `end`.
     void flap(const std::vector<Cause>& causes, Ticks span, WallTime end) {
         for (bool stands = true; clock.now() < end; stands = !stands) {
@@ -59,22 +45,20 @@ struct Mailing : TestStation {
             clock.run(span);
         }
     }
-    /// No 24 hours held more mails than may be.
-    void expectFewADay() const {
-        for (std::size_t first = 0; first + Alerts::kMostADay < mail.triedAt.size(); ++first)
-            EXPECT_GE(mail.triedAt[first + Alerts::kMostADay], mail.triedAt[first] + 24h) << first;
+    /// No `span` held more than `most` mails.
+    void expectFew(std::size_t most, Ticks span) const {
+        for (std::size_t first = 0; first + most < mail.triedAt.size(); ++first)
+            EXPECT_GE(mail.triedAt[first + most], mail.triedAt[first] + span) << first;
     }
-
-  private:
-    int pictures_ = 1000;
 };
 
 /// One mail for the outage, one for its end, and all that there is to know in them.
 TEST(Alerts, AnOutageBringsTwoMails) {
     Mailing s(at(2006, 11, 15, 8, 0));
+    const auto camera = s.http.answer;
     s.start(true);
     s.clock.runUntil(at(2006, 11, 15, 10, 10));
-    s.failFrom("HTTP status 503");
+    s.http.answer = failing("HTTP status 503");
     s.clock.runUntil(at(2006, 11, 15, 14, 10));
     ASSERT_EQ(s.mail.sent.size(), 1U);
     EXPECT_EQ(hourMinute(s.mail.triedAt[0]), "11:11");
@@ -82,30 +66,27 @@ TEST(Alerts, AnOutageBringsTwoMails) {
     EXPECT_EQ(s.mail.sent[0].recipients,
               (std::vector<std::string>{"one@example.org", "two@example.org"}));
     ReadMail warning(s.mail.sent[0].bytes);
-    EXPECT_EQ(warning.subject(),
-              "Orvane warns: No image at 10:30 and 11:00. Please check the camera.");
+    const std::string news = "No image at 10:30 and 11:00. Please check the camera.";
+    EXPECT_EQ(warning.subject(), "Orvane warns: " + news);
     EXPECT_EQ(warning.headers["From"], "Station South <sky@example.org>");
     EXPECT_EQ(warning.headers["Date"].substr(0, 23), "Wed, 15 Nov 2006 11:11:");
-    const std::string text = warning.text();
-    for (const char* part :
-         {"Since 2006/11/15 11:01:00 the station warns:\n\nNo image at 10:30 and 11:00. Please "
-          "check the camera.\n(HTTP status 503)\n\nWhat to do: Check the camera's power",
-          "Today: taken 3 of 16, next at 11:30, 2 missed\n", "Recording: on\n", " GB free",
-          "Last picture: 20061115_100000_00.jpg\n"})
-        EXPECT_NE(text.find(part), std::string::npos) << part << "\n" << text;
+    for (const std::string& part :
+         {"Since 2006/11/15 11:01:00 the station warns:\n\n" + news +
+              "\n(HTTP status 503)\n\nWhat to do: Check the camera's power",
+          std::string("Today: taken 3 of 16, next at 11:30, 2 missed\n"),
+          std::string("Recording: on\n"), std::string(" GB free"),
+          std::string("Last picture: 20061115_100000_00.jpg\n")})
+        EXPECT_PRED_FORMAT2(testing::IsSubstring, part, warning.text());
     ASSERT_EQ(warning.parts.size(), 2U);
-    std::string picture;
-    readWholeFile(s.dataFolder() / "20061115" / "20061115_100000_00.jpg", picture);
-    EXPECT_EQ(warning.parts[1].bytes, picture);
-    s.recover();
+    EXPECT_EQ(warning.parts[1].bytes,
+              contentsOf(s.dataFolder() / "20061115" / "20061115_100000_00.jpg"));
+    s.http.answer = camera;
     s.clock.runUntil(at(2006, 11, 16, 8, 0));
     ASSERT_EQ(s.mail.sent.size(), 2U);
     ReadMail over(s.mail.sent[1].bytes);
-    EXPECT_EQ(over.subject(),
-              "Orvane, over: No image at 10:30 and 11:00. Please check the camera.");
-    EXPECT_NE(over.text().find("stood from 2006/11/15 11:01:00 and went at 2006/11/15 14:3"),
-              std::string::npos)
-        << over.text();
+    EXPECT_EQ(over.subject(), "Orvane, over: " + news);
+    EXPECT_PRED_FORMAT2(testing::IsSubstring,
+                        "stood from 2006/11/15 11:01:00 and went at 2006/11/15 14:3", over.text());
     EXPECT_EQ(s.countLogged("Mail sent: " + over.subject()), 1);
 }
 
@@ -126,6 +107,9 @@ TEST(Alerts, WhatDoesNotStandTenMinutesIsNoNews) {
     EXPECT_EQ(s.mail.tries, 1);
 }
 
+const std::vector<Cause> kMany = {Cause::NoImage, Cause::DataFolder, Cause::DiskSpace,
+                                  Cause::SunTimes, Cause::ErrorLog};
+
 /// A cause that comes and goes brings one mail an hour; many of them bring no more than 24 a day in
 /// all, and the day's report is among them.
 TEST(Alerts, FlappingCausesBringABoundedNumber) {
@@ -135,23 +119,18 @@ TEST(Alerts, FlappingCausesBringABoundedNumber) {
         bool daily;
         std::size_t least; ///< of four days
     };
-    const std::vector<Cause> many = {Cause::NoImage, Cause::DataFolder, Cause::DiskSpace,
-                                     Cause::SunTimes, Cause::ErrorLog};
     for (const auto& [causes, span, daily, least] :
          {Case{{Cause::NoImage}, 13min, false, 60}, Case{{Cause::NoImage}, 31min, false, 60},
-          Case{many, 13min, true, 90}, Case{many, 2h, false, 96}}) {
+          Case{kMany, 13min, true, 90}, Case{kMany, 2h, false, 96}}) {
         Mailing s(at(2006, 11, 15), true, daily);
         s.flap(causes, span, at(2006, 11, 19));
-        s.expectFewADay();
+        s.expectFew(Alerts::kMostADay, 24h);
+        if (causes.size() == 1) s.expectFew(1, 1h);
         EXPECT_GE(s.mail.sent.size(), least);
         EXPECT_LE(s.mail.sent.size(), 4 * Alerts::kMostADay);
-        const auto subjects = s.subjects();
-        EXPECT_GE(std::ranges::count_if(
-                      subjects, [](const auto& each) { return each.find("well") != each.npos; }),
-                  daily ? 4 : 0);
-        if (causes.size() > 1) continue;
-        for (std::size_t mail = 1; mail < s.mail.triedAt.size(); ++mail)
-            EXPECT_GE(s.mail.triedAt[mail], s.mail.triedAt[mail - 1] + 1h);
+        const auto reports = std::ranges::count_if(
+            s.subjects(), [](const auto& each) { return each.find("well") != each.npos; });
+        EXPECT_GE(reports, daily ? 4 : 0);
     }
 }
 
@@ -205,9 +184,11 @@ TEST(Alerts, AMailServerThatIsGoneForADay) {
 TEST(Alerts, TheQueueIsBounded) {
     Mailing s(at(2006, 11, 15));
     s.refuseMails("the mail server refused the mail: 452 full");
-    s.flap({Cause::NoImage, Cause::DataFolder, Cause::DiskSpace, Cause::SunTimes, Cause::ErrorLog},
-           30min, at(2006, 11, 15, 9));
-    EXPECT_EQ(s.countLoggedFrom("Alerts:Too many mails wait"), 4);
+    s.flap(kMany, 30min, at(2006, 11, 15, 9));
+    const auto isDropped = [](const auto& line) {
+        return line.starts_with("Alerts:Too many mails wait");
+    };
+    EXPECT_EQ(std::ranges::count_if(s.logged(), isDropped), 4);
     s.mail.answer = nullptr;
     s.clock.run(1h + 2min);
     EXPECT_EQ(s.mail.sent.size(), MailQueue::kMost);
@@ -266,35 +247,46 @@ TEST(Alerts, TheDayIsReportedOnce) {
         Mailing s(at(2006, 11, 15, 8, 0), false, false);
         s.start(true);
         s.alerts.use(wanted(false, true));
-        s.clock.runUntil(at(2006, 11, 15, 17, 9));
-        EXPECT_TRUE(s.mail.sent.empty());
         s.clock.runUntil(at(2006, 11, 15, 18, 0));
         ASSERT_EQ(s.mail.sent.size(), 1U);
         EXPECT_EQ(hourMinute(s.mail.triedAt[0]), "17:10");
         ReadMail read(s.mail.sent[0].bytes);
         EXPECT_EQ(read.subject(), "Orvane, 2006/11/15: all is well, 16 of 16 pictures taken");
-        EXPECT_NE(read.text().find("Due: 16\nTaken: 16\nFetched later: 0\nMissed: 0\n"),
-                  std::string::npos)
-            << read.text();
+        EXPECT_PRED_FORMAT2(testing::IsSubstring,
+                            "Due: 16\nTaken: 16\nFetched later: 0\nMissed: 0\n", read.text());
         ASSERT_EQ(read.parts.size(), 3U);
-        EXPECT_NE(read.parts[1].headers["Content-Type"].find("20061115_163000_00.jpg"),
-                  std::string::npos);
-        EXPECT_NE(read.parts[2].headers["Content-Type"].find("keogram.jpg"), std::string::npos);
+        for (const auto& [part, name] :
+             {std::pair{1U, "20061115_163000_00.jpg"}, {2U, "keogram.jpg"}})
+            EXPECT_PRED_FORMAT2(testing::IsSubstring, name,
+                                read.parts[part].headers["Content-Type"]);
         stored = s.store.values;
-        stored.erase("DataPath/PathDataFile");
     }
     Mailing s(at(2006, 11, 15, 19, 0), false, true, stored);
     s.start(true);
     s.clock.runUntil(at(2006, 11, 16, 10, 10));
     EXPECT_TRUE(s.mail.sent.empty());
-    s.failFrom("no answer");
+    s.http.answer = failing("no answer");
     s.clock.runUntil(at(2006, 11, 17));
     ASSERT_EQ(s.mail.sent.size(), 1U);
     ReadMail read(s.mail.sent[0].bytes);
     EXPECT_EQ(read.subject(), "Orvane, 2006/11/16: not all is well, 3 of 16 pictures taken");
     for (const char* part :
          {"- 13 pictures missed.\n", "- since 2006/11/16 11:01:00: No image at "})
-        EXPECT_NE(read.text().find(part), std::string::npos) << read.text();
+        EXPECT_PRED_FORMAT2(testing::IsSubstring, part, read.text());
+}
+
+/// A window that follows the sun has an end of its own, too.
+TEST(Alerts, TheDaysReportFollowsItsEnd) {
+    Mailing s(at(2006, 11, 15, 4, 0), false, true, {{"Station/FollowSun", "1"}});
+    s.start(true);
+    s.clock.run(1s);
+    s.clock.runUntil(at(2006, 11, 15) + s.module.schedule.EndTime + 9min);
+    EXPECT_GT(s.module.schedule.EndTime, 17h);
+    EXPECT_EQ(s.mail.sent.size(), 0U);
+    s.clock.run(3min);
+    EXPECT_EQ(s.mail.sent.size(), 1U);
+    s.clock.runUntil(at(2006, 11, 16, 12, 0));
+    EXPECT_EQ(s.mail.sent.size(), 1U);
 }
 
 /// A window up to midnight is reported on behind it, and a report that could not be sent in time
@@ -312,7 +304,6 @@ TEST(Alerts, TheReportOfADayThatIsOver) {
         s.clock.runUntil(at(2006, 11, 16, 1, 0));
         EXPECT_GT(s.mail.tries, 0);
         stored = s.store.values;
-        stored.erase("DataPath/PathDataFile");
     }
     Mailing s(at(2006, 11, 16, 1, 30), false, true, stored);
     s.start(true);
@@ -323,9 +314,7 @@ TEST(Alerts, TheReportOfADayThatIsOver) {
 
 /// A clock that was wrong, far ahead or a while back, does not silence the reports.
 TEST(Alerts, ReportsGoOnAfterAWrongClock) {
-    Mailing s(at(2006, 11, 15, 8, 0), false, true);
-    s.store.values["Station/MailDailyDone"] = "20991231";
-    s.alerts.start();
+    Mailing s(at(2006, 11, 15, 8, 0), false, true, {{"Station/MailDailyDone", "20991231"}});
     s.start(true);
     s.clock.runUntil(at(2006, 11, 15, 18, 0));
     EXPECT_EQ(s.mail.sent.size(), 2U) << "yesterday's and today's";
@@ -337,12 +326,7 @@ TEST(Alerts, ReportsGoOnAfterAWrongClock) {
 TEST(Alerts, ATestTellsWhatBecameOfIt) {
     Mailing s(at(2006, 11, 15, 8, 0), false, false);
     const auto test = [&](const MailSettings& settings) {
-        std::string told;
-        Task<std::string> task = s.alerts.test(settings);
-        task.start();
-        s.clock.run(5min);
-        EXPECT_TRUE(task.done());
-        return task.result();
+        return finish(s.clock, s.alerts.test(settings));
     };
     EXPECT_EQ(test(wanted(false, false)), "The mail server has taken the mail.");
     EXPECT_EQ(s.subjects(), std::vector<std::string>{"Orvane: test of the alerts"});
@@ -383,8 +367,7 @@ TEST(MailSettings, MistakesAreFound) {
         MailSettings settings = wanted(true, true);
         change(settings);
         const auto found = mistakeIn(settings);
-        if (!found) return std::nullopt;
-        return found->field;
+        return found ? std::optional(found->field) : std::nullopt;
     };
     EXPECT_EQ(mistake([](auto&) {}), std::nullopt);
     for (const char* host : {"", "a b", "mail.example.org/x", "user@mail", "http://mail", "mäil"})

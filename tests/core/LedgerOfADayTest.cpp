@@ -1,63 +1,47 @@
-#include "tests/support/TestStation.h"
-
-#include <gtest/gtest.h>
+#include "tests/support/StationDay.h"
 
 namespace orvane::test {
 namespace {
 
 /// A station that records every half hour from 9 to 17 and is started at 8:50.
-class LedgerOfADay : public testing::Test {
+class LedgerOfADay : public StationDay {
   protected:
     LedgerOfADay() { start(at(2006, 11, 15, 8, 50)); }
-    void start(WallTime time) {
-        const auto before = kept.path() / "data";
-        if (s) std::filesystem::rename(s->dataFolder(), before);
-        s = std::make_unique<TestStation>(time);
-        if (std::filesystem::exists(before)) {
-            std::filesystem::remove(s->dataFolder());
-            std::filesystem::rename(before, s->dataFolder());
-        }
-        s->store.values["Settings/FillGaps"] = "0";
-    }
-    void failFrom(const std::string& fault) {
-        s->http.answer = [fault](const std::string&) { return FakeHttp::failed(fault); };
-    }
-    std::filesystem::path file() const { return s->dataFolder() / "Ledger" / "20061115.csv"; }
-    std::string lines() const {
-        std::string text;
-        readWholeFile(file(), text);
+    /// Without the line of the fields' names.
+    std::string lines(const std::string& day = "20061115") const {
+        std::string text = ledger(day);
         std::erase(text, '\r');
+        EXPECT_TRUE(text.empty() || text.starts_with("time,offset,event,file,detail\n")) << text;
         return text.substr(std::min(text.find('\n') + 1, text.size()));
     }
-    void runUntil(int hour, int minute) { s->clock.runUntil(at(2006, 11, 15, hour, minute)); }
-
-    TempFolder kept;
-    std::unique_ptr<TestStation> s;
+    std::string plan() const { return s->days.plan().text; }
+    std::string reasonAt930() const {
+        return s->days.today().detailOf(s->days.plan(), 9 * 60 + 30, 0);
+    }
 };
 
 constexpr const char* kStart = "08:50,+09:00,program started,,\n"
                                "08:50,+09:00,schedule,,09:00 to 17:00 every 30 min\n"
-                               "08:50,+09:00,recording on,,\n";
+                               "08:50,+09:00,recording on,,\n"
+                               "09:00,+09:00,taken,20061115_090000_00.jpg,\n";
 
 TEST_F(LedgerOfADay, HasALineForEveryDueMinuteAndSwitch) {
-    s->start(true);
-    runUntil(9, 10);
-    failFrom("HTTP status 503");
+    recordUntil(9, 10);
+    s->http.answer = failing("HTTP status 503");
     runUntil(9, 40);
     s->recording.Command2_Click();
     s->panel.Text1[5].text = "15";
     runUntil(10, 10);
-    const DayPlan off = s->days.plan();
-    EXPECT_EQ(off.states[9 * 60 + 30], DayState::Missed) << "what was stays";
-    EXPECT_EQ(off.states[10 * 60], DayState::Off);
-    EXPECT_EQ(std::ranges::count(off.states, DayState::ToCome), 0);
+    const auto states = s->days.plan().states;
+    EXPECT_EQ(states[9 * 60 + 30], DayState::Missed) << "what was stays";
+    EXPECT_EQ(states[10 * 60], DayState::Off);
+    EXPECT_EQ(std::ranges::count(states, DayState::ToCome), 0);
     s->press(&Recording::Command1_Click);
     s->files.failing = "write";
     s->http.answer = [](const std::string&) { return FakeHttp::picture("x"); };
     runUntil(10, 20);
     s->ledger.end();
     EXPECT_EQ(lines(), std::string(kStart) +
-                           "09:00,+09:00,taken,20061115_090000_00.jpg,\n"
                            "09:30,+09:00,missed,,HTTP status 503\n"
                            "09:40,+09:00,recording off,,\n"
                            "10:10,+09:00,schedule,,09:00 to 17:00 every 15 min\n"
@@ -65,16 +49,15 @@ TEST_F(LedgerOfADay, HasALineForEveryDueMinuteAndSwitch) {
                            "10:15,+09:00,missed,,The data folder cannot be written: No space left "
                            "on device.\n"
                            "10:20,+09:00,program ended,,\n");
-    EXPECT_EQ(s->days.plan().text, "taken 1 of 30, next at 10:30, 2 missed, 1 not recorded");
-    EXPECT_EQ(s->days.today().detailOf(s->days.plan(), 9 * 60 + 30, 0), "HTTP status 503");
+    EXPECT_EQ(plan(), "taken 1 of 30, next at 10:30, 2 missed, 1 not recorded");
+    EXPECT_EQ(reasonAt930(), "HTTP status 503");
 }
 
 /// The day goes on as it was; what nobody recorded is fetched from the store, but not what nobody
 /// wanted.
 TEST_F(LedgerOfADay, IsKnownAfterARestart) {
-    s->start(true);
-    runUntil(9, 10);
-    failFrom("HTTP status 503");
+    recordUntil(9, 10);
+    s->http.answer = failing("HTTP status 503");
     runUntil(9, 40);
     s->recording.Command2_Click();
     runUntil(10, 10);
@@ -87,13 +70,11 @@ TEST_F(LedgerOfADay, IsKnownAfterARestart) {
         asked += url.substr(url.find("from_hour"), 25) + " ";
         return std::string("NO_DATA");
     };
-    s->start(true);
-    runUntil(12, 7);
-    EXPECT_EQ(s->days.plan().text, "taken 1 of 16, next at 12:30, 2 missed, 4 not recorded");
-    const auto& states = s->days.plan().states;
-    EXPECT_EQ(states[10 * 60], DayState::Off);
-    EXPECT_EQ(states[11 * 60], DayState::NotRunning);
-    EXPECT_EQ(s->days.today().detailOf(s->days.plan(), 9 * 60 + 30, 0), "HTTP status 503");
+    recordUntil(12, 7);
+    EXPECT_EQ(plan(), "taken 1 of 16, next at 12:30, 2 missed, 4 not recorded");
+    EXPECT_EQ(s->days.plan().states[10 * 60], DayState::Off);
+    EXPECT_EQ(s->days.plan().states[11 * 60], DayState::NotRunning);
+    EXPECT_EQ(reasonAt930(), "HTTP status 503");
     EXPECT_EQ(s->warnings.text.get(), "");
     EXPECT_EQ(std::ranges::count(asked, ' '), 5) << asked;
     EXPECT_EQ(asked.find("from_hour=10&from_min=0"), std::string::npos) << asked;
@@ -102,41 +83,35 @@ TEST_F(LedgerOfADay, IsKnownAfterARestart) {
 TEST_F(LedgerOfADay, GoesOnAtMidnight) {
     s->setSchedule("0", "23", "1", "59");
     s->start(false);
-    s->clock.runUntil(at(2006, 11, 15, 23, 56));
+    runUntil(23, 56);
     s->press(&Recording::Command1_Click);
     s->clock.run(1min);
-    failFrom("no answer");
+    s->http.answer = failing("no answer");
     s->utcOffset = 600min;
     s->clock.runUntil(at(2006, 11, 16, 0, 2, 1));
-    const std::string today = lines();
-    EXPECT_EQ(today.substr(today.find("23:5")),
+    EXPECT_EQ(lines().substr(lines().find("23:5")),
               "23:56,+09:00,schedule,,00:00 to 23:59 every 01 min\n"
               "23:56,+09:00,recording on,,\n"
               "23:56,+09:00,taken,20061115_235600_00.jpg,\n"
               "23:57,+10:00,missed,,no answer\n23:58,+10:00,missed,,no answer\n");
-    std::string text;
-    ASSERT_FALSE(readWholeFile(s->dataFolder() / "Ledger" / "20061116.csv", text));
-    EXPECT_EQ(text, "time,offset,event,file,detail\r\n"
-                    "00:00,+10:00,schedule,,00:00 to 23:59 every 01 min\r\n"
-                    "00:00,+10:00,recording on,,\r\n"
-                    "00:00,+10:00,missed,,no answer\r\n00:01,+10:00,missed,,no answer\r\n");
+    EXPECT_EQ(lines("20061116"),
+              "00:00,+10:00,schedule,,00:00 to 23:59 every 01 min\n"
+              "00:00,+10:00,recording on,,\n"
+              "00:00,+10:00,missed,,no answer\n00:01,+10:00,missed,,no answer\n");
+    EXPECT_TRUE(ledger("20061116").starts_with("time,offset,event,file,detail\r\n"));
 }
 
 /// No capture is lost for a ledger that cannot be written, and what it was to tell follows.
 TEST_F(LedgerOfADay, ThatCannotBeWrittenStopsNothing) {
-    ASSERT_FALSE(writeToFinalName("in the way", s->dataFolder() / "Ledger"));
-    s->start(true);
-    runUntil(10, 10);
-    EXPECT_EQ(s->imagesOf("20061115").size(), 3U);
-    EXPECT_EQ(
-        std::ranges::count_if(
-            s->logged(), [](const auto& line) { return line.find("ledger") != std::string::npos; }),
-        1);
-    EXPECT_EQ(s->days.plan().text, "taken 3 of 16, next at 10:30");
+    writeFile(s->dataFolder() / "Ledger", "in the way");
+    recordUntil(10, 10);
+    EXPECT_EQ(count(), 3);
+    const auto tellsOfIt = [](const auto& line) { return line.find("ledger") != line.npos; };
+    EXPECT_EQ(std::ranges::count_if(s->logged(), tellsOfIt), 1);
+    EXPECT_EQ(plan(), "taken 3 of 16, next at 10:30");
     std::filesystem::remove(s->dataFolder() / "Ledger");
     runUntil(10, 40);
-    EXPECT_EQ(lines(), std::string(kStart) + "09:00,+09:00,taken,20061115_090000_00.jpg,\n"
-                                             "09:30,+09:00,taken,20061115_093000_00.jpg,\n"
+    EXPECT_EQ(lines(), std::string(kStart) + "09:30,+09:00,taken,20061115_093000_00.jpg,\n"
                                              "10:00,+09:00,taken,20061115_100000_00.jpg,\n"
                                              "10:30,+09:00,taken,20061115_103000_00.jpg,\n");
 }
@@ -144,14 +119,12 @@ TEST_F(LedgerOfADay, ThatCannotBeWrittenStopsNothing) {
 /// The default data folder is made with its first picture, and no chosen one is ever made.
 TEST_F(LedgerOfADay, WaitsForItsDataFolder) {
     s->store.values["DataPath/PathDataFile"] = "";
-    s->start(true);
-    runUntil(8, 59);
+    recordUntil(8, 59);
     EXPECT_FALSE(std::filesystem::exists(s->module.defaultDataFolder));
     runUntil(9, 10);
-    std::string text;
-    EXPECT_FALSE(readWholeFile(s->module.defaultDataFolder / "Ledger" / "20061115.csv", text));
-    EXPECT_NE(text.find("program started"), std::string::npos);
-    EXPECT_NE(text.find("09:00,+09:00,taken"), std::string::npos);
+    const auto text = contentsOf(s->module.defaultDataFolder / "Ledger" / "20061115.csv");
+    for (const char* part : {"program started", "09:00,+09:00,taken"})
+        EXPECT_PRED_FORMAT2(testing::IsSubstring, part, text);
 }
 
 } // namespace

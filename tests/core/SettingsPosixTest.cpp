@@ -1,0 +1,56 @@
+#include "core/MailSettings.h"
+#include "platform/qt/QtSettingsStore.h"
+#include "tests/support/TempFolder.h"
+#include "tests/support/TestPictures.h"
+
+#include <QCoreApplication>
+#include <QProcess>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <cstdlib>
+
+namespace orvane::test {
+namespace {
+
+/// The file holds the password as it is: it is the user's alone before that is in it, and stays so.
+TEST(MailSettings, StandInAFileThatNobodyElseMayRead) {
+    const TempFolder folder;
+    const std::filesystem::path path = folder.path() / "Orvane.ini";
+    const QString name = QString::fromStdString(path.string());
+    const auto mode = [&] {
+        return static_cast<unsigned>(std::filesystem::status(path).permissions());
+    };
+    const mode_t before = ::umask(022);
+    EXPECT_TRUE(QtSettingsStore(name).SaveSetting("Settings", "IP", "10.0.0.7"));
+    EXPECT_EQ(mode(), 0600U);
+    std::filesystem::permissions(path, std::filesystem::perms(0644));
+    QtSettingsStore store(name);
+    EXPECT_EQ(mode(), 0600U) << "one of before";
+    MailSettings settings;
+    settings.server.password = "sec;ret";
+    EXPECT_FALSE(saveMailSettings(store, settings));
+    EXPECT_EQ(mode(), 0600U);
+    EXPECT_EQ(loadMailSettings(store).settings.server.password, "sec;ret");
+    ::umask(before);
+}
+
+/// In another process, since the user's folder of settings is looked for once in each.
+TEST(UsersSettings, AreInTheirFileWhenTheSaveReturns) {
+    constexpr const char* kSaves = "ORVANE_TEST_SAVES";
+    if (qEnvironmentVariableIsSet(kSaves)) // and has no time left to put anything in order
+        std::_Exit(QtSettingsStore().SaveSetting("Settings", "IP", "10.0.0.7") ? 0 : 1);
+    const TempFolder folder;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(kSaves, "1");
+    environment.insert("XDG_CONFIG_HOME", QString::fromStdString(folder.path().string()));
+    QProcess program;
+    program.setProcessEnvironment(environment);
+    program.start(QCoreApplication::applicationFilePath(), {"--gtest_filter=UsersSettings.*"});
+    ASSERT_TRUE(program.waitForFinished()) << program.errorString().toStdString();
+    EXPECT_EQ(program.exitCode(), 0);
+    EXPECT_EQ(contentsOf(folder.path() / "Orvane" / "Orvane.ini"), "[Settings]\nIP=10.0.0.7\n");
+}
+
+} // namespace
+} // namespace orvane::test
