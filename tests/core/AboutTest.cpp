@@ -13,53 +13,39 @@ constexpr char kTool[] = "SOFTWARE\\Microsoft\\Shared Tools\\MSINFO PATH";
 constexpr char kFolder[] = "SOFTWARE\\Microsoft\\Shared Tools Location MSINFO";
 constexpr char kUnusable[] = "At present, system information cannot be used.";
 
-struct ToolCase {
-    const char* what;
-    std::map<std::string, std::string> registry;
-    std::set<std::string> files;
-    std::vector<std::string> asked;
-    std::vector<std::string> started;
-    bool told;
-};
-
 TEST(AboutTest, TheToolIsFoundThroughTheRegistry) {
-    const ToolCase cases[] = {
-        {"its own entry",
-         {{kTool, "C:\\info\\a.exe"}, {kFolder, "C:\\other"}},
-         {"C:\\info\\a.exe", "C:\\other\\MSINFO32.EXE"},
-         {kTool},
-         {"C:\\info\\a.exe"},
-         false},
-        {"its own entry names no file",
-         {{kTool, "C:\\gone.exe"}, {kFolder, "C:\\other"}},
-         {"C:\\other\\MSINFO32.EXE"},
-         {kTool},
-         {"C:\\gone.exe"},
-         true},
-        {"the folder's entry",
-         {{kFolder, "C:\\other"}},
-         {"C:\\other\\MSINFO32.EXE"},
-         {kTool, kFolder},
-         {"C:\\other\\MSINFO32.EXE"},
-         false},
-        {"a folder without the tool", {{kFolder, "C:\\other"}}, {}, {kTool, kFolder}, {}, true},
+    const std::string own = "C:\\info\\a.exe";
+    const std::string below = "C:\\other\\MSINFO32.EXE";
+    const std::pair<const std::string, std::string> ownEntry{kTool, own};
+    const std::pair<const std::string, std::string> folderEntry{kFolder, "C:\\other"};
+    using Texts = std::vector<std::string>;
+    const struct {
+        const char* what;
+        std::map<std::string, std::string> registry;
+        std::set<std::string> files;
+        Texts asked, started;
+        bool told;
+    } cases[] = {
+        {"its own entry", {ownEntry, folderEntry}, {own, below}, {kTool}, {own}, false},
+        {"its own entry names no file", {ownEntry, folderEntry}, {below}, {kTool}, {own}, true},
+        {"the folder's entry", {folderEntry}, {below}, {kTool, kFolder}, {below}, false},
+        {"a folder without the tool", {folderEntry}, {}, {kTool, kFolder}, {}, true},
         {"no entry", {}, {"\\MSINFO32.EXE"}, {kTool, kFolder}, {}, true},
     };
-    for (const ToolCase& test : cases) {
-        SCOPED_TRACE(test.what);
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.what);
         JumpingClock clock(at(2006, 11, 15));
         FakeOperator op(clock);
         FakeSystemInfo info;
-        info.registry = test.registry;
-        info.files = test.files;
+        info.registry = c.registry;
+        info.files = c.files;
         TaskGroup tasks(noFault);
         tasks.spawn(startSystemInformation(info, op));
         clock.run(2s);
         EXPECT_EQ(tasks.running(), 0u);
-        EXPECT_EQ(info.asked, test.asked);
-        EXPECT_EQ(info.started, test.started);
-        EXPECT_EQ(op.told,
-                  test.told ? std::vector<std::string>{kUnusable} : std::vector<std::string>{});
+        EXPECT_EQ(info.asked, c.asked);
+        EXPECT_EQ(info.started, c.started);
+        EXPECT_EQ(op.told, c.told ? Texts{kUnusable} : Texts{});
     }
 }
 

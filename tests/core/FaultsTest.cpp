@@ -1,6 +1,4 @@
-#include "tests/support/TestStation.h"
-
-#include <gtest/gtest.h>
+#include "tests/support/StationDay.h"
 
 namespace orvane::test {
 namespace {
@@ -40,9 +38,8 @@ TEST_F(RepeatedLines, OnceAndItsCountWhenTheMinuteIsOver) {
 }
 
 TEST_F(RepeatedLines, AnotherTextAndAnEndTellTheCountAtOnce) {
-    line.write("a");
-    line.write("a");
-    line.write("b");
+    for (const char* text : {"a", "a", "b"})
+        line.write(text);
     line.settle();
     s.clock.run(30s);
     line.write("b");
@@ -62,9 +59,8 @@ TEST(Faults, AreLoggedOnceAMinuteEachAndToldOnce) {
         s.clock.run(100ms);
     }
     s.clock.run(1min);
-    const std::string end =
-        "\nThe program goes on. Please note this text and tell whoever maintains "
-        "the program.";
+    const std::string end = "\nThe program goes on. Please note this text and tell whoever "
+                            "maintains the program.";
     EXPECT_EQ(s.op.told,
               (Lines{"A fault occurred: first" + end, "A fault occurred: second" + end}));
     EXPECT_EQ(s.countLogged("Orvane:first"), 2);
@@ -73,64 +69,49 @@ TEST(Faults, AreLoggedOnceAMinuteEachAndToldOnce) {
     s.clock.run(10min);
     s.faults.tell("Orvane", faultOf("first")); // the box was closed
     EXPECT_EQ(s.op.told.size(), 3U);
-}
-
-TEST(Faults, WhatIsNoStandardExceptionIsReportedAsWell) {
-    TestStation s(at(2006, 11, 15));
-    EXPECT_FALSE(s.faults.attempt("here", [] { throw 1; }));
     EXPECT_TRUE(s.faults.attempt("here", [] {}));
-    EXPECT_EQ(s.logged(), Lines{"here:unknown fault"});
+    EXPECT_FALSE(s.faults.attempt("here", [] { throw 1; }));
+    EXPECT_EQ(s.logged().back(), "here:unknown fault");
 }
 
 /// What can fail in a way nobody foresaw, in each part of the main loop: it is told in few lines,
 /// and the recording goes on.
 TEST(Faults, TheRecordingGoesOn) {
-    struct Case {
+    static FailingViews views;
+    const auto failAtText = [](const std::string& text) {
+        if (!text.empty()) fail();
+    };
+    const auto failWhenShown = [](bool visible) {
+        if (visible) fail();
+    };
+    const struct {
         const char* where;
         std::function<void(TestStation&)> spoil;
-    };
-    const Case cases[] = {
-        {"MainLoop:unforeseen", // at every look at the day
-         [](TestStation& s) { s.station.keepAwake = [](bool) { fail(); }; }},
-        {"MainLoop:unforeseen", // and at the disk
-         [](TestStation& s) {
-             s.panel.lbl_free.caption.observe([](const std::string& text) {
-                 if (!text.empty()) fail();
-             });
-         }},
-        {"LiveView:unforeseen",
-         [](TestStation& s) {
-             static FailingViews views;
-             s.views.shown = &views;
-         }},
+    } cases[] = {
+        // at every look at the day, and at the disk
+        {"MainLoop:unforeseen", [](auto& s) { s.station.keepAwake = [](bool) { fail(); }; }},
+        {"MainLoop:unforeseen", [&](auto& s) { s.panel.lbl_free.caption.observe(failAtText); }},
+        {"LiveView:unforeseen", [](auto& s) { s.views.shown = &views; }},
         {"Synchronisation:unforeseen",
-         [](TestStation& s) {
-             s.panel.pgb_run.visible.observe([](bool visible) {
-                 if (visible) fail();
-             });
-         }},
+         [&](auto& s) { s.panel.pgb_run.visible.observe(failWhenShown); }},
         {"DailyClocks:unforeseen",
-         [](TestStation& s) {
+         [](auto& s) {
              s.store.values["Settings/AdjTime"] = "1";
              s.port.answer = [](const Bytes&) { fail(); };
          }},
-        {"Timer1:unforeseen",
-         [](TestStation& s) {
-             s.panel.Label13.caption.observe([](const std::string& text) {
-                 if (!text.empty()) fail();
-             });
-         }},
+        {"Timer1:unforeseen", [&](auto& s) { s.panel.Label13.caption.observe(failAtText); }},
     };
     for (const auto& [where, spoil] : cases) {
+        SCOPED_TRACE(where);
         TestStation s(at(2006, 11, 15, 8, 50));
         s.setSchedule("9", "17", "1");
         spoil(s);
         s.start(true);
         s.panel.chkLive.ticked = true;
         s.clock.runUntil(at(2006, 11, 15, 11, 0));
-        EXPECT_EQ(s.imagesOf("20061115").size(), 120U) << where;
-        EXPECT_GT(s.countLogged(where), 0) << where;
-        EXPECT_LT(s.logged().size(), 2U * 130 + 10) << where;
+        EXPECT_EQ(s.imagesOf("20061115").size(), 120U);
+        EXPECT_GT(s.countLogged(where), 0);
+        EXPECT_LT(s.logged().size(), 2U * 130 + 10);
         EXPECT_TRUE(s.timeDialog.empty() || s.timeDialog == "open unloaded ") << s.timeDialog;
         EXPECT_FALSE(s.port.isOpen());
     }
@@ -165,35 +146,74 @@ TEST(Faults, PassesThatFailComeLessAndLessOften) {
     EXPECT_EQ(failures[1] - failures[0], 200ms);
 }
 
+struct ErrorLogTest : StationDay {
+    ErrorLogTest() { start(at(2006, 11, 15, 9, 29, 59)); }
+};
+
 /// "DownLoad Error" stands for each attempt, its reason once a minute with its count.
-TEST(ErrorLog, TheLogSaysWhyADownloadFailed) {
-    TestStation s(at(2006, 11, 15, 9, 29, 59));
-    std::string fault = "HTTP status 503";
-    s.http.answer = [&](const std::string&) { return FakeHttp::failed(fault); };
-    s.start(true);
-    const std::size_t before = s.logged().size();
-    s.clock.runUntil(at(2006, 11, 15, 9, 30, 30));
-    const int first = s.countLogged("DownLoad Error");
-    fault = "refused";
-    s.clock.runUntil(at(2006, 11, 15, 9, 31, 50));
-    const int second = s.countLogged("DownLoad Error") - first;
-    const Lines log = s.logged();
-    EXPECT_EQ(log[before], "DownLoad Error");
-    EXPECT_EQ(log[before + 1], "Capture:HTTP status 503");
-    EXPECT_EQ(log[before + 2], "DownLoad Error");
+TEST_F(ErrorLogTest, SaysWhyADownloadFailed) {
+    s->http.answer = failing("HTTP status 503");
+    s->start(true);
+    const std::size_t before = s->logged().size();
+    runUntil(9, 30, 30);
+    const int first = s->countLogged("DownLoad Error");
+    s->http.answer = failing("refused");
+    runUntil(9, 31, 50);
+    const int second = s->countLogged("DownLoad Error") - first;
+    const Lines log = s->logged();
+    EXPECT_EQ(
+        Lines(log.begin() + static_cast<int>(before), log.begin() + static_cast<int>(before) + 3),
+        (Lines{"DownLoad Error", "Capture:HTTP status 503", "DownLoad Error"}));
     EXPECT_GT(first, 10);
-    EXPECT_EQ(s.countLogged("Capture:HTTP status 503 (" + std::to_string(first) + " times)"), 1);
+    EXPECT_EQ(s->countLogged("Capture:HTTP status 503 (" + std::to_string(first) + " times)"), 1);
     EXPECT_EQ(log.back(), "Capture:refused (" + std::to_string(second) + " times)");
     EXPECT_EQ(log.size() - before, static_cast<std::size_t>(first + second + 4));
 
     // a picture tells the count before its minute is over
-    s.clock.runUntil(at(2006, 11, 15, 10, 0, 5));
-    int attempts = 0;
-    s.http.answer = [&](const std::string&) {
+    runUntil(10, 0, 5);
+    s->http.answer = [attempts = 0](const std::string&) mutable {
         return ++attempts < 3 ? FakeHttp::failed("late") : FakeHttp::picture("x");
     };
-    s.clock.runUntil(at(2006, 11, 15, 10, 0, 20));
-    EXPECT_EQ(s.logged().back(), "Capture:late (2 times)");
+    runUntil(10, 0, 20);
+    EXPECT_EQ(s->logged().back(), "Capture:late (2 times)");
+}
+
+TEST_F(ErrorLogTest, AppendsStampedLines) {
+    EXPECT_TRUE(s->log.write("recMessage:SUM ERROR"));
+    EXPECT_TRUE(s->log.write(""));
+    EXPECT_EQ(contentsOf(s->module.programFolder / "ERROR.LOG"),
+              "2006/11/15 09:29:59 recMessage:SUM ERROR\r\n2006/11/15 09:29:59 \r\n");
+}
+
+TEST_F(ErrorLogTest, FlashesOnTheStatusLabel) {
+    const std::string& label = s->panel.Label7.caption.get();
+    s->panel.Label7.caption = "Ready";
+    s->log.write("hidden");
+    EXPECT_EQ(label, "Ready");
+    for (const char* text : {"first", "second"}) {
+        s->log.write(text, true);
+        EXPECT_EQ(label, text);
+    }
+    s->clock.run(10ms);
+    EXPECT_EQ(label, "Ready");
+    s->log.write("third", true);
+    s->panel.Label7.caption = "Recording Now..."; // newer than the flash: it stays
+    s->clock.run(10ms);
+    EXPECT_EQ(label, "Recording Now...");
+}
+
+TEST_F(ErrorLogTest, AFailureIsAResultAndAWarningAndStopsNothing) {
+    std::filesystem::create_directory(s->module.programFolder / "ERROR.LOG");
+    EXPECT_FALSE(s->log.write("x"));
+    recordUntil(9, 31);
+    EXPECT_EQ(count(), 1);
+    EXPECT_EQ(s->warnings.text.get(), "ERROR.LOG in the program's folder cannot be written.");
+    // a station that has nothing to log finds out as well
+    std::filesystem::remove(s->module.programFolder / "ERROR.LOG");
+    s->clock.run(1min);
+    EXPECT_EQ(s->warnings.text.get(), "");
+    s->clock.run(1min);
+    EXPECT_EQ(s->logged(), Lines{"ErrorLog:3 lines could not be written"});
 }
 
 } // namespace

@@ -1,172 +1,281 @@
-#include "tests/support/TestPictures.h"
-#include "tests/support/TestStation.h"
-
-#include <gtest/gtest.h>
+#include "tests/support/StationDay.h"
 
 namespace orvane::test {
 namespace {
 
-using State = FirstSteps::State;
+using Names = std::vector<std::string>;
 
-struct FirstStepsTest : testing::Test {
-    TestStation s{at(2006, 11, 15, 8, 0)};
-    enum : std::size_t { Camera, Folder, Schedule };
+HttpReply wholePicture() {
+    static const std::string bytes = encoded(gradient(1280, 960));
+    return {true, 200, bytes, ""};
+}
 
-    void SetUp() override {
-        s.http.answer = [](const std::string&) {
-            return HttpReply{true, 200, encoded(gradient(1280, 960)), ""};
-        };
+/// The camera asked once as recording is switched on, by the operator or by itself.
+struct StartTests : StationDay {
+    StartTests() {
+        start(at(2006, 11, 15, 9, 10));
+        s->station.startTest = &s->startTest;
+        answerWith(wholePicture());
     }
-    void start() {
-        s.start(false);
-        s.clock.run(1s);
+    void answerWith(const HttpReply& reply) {
+        s->http.answer = [reply](const std::string&) { return reply; };
     }
-    FirstSteps::Step step(std::size_t index) { return s.steps.look().steps[index]; }
+    std::string line() const { return s->panel.lbl_start.caption; }
+};
+
+TEST_F(StartTests, TellsWhatTheCameraAnswers) {
+    const std::pair<HttpReply, const char*> cases[] = {
+        {FakeHttp::failed("no answer from the camera"),
+         "The camera does not answer: no answer. Recording goes on trying."},
+        {{false, 401, "", "HTTP status 401"},
+         "The camera sends no picture: HTTP status 401. Recording goes on trying."},
+        {{true, 200, "<html>", ""},
+         "The camera sends no picture: not a picture: the answer is not a whole JPEG picture. "
+         "Recording goes on trying."}};
+    s->start(false);
+    s->clock.run(1s);
+    EXPECT_EQ(s->http.requests, 0);
+    s->press(&Recording::Command1_Click);
+    s->clock.run(1s);
+    EXPECT_TRUE(line().starts_with("The camera answers: 1280 x 960, ")) << line();
+    EXPECT_TRUE(line().ends_with(" kB")) << line();
+    EXPECT_EQ(s->http.requests, 1);
+    for (const auto& [reply, text] : cases) {
+        s->recording.Command2_Click();
+        EXPECT_EQ(line(), "");
+        answerWith(reply);
+        s->press(&Recording::Command1_Click);
+        s->clock.run(1s);
+        EXPECT_EQ(line(), text);
+        EXPECT_EQ(looks(), "Recording Standby, stop");
+    }
+    EXPECT_EQ(s->http.requests, 4) << "once each time, however quickly";
+    EXPECT_FALSE(std::filesystem::exists(s->module.programFolder / "full.jpg"));
+    EXPECT_EQ(count(), 0);
+    EXPECT_TRUE(s->views.latest.empty());
+    EXPECT_EQ(s->views.live, 0);
+    EXPECT_TRUE(s->op.told.empty());
+    EXPECT_FALSE(s->module.lastAttempt);
+}
+
+TEST_F(StartTests, TheFirstCaptureTellsMore) {
+    recordUntil(9, 10, 1);
+    EXPECT_TRUE(line().starts_with("The camera answers:")) << line();
+    s->http.answer = failing("no answer from the camera");
+    runUntil(9, 30, 20);
+    EXPECT_EQ(line(), "No picture at 09:30: no answer. Recording goes on trying.");
+    answerWith(FakeHttp::picture("1"));
+    s->clock.run(20s);
+    EXPECT_EQ(line(), "First picture taken at 09:30");
+    answerWith(FakeHttp::picture("2"));
+    runUntil(10, 0, 30);
+    EXPECT_EQ(line(), "") << "the station shows by itself that it works";
+}
+
+TEST_F(StartTests, NothingIsAskedWhenTheMinuteIsDue) {
+    runUntil(9, 30, 5);
+    recordUntil(9, 30, 10);
+    EXPECT_EQ(s->http.requests, 1);
+    EXPECT_EQ(s->imagesOf("20061115"), Names{"20061115_093000_00.jpg"});
+    EXPECT_EQ(line(), "First picture taken at 09:30");
+}
+
+TEST_F(StartTests, ACaptureTakesOver) {
+    s->http.latency = 9s;
+    runUntil(9, 29, 56);
+    recordUntil(9, 29, 58);
+    EXPECT_EQ(line(), "Asking the camera...");
+    EXPECT_FALSE(s->busy.active());
+    runUntil(9, 30, 2);
+    EXPECT_EQ(line(), "");
+    runUntil(9, 30, 12);
+    EXPECT_EQ(s->http.requests, 2);
+    EXPECT_EQ(s->imagesOf("20061115"), Names{"20061115_093000_00.jpg"});
+}
+
+TEST_F(StartTests, ARunAndAStopEndIt) {
+    s->http.latency = 9s;
+    s->browser1.answer = [](const std::string&) { return "1,2,r/20061115_090007_00.jpg,"; };
+    recordUntil(9, 10, 1);
+    s->tasks.spawn(s->imageStore.Test_DL());
+    s->clock.run(1s);
+    EXPECT_EQ(line(), "");
+    EXPECT_TRUE(s->imageStore.transferring());
+    s->clock.run(10s);
+    EXPECT_EQ(s->imagesOf("20061115"), Names{"20061115_090007_00.jpg"});
+
+    s->recording.Command2_Click();
+    s->press(&Recording::Command1_Click);
+    s->clock.run(1s);
+    EXPECT_EQ(line(), "Asking the camera...");
+    s->recording.Command2_Click();
+    EXPECT_EQ(line(), "");
+    s->clock.run(1s);
+    EXPECT_FALSE(s->http.running());
+    s->clock.run(20s);
+    EXPECT_EQ(line(), "");
+}
+
+TEST_F(StartTests, ATestFetchAndTheStartWaitForEachOther) {
+    s->http.latency = 5s;
+    s->start(false);
+    s->tasks.spawn(s->camera.Command8_Click());
+    s->press(&Recording::Command1_Click);
+    s->clock.run(4s);
+    EXPECT_EQ(s->http.requests, 1);
+    s->clock.run(4s);
+    EXPECT_EQ(s->http.requests, 2);
+    s->tasks.spawn(s->camera.Command8_Click());
+    s->clock.run(8s);
+    EXPECT_EQ(s->http.cancelled, 0);
+    EXPECT_TRUE(line().starts_with("The camera answers:")) << line();
+}
+
+struct FirstStepsTest : StartTests {
+    FirstStepsTest() {
+        start(at(2006, 11, 15, 8, 0));
+        answerWith(wholePicture());
+    }
+    void begin() {
+        s->start(false);
+        s->clock.run(1s);
+    }
+    /// "Done: Answered at 08:00 (txtIp)"
+    std::string step(std::size_t index) {
+        constexpr const char* kStates[] = {"Done: ", "Open: ", "Wrong: "};
+        const FirstSteps::Step step = s->steps.look().steps[index];
+        using State = FirstSteps::State;
+        const std::size_t state = step.state == State::Done ? 0 : step.state == State::Open ? 1 : 2;
+        return kStates[state] + step.text + " (" + step.control + ")";
+    }
+    std::string camera() { return step(0); }
+    std::string folder() { return step(1); }
+    std::string schedule() { return step(2); }
+    std::string summary() { return s->steps.look().summary; }
     void testFetch() {
-        s.tasks.spawn(s.camera.Command8_Click());
-        s.clock.run(2s);
+        s->tasks.spawn(s->camera.Command8_Click());
+        s->clock.run(2s);
     }
 };
 
-TEST_F(FirstStepsTest, SaysNothingBeforeTheSettingsAreLoaded) {
-    const FirstSteps::Look look = s.steps.look();
-    EXPECT_EQ(look.summary, "");
-    EXPECT_EQ(look.steps[Folder].text, "");
-}
-
 TEST_F(FirstStepsTest, FollowsTheCamera) {
-    start();
-    EXPECT_EQ(step(Camera).state, State::Open);
-    EXPECT_EQ(s.steps.look().summary, "Before pictures can be recorded");
+    EXPECT_EQ(summary(), "") << "the settings are not loaded yet";
+    EXPECT_EQ(s->steps.look().steps[1].text, "");
+    begin();
+    const std::string open =
+        "Open: Not tried yet. Enter its address, then press Test fetch. (txtIp)";
+    EXPECT_EQ(camera(), open);
+    EXPECT_EQ(summary(), "Before pictures can be recorded");
     testFetch();
-    EXPECT_EQ(step(Camera).state, State::Done);
-    EXPECT_EQ(step(Camera).text.substr(0, 28), "Answered at 08:00: 1280 x 96");
-    EXPECT_EQ(s.steps.look().summary, "Ready to record: press Start Recording");
-    s.http.answer = [](const std::string&) {
-        return FakeHttp::failed("no answer from the camera");
-    };
-    s.clock.runUntil(at(2006, 11, 15, 8, 5));
+    EXPECT_TRUE(camera().starts_with("Done: Answered at 08:00: 1280 x 96")) << camera();
+    EXPECT_EQ(summary(), "Ready to record: press Start Recording");
+    s->http.answer = failing("no answer from the camera");
+    runUntil(8, 5);
     testFetch();
-    EXPECT_EQ(step(Camera).state, State::Wrong);
-    EXPECT_EQ(step(Camera).text, "Tried at 08:05: no answer");
-    EXPECT_EQ(step(Camera).control, "txtIp");
-    s.panel.txtPort.text = "8080";
-    EXPECT_EQ(step(Camera).state, State::Open) << "that was another camera's answer";
+    EXPECT_EQ(camera(), "Wrong: Tried at 08:05: no answer (txtIp)");
+    s->panel.txtPort.text = "8080";
+    EXPECT_EQ(camera(), open) << "that was another camera's answer";
 }
 
 TEST_F(FirstStepsTest, TriesTheFolderWithoutMakingOne) {
-    s.settings.initOperation(); // the main loop would bring the chosen folder back
-    EXPECT_EQ(step(Folder).state, State::Done);
-    EXPECT_EQ(step(Folder).text, "Pictures go to " + utf8FromPath(s.dataFolder()));
-    EXPECT_EQ(listing(s.dataFolder()), std::vector<std::string>{}) << "the trial is taken away";
+    s->settings.initOperation(); // the main loop would bring the chosen folder back
+    EXPECT_EQ(folder(), "Done: Pictures go to " + utf8FromPath(s->dataFolder()) + " (Command3)");
+    EXPECT_EQ(listing(s->dataFolder()), Names{}) << "the trial is taken away";
 
-    const std::filesystem::path file = s.folder.path() / "file";
+    const std::filesystem::path file = s->folder.path() / "file";
     writeFile(file, "no folder");
-    s.panel.Dir1[0].path = file / "below";
-    const FirstSteps::Step wrong = step(Folder);
-    EXPECT_EQ(wrong.state, State::Wrong);
-    EXPECT_EQ(wrong.control, "Command3");
-    EXPECT_TRUE(wrong.text.starts_with("Cannot be written: ")) << wrong.text;
+    s->panel.Dir1[0].path = file / "below";
+    EXPECT_TRUE(folder().starts_with("Wrong: Cannot be written: ")) << folder();
+    EXPECT_TRUE(folder().ends_with("(Command3)")) << folder();
+    const auto isDone = [&] { return folder().starts_with("Done"); };
 
     // mended: seen within half a minute, not at every look
     std::filesystem::remove(file);
     std::filesystem::create_directories(file / "below");
-    EXPECT_EQ(step(Folder).state, State::Wrong);
+    EXPECT_FALSE(isDone());
     for (int second = 0; second < 31; ++second) {
-        s.clock.run(1s);
-        s.steps.look();
+        s->clock.run(1s);
+        s->steps.look();
     }
-    EXPECT_EQ(step(Folder).state, State::Done);
+    EXPECT_TRUE(isDone());
 
     // broken again: seen when somebody comes back to look, and at a start
     std::filesystem::remove_all(file);
-    EXPECT_EQ(step(Folder).state, State::Done);
-    s.clock.run(1min);
-    EXPECT_EQ(step(Folder).state, State::Wrong);
+    EXPECT_TRUE(isDone());
+    s->clock.run(1min);
+    EXPECT_FALSE(isDone());
     std::filesystem::create_directories(file / "below");
-    s.press(&Recording::Command1_Click);
-    EXPECT_EQ(step(Folder).state, State::Done);
+    s->press(&Recording::Command1_Click);
+    EXPECT_TRUE(isDone());
 }
 
 TEST_F(FirstStepsTest, TheDefaultFolderCountsAsTheOneAboveIt) {
-    s.store.values.erase("DataPath/PathDataFile");
-    start();
-    const std::filesystem::path folder = s.folder.path() / "pictures" / "Orvane";
-    EXPECT_EQ(step(Folder).state, State::Done);
-    EXPECT_EQ(step(Folder).text, "Pictures go to " + utf8FromPath(folder));
-    EXPECT_FALSE(std::filesystem::exists(folder.parent_path()));
-    s.panel.Dir1[0].path = s.dataFolder();
-    s.steps.look();
-    writeFile(s.folder.path() / "pictures", "in the way");
-    s.panel.Dir1[0].path = folder;
-    EXPECT_EQ(step(Folder).state, State::Wrong);
+    s->store.values.erase("DataPath/PathDataFile");
+    begin();
+    const std::filesystem::path byDefault = s->folder.path() / "pictures" / "Orvane";
+    EXPECT_EQ(folder(), "Done: Pictures go to " + utf8FromPath(byDefault) + " (Command3)");
+    EXPECT_FALSE(std::filesystem::exists(byDefault.parent_path()));
+    s->panel.Dir1[0].path = s->dataFolder();
+    s->steps.look();
+    writeFile(byDefault.parent_path(), "in the way");
+    s->panel.Dir1[0].path = byDefault;
+    EXPECT_TRUE(folder().starts_with("Wrong")) << folder();
 }
 
 TEST_F(FirstStepsTest, SaysWhatAStartWouldSay) {
-    start();
-    struct Case {
-        const char *startHour, *endHour, *intervalMinute, *intervalSecond;
-        State state;
-        const char *text, *control;
-    };
-    const Case cases[] = {
-        {"9", "17", "30", "0", State::Done, "09:00 to 17:00 every 30 min", "Text1_0"},
-        {"9", "", "30", "0", State::Wrong, "Please set up 'hour' of a EndTime correctly.",
-         "Text1_2"},
-        {"9", "17", "60", "0", State::Wrong,
-         "Please set up 'minute' of a Recording Interval correctly.", "Text1_5"},
-        {"9", "17", "0", "0", State::Wrong, "'00:00' cannot be set as a Recording Interval.",
-         "Text1_5"},
-        {"9", "9", "30", "0", State::Wrong,
-         "Start Time and End Time cannot be set to the same time.", "Text1_2"},
-        {"18", "17", "30", "0", State::Wrong, "You must be Start Time < End Time.", "Text1_2"},
-        {"9", "17", "0", "30", State::Wrong, "No minute is ever due: 09:00 to 17:00 every 00 min",
-         "Text1_5"}};
-    const orvane::Schedule before = s.module.schedule;
-    for (const Case& c : cases) {
-        s.panel.Text1[0].text = c.startHour;
-        s.panel.Text1[2].text = c.endHour;
-        s.panel.Text1[5].text = c.intervalMinute;
-        s.panel.Text1[6].text = c.intervalSecond;
-        const FirstSteps::Step seen = step(Schedule);
-        EXPECT_EQ(seen.state, c.state) << c.text;
-        EXPECT_EQ(seen.text, c.text);
-        EXPECT_EQ(seen.control, c.control) << c.text;
+    begin();
+    const struct {
+        const char *startHour, *endHour, *minute, *second, *told;
+    } cases[] = {
+        {"9", "17", "30", "0", "Done: 09:00 to 17:00 every 30 min (Text1_0)"},
+        {"9", "", "30", "0", "Wrong: Please set up 'hour' of a EndTime correctly. (Text1_2)"},
+        {"9", "17", "60", "0",
+         "Wrong: Please set up 'minute' of a Recording Interval correctly. (Text1_5)"},
+        {"9", "17", "0", "0", "Wrong: '00:00' cannot be set as a Recording Interval. (Text1_5)"},
+        {"9", "9", "30", "0",
+         "Wrong: Start Time and End Time cannot be set to the same time. (Text1_2)"},
+        {"18", "17", "30", "0", "Wrong: You must be Start Time < End Time. (Text1_2)"},
+        {"9", "17", "0", "30",
+         "Wrong: No minute is ever due: 09:00 to 17:00 every 00 min (Text1_5)"}};
+    const Schedule before = s->module.schedule;
+    for (const auto& c : cases) {
+        s->panel.Text1[0].text = c.startHour;
+        s->panel.Text1[2].text = c.endHour;
+        s->panel.Text1[5].text = c.minute;
+        s->panel.Text1[6].text = c.second;
+        EXPECT_EQ(schedule(), c.told);
     }
-    EXPECT_EQ(s.module.schedule, before) << "looking changes nothing";
-    s.panel.chk_auto.ticked = true;
-    s.recording.chk_auto_Click();
-    EXPECT_EQ(step(Schedule).control, "chk_auto") << "first the lock";
+    EXPECT_EQ(s->module.schedule, before) << "looking changes nothing";
+    s->panel.chk_auto.ticked = true;
+    s->recording.chk_auto_Click();
+    EXPECT_TRUE(schedule().ends_with("(chk_auto)")) << "first the lock";
 }
 
 /// The typed times only wait meanwhile: neither they nor their fields are spoken of.
 TEST_F(FirstStepsTest, SaysTheWindowThatFollowsTheSun) {
-    start();
-    s.panel.chk_sun.ticked = true;
-    s.recording.chk_sun_Click();
-    s.clock.run(1s);
-    const std::string window = s.panel.lbl_window.caption; // "today 05:21 to 17:35"
+    begin();
+    s->panel.chk_sun.ticked = true;
+    s->recording.chk_sun_Click();
+    s->clock.run(1s);
+    const std::string window = s->panel.lbl_window.caption; // "today 05:21 to 17:35"
     ASSERT_EQ(window.substr(0, 6), "today ");
-    EXPECT_EQ(step(Schedule).text, "Follows the sun, " + window + " every 30 min");
-    EXPECT_EQ(step(Schedule).control, "chk_sun");
+    EXPECT_EQ(schedule(), "Done: Follows the sun, " + window + " every 30 min (chk_sun)");
 }
 
 TEST_F(FirstStepsTest, TellsWhenTheFirstPictureIsDue) {
-    s.station.startTest = &s.startTest;
-    s.setSchedule("9", "17", "30");
-    s.start(true);
-    s.clock.run(1s);
-    EXPECT_EQ(s.steps.look().summary, "Recording: the first picture is due at 09:00");
-    EXPECT_EQ(step(Folder).control, "") << "locked while recording";
-    EXPECT_EQ(step(Schedule).control, "");
-    s.http.latency = 5s;
-    s.clock.runUntil(at(2006, 11, 15, 9, 0, 3));
-    EXPECT_EQ(s.steps.look().summary, "Recording: a picture is being taken");
-    s.clock.runUntil(at(2006, 11, 15, 9, 1, 3));
-    EXPECT_EQ(s.steps.look().summary, "Recording: the next picture is due at 09:30");
-    EXPECT_EQ(step(Camera).text, "Answered at 09:00") << "a capture is an answer, too";
-    s.clock.runUntil(at(2006, 11, 15, 20, 0, 3));
-    EXPECT_EQ(s.steps.look().summary, "Recording: the next picture is due tomorrow at 09:00");
+    s->station.startTest = &s->startTest;
+    recordUntil(8, 0, 1);
+    EXPECT_EQ(summary(), "Recording: the first picture is due at 09:00");
+    EXPECT_TRUE(folder().ends_with("()")) << "locked while recording";
+    EXPECT_TRUE(schedule().ends_with("()"));
+    s->http.latency = 5s;
+    runUntil(9, 0, 3);
+    EXPECT_EQ(summary(), "Recording: a picture is being taken");
+    runUntil(9, 1, 3);
+    EXPECT_EQ(summary(), "Recording: the next picture is due at 09:30");
+    EXPECT_EQ(camera(), "Done: Answered at 09:00 (txtIp)") << "a capture is an answer, too";
+    runUntil(20, 0, 3);
+    EXPECT_EQ(summary(), "Recording: the next picture is due tomorrow at 09:00");
 }
 
 } // namespace

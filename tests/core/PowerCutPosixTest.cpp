@@ -2,10 +2,7 @@
 #include "imaging/JpegMarkers.h"
 #include "platform/qt/QtSettingsStore.h"
 #include "tests/support/PowerCut.h"
-#include "tests/support/TestPictures.h"
-#include "tests/support/TestStation.h"
-
-#include <gtest/gtest.h>
+#include "tests/support/StationDay.h"
 
 namespace orvane::test {
 namespace {
@@ -15,16 +12,14 @@ constexpr const char* kDay = "data/20061115/";
 constexpr const char* kLedger = "data/Ledger/20061115.csv";
 
 /// What the station shows as the latest capture may not be lost any more.
-class PromisingViews final : public ImageViews {
-  public:
-    explicit PromisingViews(FileRecord& record) : record_(record) {}
+struct PromisingViews final : ImageViews {
+    explicit PromisingViews(FileRecord& to) : record(to) {}
     void refreshThumbnails(const ThumbnailHistory&) override {}
-    void showLatest(const std::filesystem::path& file) override { record_.promise(file); }
+    void showLatest(const std::filesystem::path& file) override { record.promise(file); }
     void showLive(const std::string&) override {}
     void tellLive(const std::string&) override {}
 
-  private:
-    FileRecord& record_;
+    FileRecord& record;
 };
 
 std::vector<std::string> ledgerLines(const std::string& text) {
@@ -49,7 +44,11 @@ testing::AssertionResult failure(const std::string& text) {
 class PowerCut : public testing::Test {
   protected:
     PowerCut() { prepare(s, "first "); }
-
+    void beginRecord() {
+        record = std::make_unique<FileRecord>(s.folder.path());
+        views = std::make_unique<PromisingViews>(*record);
+        s.views.shown = views.get();
+    }
     static void prepare(TestStation& station, const std::string& series) {
         station.setSchedule("0", "23", "1", "59");
         station.store.values["Settings/FillGaps"] = "0";
@@ -132,23 +131,21 @@ class PowerCut : public testing::Test {
 
     TestStation s{at(2006, 11, 15, 9, 29, 50), FileWriter::Force::Yes};
     std::unique_ptr<FileRecord> record;
+    std::unique_ptr<PromisingViews> views;
     std::set<std::string> known;      ///< what may stand under a picture's name
     std::vector<std::string> written; ///< all lines of the ledger
 };
 
 TEST_F(PowerCut, OfARecordingStationCostsNoCaptureAndNoStart) {
-    record = std::make_unique<FileRecord>(s.folder.path());
-    PromisingViews views(*record);
-    s.views.shown = &views;
+    beginRecord();
     s.start(true);
     s.clock.runUntil(at(2006, 11, 15, 9, 29, 58));
     record->settle(); // systems write by themselves, within half a minute or so
     s.clock.runUntil(at(2006, 11, 15, 9, 31));
     for (const char* content : {"first 1", "first 2"})
         known.insert(jpegLike(content));
-    const int cuts = look();
+    EXPECT_GT(look(), 300);
     EXPECT_EQ(written.size(), 4U);
-    EXPECT_GT(cuts, 300);
 }
 
 /// What stands in the way of a picture: another capture of the same minute, the older copy of a
@@ -163,9 +160,7 @@ TEST_F(PowerCut, WhilePicturesGetAFrameOrReplaceAFile) {
     s.panel.Dir1[0].path = s.dataFolder();
     s.module.image.RawFlg = 1;
     s.days.refresh();
-    record = std::make_unique<FileRecord>(s.folder.path());
-    PromisingViews views(*record);
-    s.views.shown = &views;
+    beginRecord();
     take("capture", "20061115_092900_00.jpg", Arrival::Capture);
     record->settle();
     take("another", "20061115_092900_00.jpg", Arrival::Capture);
@@ -178,16 +173,15 @@ TEST_F(PowerCut, WhilePicturesGetAFrameOrReplaceAFile) {
     record->settle();
     take("gap", "20061115_093107_00.jpg", Arrival::Gap);
     record->promise(file(kDay) / "20061115_093107_00.jpg");
-    const int cuts = look();
+    EXPECT_GT(look(), 300);
     EXPECT_EQ(contentsOf(file(kDay) / "20061115_092900_01.jpg"), jpegLike("another"));
     EXPECT_EQ(contentsOf(file(kDay) / "20061115_093000_00.jpg"), jpegLike("stored"));
-    EXPECT_GT(cuts, 300);
 }
 
 /// Nothing but these files is decided by what is left of them, and they are written anew.
 TEST_F(PowerCut, LeavesNoBrokenStatusFile) {
     s.tellsStatus = true;
-    record = std::make_unique<FileRecord>(s.folder.path());
+    beginRecord();
     s.start(false);
     s.clock.run(2s);
     record->end();
@@ -215,6 +209,18 @@ TEST_F(PowerCut, LeavesNoBrokenStatusFile) {
         return isWhole;
     });
     EXPECT_GT(started.size(), 20U);
+}
+
+TEST(FullDisk, UnderALedgerCostsNoCapture) {
+    TestStation s(at(2006, 11, 15, 8, 50));
+    std::filesystem::create_directory(s.dataFolder() / "Ledger");
+    std::filesystem::create_symlink("/dev/full", s.dataFolder() / "Ledger" / "20061115.csv");
+    s.start(true);
+    s.clock.runUntil(at(2006, 11, 15, 17, 10));
+    EXPECT_EQ(s.imagesOf("20061115").size(), 16U);
+    EXPECT_EQ(s.countLogged("The day's ledger cannot be written: No space left on device"), 1);
+    EXPECT_EQ(s.warnings.text.get(), "");
+    EXPECT_EQ(s.days.plan().taken, 16);
 }
 
 constexpr const char* kIni = "Orvane.ini";

@@ -1,116 +1,115 @@
-#include "platform/Conversions.h"
-#include "tests/support/TestStation.h"
-
-#include <gtest/gtest.h>
+#include "tests/support/StationDay.h"
 
 namespace orvane::test {
 namespace {
 
-struct Closing : testing::Test {
-    TestStation s{at(2006, 11, 15, 9, 29)};
-    int ended = 0;
-    Shutdown shutdown{{s.settings, s.store, s.busy, s.wishes, s.op, s.log, [this] { ++ended; }}};
-
-    bool query(UnloadMode mode) {
-        Task<bool> task = shutdown.MDIForm_QueryUnload(mode);
+struct Closing : StationDay {
+    Closing() { start(at(2006, 11, 15, 9, 29)); }
+    Task<bool> begin(UnloadMode mode) {
+        Task<bool> task = shutdown().MDIForm_QueryUnload(mode);
         task.start();
-        s.clock.run(2s);
+        return task;
+    }
+    bool query(UnloadMode mode) {
+        Task<bool> task = begin(mode);
+        s->clock.run(2s);
         EXPECT_TRUE(task.done());
         return task.result();
     }
+    Shutdown& shutdown() {
+        if (!shutdown_)
+            shutdown_.emplace(Shutdown::Parts{s->settings, s->store, s->busy, s->wishes, s->op,
+                                              s->log, [this] { ++ended; }});
+        return *shutdown_;
+    }
+    std::string wish() const { return s->wishes.text; }
+
+    int ended = 0;
+
+  private:
+    std::optional<Shutdown> shutdown_;
 };
 
 TEST_F(Closing, SavesThenAsks) {
-    s.start(false);
-    s.panel.txtIp.text = "10.0.0.7";
-    s.op.answer = false;
+    s->start(false);
+    s->panel.txtIp.text = "10.0.0.7";
+    s->op.answer = false;
     EXPECT_FALSE(query(UnloadMode::User));
-    EXPECT_EQ(s.op.asked, std::vector<std::string>{"Program End ? "});
-    EXPECT_EQ(s.store.values["Settings/IP"], "10.0.0.7");
-    s.op.answer = true;
+    EXPECT_EQ(s->op.asked, std::vector<std::string>{"Program End ? "});
+    EXPECT_EQ(s->store.values["Settings/IP"], "10.0.0.7");
+    s->op.answer = true;
     EXPECT_TRUE(query(UnloadMode::Other));
 }
 
 /// A close box that is refused is kept as a wish; what comes from elsewhere goes ahead.
 TEST_F(Closing, ABusyStationRefusesItsCloseBoxOnly) {
-    s.start(true);
-    const Busy::Hold busy(s.busy);
-    Task<bool> refused = shutdown.MDIForm_QueryUnload(UnloadMode::User);
-    refused.start();
-    s.clock.run(20s);
-    EXPECT_EQ(s.op.beeps, 1);
+    s->start(true);
+    const Busy::Hold busy(s->busy);
+    Task<bool> refused = begin(UnloadMode::User);
+    s->clock.run(20s);
+    EXPECT_EQ(s->op.beeps, 1);
     EXPECT_FALSE(refused.done());
-    EXPECT_EQ(s.wishes.text.get(), "Orvane closes after the work in progress.");
+    EXPECT_EQ(wish(), "Orvane closes after the work in progress.");
     EXPECT_FALSE(query(UnloadMode::User)) << "one wish is enough";
     EXPECT_TRUE(query(UnloadMode::Other));
-    EXPECT_TRUE(s.op.asked.empty());
-    s.wishes.drop();
-    s.clock.run(1s);
+    EXPECT_TRUE(s->op.asked.empty());
+    s->wishes.drop();
+    s->clock.run(1s);
     EXPECT_FALSE(refused.result());
-    EXPECT_TRUE(s.op.asked.empty());
-    EXPECT_EQ(s.wishes.text.get(), "");
+    EXPECT_TRUE(s->op.asked.empty());
+    EXPECT_EQ(wish(), "");
 }
 
 TEST_F(Closing, SettingsThatCannotBeStoredAreNotLostWithoutAWord) {
-    s.start(false);
-    s.store.readOnly = true;
+    s->start(false);
+    s->store.readOnly = true;
     EXPECT_TRUE(query(UnloadMode::User));
-    ASSERT_EQ(s.op.asked.size(), 2U);
-    EXPECT_NE(s.op.asked[1].find("cannot be stored"), std::string::npos);
-    EXPECT_EQ(s.countLogged("writeSetup:Settings cannot be stored"), 1);
-    s.store.readOnly = false;
+    ASSERT_EQ(s->op.asked.size(), 2U);
+    EXPECT_PRED_FORMAT2(testing::IsSubstring, "cannot be stored", s->op.asked[1]);
+    EXPECT_EQ(s->countLogged("writeSetup:Settings cannot be stored"), 1);
+    s->store.readOnly = false;
     EXPECT_TRUE(query(UnloadMode::User));
-    EXPECT_EQ(s.op.asked.size(), 3U);
+    EXPECT_EQ(s->op.asked.size(), 3U);
 }
 
 TEST_F(Closing, TheSystemEndsTheProgramWithoutAQuestion) {
-    s.start(true);
-    s.panel.txtIp.text = "10.0.0.7";
-    s.clock.runUntil(at(2006, 11, 15, 9, 30, 1)); // in a capture
-    shutdown.end("SIGTERM", WindowPlace{1, 0, 1024, 747});
-    shutdown.end("SIGHUP", std::nullopt);
+    s->start(true);
+    s->panel.txtIp.text = "10.0.0.7";
+    runUntil(9, 30, 1); // in a capture
+    shutdown().end("SIGTERM", WindowPlace{1, 0, 1024, 747});
+    shutdown().end("SIGHUP", std::nullopt);
     EXPECT_EQ(ended, 1);
-    EXPECT_TRUE(s.op.asked.empty());
-    EXPECT_EQ(s.store.values["Settings/IP"], "10.0.0.7");
-    EXPECT_EQ(s.store.values["Settings/MainLeft"], "15");
-    EXPECT_EQ(s.logged().back(), "Orvane Ending (SIGTERM)");
-}
-
-TEST_F(Closing, OneQuestionAtATime) {
-    s.start(false);
-    Task<bool> first = shutdown.MDIForm_QueryUnload(UnloadMode::User);
-    first.start();
-    Task<bool> second = shutdown.MDIForm_QueryUnload(UnloadMode::User);
-    second.start();
-    EXPECT_TRUE(second.done());
-    EXPECT_FALSE(second.result());
-    s.clock.run(2s);
-    EXPECT_TRUE(first.result());
+    EXPECT_TRUE(s->op.asked.empty());
+    EXPECT_EQ(s->store.values["Settings/IP"], "10.0.0.7");
+    EXPECT_EQ(s->store.values["Settings/MainLeft"], "15");
+    EXPECT_EQ(s->logged().back(), "Orvane Ending (SIGTERM)");
 }
 
 /// A question that goes with its task does not keep the next one from being asked.
-TEST_F(Closing, AnAbandonedQuestionIsNoQuestion) {
-    s.start(false);
-    {
-        Task<bool> abandoned = shutdown.MDIForm_QueryUnload(UnloadMode::User);
-        abandoned.start();
-        EXPECT_FALSE(abandoned.done());
-    }
-    EXPECT_TRUE(query(UnloadMode::User));
-    EXPECT_EQ(s.op.asked.size(), 2U);
+TEST_F(Closing, OneQuestionAtATime) {
+    s->start(false);
+    EXPECT_FALSE(begin(UnloadMode::User).done());
+    Task<bool> first = begin(UnloadMode::User);
+    Task<bool> second = begin(UnloadMode::User);
+    EXPECT_TRUE(second.done());
+    EXPECT_FALSE(second.result());
+    s->clock.run(2s);
+    EXPECT_TRUE(first.result());
+    EXPECT_EQ(s->op.asked.size(), 2U);
 }
 
 TEST_F(Closing, StoresThePlaceInTwipsUnlessMinimised) {
-    s.start(false);
-    shutdown.MDIForm_Unload(std::nullopt);
-    EXPECT_FALSE(s.store.values.contains("Settings/MainLeft"));
-    EXPECT_EQ(s.logged().back(), "Orvane Ending");
-    Shutdown other{{s.settings, s.store, s.busy, s.wishes, s.op, s.log, [this] { ++ended; }}};
+    s->start(false);
+    shutdown().MDIForm_Unload(std::nullopt);
+    EXPECT_FALSE(s->store.values.contains("Settings/MainLeft"));
+    EXPECT_EQ(s->logged().back(), "Orvane Ending");
+    Shutdown other{{s->settings, s->store, s->busy, s->wishes, s->op, s->log, [&] { ++ended; }}};
     other.MDIForm_Unload(WindowPlace{-4, 10, 1024, 747});
-    EXPECT_EQ(s.store.values["Settings/MainLeft"], "-60");
-    EXPECT_EQ(s.store.values["Settings/MainTop"], "150");
-    EXPECT_EQ(s.store.values["Settings/MainWidth"], "15360");
-    EXPECT_EQ(s.store.values["Settings/MainHeight"], "11205");
+    for (const auto& [key, twips] : {std::pair{"MainLeft", "-60"},
+                                     {"MainTop", "150"},
+                                     {"MainWidth", "15360"},
+                                     {"MainHeight", "11205"}})
+        EXPECT_EQ(s->store.values[std::string("Settings/") + key], twips);
     EXPECT_EQ(ended, 2);
 }
 
@@ -132,128 +131,98 @@ TEST_F(Closing, EndsCleanlyAtAnyMoment) {
     }
 }
 
-struct Countdown : testing::Test {
-    JumpingClock clock{at(2006, 11, 15)};
-    Module1 module;
-    FakeStore store;
-    std::string trace;
-    AutoStart autoStart{
-        module,
-        store,
-        clock,
-        {[this] { trace += "closed "; }, [this] { trace += "loop"; }, [this] { trace += "end"; }},
-        noFault};
+/// A camera that does not answer, and every minute due.
+struct DeadCamera : Closing {
+    DeadCamera() {
+        start(at(2006, 11, 15, 9, 29, 59));
+        s->setSchedule("9", "17", "1");
+        s->store.values["Settings/Delay"] = "15";
+        s->http.latency = 60s;
+        s->http.answer = failing("no answer from the camera");
+        s->start(true);
+    }
+    void stop() { s->tasks.spawn(s->recording.mnuRecordingStop_Click()); }
 };
 
-TEST_F(Countdown, RunsOutAtThe99thTick) {
-    autoStart.Form_Load();
-    clock.run(98 * 105ms);
-    EXPECT_EQ(autoStart.PBar1.get(), 2);
-    EXPECT_EQ(trace, "");
-    clock.run(105ms);
-    EXPECT_EQ(trace, "closed loop");
-    EXPECT_TRUE(module.RecordFlg);
-    EXPECT_EQ(store.values["Operation/Mode Auto"], "True");
-    EXPECT_EQ(store.values["Operation/Mode Man"], "False");
-    clock.run(1min);
-    autoStart.Command1_Click();
-    autoStart.Command2_Click();
-    EXPECT_EQ(trace, "closed loop");
+/// In the first second, in the delay, in the fetch: whatever the capture waits for.
+TEST_F(DeadCamera, AStopWishCutsTheCaptureShort) {
+    for (const Ticks moment : {Ticks(500ms), Ticks(9s), Ticks(40s)}) {
+        s->clock.runUntil(at(2006, 11, 15, 9, 30) + moment);
+        ASSERT_EQ(looks(), "Recording Now...");
+        ASSERT_TRUE(s->recording.mnuRecordingStop);
+        stop();
+        stop(); // an impatient one
+        EXPECT_EQ(wish(), "Recording stops after this picture.");
+        EXPECT_EQ(looks(), "Recording Now...");
+        s->clock.run(2s);
+        EXPECT_EQ(wish(), "");
+        EXPECT_EQ(looks(), "Ready, start");
+        EXPECT_FALSE(s->recording.mnuRecordingStop);
+        EXPECT_FALSE(s->busy.active());
+        EXPECT_FALSE(s->module.RecDoneFlg) << "as if it had not been tried";
+        EXPECT_EQ(s->warnings.text.get(), "");
+        EXPECT_EQ(s->logged().back(), "Stop Recording");
+        EXPECT_EQ(s->countLogged("DownLoad Error"), 0);
+        s->press(&Recording::Command1_Click);
+    }
+    EXPECT_EQ(s->countLogged("Stop Recording"), 3);
 }
 
-TEST_F(Countdown, CancelStartsWithoutRecordingAndEndEnds) {
-    autoStart.Form_Load();
-    clock.run(98 * 105ms);
-    autoStart.Command1_Click();
-    clock.run(1min);
-    EXPECT_EQ(trace, "closed loop");
-    EXPECT_FALSE(module.RecordFlg);
-    EXPECT_TRUE(store.values.empty());
-
-    trace.clear();
-    AutoStart other{
-        module,
-        store,
-        clock,
-        {[this] { trace += "closed "; }, [this] { trace += "loop"; }, [this] { trace += "end"; }},
-        noFault};
-    other.Form_Load();
-    other.Command2_Click();
-    clock.run(1min);
-    EXPECT_EQ(trace, "closed end");
+TEST_F(DeadCamera, ACloseWishIsAskedAndACancelledQuestionGoesOn) {
+    s->op.answer = false;
+    runUntil(9, 30, 30);
+    Task<bool> closing = begin(UnloadMode::User);
+    EXPECT_EQ(wish(), "Orvane closes after this picture.");
+    EXPECT_TRUE(s->op.asked.empty());
+    s->clock.run(1s);
+    EXPECT_EQ(s->op.asked, std::vector<std::string>{"Program End ? "});
+    s->clock.run(2s);
+    EXPECT_FALSE(closing.result());
+    EXPECT_TRUE(s->module.RecordFlg);
+    EXPECT_EQ(looks(), "Recording Now...") << "the minute is not over";
+    EXPECT_EQ(s->countLogged("DownLoad Error"), 0);
+    s->http.latency = 50ms;
+    s->http.answer = [](const std::string&) { return FakeHttp::picture("new"); };
+    runUntil(9, 31);
+    EXPECT_EQ(count(), 1);
 }
 
-TEST_F(Countdown, WhatNobodyForesawAtItsEndIsHandedOn) {
-    std::string told;
-    AutoStart failing{module,
-                      store,
-                      clock,
-                      {[] {}, [] { throw std::runtime_error("no loop"); }, [] {}},
-                      [&](const std::exception_ptr& fault) { told += textOf(fault); }};
-    failing.Form_Load();
-    clock.run(1min);
-    EXPECT_EQ(told, "no loop");
-    EXPECT_EQ(clock.pending(), 0U);
+TEST_F(DeadCamera, AWishThatIsDroppedStopsNothing) {
+    s->http.latency = 20s;
+    runUntil(9, 30, 5);
+    stop();
+    s->wishes.drop();
+    EXPECT_EQ(wish(), "");
+    runUntil(9, 30, 50);
+    EXPECT_TRUE(s->module.RecordFlg);
+    EXPECT_EQ(s->countLogged("DownLoad Error"), 1) << "its own failure, after the fetch";
 }
 
-TEST(ErrorLog, AppendsStampedLines) {
-    TempFolder folder;
-    JumpingClock clock(at(2006, 7, 15, 14, 3, 27));
-    ErrorLog log(folder.path(), clock);
-    EXPECT_TRUE(log.write("recMessage:SUM ERROR"));
-    EXPECT_TRUE(log.write(""));
-    std::string text;
-    readWholeFile(folder.path() / "ERROR.LOG", text);
-    EXPECT_EQ(text, "2006/07/15 14:03:27 recMessage:SUM ERROR\r\n2006/07/15 14:03:27 \r\n");
+TEST_F(Closing, APictureThatHasArrivedIsFiledBeforeAStop) {
+    s->start(true);
+    ASSERT_TRUE(s->clock.runUntil([&] { return s->module.lastImage != ""; }, 2min));
+    EXPECT_TRUE(s->module.capturing);
+    s->tasks.spawn(s->recording.mnuRecordingStop_Click());
+    s->clock.run(2s);
+    EXPECT_FALSE(s->module.RecordFlg);
+    EXPECT_EQ(s->imagesOf("20061115", "Edit").size(), 1U);
+    EXPECT_EQ(looks(), "Ready, start");
 }
 
-TEST(ErrorLog, FlashesOnTheStatusLabel) {
-    TestStation s(at(2006, 11, 15));
-    s.panel.Label7.caption = "Ready";
-    s.log.write("hidden");
-    EXPECT_EQ(s.panel.Label7.caption.get(), "Ready");
-    s.log.write("first", true);
-    EXPECT_EQ(s.panel.Label7.caption.get(), "first");
-    s.log.write("second", true);
-    EXPECT_EQ(s.panel.Label7.caption.get(), "second");
-    s.clock.run(10ms);
-    EXPECT_EQ(s.panel.Label7.caption.get(), "Ready");
-    s.log.write("third", true);
-    s.panel.Label7.caption = "Recording Now..."; // newer than the flash: it stays
-    s.clock.run(10ms);
-    EXPECT_EQ(s.panel.Label7.caption.get(), "Recording Now...");
-}
-
-TEST(ErrorLog, AFailureIsAResultAndAWarningAndStopsNothing) {
-    TestStation s(at(2006, 11, 15, 9, 29));
-    std::filesystem::create_directory(s.module.programFolder / "ERROR.LOG");
-    EXPECT_FALSE(s.log.write("x"));
-    s.start(true);
-    s.clock.runUntil(at(2006, 11, 15, 9, 31));
-    EXPECT_EQ(s.imagesOf("20061115").size(), 1U);
-    EXPECT_EQ(s.warnings.text.get(), "ERROR.LOG in the program's folder cannot be written.");
-    // a station that has nothing to log finds out as well
-    std::filesystem::remove(s.module.programFolder / "ERROR.LOG");
-    s.clock.run(1min);
-    EXPECT_TRUE(s.warnings.text.get().empty());
-    EXPECT_EQ(s.logged(), std::vector<std::string>{"ErrorLog:3 lines could not be written"});
-    s.clock.run(1min);
-    EXPECT_EQ(s.logged().size(), 1U);
-}
-
-TEST(DiskWatch, TellsDaysAtTodaysRate) {
-    const Schedule schedule{9h, 17h, 30min, {}}; // 16 captures a day
-    DiskWatch disk;
-    EXPECT_EQ(disk.report(123'400'000'000, schedule).caption, "123.4 GB free");
-    const auto day = dayOf(at(2006, 11, 15));
-    disk.addCapture(30'000'000, day);
-    disk.addCapture(10'000'000, day);
-    EXPECT_EQ(disk.report(123'400'000'000, schedule).caption, "123.4 GB free, about 386 days");
-    EXPECT_TRUE(disk.report(2'300'000'000, schedule).warning.empty());
-    EXPECT_FALSE(disk.report(2'200'000'000, schedule).warning.empty()); // 6.9 days
-    EXPECT_FALSE(DiskWatch().report(999'000'000, schedule).warning.empty());
-    disk.addCapture(1'000'000, dayOf(at(2006, 11, 16))); // a new day, a new rate
-    EXPECT_EQ(disk.report(16'000'000'000, schedule).caption, "16.0 GB free, about 1000 days");
+/// As "Stop Download" would end it.
+TEST_F(Closing, ACloseWishEndsARun) {
+    s->start(false);
+    s->browser1.answer = [](const std::string&) { return "1,2,record/20061115_090007_00.jpg,"; };
+    s->http.latency = 60s;
+    s->tasks.spawn(s->imageStore.Test_DL());
+    s->clock.run(1s);
+    ASSERT_TRUE(s->imageStore.running());
+    Task<bool> waiting = s->wishes.toClose();
+    waiting.start();
+    s->clock.run(2s);
+    ASSERT_TRUE(waiting.done());
+    EXPECT_TRUE(waiting.result());
+    EXPECT_FALSE(s->busy.active());
 }
 
 } // namespace

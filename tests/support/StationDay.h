@@ -34,6 +34,11 @@ class StationDay : public testing::Test {
         s->start(true);
         runUntil(hour, minute, second);
     }
+    /// "Ready, start": the status line, and the buttons that can be pressed.
+    std::string looks() const {
+        return s->panel.Label7.caption.get() + (s->panel.Command1.enabled ? ", start" : "") +
+               (s->panel.Command2.enabled ? ", stop" : "");
+    }
     int count(const std::string& day = "20061115") const {
         return static_cast<int>(s->imagesOf(day).size());
     }
