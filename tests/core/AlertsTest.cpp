@@ -134,17 +134,6 @@ TEST(Alerts, FlappingCausesBringABoundedNumber) {
     }
 }
 
-TEST(Alerts, AWarningThatStandsIsMailedAgainAfterARestart) {
-    std::map<std::string, std::string> stored;
-    for (int start = 0; start < 2; ++start) {
-        Mailing s(at(2006, 11, 15, 8 + start, 0), true, false, stored);
-        s.warnings.set(Cause::DiskSpace, "Little space.");
-        s.clock.run(50min);
-        EXPECT_EQ(s.subjects(), std::vector<std::string>{"Orvane warns: Little space."});
-        stored = s.store.values;
-    }
-}
-
 /// A mail server that is gone for more than a day costs no capture. The pauses grow to an hour, the
 /// mails wait for a day, and the window tells of it; that is never mailed.
 TEST(Alerts, AMailServerThatIsGoneForADay) {

@@ -236,7 +236,8 @@ TEST_F(FirstStepsTest, SaysWhatAStartWouldSay) {
          "Wrong: Start Time and End Time cannot be set to the same time. (Text1_2)"},
         {"18", "17", "30", "0", "Wrong: You must be Start Time < End Time. (Text1_2)"},
         {"9", "17", "0", "30",
-         "Wrong: No minute is ever due: 09:00 to 17:00 every 00 min (Text1_5)"}};
+         "Wrong: No minute is ever due: 09:00 to 17:00 every 00 min (Text1_5)"},
+        {"9", "17", "30", "0", "Done: 09:00 to 17:00 every 30 min (Text1_0)"}};
     const Schedule before = s->module.schedule;
     for (const auto& c : cases) {
         s->panel.Text1[0].text = c.startHour;
@@ -249,11 +250,8 @@ TEST_F(FirstStepsTest, SaysWhatAStartWouldSay) {
     s->panel.chk_auto.ticked = true;
     s->recording.chk_auto_Click();
     EXPECT_TRUE(schedule().ends_with("(chk_auto)")) << "first the lock";
-}
-
-/// The typed times only wait meanwhile: neither they nor their fields are spoken of.
-TEST_F(FirstStepsTest, SaysTheWindowThatFollowsTheSun) {
-    begin();
+    s->panel.chk_auto.ticked = false;
+    // the typed times only wait meanwhile: neither they nor their fields are spoken of
     s->panel.chk_sun.ticked = true;
     s->recording.chk_sun_Click();
     s->clock.run(1s);

@@ -119,9 +119,11 @@ TEST_F(StatusFileTest, StaysAliveWhileACaptureLasts) {
     }
 }
 
-TEST_F(StatusFileTest, IsWrittenOncePerMinuteWhileNothingChanges) {
+TEST_F(StatusFileTest, BringsItsPageAndIsWrittenOncePerMinuteWhileNothingChanges) {
+    writeFile(s->module.programFolder / "status.html", "an older page");
     s->start(false);
     runUntil(8, 51, 30);
+    EXPECT_EQ(bytesOf("status.html"), "<!DOCTYPE html><title>Page</title>");
     s->statusFiles.steps.clear();
     runUntil(8, 55, 30);
     EXPECT_EQ(std::ranges::count(s->statusFiles.steps, "rename"), 4 * 2); // two files each
@@ -190,13 +192,6 @@ TEST_F(StatusFileTest, KeepsACopyOfTheLatestPictureWhenThatIsOn) {
     s->clock.run(1s);
     EXPECT_FALSE(std::filesystem::exists(s->module.programFolder / "latest.jpg"));
     EXPECT_EQ(told("latestCopy"), "null");
-}
-
-TEST_F(StatusFileTest, BringsItsPage) {
-    writeFile(s->module.programFolder / "status.html", "an older page");
-    s->start(false);
-    s->clock.run(2s);
-    EXPECT_EQ(bytesOf("status.html"), "<!DOCTYPE html><title>Page</title>");
 }
 
 TEST_F(StatusFileTest, TellsOfTheDailyClocks) {
