@@ -31,6 +31,11 @@ struct Mailing : TestStation {
     void refuseMails(const std::string& fault) {
         mail.answer = [fault](const Mail&) { return MailOutcome{fault, {}}; };
     }
+    /// The one mail that has been sent so far.
+    ReadMail only() const {
+        EXPECT_EQ(mail.sent.size(), 1U);
+        return ReadMail(mail.sent.at(0).bytes);
+    }
     std::vector<std::string> subjects() const {
         std::vector<std::string> all;
         for (const Mail& one : mail.sent)
@@ -60,12 +65,11 @@ TEST(Alerts, AnOutageBringsTwoMails) {
     s.clock.runUntil(at(2006, 11, 15, 10, 10));
     s.http.answer = failing("HTTP status 503");
     s.clock.runUntil(at(2006, 11, 15, 14, 10));
-    ASSERT_EQ(s.mail.sent.size(), 1U);
+    ReadMail warning = s.only();
     EXPECT_EQ(hourMinute(s.mail.triedAt[0]), "11:11");
     EXPECT_EQ(s.mail.sent[0].sender, "sky@example.org");
     EXPECT_EQ(s.mail.sent[0].recipients,
               (std::vector<std::string>{"one@example.org", "two@example.org"}));
-    ReadMail warning(s.mail.sent[0].bytes);
     const std::string news = "No image at 10:30 and 11:00. Please check the camera.";
     EXPECT_EQ(warning.subject(), "Orvane warns: " + news);
     EXPECT_EQ(warning.headers["From"], "Station South <sky@example.org>");
@@ -76,7 +80,7 @@ TEST(Alerts, AnOutageBringsTwoMails) {
           std::string("Today: taken 3 of 16, next at 11:30, 2 missed\n"),
           std::string("Recording: on\n"), std::string(" GB free"),
           std::string("Last picture: 20061115_100000_00.jpg\n")})
-        EXPECT_PRED_FORMAT2(testing::IsSubstring, part, warning.text());
+        EXPECT_TRUE(has(warning.text(), part));
     ASSERT_EQ(warning.parts.size(), 2U);
     EXPECT_EQ(warning.parts[1].bytes,
               contentsOf(s.dataFolder() / "20061115" / "20061115_100000_00.jpg"));
@@ -85,8 +89,7 @@ TEST(Alerts, AnOutageBringsTwoMails) {
     ASSERT_EQ(s.mail.sent.size(), 2U);
     ReadMail over(s.mail.sent[1].bytes);
     EXPECT_EQ(over.subject(), "Orvane, over: " + news);
-    EXPECT_PRED_FORMAT2(testing::IsSubstring,
-                        "stood from 2006/11/15 11:01:00 and went at 2006/11/15 14:3", over.text());
+    EXPECT_TRUE(has(over.text(), "stood from 2006/11/15 11:01:00 and went at 2006/11/15 14:3"));
     EXPECT_EQ(s.countLogged("Mail sent: " + over.subject()), 1);
 }
 
@@ -94,15 +97,13 @@ TEST(Alerts, WhatDoesNotStandTenMinutesIsNoNews) {
     Mailing s(at(2006, 11, 15, 8, 0));
     s.flap({Cause::NoImage, Cause::DiskSpace}, 9min, at(2006, 11, 16));
     EXPECT_EQ(s.mail.tries, 0);
-    s.warnings.clear(Cause::NoImage);
     s.warnings.clear(Cause::DiskSpace);
-    s.clock.run(1min);
-    s.warnings.set(Cause::NoImage, "Gone and back between two looks.");
-    s.clock.run(9min);
-    s.warnings.clear(Cause::NoImage);
-    s.warnings.set(Cause::NoImage, "Gone and back between two looks.");
-    s.clock.run(9min);
-    EXPECT_EQ(s.mail.tries, 0);
+    for (int time = 0; time < 2; ++time) {
+        s.warnings.clear(Cause::NoImage);
+        s.warnings.set(Cause::NoImage, "Gone and back between two looks.");
+        s.clock.run(9min);
+        EXPECT_EQ(s.mail.tries, 0);
+    }
     s.clock.run(2min);
     EXPECT_EQ(s.mail.tries, 1);
 }
@@ -237,17 +238,14 @@ TEST(Alerts, TheDayIsReportedOnce) {
         s.start(true);
         s.alerts.use(wanted(false, true));
         s.clock.runUntil(at(2006, 11, 15, 18, 0));
-        ASSERT_EQ(s.mail.sent.size(), 1U);
+        ReadMail read = s.only();
         EXPECT_EQ(hourMinute(s.mail.triedAt[0]), "17:10");
-        ReadMail read(s.mail.sent[0].bytes);
         EXPECT_EQ(read.subject(), "Orvane, 2006/11/15: all is well, 16 of 16 pictures taken");
-        EXPECT_PRED_FORMAT2(testing::IsSubstring,
-                            "Due: 16\nTaken: 16\nFetched later: 0\nMissed: 0\n", read.text());
+        EXPECT_TRUE(has(read.text(), "Due: 16\nTaken: 16\nFetched later: 0\nMissed: 0\n"));
         ASSERT_EQ(read.parts.size(), 3U);
         for (const auto& [part, name] :
              {std::pair{1U, "20061115_163000_00.jpg"}, {2U, "keogram.jpg"}})
-            EXPECT_PRED_FORMAT2(testing::IsSubstring, name,
-                                read.parts[part].headers["Content-Type"]);
+            EXPECT_TRUE(has(read.parts[part].headers["Content-Type"], name));
         stored = s.store.values;
     }
     Mailing s(at(2006, 11, 15, 19, 0), false, true, stored);
@@ -256,12 +254,11 @@ TEST(Alerts, TheDayIsReportedOnce) {
     EXPECT_TRUE(s.mail.sent.empty());
     s.http.answer = failing("no answer");
     s.clock.runUntil(at(2006, 11, 17));
-    ASSERT_EQ(s.mail.sent.size(), 1U);
-    ReadMail read(s.mail.sent[0].bytes);
+    ReadMail read = s.only();
     EXPECT_EQ(read.subject(), "Orvane, 2006/11/16: not all is well, 3 of 16 pictures taken");
     for (const char* part :
          {"- 13 pictures missed.\n", "- since 2006/11/16 11:01:00: No image at "})
-        EXPECT_PRED_FORMAT2(testing::IsSubstring, part, read.text());
+        EXPECT_TRUE(has(read.text(), part));
 }
 
 /// A window that follows the sun has an end of its own, too.
@@ -297,8 +294,7 @@ TEST(Alerts, TheReportOfADayThatIsOver) {
     Mailing s(at(2006, 11, 16, 1, 30), false, true, stored);
     s.start(true);
     s.clock.runUntil(at(2006, 11, 16, 22, 0));
-    ASSERT_EQ(s.mail.sent.size(), 1U);
-    EXPECT_TRUE(s.subjects()[0].starts_with("Orvane, 2006/11/15: ")) << s.subjects()[0];
+    EXPECT_TRUE(s.only().subject().starts_with("Orvane, 2006/11/15: ")) << s.subjects()[0];
 }
 
 /// A clock that was wrong, far ahead or a while back, does not silence the reports.

@@ -55,7 +55,6 @@ TEST_F(ConditionTest, AnOutageIsToldFromItsFirstMinuteUntilThePictureComes) {
     EXPECT_EQ(told(), "recording (Attention) ") << "a single miss is no trouble yet";
     EXPECT_EQ(lastFault(), "09:30: no answer from the camera");
     EXPECT_EQ(s->condition.begun.get(), 0);
-
     runUntil(10, 31, 5);
     EXPECT_EQ(told(), "no image since 09:30 (Trouble) No image since 09:30, 3 missed: no answer "
                       "from the camera.");
@@ -64,7 +63,6 @@ TEST_F(ConditionTest, AnOutageIsToldFromItsFirstMinuteUntilThePictureComes) {
     EXPECT_EQ(notices()[0].remedy, Remedy::TestFetch);
     EXPECT_TRUE(notices()[0].advice.starts_with("Check the camera's power")) << notices()[0].advice;
     EXPECT_EQ(s->condition.begun.get(), 1) << "it has come up once";
-
     mend();
     const std::string over =
         "recording (Well) Pictures arrive again since 11:00. 3 were missed from 09:30.";
@@ -88,7 +86,6 @@ TEST_F(ConditionTest, WhatIsOverGoesWhenItIsClosedOrComesAgain) {
     EXPECT_EQ(notices()[1].text, "Since 10:02: No mail can be sent: x.");
     s->condition.closeOver();
     ASSERT_EQ(notices().size(), 1U);
-
     s->warnings.clear(Cause::Mail);
     s->clock.run(1s);
     EXPECT_EQ(told(), "recording (Well) Over since 10:30: alerts are not mailed.");

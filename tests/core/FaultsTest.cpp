@@ -167,7 +167,6 @@ TEST_F(ErrorLogTest, SaysWhyADownloadFailed) {
     EXPECT_EQ(s->countLogged("Capture:HTTP status 503 (" + std::to_string(first) + " times)"), 1);
     EXPECT_EQ(log.back(), "Capture:refused (" + std::to_string(second) + " times)");
     EXPECT_EQ(log.size() - before, static_cast<std::size_t>(first + second + 4));
-
     // a picture tells the count before its minute is over
     runUntil(10, 0, 5);
     s->http.answer = [attempts = 0](const std::string&) mutable {

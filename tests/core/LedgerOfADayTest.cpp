@@ -94,16 +94,5 @@ TEST_F(LedgerOfADay, ThatCannotBeWrittenStopsNothing) {
                                              "10:30,+09:00,taken,20061115_103000_00.jpg,\n");
 }
 
-/// The default data folder is made with its first picture, and no chosen one is ever made.
-TEST_F(LedgerOfADay, WaitsForItsDataFolder) {
-    s->store.values["DataPath/PathDataFile"] = "";
-    recordUntil(8, 59);
-    EXPECT_FALSE(std::filesystem::exists(s->module.defaultDataFolder));
-    runUntil(9, 10);
-    const auto text = contentsOf(s->module.defaultDataFolder / "Ledger" / "20061115.csv");
-    for (const char* part : {"program started", "09:00,+09:00,taken"})
-        EXPECT_PRED_FORMAT2(testing::IsSubstring, part, text);
-}
-
 } // namespace
 } // namespace orvane::test

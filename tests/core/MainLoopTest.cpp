@@ -1,7 +1,6 @@
-#include "imaging/JpegMarkers.h"
 #include "tests/support/StationDay.h"
 
-#include <random>
+#include <numeric>
 
 namespace orvane::test {
 namespace {
@@ -65,11 +64,13 @@ TEST_F(MainLoopTest, VirtualDays) {
             const std::string digits = "200611" + twoDigits(day);
             const Names images = s->imagesOf(digits);
             ASSERT_EQ(images.size(), static_cast<std::size_t>(c.perDay)) << digits;
+            EXPECT_EQ(s->imagesOf(digits, "Edit"), images);
             for (const std::string& name : images)
                 EXPECT_TRUE(name.ends_with("00_00.jpg")) << name;
             if (day == 1) waiting = s->clock.pending();
             EXPECT_EQ(s->clock.pending(), waiting);
-            std::filesystem::remove_all(s->dataFolder() / digits);
+            for (const char* below : {"", "Edit"})
+                std::filesystem::remove_all(s->dataFolder() / below / digits);
         }
         EXPECT_EQ(s->http.requests, c.days * c.perDay);
         EXPECT_EQ(s->countLogged("End Time"), c.endTimes);
@@ -126,7 +127,6 @@ TEST_F(MainLoopTest, RefusesPicturesThatComeInTurn) {
     s->clock.runUntil(at(2006, 11, 16, 0, 40));
     EXPECT_EQ(count(), 4) << "1, 2, 3, and 0 was new";
     EXPECT_EQ(count("20061116"), 0);
-
     start(at(2006, 11, 17, 8, 59));
     s->http.answer = [](const std::string&) { return FakeHttp::picture("2"); };
     s->start(true);
@@ -231,40 +231,6 @@ TEST_F(MainLoopTest, ASiteWithoutSunTimesIsWarnedOfAndRecords) {
     s->clock.run(2min);
     EXPECT_EQ(warning(), "");
     EXPECT_NE(s->panel.lbl_sunset.caption.get(), "");
-}
-
-/// Random faults for some virtual days: only whole new pictures are filed, and every good minute
-/// after a bad one brings its image.
-TEST_F(MainLoopTest, RandomFaultsForDays) {
-    constexpr int kDays = 2;
-    start(at(2006, 11, 1));
-    s->setSchedule("0", "23", "10", "59");
-    std::mt19937 random(7);
-    s->http.answer = [&](const std::string&) {
-        s->http.latency = std::chrono::milliseconds(random() % 60'000);
-        const std::string whole = jpegLike(std::to_string(random()));
-        const HttpReply bad[] = {FakeHttp::failed("refused"),
-                                 {true, 200, whole.substr(0, random() % whole.size()), ""},
-                                 {true, 200, "<html></html>", ""},
-                                 {false, 500, "", "HTTP status 500"},
-                                 FakeHttp::picture("stale")};
-        const auto which = random() % 8;
-        return which < std::size(bad) ? bad[which] : HttpReply{true, 200, whole, ""};
-    };
-    s->start(true);
-    s->clock.run(24h * kDays);
-    int filed = 0;
-    for (const char* day : {"20061101", "20061102"}) {
-        EXPECT_EQ(s->imagesOf(day, "Edit"), s->imagesOf(day));
-        for (const std::string& name : s->imagesOf(day))
-            EXPECT_TRUE(isWholeJpeg(contentsOf(s->dataFolder() / day / name))) << name;
-        filed += count(day);
-    }
-    EXPECT_GT(filed, kDays * 144 / 2);
-    // each attempt filed a picture or logged one line; the last may still be under way
-    const int ended = filed + s->countLogged("DownLoad Error");
-    EXPECT_GE(s->http.requests, ended);
-    EXPECT_LE(s->http.requests, ended + 1);
 }
 
 } // namespace

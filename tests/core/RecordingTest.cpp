@@ -74,23 +74,29 @@ TEST_F(Panel, ThePcStaysAwakeWhileRecordingIsOnAndOnlyThen) {
 TEST_F(Panel, RefusesAScheduleWithItsMessage) {
     using Typed = std::vector<std::pair<std::size_t, std::string>>;
     const Typed usual{{0, "9"}, {1, "0"}, {2, "17"}, {3, "0"}, {5, "30"}, {6, "00"}};
-    const std::pair<Typed, const char*> cases[] = {
-        {{{0, "24"}}, "Please set up 'hour' of a StartTime correctly."},
-        {{{0, ""}, {1, "99"}}, "Please set up 'hour' of a StartTime correctly."},
-        {{{1, "-1"}}, "Please set up 'minute' of a StartTime correctly."},
-        {{{2, ""}}, "Please set up 'hour' of a EndTime correctly."},
-        {{{3, "60"}}, "Please set up 'minute' of a EndTime correctly."},
-        {{{5, "60"}}, "Please set up 'minute' of a Recording Interval correctly."},
-        {{{5, "0"}, {6, ""}}, "'00:00' cannot be set as a Recording Interval."},
-        {{{5, "x"}, {6, "y"}}, "'00:00' cannot be set as a Recording Interval."},
-        {{{2, "9"}}, "Start Time and End Time cannot be set to the same time."},
-        {{{0, "17"}, {2, "9"}}, "You must be Start Time < End Time."},
+    const std::tuple<Typed, const char*, std::size_t> cases[] = {
+        {{{0, "24"}}, "Please set up 'hour' of a StartTime correctly.", 0},
+        {{{0, ""}, {1, "99"}}, "Please set up 'hour' of a StartTime correctly.", 0},
+        {{{1, "-1"}}, "Please set up 'minute' of a StartTime correctly.", 1},
+        {{{2, ""}}, "Please set up 'hour' of a EndTime correctly.", 2},
+        {{{3, "60"}}, "Please set up 'minute' of a EndTime correctly.", 3},
+        {{{5, "60"}}, "Please set up 'minute' of a Recording Interval correctly.", 5},
+        {{{5, "0"}, {6, ""}}, "'00:00' cannot be set as a Recording Interval.", 5},
+        {{{5, "x"}, {6, "y"}}, "'00:00' cannot be set as a Recording Interval.", 5},
+        {{{2, "9"}}, "Start Time and End Time cannot be set to the same time.", 2},
+        {{{0, "17"}, {2, "9"}}, "You must be Start Time < End Time.", 2},
     };
-    for (const auto& [typed, message] : cases) {
+    for (const auto& [typed, message, field] : cases) {
         SCOPED_TRACE(message);
         for (const Typed* texts : {&usual, &typed})
             for (const auto& [index, text] : *texts)
                 type(index, text);
+        const Schedule before = s->module.schedule;
+        const auto fault = s->recording.scheduleFault();
+        ASSERT_TRUE(fault);
+        EXPECT_EQ(fault->message, message);
+        EXPECT_EQ(fault->field, field);
+        EXPECT_EQ(s->module.schedule, before) << "looking changes nothing";
         const int beeps = s->op.beeps;
         press();
         EXPECT_EQ(s->op.told.back(), message);
@@ -99,6 +105,7 @@ TEST_F(Panel, RefusesAScheduleWithItsMessage) {
         EXPECT_FALSE(s->panel.Command1.enabled); // the box is still open
         s->clock.run(2s);
         EXPECT_EQ(lockState(), kAfterFailedStart);
+        EXPECT_EQ(s->recording.faultyField.get(), field);
         EXPECT_FALSE(s->module.RecordFlg);
         EXPECT_EQ(looks(), "Ready, start");
         EXPECT_EQ(s->store.values["Operation/StartHour"], s->panel.Text1[0].text.get());

@@ -43,13 +43,15 @@ TEST(UsersSettings, AreInTheirFileWhenTheSaveReturns) {
     const TempFolder folder;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
     environment.insert(kSaves, "1");
-    environment.insert("XDG_CONFIG_HOME", QString::fromStdString(folder.path().string()));
+    for (const auto& [name, below] :
+         {std::pair{"XDG_CONFIG_HOME", "user"}, {"XDG_CONFIG_DIRS", "all"}})
+        environment.insert(name, QString::fromStdString((folder.path() / below).string()));
     QProcess program;
     program.setProcessEnvironment(environment);
     program.start(QCoreApplication::applicationFilePath(), {"--gtest_filter=UsersSettings.*"});
-    ASSERT_TRUE(program.waitForFinished()) << program.errorString().toStdString();
-    EXPECT_EQ(program.exitCode(), 0);
-    EXPECT_EQ(contentsOf(folder.path() / "Orvane" / "Orvane.ini"), "[Settings]\nIP=10.0.0.7\n");
+    ASSERT_TRUE(program.waitForFinished(120'000)) << program.errorString().toStdString();
+    EXPECT_EQ(program.exitCode(), 0) << program.readAllStandardError().toStdString();
+    EXPECT_EQ(contentsOf(folder.path() / "user/Orvane/Orvane.ini"), "[Settings]\nIP=10.0.0.7\n");
 }
 
 } // namespace

@@ -59,8 +59,8 @@ TEST_F(PanelSettingsTest, AnUnreadableNumberEndsTheProgramWithItsKeyAndText) {
         station.clock.run(5s);
         ASSERT_EQ(station.op.told.size(), 1U);
         const std::string& told = station.op.told[0];
-        EXPECT_PRED_FORMAT2(testing::IsSubstring, key.substr(key.find('/') + 1), told);
-        EXPECT_PRED_FORMAT2(testing::IsSubstring, '"' + text + '"', told);
+        EXPECT_TRUE(has(told, key.substr(key.find('/') + 1)));
+        EXPECT_TRUE(has(told, '"' + text + '"'));
         EXPECT_EQ(station.logged().back(), "StartUp:" + told);
         EXPECT_EQ(station.exitCode, 1);
         EXPECT_TRUE(station.loopTask.done());
@@ -260,8 +260,7 @@ TEST_F(QtSettingsStoreTest, KeepsTextsInAFileThatIsWrittenByHand) {
     }
     EXPECT_TRUE(store.SaveSetting("Operation", "Mode Auto", "True"));
     EXPECT_EQ(store.GetSetting("Operation", "Mode Auto", ""), "True");
-    EXPECT_PRED_FORMAT2(testing::IsSubstring, "Mode%20Auto=True\n", contentsOf(path))
-        << "on the disk when the call returns";
+    EXPECT_TRUE(has(contentsOf(path), "Mode%20Auto=True\n")) << "on the disk when the call returns";
 }
 
 /// Written by hand, a comma makes a list and a semicolon a comment; saving another setting must
@@ -291,14 +290,14 @@ TEST_F(QtSettingsStoreTest, ASaveThatFailedIsForgottenWithTheNextThatDoesNot) {
     EXPECT_TRUE(store.SaveSetting("Settings", "IP", "10.0.0.7"));
     EXPECT_TRUE(store.SaveSetting("Settings", "IP-Port", "81"));
     EXPECT_EQ(text("Settings", "IP"), "10.0.0.7");
-    EXPECT_PRED_FORMAT2(testing::IsSubstring, "10.0.0.7", contentsOf(path));
+    EXPECT_TRUE(has(contentsOf(path), "10.0.0.7"));
 }
 
 TEST_F(QtSettingsStoreTest, WhatCannotBeReadIsToldAndNotReplaced) {
     std::filesystem::create_directories(path);
     QtSettingsStore store(name);
     ASSERT_TRUE(store.unreadable());
-    EXPECT_PRED_FORMAT2(testing::IsSubstring, "Orvane.ini: ", *store.unreadable());
+    EXPECT_TRUE(has(*store.unreadable(), "Orvane.ini: "));
     EXPECT_EQ(store.GetSetting("Settings", "IP", "none"), "none");
     EXPECT_FALSE(store.SaveSetting("Settings", "IP", "10.0.0.7"));
     EXPECT_TRUE(std::filesystem::is_directory(path));

@@ -1,9 +1,6 @@
 #include "tests/support/FakeCameraStore.h"
 #include "tests/support/SampleArchive.h"
-#include "tests/support/TestPictures.h"
-#include "tests/support/TestStation.h"
-
-#include <gtest/gtest.h>
+#include "tests/support/StationDay.h"
 
 namespace orvane::test {
 namespace {
@@ -14,23 +11,79 @@ constexpr std::chrono::local_days kLastDay{std::chrono::days(13467)}; // 2006/11
 /// the sample archive holds.
 class SixtyDaysStory : public testing::Test {
   protected:
-    WallTime momentOf(const SampleEvent& event) const {
-        return WallTime(sample.day(event.day).date) + std::chrono::minutes(event.minute);
+    void begin(WallTime time, bool recording) {
+        s = std::make_unique<TestStation>(time);
+        s->store.values["DataPath/PathDataFile"] = utf8FromPath(data);
+        s->utcOffset = offset;
+        setSchedule(schedule);
+        s->gapHttp.answer = [this](const std::string& url) { return camera.picture(url); };
+        s->http.answer = [this](const std::string&) {
+            return fault.empty() ? FakeHttp::picture(std::to_string(++pictures))
+                                 : FakeHttp::failed(fault);
+        };
+        s->start(recording);
     }
-    void happen(const SampleEvent& event);
-    void start(WallTime time, bool recording);
-    void setSchedule(const SampleSchedule& schedule);
-    void fill(const SampleDay& day);
-    void putClock(WallTime moment, int minutes);
-    std::string ledgerOf(const SampleDay& day) const {
-        return contentsOf(data / "Ledger" / (day.digits + ".csv"));
+    void setSchedule(const SampleSchedule& wanted) {
+        schedule = wanted;
+        const std::tuple<std::size_t, const char*, int> fields[] = {
+            {0, "StartHour", wanted.first / 60},
+            {1, "StartMinute", wanted.first % 60},
+            {2, "EndHour", wanted.end / 60},
+            {3, "EndMinute", wanted.end % 60},
+            {4, "IntervalHour", 0},
+            {5, "IntervalMinute", wanted.every}};
+        for (const auto& [index, key, number] : fields) {
+            s->store.values[std::string("Operation/") + key] = std::to_string(number);
+            s->panel.Text1[index].text = std::to_string(number);
+        }
+    }
+    /// The camera's store has answered nothing so far.
+    void fill(const SampleDay& day) {
+        for (const std::string& name : day.filed)
+            if (name.ends_with("07_00.jpg")) camera.names.insert(name);
+        s->gapBrowser.answer = [this](const std::string& url) { return camera.search(url); };
+        s->clock.run(3min);
+        s->gapBrowser.answer = nullptr;
+    }
+    void putClock(WallTime moment, std::chrono::minutes by) {
+        s->clock.runUntil(moment - 1ms);
+        s->clock.jumpWall(by);
+        s->utcOffset = offset += by;
+    }
+    void happen(const SampleEvent& event) {
+        const SampleDay& day = sample.day(event.day);
+        const WallTime minute = WallTime(day.date) + std::chrono::minutes(event.minute);
+        if (event.what == Happens::Forward) return putClock(minute, 60min);
+        if (event.what == Happens::Back) return putClock(minute, -60min);
+        if (s) s->clock.runUntil(minute + 30s);
+        switch (event.what) {
+        case Happens::Start:
+            return begin(minute + 30s, true);
+        case Happens::StartOff:
+            return begin(minute + 30s, false);
+        case Happens::End:
+            s->ledger.end();
+            [[fallthrough]];
+        case Happens::Kill:
+            return s.reset();
+        case Happens::Off:
+            return s->recording.Command2_Click();
+        case Happens::On:
+            setSchedule(event.schedule);
+            return s->press(&Recording::Command1_Click);
+        case Happens::Late:
+            s->http.latency = std::chrono::minutes(event.number) + 50ms;
+            return;
+        case Happens::Fill:
+            return fill(day);
+        default: // Fails with a text, Works without
+            fault = event.text;
+        }
     }
     std::set<std::string> filed(const SampleDay& day) const {
-        std::set<std::string> names;
-        if (!std::filesystem::exists(data / day.digits)) return names;
-        for (const auto& entry : std::filesystem::directory_iterator(data / day.digits))
-            names.insert(entry.path().filename().string());
-        return names;
+        if (!std::filesystem::exists(data / day.digits)) return {};
+        const auto names = listing(data / day.digits);
+        return {names.begin(), names.end()};
     }
 
     TempFolder folder;
@@ -44,64 +97,6 @@ class SixtyDaysStory : public testing::Test {
     FakeCameraStore camera;
 };
 
-void SixtyDaysStory::start(WallTime time, bool recording) {
-    s = std::make_unique<TestStation>(time);
-    s->store.values["DataPath/PathDataFile"] = utf8FromPath(data);
-    s->utcOffset = offset;
-    setSchedule(schedule);
-    s->gapHttp.answer = [this](const std::string& url) { return camera.picture(url); };
-    s->http.answer = [this](const std::string&) {
-        return fault.empty() ? FakeHttp::picture(std::to_string(++pictures))
-                             : FakeHttp::failed(fault);
-    };
-    s->start(recording);
-}
-
-void SixtyDaysStory::setSchedule(const SampleSchedule& wanted) {
-    schedule = wanted;
-    const int numbers[] = {
-        wanted.first / 60, wanted.first % 60, wanted.end / 60, wanted.end % 60, 0, wanted.every};
-    const char* keys[] = {"StartHour", "StartMinute",  "EndHour",
-                          "EndMinute", "IntervalHour", "IntervalMinute"};
-    for (std::size_t i = 0; i < std::size(numbers); ++i) {
-        s->store.values["Operation/" + std::string(keys[i])] = std::to_string(numbers[i]);
-        s->panel.Text1[i].text = std::to_string(numbers[i]);
-    }
-}
-
-/// The camera's store has answered nothing so far.
-void SixtyDaysStory::fill(const SampleDay& day) {
-    for (const std::string& name : day.filed)
-        if (name.ends_with("07_00.jpg")) camera.names.insert(name);
-    s->gapBrowser.answer = [this](const std::string& url) { return camera.search(url); };
-    s->clock.run(3min);
-    s->gapBrowser.answer = nullptr;
-}
-
-void SixtyDaysStory::putClock(WallTime moment, int minutes) {
-    s->clock.runUntil(moment - 1ms);
-    s->clock.jumpWall(std::chrono::minutes(minutes));
-    s->utcOffset = offset += std::chrono::minutes(minutes);
-}
-
-void SixtyDaysStory::happen(const SampleEvent& event) {
-    const WallTime moment = momentOf(event) + 30s;
-    if (event.what == Happens::Forward) return putClock(momentOf(event), 60);
-    if (event.what == Happens::Back) return putClock(momentOf(event), -60);
-    if (s) s->clock.runUntil(moment);
-    if (event.what == Happens::Start) start(moment, true);
-    if (event.what == Happens::StartOff) start(moment, false);
-    if (event.what == Happens::End) s->ledger.end();
-    if (event.what == Happens::End || event.what == Happens::Kill) s.reset();
-    if (event.what == Happens::Off) s->recording.Command2_Click();
-    if (event.what == Happens::On) setSchedule(event.schedule);
-    if (event.what == Happens::On) s->press(&Recording::Command1_Click);
-    if (event.what == Happens::Fails) fault = event.text;
-    if (event.what == Happens::Works) fault.clear();
-    if (event.what == Happens::Late) s->http.latency = std::chrono::minutes(event.number) + 50ms;
-    if (event.what == Happens::Fill) fill(sample.day(event.day));
-}
-
 TEST_F(SixtyDaysStory, LeavesTheSampleArchive) {
     std::filesystem::create_directory(data);
     for (const SampleEvent& event : sampleStory())
@@ -111,7 +106,7 @@ TEST_F(SixtyDaysStory, LeavesTheSampleArchive) {
     for (int number = 0; number < ORVANE_STORY_DAYS; ++number) {
         const SampleDay& day = sample.day(number);
         EXPECT_EQ(filed(day), day.filed) << day.digits;
-        EXPECT_EQ(ledgerOf(day), day.ledger) << day.digits;
+        EXPECT_EQ(contentsOf(data / "Ledger" / (day.digits + ".csv")), day.ledger) << day.digits;
     }
 }
 

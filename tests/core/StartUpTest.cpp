@@ -44,7 +44,6 @@ TEST_F(StartUpTest, WhatNobodyForesawIsToldAndEndsTheProgram) {
     s->clock.run(2s);
     EXPECT_EQ(s->exitCode, 1);
     EXPECT_EQ(s->logged(), Names{"StartUp:no window"});
-
     start(at(2006, 11, 15, 7, 0)); // behind the start-up's own steps
     s->panel.Command1.enabled.observe([](bool enabled) {
         if (!enabled) throw std::runtime_error("no button");

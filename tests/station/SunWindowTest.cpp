@@ -81,21 +81,6 @@ TEST(SunWindow, IsWhatThePanelShowsWhereTheZonesAgree) {
     }
 }
 
-/// Of a half-hour zone, which the panel's texts round: the crossings of the table itself.
-TEST(SunWindow, AHalfHourCountsToTheMinute) {
-    const local_days date = dayOf2025(172);
-    const auto table = computeElevationByMinute(19.1, 72.9, std::chrono::year_month_day(date));
-    ASSERT_TRUE(table);
-    int rising = 0;
-    int setting = 0;
-    for (std::size_t i = 2; i <= kDayMinutes; ++i) {
-        if ((*table)[i] > -0.5 && (*table)[i - 1] <= -0.5) rising = static_cast<int>(i) - 1;
-        if ((*table)[i] <= -0.5 && (*table)[i - 1] > -0.5) setting = static_cast<int>(i) - 1;
-    }
-    EXPECT_EQ(textOf(sunWindow({19.1, 72.9, 330}, date, always(330min))),
-              minuteText(rising + 330 - 60) + "-" + minuteText(setting + 330 + 60));
-}
-
 /// Published for Tokyo on 21 June 2025: 4:25 and 19:00, of the sun's upper edge behind the air,
 /// which is two minutes beside ours.
 TEST(SunWindow, IsThatOfThePcsClockAndIsCutToTheDay) {

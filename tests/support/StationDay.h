@@ -12,6 +12,11 @@ inline std::function<HttpReply(const std::string&)> failing(const std::string& f
     return [fault](const std::string&) { return FakeHttp::failed(fault); };
 }
 
+/// Whether `part` stands in the text; says both where not.
+inline testing::AssertionResult has(const std::string& text, const std::string& part) {
+    return testing::IsSubstring("part", "text", part, text);
+}
+
 /// A station on 15 November 2006 that fills no gaps, and those that are started after it.
 class StationDay : public testing::Test {
   protected:
