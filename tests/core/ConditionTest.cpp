@@ -141,8 +141,11 @@ TEST_F(ConditionTest, AnOutageGoesOnOverARestart) {
 }
 
 TEST_F(ConditionTest, SwitchingRecordingOffEndsAnOutageWithoutNews) {
-    recordUntil(10, 5);
-    EXPECT_TRUE(told().starts_with("no image since 09:30 (Trouble)")) << told();
+    mend();
+    recordUntil(9, 35);
+    s->http.answer = failing("no answer");
+    runUntil(10, 35);
+    EXPECT_TRUE(told().starts_with("no image since 10:00 (Trouble)")) << told();
     s->recording.Command2_Click();
     s->clock.run(2s);
     EXPECT_EQ(told(), "ready (Off) ");

@@ -80,7 +80,8 @@ TEST_F(FollowSun, EveryDayHasItsOwnWindow) {
     EXPECT_EQ(s->module.plannedRecords, due(second, 1) + 1);
     EXPECT_EQ(s->days.plan().text,
               "taken 0 of " + std::to_string(due(second, 1)) + ", next at " + start);
-    EXPECT_TRUE(has(ledger("20061116"), "00:00,+09:00,schedule,," + second + " every 01 min"));
+    EXPECT_TRUE(has(ledger("20061116"), "00:00,+09:00,schedule,," + second +
+                                            " every 01 min\r\n00:00,+09:00,recording on,,\r\n"));
     EXPECT_EQ(s->countLogged("End Time"), 1);
     s->clock.runUntil(at(2006, 11, 17, 0, 5));
     EXPECT_EQ(s->days.yesterdaysPlan().due, due(second, 1));

@@ -38,6 +38,8 @@ TEST_F(LedgerOfADay, HasALineForEveryDueMinuteAndSwitch) {
     s->press(&Recording::Command1_Click);
     s->files.failing = "write";
     s->http.answer = [](const std::string&) { return FakeHttp::picture("x"); };
+    runUntil(10, 12);
+    s->utcOffset = 600min;
     runUntil(10, 20);
     s->ledger.end();
     EXPECT_EQ(lines(), std::string(kStart) +
@@ -45,9 +47,9 @@ TEST_F(LedgerOfADay, HasALineForEveryDueMinuteAndSwitch) {
                            "09:40,+09:00,recording off,,\n"
                            "10:10,+09:00,schedule,,09:00 to 17:00 every 15 min\n"
                            "10:10,+09:00,recording on,,\n"
-                           "10:15,+09:00,missed,,The data folder cannot be written: No space left "
+                           "10:15,+10:00,missed,,The data folder cannot be written: No space left "
                            "on device.\n"
-                           "10:20,+09:00,program ended,,\n");
+                           "10:20,+10:00,program ended,,\n");
     EXPECT_EQ(plan(), "taken 1 of 30, next at 10:30, 2 missed, 1 not recorded");
     EXPECT_EQ(reasonAt930(), "HTTP status 503");
 }

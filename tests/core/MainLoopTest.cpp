@@ -143,6 +143,7 @@ TEST_F(MainLoopTest, FilesExactlyTheBytesThatTheCameraSent) {
     recordUntil(10, 1);
     EXPECT_EQ(contentsOf(s->dataFolder() / "20061115" / "20061115_100000_00.jpg"),
               jpegLike("short"));
+    EXPECT_EQ(contentsOf(s->module.programFolder / "full.jpg"), jpegLike("short"));
 }
 
 TEST_F(MainLoopTest, StopDuringThePauseEndsItAndStaysStopped) {

@@ -180,9 +180,10 @@ TEST_F(PanelSettingsTest, AZoneFarFromTheLongitudeIsPointedOut) {
     } cases[] = {{-70, 540, "Zone 9 does not fit longitude -70"},
                  {139.5, 300, "Zone 5 does not fit longitude 139.5"},
                  {0, 330, "Zone 5.5 does not fit longitude 0"},
-                 {75, 480},     // exactly three hours
-                 {178.4, 720},  // on the circle
-                 {-171.8, 780}, // beyond the date line
+                 {100, 600, "Zone 10 does not fit longitude 100"}, // three hours and a third
+                 {75, 480},                                        // exactly three hours
+                 {178.4, 720},                                     // on the circle
+                 {-171.8, 780},                                    // beyond the date line
                  {-179, 840},
                  {179, -660}};
     for (const auto& [longitude, zone, told] : cases) {

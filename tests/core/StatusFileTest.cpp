@@ -160,6 +160,10 @@ TEST_F(StatusFileTest, KeepsACopyOfTheLatestPictureWhenThatIsOn) {
     runUntil(9, 8, 2);
     expectCopyOf("20061115_090000_00.jpg");
     EXPECT_EQ(told("alive").substr(11, 5), "09:08");
+    const auto isOfIt = [](const auto& line) {
+        return line.starts_with("StatusFile:20061115_0901");
+    };
+    EXPECT_EQ(std::ranges::count_if(s->logged(), isOfIt), 1);
     EXPECT_FALSE(warns());
     runUntil(9, 30, 5);
     expectCopyOf("20061115_093000_00.jpg");
