@@ -141,11 +141,12 @@ TEST_F(ConditionTest, AnOutageGoesOnOverARestart) {
 }
 
 TEST_F(ConditionTest, SwitchingRecordingOffEndsAnOutageWithoutNews) {
-    mend();
     recordUntil(9, 35);
+    mend();
+    runUntil(10, 5);
     s->http.answer = failing("no answer");
-    runUntil(10, 35);
-    EXPECT_TRUE(told().starts_with("no image since 10:00 (Trouble)")) << told();
+    runUntil(11, 5);
+    EXPECT_TRUE(told().starts_with("no image since 10:30 (Trouble)")) << told();
     s->recording.Command2_Click();
     s->clock.run(2s);
     EXPECT_EQ(told(), "ready (Off) ");

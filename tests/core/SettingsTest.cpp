@@ -261,7 +261,7 @@ TEST_F(QtSettingsStoreTest, KeepsTextsInAFileThatIsWrittenByHand) {
     }
     EXPECT_TRUE(store.SaveSetting("Operation", "Mode Auto", "True"));
     EXPECT_EQ(store.GetSetting("Operation", "Mode Auto", ""), "True");
-    EXPECT_TRUE(has(contentsOf(path), "Mode%20Auto=True\n")) << "on the disk when the call returns";
+    EXPECT_TRUE(has(contentsOf(path), "Mode%20Auto=True")) << "on the disk when the call returns";
 }
 
 /// Written by hand, a comma makes a list and a semicolon a comment; saving another setting must
