@@ -1,60 +1,64 @@
-#include "tests/support/TestWindow.h"
-#include "ui/dialogs/FrmAlerts.h"
+#include "tests/ui/WindowTest.h"
 
-#include <QCheckBox>
 #include <QComboBox>
-#include <QLabel>
-#include <QPushButton>
 #include <QSpinBox>
 
 namespace orvane::test {
 namespace {
 
-/// The dialog, opened by its menu entry.
-class AlertsUi : public testing::Test {
+/// The dialog of the mails, opened by its menu entry.
+class AlertsUi : public WindowTest {
   protected:
     AlertsUi() { open(); }
     void open() {
-        w.main.findChild<QAction*>("mnuAlerts")->trigger();
+        trigger("mnuAlerts");
         ASSERT_TRUE(QTest::qWaitForWindowActive(&form));
     }
-    QString told() const { return find<QLabel>(form, "lblOutcome").text(); }
+    std::string told() const { return textOf(form, "lblOutcome"); }
     void typeIn(const char* name, const QString& text) { type(find<QLineEdit>(form, name), text); }
-    void tick(const char* name) {
-        QTest::mouseClick(&find<QCheckBox>(form, name), Qt::LeftButton, {}, QPoint(8, 8));
-    }
     void fillIn() {
-        tick("chkWarnings");
+        tick(form, "chkWarnings");
         typeIn("txtHost", "mail.example.org");
         typeIn("txtFrom", "Station South <sky@example.org>");
         typeIn("txtTo", "one@example.org, two@example.org");
     }
 
-    JumpingClock clock{at(2006, 11, 15)};
-    FakeOperator op{clock};
-    Window w{op};
-    QDialog& form = find<QDialog>(w.main, "frmAlerts");
+    QDialog& form = part<QDialog>("frmAlerts");
 };
 
 TEST_F(AlertsUi, IsOffAtFirstAndStoresWhatIsEntered) {
     EXPECT_FALSE(form.isModal());
-    EXPECT_FALSE(find<QCheckBox>(form, "chkWarnings").isChecked());
-    EXPECT_FALSE(find<QCheckBox>(form, "chkDaily").isChecked());
+    for (const char* box : {"chkWarnings", "chkDaily"})
+        EXPECT_FALSE(find<QCheckBox>(form, box).isChecked()) << box;
     EXPECT_EQ(find<QLineEdit>(form, "txtPassword").echoMode(), QLineEdit::Password);
     fillIn();
+    tick(form, "chkDaily");
     typeIn("txtUser", "sky");
     typeIn("txtPassword", " secret ");
+    for (const auto& files : {std::vector{write("own.pem")}, {}}) {
+        click(form, "cmdCaFile");
+        EXPECT_EQ(answer(files).title, "CA File");
+    }
     click(form, "cmdOk");
     EXPECT_FALSE(form.isVisible());
-    EXPECT_TRUE(w.alerts.settings().warnings);
-    EXPECT_EQ(w.alerts.settings().server.password, " secret ");
+    const MailSettings& stored = w.alerts.settings();
+    EXPECT_TRUE(stored.warnings && stored.daily);
+    EXPECT_EQ(stored.server.caFile.filename(), "own.pem");
     EXPECT_EQ(w.store.values["Station/MailTo"], "one@example.org, two@example.org");
     open();
     typeIn("txtHost", "elsewhere.example.org");
     click(form, "cmdCancel");
-    EXPECT_EQ(w.alerts.settings().server.host, "mail.example.org");
     open();
-    EXPECT_EQ(find<QLineEdit>(form, "txtHost").text(), "mail.example.org") << "what is in force";
+    const std::tuple<const char*, const std::string&, const char*> fields[] = {
+        {"txtHost", stored.server.host, "mail.example.org"},
+        {"txtUser", stored.server.user, "sky"},
+        {"txtPassword", stored.server.password, " secret "},
+        {"txtFrom", stored.from, "Station South <sky@example.org>"},
+        {"txtTo", stored.to, "one@example.org, two@example.org"}};
+    for (const auto& [name, value, text] : fields) {
+        EXPECT_EQ(value, text);
+        EXPECT_EQ(find<QLineEdit>(form, name).text(), text) << "what is in force";
+    }
     w.store.readOnly = true;
     click(form, "cmdOk");
     EXPECT_EQ(told(),
@@ -67,27 +71,37 @@ TEST_F(AlertsUi, ThePortFollowsTheSecurity) {
     auto& port = find<QSpinBox>(form, "spnPort");
     EXPECT_EQ(security.currentText(), "STARTTLS");
     EXPECT_EQ(port.value(), 587);
-    const auto choose = [&](Qt::Key key) { QTest::keyClick(&security, key); };
-    choose(Qt::Key_Down);
-    EXPECT_EQ(port.value(), 465);
-    choose(Qt::Key_Up);
-    choose(Qt::Key_Up);
-    EXPECT_EQ(port.value(), 25);
+    for (const auto& [key, expected] :
+         {std::pair(Qt::Key_Down, 465), std::pair(Qt::Key_Up, 587), std::pair(Qt::Key_Up, 25)}) {
+        QTest::keyClick(&security, key);
+        EXPECT_EQ(port.value(), expected);
+    }
     port.setValue(2525);
-    choose(Qt::Key_Down);
+    QTest::keyClick(&security, Qt::Key_Down);
     EXPECT_EQ(port.value(), 2525) << "the operator's own";
 }
 
 TEST_F(AlertsUi, AMistakeIsToldAtItsField) {
     fillIn();
-    typeIn("txtTo", "one@example.org, nobody");
-    click(form, "cmdOk");
-    EXPECT_TRUE(form.isVisible());
-    EXPECT_EQ(form.focusWidget(), &find<QLineEdit>(form, "txtTo"));
-    EXPECT_TRUE(told().startsWith("Please enter the recipients' mail addresses"));
-    click(form, "cmdTest");
+    const std::tuple<const char*, const char*, const char*> cases[] = {
+        {"txtTo", "one@example.org, nobody", "Please enter the recipients' mail addresses"},
+        {"txtFrom", "nobody", "sender"},
+        {"txtHost", "", "server"}};
+    for (const auto& [field, wrong, text] : cases) {
+        auto& entered = find<QLineEdit>(form, field);
+        const QString right = entered.text();
+        entered.setText(wrong);
+        for (const char* button : {"cmdTest", "cmdOk"}) {
+            click(form, button);
+            EXPECT_TRUE(form.isVisible());
+            EXPECT_EQ(focusOf(form), field);
+            EXPECT_TRUE(has(told(), text));
+        }
+        entered.setText(right);
+    }
     EXPECT_EQ(w.mail.tries, 0);
-    tick("chkWarnings");
+    typeIn("txtTo", "nobody");
+    tick(form, "chkWarnings");
     click(form, "cmdOk");
     EXPECT_FALSE(form.isVisible()) << "what is switched off needs not be right";
 }

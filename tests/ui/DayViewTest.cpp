@@ -1,8 +1,8 @@
 #include "ui/day/DayView.h"
-#include "platform/Files.h"
-#include "tests/support/TestWindow.h"
+#include "tests/ui/WindowTest.h"
 
 #include <QHelpEvent>
+#include <QPaintEngine>
 #include <QToolTip>
 
 #include <cmath>
@@ -19,24 +19,48 @@ double contrast(QColor a, QColor b) {
         return 0.2126 * linear(colour.redF()) + 0.7152 * linear(colour.greenF()) +
                0.0722 * linear(colour.blueF());
     };
-    const double x = luminance(a) + 0.05;
-    const double y = luminance(b) + 0.05;
-    return std::max(x, y) / std::min(x, y);
+    const auto [darker, lighter] = std::minmax({luminance(a), luminance(b)});
+    return (lighter + 0.05) / (darker + 0.05);
 }
+
+/// Takes down where texts are drawn.
+class DrawnTexts : public QPaintDevice, public QPaintEngine {
+  public:
+    DrawnTexts() : QPaintEngine(AllFeatures) {}
+    QPaintEngine* paintEngine() const override { return const_cast<DrawnTexts*>(this); }
+    int metric(PaintDeviceMetric asked) const override {
+        return asked == PdmWidth || asked == PdmHeight ? 1000 : asked < PdmDpiX ? 1 : 96;
+    }
+    bool begin(QPaintDevice*) override { return true; }
+    bool end() override { return true; }
+    void updateState(const QPaintEngineState&) override {}
+    void drawPixmap(const QRectF&, const QPixmap&, const QRectF&) override {}
+    void drawPath(const QPainterPath&) override {}
+    void drawPolygon(const QPointF*, int, PolygonDrawMode) override {}
+    void drawTextItem(const QPointF& at, const QTextItem& item) override {
+        left[item.text().toStdString()] = at.x();
+    }
+    Type type() const override { return User; }
+
+    std::map<std::string, double> left;
+};
 
 /// The band in its window at 10:10 on a day that records every half hour from 9 to 12: taken,
 /// fetched, missed, then to come; and one picture beside the schedule.
-class Band : public testing::Test {
+class Band : public WindowTest {
   protected:
     Band() {
         const auto today = w.dataFolder() / "20061115";
         std::filesystem::create_directory(today);
         for (const char* name : {"20061115_090000_00.jpg", "20061115_093017_00.jpg",
                                  "20061115_094500_00.jpg", "20061115_094500_00.tmp"})
-            EXPECT_FALSE(writeToFinalName(jpegLike(name), today / name));
+            writeFile(today / name, jpegLike(name));
         w.module.schedule = {9h, 12h, 30min, {}};
         w.module.RecordFlg = true;
-        w.clock.run(2h + 10min + 2s);
+        band.hide(); // its looks take time
+        w.clock.run(2h + 10min);
+        band.show();
+        w.clock.run(2s);
     }
     /// The tool tip at a place of the band; empty when there is none.
     QString tipAt(const QPointF& place) {
@@ -44,15 +68,8 @@ class Band : public testing::Test {
         QApplication::sendEvent(&band, &event);
         return event.isAccepted() ? QToolTip::text() : QString(); // a tip fades slowly
     }
-    QColor colourAt(const QPointF& place) {
-        const QImage image = band.grab().toImage();
-        return image.pixelColor((place * image.devicePixelRatio()).toPoint());
-    }
 
-    JumpingClock clock{at(2006, 11, 15)};
-    FakeOperator op{clock};
-    Window w{op};
-    DayView& band = dynamic_cast<DayView&>(find<QWidget>(w.main, "dayView"));
+    DayView& band = part<DayView>("dayView");
 };
 
 TEST_F(Band, TellsTheDayInOneLine) {
@@ -71,7 +88,7 @@ TEST_F(Band, TellsTheDayInOneLine) {
     EXPECT_EQ(band.accessibleDescription(), text);
 }
 
-TEST_F(Band, EveryMarkHasItsToolTip) {
+TEST_F(Band, MarksTellTheirTipsToTheMouseAndTheKeys) {
     const char* texts[] = {"09:00 - taken: 20061115_090000_00.jpg",
                            "09:30 - fetched from the camera's store: 20061115_093017_00.jpg",
                            "09:45 - taken, not on the schedule: 20061115_094500_00.jpg",
@@ -88,23 +105,19 @@ TEST_F(Band, EveryMarkHasItsToolTip) {
     EXPECT_EQ(tipAt((nine + ten) / 2), texts[1]);
     EXPECT_NEAR(ten.x() + 2 * (ten.x() - nine.x()), band.width() / 2.0, 2);
     EXPECT_EQ(tipAt(nine - QPointF(20, 0)), "");
-}
 
-TEST_F(Band, ArrowKeysGoFromMarkToMark) {
     band.setFocus();
-    QTest::keyClick(&band, Qt::Key_Right);
-    EXPECT_EQ(QToolTip::text(), "10:30 - to come") << "the first after the present time, 10:10";
-    QTest::keyClick(&band, Qt::Key_Left);
-    EXPECT_EQ(QToolTip::text(), "10:00 - missed");
-    EXPECT_TRUE(band.accessibleDescription().endsWith(QToolTip::text()));
-    QTest::keyClick(&band, Qt::Key_End);
-    QTest::keyClick(&band, Qt::Key_Right);
-    EXPECT_EQ(QToolTip::text(), "11:30 - to come") << "there is none beyond the last";
-    QTest::keyClick(&band, Qt::Key_Home);
-    QTest::keyClick(&band, Qt::Key_Left);
-    EXPECT_EQ(QToolTip::text(), "09:00 - taken: 20061115_090000_00.jpg");
+    const std::pair<Qt::Key, int> keys[] = {{Qt::Key_Right, 4}, // the first after 10:10
+                                            {Qt::Key_Left, 3},  {Qt::Key_End, 6},
+                                            {Qt::Key_Right, 6}, {Qt::Key_Home, 0},
+                                            {Qt::Key_Left, 0},  {Qt::Key_Right, 1}};
+    for (const auto& [key, mark] : keys) {
+        QTest::keyClick(&band, key);
+        EXPECT_EQ(QToolTip::text(), texts[mark]);
+        EXPECT_TRUE(band.accessibleDescription().endsWith(texts[mark]));
+    }
     QTest::keyClick(&band, Qt::Key_Tab);
-    EXPECT_FALSE(band.accessibleDescription().contains("09:00")) << "the mark goes with the focus";
+    EXPECT_FALSE(band.accessibleDescription().contains("09:30")) << "the mark goes with the focus";
 }
 
 TEST_F(Band, EveryMinuteIsMergedToColumns) {
@@ -114,10 +127,8 @@ TEST_F(Band, EveryMinuteIsMergedToColumns) {
     for (std::size_t i = 1; i < band.marks().size(); ++i)
         ASSERT_GE(band.markRect(i).left() - band.markRect(i - 1).right(), 0.5) << i;
     const DayMark& first = band.marks().front();
-    const int minutes = first.last - first.first + 1;
-    EXPECT_EQ(tipAt(band.markRect(0).center()).toStdString(),
-              "00:00 to 00:0" + std::to_string(first.last) + " - " + std::to_string(minutes) +
-                  " missed");
+    EXPECT_EQ(tipAt(band.markRect(0).center()),
+              QString("00:00 to 00:0%1 - %2 missed").arg(first.last).arg(first.last + 1));
     const std::size_t before = band.marks().size();
     w.main.resize(2000, 747);
     EXPECT_GT(band.marks().size(), before) << "a wider band tells more minutes apart";
@@ -128,22 +139,58 @@ TEST_F(Band, MarksAreSeenOnLightAndDarkGround) {
     dark.setColor(QPalette::Base, QColor(30, 30, 32));
     for (const QPalette& palette : {QPalette(QColor(239, 239, 239)), dark}) {
         band.setPalette(palette);
-        // taken, then missed, which stands out
-        for (const auto& [mark, height] : {std::pair{0u, 0.6}, std::pair{3u, 0.3}}) {
+        const QImage image = band.grab().toImage();
+        /// Between two places: that height of a mark, and so much beside it.
+        const auto contrastTo = [&](std::size_t mark, double height, const QPointF& beside) {
             const QRectF rect = band.markRect(mark);
             const QPointF place(rect.center().x(), rect.top() + rect.height() * height);
-            const QPointF beside = place + QPointF(12, 0);
-            EXPECT_GE(contrast(colourAt(place), colourAt(beside)), 3) << mark;
-        }
-        const QRectF taken = band.markRect(2); // the first stands on the window's edge
-        const QPointF above(taken.center().x(), taken.top() + taken.height() * 0.3);
-        EXPECT_LT(contrast(colourAt(above), colourAt(above - QPointF(12, 0))), 1.1)
-            << "only what is missed reaches so high";
-        const QRectF fetched = band.markRect(1);
-        EXPECT_GE(contrast(colourAt(fetched.center() + QPointF(0, fetched.height() / 4)),
-                           colourAt(fetched.center() - QPointF(0, fetched.height() / 4))),
-                  3)
-            << "lower half only";
+            return contrast(image.pixelColor(place.toPoint()),
+                            image.pixelColor((place + beside).toPoint()));
+        };
+        EXPECT_GE(contrastTo(0, 0.6, {12, 0}), 3) << "taken";
+        EXPECT_GE(contrastTo(3, 0.3, {12, 0}), 3) << "missed, which stands out";
+        EXPECT_LT(contrastTo(2, 0.3, {-12, 0}), 1.1) << "only what is missed reaches so high";
+        const double half = band.markRect(1).height() / 2;
+        EXPECT_GE(contrastTo(1, 0.75, {0, -half}), 3) << "fetched: the lower half only";
+    }
+}
+
+/// Each on the night's side of its line; on the other where there is no room.
+TEST(DayDrawing, SunriseAndSunsetStandAtTheirTimes) {
+    struct Case {
+        int sunrise, sunset;
+        const char *rising, *setting;
+        bool risingIsLeft, settingIsLeft;
+    };
+    const Case cases[] = {{381, 993, "sunrise 06:21", "sunset 16:33", true, false},
+                          {20, 1420, "sunrise 00:20", "sunset 23:40", false, true}};
+    for (const Case& c : cases) {
+        std::optional<SunDay> sun(std::in_place);
+        sun->sunrise = c.sunrise;
+        sun->sunset = c.sunset;
+        for (int minute = 0; minute < kDayMinutes; ++minute)
+            sun->elevation[static_cast<std::size_t>(minute)] =
+                c.sunrise <= minute && minute < c.sunset ? 30 : -30;
+        const QRect area(0, 0, 1000, 100);
+        const DayLayout layout(area, QFont());
+        const auto draw = [&](QPaintDevice& device) {
+            QPainter painter(&device);
+            DayDrawing(painter, layout, {}).draw({{}, sun, {}, {}, {}, -1, -1});
+        };
+        DrawnTexts texts;
+        draw(texts);
+        ASSERT_TRUE(texts.left.contains(c.rising) && texts.left.contains(c.setting));
+        EXPECT_EQ(texts.left[c.rising] < layout.x(c.sunrise), c.risingIsLeft);
+        EXPECT_EQ(texts.left[c.setting] < layout.x(c.sunset), c.settingIsLeft);
+        QImage image(area.size(), QImage::Format_RGB32);
+        draw(image);
+        const auto blueness = [&](int minute) {
+            const QPointF place(layout.x(minute), layout.sun.bottom() - 8);
+            const QColor colour = image.pixelColor(place.toPoint());
+            return colour.blue() - colour.red();
+        };
+        EXPECT_GT(blueness(c.sunrise - 8), blueness(c.sunrise + 8)) << "night, then day";
+        EXPECT_GT(blueness(c.sunset + 8), blueness(c.sunset - 8)) << "day, then night";
     }
 }
 

@@ -1,19 +1,11 @@
-#include "tests/support/TestPictures.h"
-#include "tests/support/TestWindow.h"
-#include "ui/Dates.h"
+#include "tests/ui/WindowTest.h"
 #include "ui/day/DayView.h"
 #include "ui/day/FilmWindow.h"
-#include "ui/day/FrmCalendar.h"
 #include "ui/day/KeogramWindow.h"
 
 #include <QCalendarWidget>
 #include <QClipboard>
 #include <QComboBox>
-#include <QFileDialog>
-#include <QGuiApplication>
-#include <QLabel>
-#include <QMdiSubWindow>
-#include <QPushButton>
 #include <QTextCharFormat>
 #include <QToolTip>
 
@@ -22,7 +14,7 @@ namespace {
 
 /// The main window at 8:00 of the 15th, with a schedule of a picture every minute from 9 to 10 and
 /// the pictures of three days: the 11th without one, the 13th with a half, the 14th with all.
-class DaysUi : public testing::Test {
+class DaysUi : public WindowTest {
   protected:
     DaysUi() {
         const char* fields[] = {"9", "0", "10", "0", "", "1", "0"};
@@ -30,7 +22,7 @@ class DaysUi : public testing::Test {
             w.panel.Text1[i].text = std::string(fields[i]);
         w.module.image.Delay = 0;
         w.panel.Dir1[0].path = w.dataFolder();
-        std::filesystem::create_directory(w.dataFolder() / "20061111");
+        record("20061111", 0);
         record("20061113", 30);
         record("20061114", 60);
         w.clock.run(2s);
@@ -44,77 +36,83 @@ class DaysUi : public testing::Test {
             writeFile(w.dataFolder() / day / name, encoded(picture));
         }
     }
-    void trigger(const char* action) { w.main.findChild<QAction*>(action)->trigger(); }
-    void turn(const char* action) {
-        trigger(action);
+    void turn(const char* entry) {
+        trigger(entry);
         w.clock.run(1s);
     }
-    QString text() const { return band.accessibleName(); }
+    /// What the band says of its day.
+    std::string day() const { return band.accessibleName().toStdString(); }
     FilmWindow& openFilm() {
-        trigger("mnuDayFilm");
-        w.clock.run(10ms);
-        return *w.main.findChild<FilmWindow*>();
+        turn("mnuDayPrevious");
+        turn("mnuDayFilm");
+        return part<FilmWindow>("frmFilm");
     }
-    template <class Shown>
-    Shown* windowOf() const {
-        return w.main.findChild<Shown*>();
-    }
-    /// The titles of the picture windows that are open.
-    QStringList titles() const {
-        QStringList all;
-        for (const QMdiSubWindow* frame : w.main.findChildren<QMdiSubWindow*>())
-            all << frame->windowTitle();
-        return all;
+    void clickMark(std::size_t index) {
+        QTest::mouseClick(&band, Qt::LeftButton, {}, band.markRect(index).center().toPoint());
     }
 
-    JumpingClock clock{at(2006, 11, 15)};
-    FakeOperator op{clock};
-    Window w{op};
-    DayView& band = *w.main.findChild<DayView*>();
+    DayView& band = part<DayView>("dayView");
 };
 
 TEST_F(DaysUi, KeysAndButtonsTurnTheDays) {
-    EXPECT_TRUE(text().startsWith("Today: "));
-    EXPECT_FALSE(find<QWidget>(w.main, "cmd_day_next").isEnabled());
-    turn("mnuDayPrevious");
-    EXPECT_EQ(text(), "2006/11/14: taken 60 of 60");
-    click(band, "cmd_day_previous");
-    w.clock.run(1s);
-    EXPECT_EQ(text(), "2006/11/13: taken 30 of 60, 30 missed");
-    turn("mnuDayPrevious");
-    turn("mnuDayPrevious");
-    EXPECT_EQ(text(), "2006/11/11: taken 0 of 60, 60 missed");
-    EXPECT_FALSE(find<QWidget>(w.main, "cmd_day_previous").isEnabled()) << "the archive's first";
-    EXPECT_FALSE(w.main.findChild<QAction*>("mnuDayPrevious")->isEnabled());
-    turn("mnuDayNext");
-    EXPECT_EQ(text(), "2006/11/12: taken 0 of 60, 60 missed");
-    click(band, "cmd_day_today");
-    w.clock.run(1s);
-    EXPECT_TRUE(text().startsWith("Today: "));
+    const std::string first = "2006/11/11: taken 0 of 60, 60 missed";
+    struct Turn {
+        Qt::Key key; ///< with Alt; or a button
+        const char* button;
+        std::string day;
+    };
+    const Turn turns[] = {{Qt::Key_PageUp, "", "2006/11/14: taken 60 of 60"},
+                          {{}, "cmd_day_previous", "2006/11/13: taken 30 of 60, 30 missed"},
+                          {Qt::Key_PageUp, "", "2006/11/12: taken 0 of 60, 60 missed"},
+                          {Qt::Key_PageUp, "", first},
+                          {{}, "cmd_day_next", "2006/11/12: taken 0 of 60, 60 missed"},
+                          {Qt::Key_PageDown, "", "2006/11/13: taken 30 of 60, 30 missed"},
+                          {{}, "cmd_day_today", "Today: "},
+                          {Qt::Key_PageUp, "", "2006/11/14: taken 60 of 60"},
+                          {Qt::Key_Home, "", "Today: "}};
+    for (const auto& [key, button, expected] : turns) {
+        if (*button != '\0') {
+            click(w.main, button);
+        } else {
+            QTest::keyClick(&w.main, key, Qt::AltModifier);
+        }
+        w.clock.run(1s);
+        EXPECT_TRUE(day().starts_with(expected)) << day();
+        const bool isToday = expected == "Today: ";
+        const std::tuple<const char*, const char*, bool> states[] = {
+            {"mnuDayPrevious", "cmd_day_previous", expected != first},
+            {"mnuDayNext", "cmd_day_next", !isToday},
+            {"mnuDayToday", "cmd_day_today", !isToday}};
+        for (const auto& [entry, control, on] : states) {
+            EXPECT_EQ(action(entry).isEnabled(), on) << entry << " at " << expected;
+            EXPECT_EQ(isOn(control), on) << control << " at " << expected;
+        }
+    }
 }
 
 TEST_F(DaysUi, AMarkOpensItsPicture) {
     turn("mnuDayPrevious");
-    QTest::mouseClick(&band, Qt::LeftButton, {}, band.markRect(5).center().toPoint());
-    ASSERT_EQ(titles().size(), 1);
-    EXPECT_TRUE(titles()[0].startsWith("14 Nov 2006 09:"));
+    clickMark(5);
+    EXPECT_TRUE(titles().starts_with("14 Nov 2006 09:")) << titles();
     band.setFocus();
     QTest::keyClick(&band, Qt::Key_Home);
     QTest::keyClick(&band, Qt::Key_Return);
-    EXPECT_TRUE(titles().contains("14 Nov 2006 09:00"));
-
+    EXPECT_TRUE(has(titles(), ", 14 Nov 2006 09:00"));
+    const std::string opened = titles();
     turn("mnuDayPrevious");
-    QTest::mouseClick(&band, Qt::LeftButton, {},
-                      band.markRect(band.marks().size() - 1).center().toPoint());
-    EXPECT_EQ(titles().size(), 2) << "there is none";
+    clickMark(band.marks().size() - 1);
+    EXPECT_EQ(titles(), opened) << "there is none";
     EXPECT_TRUE(QToolTip::text().contains("missed")) << "but the reason is told";
 }
 
 TEST_F(DaysUi, TheFilmKeepsItsTimeAndTheBandIsItsSlider) {
-    turn("mnuDayPrevious");
     FilmWindow& film = openFilm();
-    const auto& where = find<QLabel>(film, "lbl_film");
-    EXPECT_EQ(where.text(), "09:00   1 of 60");
+    auto& picture = find<QWidget>(film, "picture");
+    const auto where = [&] {
+        w.clock.run(100ms);
+        return textOf(film, "lbl_film");
+    };
+    EXPECT_EQ(where(), "09:00   1 of 60");
     click(film, "cmd_film_play");
     w.clock.run(1s);
     EXPECT_EQ(film.player().index(), 25) << "25 pictures a second";
@@ -123,46 +121,49 @@ TEST_F(DaysUi, TheFilmKeepsItsTimeAndTheBandIsItsSlider) {
     EXPECT_EQ(film.player().index(), 30);
     QTest::keyClick(&film, Qt::Key_Space);
     w.clock.run(1s);
-    EXPECT_EQ(where.text(), "09:30   31 of 60") << "paused";
-
+    EXPECT_EQ(where(), "09:30   31 of 60") << "paused";
     click(film, "cmd_film_forward");
-    QTest::keyClick(&find<QWidget>(film, "picture"), Qt::Key_PageDown);
-    QTest::keyClick(&find<QWidget>(film, "picture"), Qt::Key_Right);
+    QTest::keyClick(&picture, Qt::Key_PageDown);
+    QTest::keyClick(&picture, Qt::Key_Right);
     click(film, "cmd_film_back");
-    w.clock.run(100ms);
-    EXPECT_EQ(where.text(), "09:32   33 of 60");
-
-    const QPointF quarter = band.markRect(0).center();
-    QTest::mousePress(&band, Qt::LeftButton, {}, quarter.toPoint());
+    EXPECT_EQ(where(), "09:32   33 of 60");
+    const std::pair<Qt::Key, const char*> keys[] = {{Qt::Key_Left, "09:31   32 of 60"},
+                                                    {Qt::Key_End, "09:59   60 of 60"},
+                                                    {Qt::Key_Home, "09:00   1 of 60"}};
+    for (const auto& [key, place] : keys) {
+        QTest::keyClick(&film, key);
+        EXPECT_EQ(where(), place);
+    }
+    const QPoint begin = band.markRect(0).center().toPoint();
+    QTest::mousePress(&band, Qt::LeftButton, {}, begin);
     for (int x = 1; x <= 20; ++x) // faster than any picture comes
-        QTest::mouseMove(&band, quarter.toPoint() + QPoint(x, 0));
+        QTest::mouseMove(&band, begin + QPoint(x, 0));
     w.clock.run(100ms);
-    EXPECT_EQ(titles().size(), 1) << "no picture opens";
-    const int there = film.player().index();
-    EXPECT_GT(there, 10);
-    QTest::mouseMove(&band, quarter.toPoint() + QPoint(400, 0));
-    QTest::mouseRelease(&band, Qt::LeftButton, {}, quarter.toPoint() + QPoint(400, 0));
-    w.clock.run(100ms);
-    EXPECT_EQ(where.text(), "09:59   60 of 60") << "behind the last one";
-
+    EXPECT_EQ(titles(), "Film of 14 Nov 2006") << "no picture opens";
+    EXPECT_GT(film.player().index(), 10);
+    QTest::mouseMove(&band, begin + QPoint(400, 0));
+    QTest::mouseRelease(&band, Qt::LeftButton, {}, begin + QPoint(400, 0));
+    EXPECT_EQ(where(), "09:59   60 of 60") << "behind the last one";
     click(film, "cmd_film_play");
     w.clock.run(20s);
     EXPECT_EQ(film.player().index(), 59) << "from the beginning to the end";
     EXPECT_FALSE(film.player().isPlaying());
+    click(film, "cmd_film_save");
+    EXPECT_TRUE(part("frmFilmFile").isVisible());
 }
 
 TEST_F(DaysUi, TheFilmGoesWithTheDay) {
-    turn("mnuDayPrevious");
     FilmWindow& film = openFilm();
     film.player().play();
-    w.clock.run(500ms);
     turn("mnuDayPrevious");
     EXPECT_EQ(film.player().count(), 30);
-    EXPECT_EQ(film.windowTitle(), "Film of 13 Nov 2006");
+    EXPECT_EQ(titles(), "Film of 13 Nov 2006");
     EXPECT_FALSE(film.player().isPlaying());
     turn("mnuDayPrevious");
     EXPECT_EQ(film.player().count(), 0);
-    EXPECT_FALSE(find<QWidget>(film, "cmd_film_play").isEnabled());
+    for (const char* button : {"back", "play", "forward", "save"})
+        EXPECT_FALSE(isOn((std::string("cmd_film_") + button).c_str())) << button;
+    EXPECT_EQ(textOf(film, "lbl_film"), "");
     turn("mnuDayNext");
     w.clock.run(1s);
     EXPECT_EQ(film.player().index(), 0);
@@ -176,46 +177,53 @@ TEST_F(DaysUi, TheFilmGoesWithTheDay) {
     film.player().play();
     w.clock.run(50ms);
     film.parentWidget()->close();
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    clearAway();
     w.clock.run(1s);
-    EXPECT_EQ(windowOf<FilmWindow>(), nullptr);
-    QTest::mouseClick(&band, Qt::LeftButton, {}, band.markRect(0).center().toPoint());
-    EXPECT_EQ(titles().size(), 1) << "marks open their pictures again";
+    EXPECT_EQ(titles(), "");
+    clickMark(0);
+    EXPECT_TRUE(has(titles(), "13 Nov 2006 09:")) << "marks open their pictures again";
 }
 
-TEST_F(DaysUi, TheKeogramIsShownCopiedAndOpensPictures) {
+TEST_F(DaysUi, TheKeogramIsShownCopiedSavedAndOpensPictures) {
     turn("mnuDayPrevious");
-    trigger("mnuDayKeogram");
+    turn("mnuDayKeogram");
     w.clock.run(3s);
-    auto& window = *windowOf<KeogramWindow>();
-    auto& view = *window.findChild<KeogramView*>();
-    EXPECT_EQ(window.windowTitle(), "Keogram of 14 Nov 2006");
+    auto& view = part<KeogramView>("keogram");
+    EXPECT_EQ(titles(), "Keogram of 14 Nov 2006");
     ASSERT_EQ(view.image().size(), QSize(1440, 240));
     for (const int minute : {0, 20, 59}) // the pictures grow redder by the minute
         EXPECT_NEAR(qRed(view.image().pixel(540 + minute, 120)), 4 * minute, 8);
     EXPECT_EQ(view.image().pixel(600, 120), Keograms::kGap);
-
-    click(window, "cmd_keogram_copy");
+    click(w.main, "cmd_keogram_copy");
     EXPECT_EQ(QGuiApplication::clipboard()->image().size(), view.image().size());
+    for (const char* name : {"saved.png", "saved.jpg"}) {
+        click(w.main, "cmd_keogram_save");
+        const FileQuestion asked = answer({w.folder.path() / name});
+        EXPECT_EQ(asked.title, "Save Keogram");
+        EXPECT_EQ(asked.name, "keogram-20061114.png");
+        EXPECT_EQ(QImage(toQString(w.folder.path() / name)).size(), view.image().size());
+    }
+    click(w.main, "cmd_keogram_save");
+    emit fileDialog()->fileSelected(toQString(w.folder.path() / "gone" / "saved.png"));
+    ASSERT_NE(openBox(), nullptr);
+    EXPECT_TRUE(openBox()->text().startsWith("The keogram was not saved."));
+    openBox()->close();
+    answer({});
 
     int x = 0;
     while (view.minuteAt(QPointF(x, 60)).value_or(0) < 9 * 60 + 30)
         ++x;
     QTest::mouseClick(&view, Qt::LeftButton, {}, {x, 60});
-    EXPECT_TRUE(titles().filter("14 Nov 2006 09:3").size() == 1)
-        << titles().join(' ').toStdString();
+    EXPECT_TRUE(has(titles(), ", 14 Nov 2006 09:3"));
     view.setFocus();
-    QTest::keyClick(&view, Qt::Key_Right);
+    for (const auto& [key, minute] :
+         {std::pair(Qt::Key_Right, "0900"), std::pair(Qt::Key_Right, "0901"),
+          std::pair(Qt::Key_Left, "0900")}) {
+        QTest::keyClick(&view, key);
+        EXPECT_TRUE(has(QToolTip::text().toStdString(), minute));
+    }
     QTest::keyClick(&view, Qt::Key_Return);
-    EXPECT_TRUE(titles().contains("14 Nov 2006 09:00"));
-
-    click(window, "cmd_keogram_save");
-    auto* dialog = window.findChild<QFileDialog*>();
-    ASSERT_NE(dialog, nullptr);
-    const auto saved = w.folder.path() / "saved.png";
-    emit dialog->fileSelected(QString::fromStdString(saved.string()));
-    EXPECT_EQ(QImage(QString::fromStdString(saved.string())).size(), view.image().size());
-    dialog->close();
+    EXPECT_TRUE(has(titles(), ", 14 Nov 2006 09:00"));
 }
 
 TEST_F(DaysUi, TheBandShowsTheKeogramWhenItIsSwitchedOn) {
@@ -225,7 +233,7 @@ TEST_F(DaysUi, TheBandShowsTheKeogramWhenItIsSwitchedOn) {
         return band.grab().toImage().pixelColor(QPoint(static_cast<int>(mark.x()), 45));
     };
     const QColor before = colour();
-    trigger("mnuDayKeogramBand");
+    QTest::keyClick(&w.main, Qt::Key_G, Qt::ControlModifier | Qt::ShiftModifier);
     w.clock.run(3s);
     EXPECT_NEAR(colour().green(), 128, 12);
     EXPECT_NE(colour(), before);
@@ -239,36 +247,36 @@ TEST_F(DaysUi, TheBandShowsTheKeogramWhenItIsSwitchedOn) {
 
 TEST_F(DaysUi, TheCalendarColoursDaysAndTurnsToThem) {
     click(band, "cmd_day");
-    auto& form = *windowOf<FrmCalendar>();
+    auto& form = part<QDialog>("frmCalendar");
     auto& calendar = *form.findChild<QCalendarWidget*>();
-    ASSERT_TRUE(form.isVisible());
     w.clock.run(1s);
-    const auto tip = [&](int day) { return calendar.dateTextFormat({2006, 11, day}).toolTip(); };
-    const auto ground = [&](int day) {
-        return calendar.dateTextFormat({2006, 11, day}).background().color();
-    };
-    EXPECT_EQ(tip(14), "2006/11/14: taken 60 of 60");
-    EXPECT_EQ(tip(13), "2006/11/13: taken 30 of 60, 30 missed");
-    EXPECT_EQ(tip(12), "2006/11/12: taken 0 of 60, 60 missed");
-    EXPECT_EQ(tip(10), "") << "before the archive";
-    EXPECT_EQ(tip(16), "") << "not yet";
-    EXPECT_NE(ground(14), ground(13));
-    EXPECT_NE(ground(13), ground(12));
+    const std::pair<int, const char*> tips[] = {{10, ""}, // before the archive
+                                                {12, "2006/11/12: taken 0 of 60, 60 missed"},
+                                                {13, "2006/11/13: taken 30 of 60, 30 missed"},
+                                                {14, "2006/11/14: taken 60 of 60"},
+                                                {16, ""}}; // not yet
+    const auto format = [&](int day) { return calendar.dateTextFormat({2006, 11, day}); };
+    for (const auto& [day, tip] : tips)
+        EXPECT_EQ(format(day).toolTip(), tip) << day;
     for (const auto& [a, b] : {std::pair{14, 13}, std::pair{13, 12}, std::pair{14, 12}})
-        EXPECT_GT(std::abs(qGray(ground(a).rgb()) - qGray(ground(b).rgb())), 25)
+        EXPECT_GT(std::abs(qGray(format(a).background().color().rgb()) -
+                           qGray(format(b).background().color().rgb())),
+                  25)
             << "told apart without colours";
 
     emit calendar.clicked({2006, 11, 13});
     w.clock.run(1s);
-    EXPECT_EQ(text(), "2006/11/13: taken 30 of 60, 30 missed");
+    EXPECT_EQ(day(), "2006/11/13: taken 30 of 60, 30 missed");
+    EXPECT_EQ(text("lbl_calendar"), day());
     EXPECT_TRUE(form.isVisible()) << "one day after the other can be looked at";
     EXPECT_EQ(calendar.selectedDate(), QDate(2006, 11, 13));
     turn("mnuDayNext");
     EXPECT_EQ(calendar.selectedDate(), QDate(2006, 11, 14)) << "it follows the band";
     click(form, "cmd_calendar_today");
-    EXPECT_TRUE(text().startsWith("Today: "));
+    EXPECT_TRUE(day().starts_with("Today: "));
     EXPECT_EQ(calendar.minimumDate(), QDate(2006, 11, 11));
-    form.close();
+    click(form, "cmdClose");
+    EXPECT_FALSE(form.isVisible());
 }
 
 } // namespace

@@ -1,84 +1,41 @@
-#include "tests/support/TestWindow.h"
+#include "tests/ui/WindowTest.h"
 #include "ui/dialogs/FrmComPort.h"
 #include "ui/dialogs/FrmTKRTimeAuto.h"
 
-#include <QLabel>
-#include <QMenuBar>
 #include <QProgressBar>
-#include <QPushButton>
 #include <QRadioButton>
 
 namespace orvane::test {
 namespace {
 
-class TrackerUi : public testing::Test {
+class TrackerUi : public WindowTest {
   protected:
-    ~TrackerUi() override { QApplication::setPalette(QPalette()); }
-
-    void trigger(const char* name) { w.main.findChild<QAction*>(name)->trigger(); }
-    QDialog& dialog(const char* name) { return find<QDialog>(w.main, name); }
-    /// A radio button reacts on its circle and text only.
-    void choose(const char* name) {
-        QTest::mouseClick(&find<QRadioButton>(w.main, name), Qt::LeftButton, {}, QPoint(8, 8));
-    }
-    QColor colour(const char* label) {
-        return find<QLabel>(w.main, label).palette().color(QPalette::WindowText);
-    }
-    static std::string focusOf(const QDialog& form) {
-        return form.focusWidget() == nullptr ? "" : form.focusWidget()->objectName().toStdString();
+    QColor colour(const char* label) const {
+        return part<QLabel>(label).palette().color(QPalette::WindowText);
     }
     /// The ways in which an operator can dismiss a dialog without its buttons.
     static void dismiss(QDialog& form) {
         QTest::keyClick(&form, Qt::Key_Escape);
         form.close();
     }
-
-    JumpingClock clock{at(2006, 11, 15)};
-    FakeOperator op{clock};
-    Window w{op};
 };
 
-TEST_F(TrackerUi, ToolsNeedAnIdleStation) {
-    QStringList menus;
-    for (const QAction* menu : w.main.menuBar()->actions())
-        menus << menu->text().remove('&');
-    EXPECT_EQ(menus.indexOf("Tools"), menus.indexOf("File") + 1);
-    trigger("mnuCOMSelect");
-    for (const bool busy : {true, false}) {
-        std::optional<Busy::Hold> hold;
-        if (busy) hold.emplace(w.busy);
-        for (const char* name : {"mnuCOMSelect", "mnuTKRTimeSetAuto", "mnuTKROption"})
-            EXPECT_EQ(w.main.findChild<QAction*>(name)->isEnabled(), !busy) << name;
-        EXPECT_EQ(find<QWidget>(dialog("FrmComPort"), "Command1").isEnabled(), !busy)
-            << "a trial would close the port under a running exchange";
-    }
-}
-
-TEST_F(TrackerUi, PortsThatAreNotThereAreMarkedEachTime) {
-    for (const int missing : {3, 0}) {
-        w.port.missing = missing;
-        trigger("mnuCOMSelect");
-        QDialog& form = dialog("FrmComPort");
-        EXPECT_EQ(find<QRadioButton>(form, "Option1_2").text().remove('&'),
-                  missing == 3 ? "COM3 (not there)" : "COM3");
-        EXPECT_TRUE(find<QRadioButton>(form, "Option1_2").isEnabled());
-        EXPECT_EQ(find<QRadioButton>(form, "Option1_3").text().remove('&'), "COM4");
-        dismiss(form);
-    }
-}
-
-TEST_F(TrackerUi, StoredPortIsSelected) {
+TEST_F(TrackerUi, TheStoredPortIsSelectedAndWhatIsMissingIsMarked) {
     const std::tuple<const char*, int, const char*> cases[] = {
         {"3", 2, "Option1_2"}, {"1", 0, "Option1_0"}, {"7", -1, "Command1"}, {"4", 3, "Option1_3"}};
-    for (const auto& [stored, index, focused] : cases) {
+    for (const auto& [stored, selected, focused] : cases) {
+        SCOPED_TRACE(stored);
         w.store.values["Communication/Port"] = stored;
-        trigger("mnuCOMSelect");
-        QDialog& form = dialog("FrmComPort");
+        w.port.missing = selected + 1;
+        QDialog& form = open("mnuCOMSelect", "FrmComPort");
         EXPECT_EQ(form.windowModality(), Qt::WindowModal);
         EXPECT_EQ(focusOf(form), focused);
         for (int i = 0; i < 4; ++i) {
-            const auto name = "Option1_" + std::to_string(i);
-            EXPECT_EQ(find<QRadioButton>(form, name.c_str()).isChecked(), i == index) << stored;
+            auto& option = find<QRadioButton>(form, ("Option1_" + std::to_string(i)).c_str());
+            EXPECT_EQ(option.isChecked(), i == selected);
+            EXPECT_EQ(option.text().remove('&'),
+                      QString("COM%1%2").arg(i + 1).arg(i == selected ? " (not there)" : ""));
+            EXPECT_TRUE(option.isEnabled());
         }
         dismiss(form);
         EXPECT_FALSE(form.isVisible());
@@ -86,11 +43,10 @@ TEST_F(TrackerUi, StoredPortIsSelected) {
     EXPECT_EQ(w.port.opened, 0);
 }
 
-TEST_F(TrackerUi, PortThatCannotBeOpenedKeepsTheDialog) {
+TEST_F(TrackerUi, APortThatCannotBeOpenedKeepsTheDialog) {
     w.port.openable = false;
-    trigger("mnuCOMSelect");
-    QDialog& form = dialog("FrmComPort");
-    choose("Option1_2");
+    QDialog& form = open("mnuCOMSelect", "FrmComPort");
+    tick(form, "Option1_2");
     click(form, "Command1");
     w.clock.run(2s);
     EXPECT_TRUE(form.isVisible());
@@ -99,81 +55,69 @@ TEST_F(TrackerUi, PortThatCannotBeOpenedKeepsTheDialog) {
     w.port.openable = true;
     click(form, "Command1");
     EXPECT_FALSE(form.isVisible());
-    EXPECT_EQ(w.store.values["Communication/Port"], "3");
     trigger("mnuCOMSelect");
-    choose("Option1_0");
+    tick(form, "Option1_0");
     click(form, "Command2");
     EXPECT_FALSE(form.isVisible());
     EXPECT_EQ(w.store.values["Communication/Port"], "3");
-}
 
-TEST_F(TrackerUi, TrialMayOutliveTheDialog) {
     w.port.openable = false;
-    auto form = std::make_unique<FrmComPort>(w.portSelection, w.tasks);
-    show(*form);
-    click(*form, "Command1");
+    auto brief = std::make_unique<FrmComPort>(w.portSelection, w.tasks);
+    show(*brief);
+    click(*brief, "Command1");
     EXPECT_EQ(w.tasks.running(), 1u);
-    form.reset();
+    brief.reset();
     w.clock.run(2s);
-    EXPECT_EQ(w.tasks.running(), 0u);
+    EXPECT_EQ(w.tasks.running(), 0u) << "a trial may outlive its dialog";
 }
 
-TEST_F(TrackerUi, OptionsAreLockedWhileRead) {
-    trigger("mnuTKROption");
-    QDialog& form = dialog("frmOption");
-    const char* const controls[] = {"txt_sn",  "txt_tz",   "txt_lon", "txt_lat",
-                                    "txt_org", "Command1", "Command2"};
-    for (const char* name : controls)
-        EXPECT_FALSE(find<QWidget>(form, name).isEnabled()) << name;
-    EXPECT_TRUE(find<QProgressBar>(form, "busy").isVisible());
-    dismiss(form);
-    ASSERT_TRUE(form.isVisible());
-
+TEST_F(TrackerUi, OptionsAreReadShownAndSentAsTyped) {
+    QDialog& form = open("mnuTKROption", "frmOption");
+    const std::tuple<const char*, const char*, const char*, Value<std::string>*> fields[] = {
+        {"txt_sn", "ST-042", "", &w.optionForm.txt_sn.text},
+        {"txt_tz", "540", "-60", &w.optionForm.txt_tz.text},
+        {"txt_lon", "139.75", "-0.5", &w.optionForm.txt_lon.text},
+        {"txt_org", "359.99", "12", &w.optionForm.txt_org.text},
+        {"txt_lat", "35.50", "51.5", &w.optionForm.txt_lat.text}};
+    const auto expectLocked = [&](bool locked) {
+        for (const auto& field : fields)
+            EXPECT_EQ(find<QWidget>(form, std::get<0>(field)).isEnabled(), !locked);
+        for (const char* button : {"Command1", "Command2"})
+            EXPECT_EQ(find<QWidget>(form, button).isEnabled(), !locked) << button;
+        EXPECT_EQ(find<QWidget>(form, "busy").isVisible(), locked);
+        if (locked) dismiss(form);
+        EXPECT_TRUE(form.isVisible());
+    };
+    expectLocked(true);
     w.clock.run(2s);
-    for (const char* name : controls)
-        EXPECT_TRUE(find<QWidget>(form, name).isEnabled()) << name;
-    EXPECT_FALSE(find<QProgressBar>(form, "busy").isVisible());
-    EXPECT_EQ(find<QLabel>(form, "status").text(),
+    expectLocked(false);
+    EXPECT_EQ(focusOf(form), "txt_sn");
+    EXPECT_EQ(textOf(form, "status"),
               "Read from the tracker. Latitude changed: 35.738 to 35.5. Longitude changed: 139.315 "
               "to 139.75.");
-    EXPECT_EQ(find<QLabel>(form, "lbl_hours").text(), "= 9 h");
-    const std::pair<const char*, const char*> values[] = {{"txt_sn", "ST-042"},
-                                                          {"txt_tz", "540"},
-                                                          {"txt_lon", "139.75"},
-                                                          {"txt_lat", "35.50"},
-                                                          {"txt_org", "359.99"}};
-    for (const auto& [name, text] : values)
-        EXPECT_EQ(find<QLineEdit>(form, name).text(), text) << name;
+    EXPECT_EQ(textOf(form, "lbl_hours"), "= 9 h");
+    for (const auto& [name, read, typed, value] : fields) {
+        EXPECT_EQ(find<QLineEdit>(form, name).text(), read) << name;
+        type(find<QLineEdit>(form, name), typed);
+        EXPECT_EQ(value->get(), *typed == '\0' ? read : typed) << name;
+    }
+    EXPECT_EQ(textOf(form, "lbl_hours"), "= -1 h");
+    w.port.written.clear();
+    QTest::keyClick(&find<QLineEdit>(form, "txt_lat"), Qt::Key_Return);
+    expectLocked(true);
+    w.clock.run(2s);
+    EXPECT_EQ(w.module.site, (SiteValues{51.5, -0.5, -60}));
+    EXPECT_FALSE(w.port.written.empty());
+    EXPECT_EQ(focusOf(form), "txt_lat") << "where the operator was";
+    type(find<QLineEdit>(form, "txt_sn"), QString(40, 'x'));
+    EXPECT_EQ(w.optionForm.txt_sn.text.get(), std::string(32, 'x'));
     dismiss(form);
     EXPECT_FALSE(form.isVisible());
 }
 
-TEST_F(TrackerUi, OptionsAreSentAsTyped) {
-    trigger("mnuTKROption");
-    QDialog& form = dialog("frmOption");
-    w.clock.run(2s);
-    EXPECT_EQ(focusOf(form), "txt_sn");
-    type(find<QLineEdit>(form, "txt_sn"), QString(40, 'x'));
-    EXPECT_EQ(w.optionForm.txt_sn.text.get(), std::string(32, 'x'));
-    type(find<QLineEdit>(form, "txt_tz"), "-60");
-    EXPECT_EQ(find<QLabel>(form, "lbl_hours").text(), "= -1 h");
-    type(find<QLineEdit>(form, "txt_lon"), "-0.5");
-    type(find<QLineEdit>(form, "txt_lat"), "51.5");
-    w.port.written.clear();
-    QTest::keyClick(&find<QLineEdit>(form, "txt_lat"), Qt::Key_Return);
-    EXPECT_FALSE(find<QWidget>(form, "Command2").isEnabled());
-    w.clock.run(2s);
-    EXPECT_EQ(w.module.site.Tz, -60);
-    EXPECT_EQ(w.module.site.longitude, -0.5);
-    EXPECT_EQ(w.module.site.latitude, 51.5);
-    EXPECT_FALSE(w.port.written.empty());
-    EXPECT_EQ(focusOf(form), "txt_lat") << "where the operator was";
-    EXPECT_TRUE(form.isVisible());
-}
-
-TEST_F(TrackerUi, ClockDialogFollowsItsProcedures) {
-    trigger("mnuTKRTimeSetAuto");
-    QDialog& form = dialog("FrmTKRTimeAuto");
+TEST_F(TrackerUi, TheClockDialogFollowsItsProcedures) {
+    const QColor blue(0, 0, 255);
+    QDialog& form = open("mnuTKRTimeSetAuto", "FrmTKRTimeAuto");
     EXPECT_FALSE(form.isModal());
     const auto& query = find<QLineEdit>(form, "txtSystemQuery");
     EXPECT_TRUE(query.isReadOnly());
@@ -183,39 +127,32 @@ TEST_F(TrackerUi, ClockDialogFollowsItsProcedures) {
     dismiss(form);
     EXPECT_TRUE(form.isVisible());
     w.clock.run(7s);
-    EXPECT_EQ(find<QLabel>(form, "Label2_0").text(), "カメラ時刻校正:2006/11/15 08:00:00");
-    EXPECT_EQ(colour("Label2_0"), QColor(0, 0, 255));
-    EXPECT_NE(colour("Label2_1"), QColor(0, 0, 255));
+    EXPECT_EQ(textOf(form, "Label2_0"), "カメラ時刻校正:2006/11/15 08:00:00");
+    EXPECT_EQ(colour("Label2_0"), blue);
+    EXPECT_NE(colour("Label2_1"), blue);
     EXPECT_FALSE(find<QWidget>(form, "Command1").isEnabled());
     EXPECT_TRUE(find<QProgressBar>(form, "busy").isVisible());
     w.clock.run(3s);
     EXPECT_FALSE(find<QProgressBar>(form, "busy").isVisible());
     EXPECT_EQ(focusOf(form), "Command3");
+    {
+        const DarkDesktop desktop;
+        EXPECT_GT(colour("Label2_0").lightness(), 160);
+        EXPECT_GT(colour("Label2_0").blue(), colour("Label2_0").red());
+        EXPECT_EQ(colour("Label2_1"), QApplication::palette().color(QPalette::WindowText));
+    }
+    EXPECT_EQ(colour("Label2_0"), blue);
 
     click(form, "Command1");
     EXPECT_FALSE(find<QWidget>(form, "Command3").isEnabled());
     w.clock.run(2s);
-    EXPECT_EQ(colour("Label2_1"), QColor(0, 0, 255));
+    EXPECT_EQ(colour("Label2_1"), blue);
     EXPECT_EQ(w.wbSystemTm.urls.size(), 2u) << "the camera is set once, by opening";
     click(form, "Command3");
     EXPECT_FALSE(form.isVisible());
 }
 
-TEST_F(TrackerUi, OutcomesAreReadableOnDark) {
-    FrmTKRTimeAuto& form = *w.main.timeDialog();
-    show(form);
-    w.clock.run(12s);
-    QApplication::setPalette(QPalette(QColor(50, 50, 50), QColor(40, 40, 40)));
-    QCoreApplication::sendPostedEvents();
-    EXPECT_GT(colour("Label2_0").lightness(), 160);
-    EXPECT_GT(colour("Label2_0").blue(), colour("Label2_0").red());
-    EXPECT_EQ(colour("Label2_1"), QApplication::palette().color(QPalette::WindowText));
-    QApplication::setPalette(QPalette());
-    QCoreApplication::sendPostedEvents();
-    EXPECT_EQ(colour("Label2_0"), QColor(0, 0, 255));
-}
-
-TEST_F(TrackerUi, DailyRunTakesNoFocusAndStartsNothing) {
+TEST_F(TrackerUi, TheDailyRunTakesNoFocusAndStartsNothing) {
     FrmTKRTimeAuto& form = *w.main.timeDialog();
     form.openAutomatic();
     EXPECT_TRUE(form.isVisible());
@@ -225,8 +162,7 @@ TEST_F(TrackerUi, DailyRunTakesNoFocusAndStartsNothing) {
     form.unload();
     EXPECT_FALSE(form.isVisible());
 
-    trigger("mnuTKRTimeSetAuto");
-    EXPECT_EQ(&dialog("FrmTKRTimeAuto"), &form) << "one dialog for both";
+    EXPECT_EQ(&open("mnuTKRTimeSetAuto", "FrmTKRTimeAuto"), &form) << "one dialog for both";
     ASSERT_TRUE(QTest::qWaitForWindowActive(&form));
     EXPECT_EQ(w.tasks.running(), 1u);
     form.openAutomatic();
