@@ -1,7 +1,7 @@
 #include "tests/ui/WindowTest.h"
 #include "ui/dialogs/QtOperator.h"
 
-#include <QMenu>
+#include <QMenuBar>
 
 #include <set>
 
@@ -100,6 +100,7 @@ TEST_F(MenuUi, KeysLeadToThePages) {
 }
 
 TEST_F(MenuUi, EntriesFollowWhatTheStationDoes) {
+    EXPECT_EQ(w.main.menuBar()->actions()[1], part<QMenu>("mnuTools").menuAction()) << "after File";
     trigger("mnuCOMSelect");
     const std::set<std::string> idle = usable();
     {

@@ -1,4 +1,5 @@
 #include "core/StartUp.h"
+#include "tests/support/FakeCameraStore.h"
 #include "tests/ui/WindowTest.h"
 #include "ui/panel/FolderView.h"
 
@@ -334,28 +335,58 @@ TEST_F(PanelUi, TheDataFolderIsTheOneThatIsChosen) {
     EXPECT_TRUE(w.store.values["DataPath/PathDataFile"].ends_with("sky"));
 }
 
+TEST_F(PanelUi, ADownloadShowsItsProgress) {
+    FakeCameraStore camera;
+    camera.record("20061115", 7, 8);
+    camera.perPage = 60;
+    w.browser1.answer = [&](const std::string& url) { return camera.search(url); };
+    w.http.answer = [&](const std::string& url) { return camera.picture(url); };
+    showPage(1);
+    const auto& bar = part<QProgressBar>("pgb_run");
+    EXPECT_FALSE(bar.isVisible());
+    click(w.main, "Command4");
+    EXPECT_TRUE(bar.isVisible());
+    EXPECT_EQ(bar.maximum(), 0) << "nobody knows how much there is";
+    EXPECT_FALSE(action("mnuFileOpen").isEnabled());
+    w.clock.run(600ms);
+    EXPECT_EQ(bar.maximum(), 30) << "half an hour's";
+    EXPECT_GT(bar.value(), 5);
+    EXPECT_EQ(text("lbl_dlcnt"), std::to_string(bar.value()));
+    click(w.main, "Command6");
+    w.clock.run(200ms);
+    EXPECT_FALSE(bar.isVisible());
+    EXPECT_TRUE(action("mnuFileOpen").isEnabled());
+}
+
 TEST_F(PanelUi, FilesAreFoundAndOpened) {
     showPage(2);
     for (int i = 0; i < 30; ++i)
         writeFile(w.dataFolder() / ("sky" + std::to_string(i) + ".jpg"), "");
+    writeFile(w.dataFolder() / "Sky.jpg", "another case");
+    std::filesystem::create_directory(w.dataFolder() / "sky1 folder");
     auto& list = part<QListWidget>("lst_found");
-    const std::tuple<const char*, int, const char*> cases[] = {
-        {"sky1", 11, "11 files."},
-        {"nothing of this name", 0, "No file has this in its name."},
-        {"sky", 24, "The first 24 files."}};
-    for (const auto& [name, listed, told] : cases) {
+    const std::tuple<const char*, int, int, const char*> cases[] = {
+        {"sky1", 11, 12, "11 files."}, // 1 and 10 to 19
+        {"Sky", 1, 2, "1 file."},
+        {"nothing of this name", 0, 1, "No file has this in its name. Try less of it."},
+        {"sky", 24, 25, "The first 24 files."}};
+    const auto look = [&](const char* name, int listed, int count, const char* told) {
         type(part<QLineEdit>("txt_find"), name);
         QTest::keyClick(&part("txt_find"), Qt::Key_Return);
         EXPECT_EQ(list.count(), listed) << name;
-        EXPECT_TRUE(has(text("lbl_found"), told));
-    }
+        EXPECT_EQ(w.module.foundCount, count) << name;
+        EXPECT_EQ(text("lbl_found"), told);
+    };
+    for (const auto& [name, listed, count, told] : cases)
+        look(name, listed, count, told);
+    EXPECT_TRUE(w.module.foundImages[0].empty());
     list.setFocus();
     list.setCurrentRow(3);
     QTest::keyClick(&list, Qt::Key_Return);
     EXPECT_EQ(titles(), list.item(3)->text().toStdString());
-    emit part<FolderView>("Dir1_1").entered(w.folder.path());
-    EXPECT_EQ(p.Dir1[1].path.get(), w.folder.path());
+    emit part<FolderView>("Dir1_1").entered(w.folder.path() / "gone");
     EXPECT_EQ(p.Dir1[0].path.get(), w.dataFolder());
+    look("sky", 0, 0, "This folder cannot be opened. Choose another one.");
 }
 
 TEST_F(PanelUi, ThePastedAddressIsRewrittenBeforeTheEye) {
