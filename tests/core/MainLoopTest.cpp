@@ -1,6 +1,8 @@
+#include "imaging/JpegMarkers.h"
 #include "tests/support/StationDay.h"
 
 #include <numeric>
+#include <random>
 
 namespace orvane::test {
 namespace {
@@ -232,6 +234,38 @@ TEST_F(MainLoopTest, ASiteWithoutSunTimesIsWarnedOfAndRecords) {
     s->clock.run(2min);
     EXPECT_EQ(warning(), "");
     EXPECT_NE(s->panel.lbl_sunset.caption.get(), "");
+}
+
+/// Random faults for some days: only whole new pictures are filed, each with its copy, and each
+/// attempt brings a picture or a line in the log.
+TEST_F(MainLoopTest, RandomFaultsForDays) {
+    start(at(2006, 11, 1));
+    s->setSchedule("0", "23", "10", "59");
+    std::mt19937 random(7);
+    s->http.answer = [&](const std::string&) {
+        s->http.latency = std::chrono::milliseconds(random() % 60'000);
+        const std::string whole = jpegLike(std::to_string(random()));
+        const HttpReply answers[] = {FakeHttp::failed("refused"),
+                                     FakeHttp::picture("stale"),
+                                     {true, 200, whole.substr(0, random() % whole.size()), ""},
+                                     {true, 200, "<html></html>", ""},
+                                     {false, 500, "", "HTTP status 500"}};
+        const std::size_t kind = random() % 8;
+        return kind < std::size(answers) ? answers[kind] : HttpReply{true, 200, whole, ""};
+    };
+    s->start(true);
+    s->clock.run(24h * 3);
+    int filed = 0;
+    for (const std::string day : {"20061101", "20061102", "20061103"}) {
+        EXPECT_EQ(s->imagesOf(day, "Edit"), s->imagesOf(day));
+        for (const std::string& name : s->imagesOf(day))
+            EXPECT_TRUE(isWholeJpeg(contentsOf(s->dataFolder() / day / name))) << name;
+        filed += count(day);
+    }
+    EXPECT_GT(filed, 3 * 144 / 2);
+    const int ended = filed + s->countLogged("DownLoad Error"); // one may still be under way
+    EXPECT_GE(s->http.requests, ended);
+    EXPECT_LE(s->http.requests, ended + 1);
 }
 
 } // namespace

@@ -193,5 +193,36 @@ TEST_F(StatusFileTest, TellsOfTheSun) {
     EXPECT_NEAR(sun["elevation"].toDouble(), 35.8, 1);
 }
 
+/// Whoever reads at any moment finds a whole object, the same for the page, not older than a
+/// minute, with the counts of the files that are in the folder.
+TEST_F(StatusFileTest, IsWholeFreshAndTrueAtEveryMoment) {
+    s->setSchedule("9", "17", "7");
+    s->start(true);
+    for (s->clock.run(2s); s->clock.now() < at(2006, 11, 15, 10, 30); s->clock.run(700ms)) {
+        const int minute = minuteOfDay(s->clock.now());
+        const auto picture = [minute](auto&) { return FakeHttp::picture(std::to_string(minute)); };
+        s->http.answer = picture;
+        if (minute / 4 % 3 == 0) s->http.answer = failing("no answer");
+        s->http.latency = minute % 3 == 0 ? 20s : 50ms;
+        const std::string bytes = bytesOf("status.json");
+        ASSERT_FALSE(status().isEmpty()) << bytes;
+        ASSERT_EQ(bytesOf("status.js"),
+                  "var orvaneStatus = " + bytes.substr(0, bytes.size() - 1) + ";\n");
+        const auto age = std::chrono::floor<std::chrono::seconds>(s->clock.now() - 540min)
+                             .time_since_epoch()
+                             .count() -
+                         status()["aliveUtc"].toInteger();
+        ASSERT_GE(age, 0);
+        ASSERT_LE(age, 61);
+        const auto files = s->imagesOf("20061115");
+        // a second may pass between the file and the figure
+        if (told("today.taken") != std::to_string(files.size())) s->clock.run(1001ms);
+        ASSERT_EQ(told("today.taken"), std::to_string(files.size())) << timeText(s->clock.now());
+        ASSERT_EQ(told("lastPicture.name"), files.empty() ? "" : files.back());
+    }
+    EXPECT_GT(count(), 6);
+    EXPECT_NE(told("today.missed"), "0");
+}
+
 } // namespace
 } // namespace orvane::test
