@@ -184,13 +184,14 @@ TEST(DayDrawing, SunriseAndSunsetStandAtTheirTimes) {
         EXPECT_EQ(texts.left[c.setting] < layout.x(c.sunset), c.settingIsLeft);
         QImage image(area.size(), QImage::Format_RGB32);
         draw(image);
-        const auto blueness = [&](int minute) {
-            const QPointF place(layout.x(minute), layout.sun.bottom() - 8);
-            const QColor colour = image.pixelColor(place.toPoint());
-            return colour.blue() - colour.red();
-        };
-        EXPECT_GT(blueness(c.sunrise - 8), blueness(c.sunrise + 8)) << "night, then day";
-        EXPECT_GT(blueness(c.sunset + 8), blueness(c.sunset - 8)) << "day, then night";
+        for (const double y : {layout.sun.bottom() - 8, layout.lane.center().y()}) {
+            const auto blueness = [&](int minute) {
+                const QColor colour = image.pixelColor(QPointF(layout.x(minute), y).toPoint());
+                return colour.blue() - colour.red();
+            };
+            EXPECT_GT(blueness(c.sunrise - 8), blueness(c.sunrise + 8)) << "night, then day";
+            EXPECT_GT(blueness(c.sunset + 8), blueness(c.sunset - 8)) << "day, then night";
+        }
     }
 }
 

@@ -60,9 +60,9 @@ TEST_F(ImageWindows, OpenEachFileOnceUpToABound) {
     w.module.image.LrFlg = -1;
     w.pictures.openImage(second);
     EXPECT_EQ(windows().size(), 3) << "a mirrored picture is another one";
-    std::vector<std::filesystem::path> files;
-    for (int i = 0; i < QtImageViews::kMaxWindows; ++i)
-        files.push_back(write("p" + std::to_string(100 + i) + ".jpg"));
+    std::vector<std::filesystem::path> files(QtImageViews::kMaxWindows);
+    for (std::size_t i = 0; i < files.size(); ++i)
+        files[i] = write("p" + std::to_string(100 + i) + ".jpg");
     w.pictures.openImages(files);
     EXPECT_EQ(windows().size(), 24);
     ASSERT_EQ(op.told.size(), 1U) << "told once, not for each file";

@@ -133,7 +133,7 @@ TEST_F(MenuUi, AWishIsShownAndCanBeDropped) {
     trigger("mnuRecordingStop");
     EXPECT_TRUE(bar.isVisible());
     EXPECT_EQ(text("lbl_wish"), "Recording stops after this picture.");
-    EXPECT_NEAR(bar.geometry().center().x(), bar.parentWidget()->width() / 2, 1);
+    EXPECT_NEAR(bar.geometry().center().x(), bar.parentWidget()->width() / 2.0, 1);
     w.main.close();
     EXPECT_EQ(text("lbl_wish"), "Orvane closes after this picture.");
     EXPECT_EQ(op.beeps, 1);

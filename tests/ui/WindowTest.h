@@ -48,9 +48,8 @@ inline FileQuestion answer(const std::vector<std::filesystem::path>& files) {
     QFileDialog* dialog = fileDialog();
     if (dialog == nullptr) throw std::runtime_error("no file dialog is open");
     auto& field = find<QLineEdit>(*dialog, "fileNameEdit");
-    const FileQuestion asked{dialog->windowTitle().toStdString(),
-                             dialog->directory().dirName().toStdString(),
-                             field.text().toStdString()};
+    FileQuestion asked{dialog->windowTitle().toStdString(),
+                       dialog->directory().dirName().toStdString(), field.text().toStdString()};
     QStringList names;
     for (const std::filesystem::path& file : files)
         names << '"' + toQString(file) + '"';
@@ -111,7 +110,7 @@ class WindowTest : public testing::Test {
     void showPage(int index) { part<QTabWidget>("pages").setCurrentIndex(index); }
 
     std::filesystem::path write(const std::string& name, int width = 64, int height = 48) {
-        const auto file = w.dataFolder() / name;
+        auto file = w.dataFolder() / name;
         std::filesystem::create_directories(file.parent_path());
         writeFile(file, encoded(gradient(width, height)));
         return file;
