@@ -61,7 +61,7 @@ class FileRecord {
     void noteBytes(int file, const std::string& bytes);
     void force(int descriptor);
     std::string relative(const std::filesystem::path& path) const {
-        return path.lexically_relative(root_).native();
+        return path.lexically_relative(root_).string();
     }
 
     std::filesystem::path root_;
