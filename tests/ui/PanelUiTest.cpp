@@ -313,7 +313,7 @@ TEST_F(PanelUi, TheFolderListWalksAndLeadsToDays) {
     ASSERT_EQ(list.count(), 2);
     EXPECT_EQ(list.item(1)->text(), "(folder not available: choose another one)");
     for (int i = 0; i <= 500; ++i)
-        std::filesystem::create_directory(w.dataFolder() / "夏" / std::to_string(i));
+        std::filesystem::create_directory(w.dataFolder() / toPath("夏") / std::to_string(i));
     p.Dir1[0].path = w.dataFolder() / toPath("夏");
     EXPECT_EQ(list.count(), 1 + 500 + 1) << "a list is bounded";
 }
