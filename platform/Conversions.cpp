@@ -30,8 +30,8 @@ std::size_t readNumber(std::string_view text, double& value) {
     return plus + static_cast<std::size_t>(end - digits.data());
 }
 
-/// Writes a number with leading zeros, `width` at most 4. Clock labels change every second for months, so this does
-/// without the formatted-output machinery.
+/// Writes a number with leading zeros, `width` at most 4. Clock labels change every second for
+/// months, so this does without the formatted-output machinery.
 void put(std::string& text, int value, int width) {
     std::array<char, 4> digits{};
     for (auto i = static_cast<std::size_t>(width); i-- > 0; value /= 10)
