@@ -57,11 +57,13 @@ Task<> MainLoop::run() {
             const WallTime now = station_.clock.now();
             worked = look(now);
             if (!station_.wishes.standing()) {
+                WallTime after = now;
                 if (hasWork(now)) {
                     Task<bool> working = work(now);
                     worked = co_await working && worked;
+                    after = station_.clock.now();
                 }
-                worked = besides(station_.clock.now()) && worked;
+                worked = besides(after) && worked;
             }
         } catch (...) {
             station_.faults.report(kWhere, std::current_exception());
@@ -89,10 +91,13 @@ Task<Fault> MainLoop::start() {
 /// What a pass does without waiting. False: a part of it failed in a way nobody foresaw, which has
 /// been reported. The other parts are done all the same, above all the recording.
 bool MainLoop::look(WallTime now) {
-    const bool worked = station_.faults.attempt(kWhere, [&] { watch(now); });
+    const Module1& module = station_.module;
+    bool worked = true;
+    const auto second = std::chrono::floor<std::chrono::seconds>(now);
+    if (std::exchange(watchedSecond_, second) != second || module.RecordFlg != watchedRecording_)
+        worked = station_.faults.attempt(kWhere, [&] { watch(now); });
     due_ = isDue(now);
     if (station_.wishes.standing()) return worked; // what they wait for must come to its end
-    const Module1& module = station_.module;
     if (isWindowOfThePast(now)) endOfWindow();
     if (station_.startTest != nullptr) station_.startTest->follow(due_);
     if (!module.RecordFlg) {
@@ -230,11 +235,10 @@ void MainLoop::watchDay(WallTime now) {
     if (std::exchange(sunDay_, day) != day) computeSunTimes(station_);
 }
 
-/// Once a minute, and when recording is switched or another data folder is chosen: is there
-/// something to be told?
+/// Once a second, and when recording is switched, it is looked whether the day has changed; once a
+/// minute, then, and when another data folder is chosen: is there something to be told?
 void MainLoop::watch(WallTime now) {
     station_.days.follow();
-    watchedTime_ = now;
     // at most passes nothing has changed; the revision grows with all that is looked at here
     const std::int64_t revision = station_.days.revision();
     if (std::exchange(watchedRevision_, revision) == revision) return;
@@ -316,7 +320,8 @@ void MainLoop::watchDisk() {
 bool MainLoop::besides(WallTime now) {
     return station_.faults.attempt(kWhere, [&] {
         if (station_.wishes.standing()) return;
-        if (now != watchedTime_) { // a capture takes it into another minute, or past midnight
+        // a capture takes it into another minute, or past midnight
+        if (std::chrono::floor<std::chrono::seconds>(now) != watchedSecond_) {
             station_.days.follow();
             due_ = isDue(now);
         }

@@ -53,7 +53,7 @@ class MainLoop {
     std::chrono::local_days sunDay_{};
     std::int64_t watchedRevision_ = -1; ///< of the day's watch
     std::int64_t watchedMinute_ = -1;
-    WallTime watchedTime_{};
+    std::chrono::local_seconds watchedSecond_{};
     bool due_ = false; ///< the minute of this pass is, and waits for its picture
     bool watchedRecording_ = false;
     std::filesystem::path watchedFolder_;
