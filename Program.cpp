@@ -99,7 +99,7 @@ void Program::takeSite() {
 
 void Program::beginWork() {
     statusFile_.begin();
-    condition_.begin();
+    condition_.begin(status_.Timer1);
 }
 
 void Program::endProgram() {

@@ -24,9 +24,10 @@ bool GapFilling::wanted() const {
 }
 
 void GapFilling::step() {
-    if (!round_.done() || !wanted()) return;
+    if (!round_.done()) return;
     const Ticks now = parts_.clock.ticks();
-    if (now < nextRound_ || (seen_ == parts_.days.revision() && now < nextLook_)) return;
+    if (now < nextRound_ || (seen_ == parts_.days.revision() && now < nextLook_) || !wanted())
+        return;
     std::vector<Minute> minutes = gaps();
     seen_ = parts_.days.revision();
     if (minutes.empty()) return;

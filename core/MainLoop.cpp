@@ -57,13 +57,12 @@ Task<> MainLoop::run() {
             const WallTime now = station_.clock.now();
             worked = look(now);
             if (!station_.wishes.standing()) {
-                WallTime after = now;
                 if (hasWork(now)) {
                     Task<bool> working = work(now);
                     worked = co_await working && worked;
-                    after = station_.clock.now();
+                    worked = see(station_.clock.now()) && worked;
                 }
-                worked = besides(after) && worked;
+                worked = besides() && worked;
             }
         } catch (...) {
             station_.faults.report(kWhere, std::current_exception());
@@ -94,9 +93,10 @@ bool MainLoop::look(WallTime now) {
     const Module1& module = station_.module;
     bool worked = true;
     const auto second = std::chrono::floor<std::chrono::seconds>(now);
-    if (std::exchange(watchedSecond_, second) != second || module.RecordFlg != watchedRecording_)
+    if (std::exchange(watchedSecond_, second) != second || module.RecordFlg != watchedRecording_) {
         worked = station_.faults.attempt(kWhere, [&] { watch(now); });
-    due_ = isDue(now);
+        due_ = isDue(now);
+    }
     if (station_.wishes.standing()) return worked; // what they wait for must come to its end
     if (isWindowOfThePast(now)) endOfWindow();
     if (station_.startTest != nullptr) station_.startTest->follow(due_);
@@ -189,7 +189,7 @@ Task<> MainLoop::pause(std::int64_t minute) {
         co_await station_.clock.sleep(kPauseStep);
         const WallTime now = station_.clock.now();
         if (!station_.module.RecordFlg || minuteIndex(now) != minute) co_return;
-        besides(now);
+        if (see(now)) besides();
     }
 }
 
@@ -315,16 +315,20 @@ void MainLoop::watchDisk() {
     station_.warnings.set(Warnings::Cause::DiskSpace, report.warning);
 }
 
+/// A capture takes the loop into another minute, or past midnight. False: it failed in a way nobody
+/// foresaw.
+bool MainLoop::see(WallTime now) {
+    return station_.faults.attempt(kWhere, [&] {
+        station_.days.follow();
+        due_ = isDue(now);
+    });
+}
+
 /// What may wait, while no due minute waits for its picture. False: it failed in a way nobody
 /// foresaw.
-bool MainLoop::besides(WallTime now) {
+bool MainLoop::besides() {
     return station_.faults.attempt(kWhere, [&] {
         if (station_.wishes.standing()) return;
-        // a capture takes it into another minute, or past midnight
-        if (std::chrono::floor<std::chrono::seconds>(now) != watchedSecond_) {
-            station_.days.follow();
-            due_ = isDue(now);
-        }
         startLiveView();
         if (!station_.module.RecordFlg || due_) return;
         startSynchronisation();

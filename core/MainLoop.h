@@ -38,7 +38,8 @@ class MainLoop {
     void watchDisk();
     void watchMissed();
     bool isDue(WallTime now) const;
-    bool besides(WallTime now);
+    bool see(WallTime now);
+    bool besides();
     void startSynchronisation();
     void startLiveView();
     Task<> showLivePicture();
@@ -54,7 +55,7 @@ class MainLoop {
     std::int64_t watchedRevision_ = -1; ///< of the day's watch
     std::int64_t watchedMinute_ = -1;
     std::chrono::local_seconds watchedSecond_{};
-    bool due_ = false; ///< the minute of this pass is, and waits for its picture
+    bool due_ = false; ///< this minute is, and waits for its picture
     bool watchedRecording_ = false;
     std::filesystem::path watchedFolder_;
     std::string folderWarning_; ///< why the chosen folder is not used

@@ -5,10 +5,10 @@
 namespace orvane {
 
 void WakeQueue::add(Wake& wake, Ticks deadline) {
-    auto place = entries_.end();
-    while (place != entries_.begin() && std::prev(place)->deadline <= deadline)
-        --place;
-    entries_.insert(place, {deadline, &wake});
+    entries_.push_back({deadline, &wake});
+    for (auto place = std::prev(entries_.end());
+         place != entries_.begin() && std::prev(place)->deadline <= deadline; --place)
+        std::iter_swap(place, std::prev(place));
 }
 
 std::size_t WakeQueue::dueCount(Ticks time) const {

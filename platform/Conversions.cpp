@@ -30,29 +30,30 @@ std::size_t readNumber(std::string_view text, double& value) {
     return plus + static_cast<std::size_t>(end - digits.data());
 }
 
-/// Writes a number with leading zeros, `width` at most 4. Clock labels change every second for
-/// months, so this does without the formatted-output machinery.
-void put(std::string& text, int value, int width) {
-    std::array<char, 4> digits{};
-    for (auto i = static_cast<std::size_t>(width); i-- > 0; value /= 10)
+/// Writes a number with leading zeros. Clock labels change every second for months, so this does
+/// without the formatted-output machinery.
+template <std::size_t Width>
+void put(std::string& text, int value) {
+    std::array<char, Width> digits{};
+    for (auto i = Width; i-- > 0; value /= 10)
         digits[i] = static_cast<char>('0' + value % 10);
-    text.append(digits.data(), static_cast<std::size_t>(width));
+    text.append(digits.data(), Width);
 }
 
 void putDate(std::string& text, WallTime time, std::string_view separator) {
     const auto date = dayOf(time);
-    put(text, static_cast<int>(date.year()), 4);
+    put<4>(text, static_cast<int>(date.year()));
     text += separator;
-    put(text, static_cast<int>(static_cast<unsigned>(date.month())), 2);
+    put<2>(text, static_cast<int>(static_cast<unsigned>(date.month())));
     text += separator;
-    put(text, static_cast<int>(static_cast<unsigned>(date.day())), 2);
+    put<2>(text, static_cast<int>(static_cast<unsigned>(date.day())));
 }
 
 void putHourMinute(std::string& text, WallTime time, std::string_view separator) {
     const int minutes = minuteOfDay(time);
-    put(text, minutes / 60, 2);
+    put<2>(text, minutes / 60);
     text += separator;
-    put(text, minutes % 60, 2);
+    put<2>(text, minutes % 60);
 }
 
 } // namespace
@@ -107,7 +108,7 @@ std::string timeText(WallTime time) {
     std::string text;
     putHourMinute(text, time, ":");
     text += ':';
-    put(text, static_cast<int>(timeOfDay(time) / 1s % 60), 2);
+    put<2>(text, static_cast<int>(timeOfDay(time) / 1s % 60));
     return text;
 }
 
@@ -146,7 +147,7 @@ std::int64_t universalSeconds(WallTime time, std::chrono::minutes offset) {
 
 std::string twoDigits(int value) {
     std::string text;
-    put(text, value, 2);
+    put<2>(text, value);
     return text;
 }
 

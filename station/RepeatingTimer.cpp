@@ -4,17 +4,17 @@
 
 namespace orvane {
 
-void RepeatingTimer::enable() {
+void RepeatingTimer::enableAt(Ticks due) {
     if (enabled_) return;
     enabled_ = true;
+    due_ = due;
     task_ = run(); // drops what an earlier disable() left waiting
     task_.start();
 }
 
 Task<> RepeatingTimer::run() {
-    Ticks due = clock_.ticks() + interval_;
     while (true) {
-        co_await clock_.sleepUntil(due);
+        co_await clock_.sleepUntil(due_);
         if (!enabled_) co_return;
         try {
             tick_();
@@ -23,7 +23,7 @@ Task<> RepeatingTimer::run() {
         }
         if (!enabled_) co_return;
         // after a suspended PC one tick is enough
-        due = std::max(due + interval_, clock_.ticks());
+        due_ = std::max(due_ + interval_, clock_.ticks());
     }
 }
 

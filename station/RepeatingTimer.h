@@ -14,17 +14,22 @@ class RepeatingTimer {
 
     bool enabled() const { return enabled_; }
     /// May not be called from the handler itself.
-    void enable();
+    void enable() { enableAt(clock_.ticks() + interval_); }
+    /// With its ticks at the same moments as those of `other`, which is enabled and has the same
+    /// interval: the two wake the PC only once.
+    void enableInStepWith(const RepeatingTimer& other) { enableAt(other.due_); }
     /// May be called from the handler itself.
     void disable() { enabled_ = false; }
 
   private:
+    void enableAt(Ticks due);
     Task<> run();
 
     Clock& clock_;
     Ticks interval_;
     std::function<void()> tick_;
     FaultHandler onFault_;
+    Ticks due_{0}; ///< the next tick
     bool enabled_ = false;
     Task<> task_;
 };

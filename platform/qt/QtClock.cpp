@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <ctime>
+#include <utility>
 
 namespace orvane {
 
@@ -13,10 +14,15 @@ QtClock::QtClock() {
     QObject::connect(&timer_, &QTimer::timeout, &timer_, [this] { dispatch(); });
 }
 
+/// Asked many times in a second, in which the offset stays; to find it the system looks for a new
+/// description of its zone each time.
 WallTime QtClock::now() const {
-    const QDateTime utc = QDateTime::currentDateTimeUtc();
-    const qint64 offset = utc.toLocalTime().offsetFromUtc();
-    return WallTime(std::chrono::milliseconds(utc.toMSecsSinceEpoch() + offset * 1000));
+    using std::chrono::floor;
+    const auto utc = floor<std::chrono::milliseconds>(std::chrono::system_clock::now());
+    const auto second = floor<std::chrono::seconds>(utc);
+    if (std::exchange(offsetSecond_, second) != second)
+        offset_ = std::chrono::seconds(QDateTime::currentDateTime().offsetFromUtc());
+    return WallTime(utc.time_since_epoch() + offset_);
 }
 
 std::chrono::minutes QtClock::utcOffset() const {

@@ -26,6 +26,8 @@ class QtClock final : public Clock {
 
     QTimer timer_;
     WakeQueue queue_;
+    mutable std::chrono::seconds offset_{0};          ///< of the local time
+    mutable std::chrono::sys_seconds offsetSecond_{}; ///< when that was asked for
 };
 
 } // namespace orvane
