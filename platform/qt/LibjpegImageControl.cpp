@@ -11,6 +11,7 @@
 #include <QPainter>
 
 #include <algorithm>
+#include <array>
 #include <vector>
 
 namespace orvane {
@@ -30,14 +31,25 @@ int qualityOf(std::int16_t factor) {
     return std::clamp(100 - factor, 1, 100);
 }
 
+/// Eight pixels from either end at a time, which compilers turn into a few vector instructions.
+void mirrorRow(QRgb* left, QRgb* right) {
+    constexpr std::size_t kPixels = 8;
+    std::array<QRgb, kPixels> fromLeft;
+    std::array<QRgb, kPixels> fromRight;
+    for (; right - left >= std::ptrdiff_t{2 * kPixels}; left += kPixels) {
+        right -= kPixels;
+        std::reverse_copy(left, left + kPixels, fromLeft.begin());
+        std::reverse_copy(right, right + kPixels, fromRight.begin());
+        std::copy(fromRight.begin(), fromRight.end(), left);
+        std::copy(fromLeft.begin(), fromLeft.end(), right);
+    }
+    std::reverse(left, right);
+}
+
 void mirrorRows(QImage& pixels) {
-    const auto width = static_cast<std::size_t>(pixels.width());
-    std::vector<QRgb> reversed(width); // a plain copy there and back is what compilers make fast
     for (int y = 0; y < pixels.height(); ++y) {
         auto* row = reinterpret_cast<QRgb*>(pixels.scanLine(y));
-        for (std::size_t x = 0; x < width; ++x)
-            reversed[x] = row[width - 1 - x];
-        std::copy(reversed.begin(), reversed.end(), row);
+        mirrorRow(row, row + pixels.width());
     }
 }
 
