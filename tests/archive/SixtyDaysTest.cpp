@@ -1,13 +1,15 @@
 #include "archive/DayReport.h"
 #include "archive/DaySurvey.h"
 #include "archive/ShownDay.h"
+#include "simulators/sample-archive/SampleArchive.h"
 #include "tests/archive/ArchiveStation.h"
-#include "tests/support/SampleArchive.h"
 
 #include <gtest/gtest.h>
 
 namespace orvane::test {
 namespace {
+
+using namespace samplearchive;
 
 constexpr std::chrono::local_days kLastDay{std::chrono::days(13467)}; // 2006/11/15
 

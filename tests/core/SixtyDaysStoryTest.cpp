@@ -1,9 +1,11 @@
+#include "simulators/sample-archive/SampleArchive.h"
 #include "tests/support/FakeCameraStore.h"
-#include "tests/support/SampleArchive.h"
 #include "tests/support/StationDay.h"
 
 namespace orvane::test {
 namespace {
+
+using namespace samplearchive;
 
 constexpr std::chrono::local_days kLastDay{std::chrono::days(13467)}; // 2006/11/15
 

@@ -1,6 +1,6 @@
-#include "tests/support/SampleArchive.h"
+#include "simulators/sample-archive/SampleArchive.h"
 
-namespace orvane::test {
+namespace samplearchive {
 
 namespace {
 
@@ -94,4 +94,4 @@ const std::vector<SampleEvent>& sampleStory() {
     return story;
 }
 
-} // namespace orvane::test
+} // namespace samplearchive

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-namespace orvane::test {
+namespace samplearchive {
 
 /// A recording window and interval, in minutes of the day; `end` is not part of it.
 struct SampleSchedule {
@@ -105,4 +105,4 @@ class SampleArchive {
     std::vector<SampleDay> days_;
 };
 
-} // namespace orvane::test
+} // namespace samplearchive

@@ -1,8 +1,8 @@
-#include "tests/support/SampleArchive.h"
+#include "simulators/sample-archive/SampleArchive.h"
 
 #include <algorithm>
 
-namespace orvane::test {
+namespace samplearchive {
 
 namespace {
 
@@ -201,4 +201,4 @@ void playSampleStory(std::vector<SampleDay>& days, int until) {
         walk.playDay(day, day + 1 == days.size() ? until : SampleArchive::kWholeDay);
 }
 
-} // namespace orvane::test
+} // namespace samplearchive

@@ -2,7 +2,7 @@
 // into FOLDER, which is made when it does not exist. PICTURES is a folder of JPEG files named by
 // the time of day, 0600.jpg, 0610.jpg and so on: each minute gets the nearest one.
 
-#include "tests/support/SampleArchive.h"
+#include "simulators/sample-archive/SampleArchive.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -12,7 +12,7 @@
 
 namespace {
 
-using namespace orvane::test;
+using namespace samplearchive;
 namespace fs = std::filesystem;
 
 /// By minute of the day.

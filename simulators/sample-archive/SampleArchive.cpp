@@ -1,12 +1,24 @@
-#include "tests/support/SampleArchive.h"
+#include "simulators/sample-archive/SampleArchive.h"
 
-#include "tests/support/TempFolder.h"
+#include <algorithm>
+#include <fstream>
+#include <iterator>
 
-namespace orvane::test {
+namespace samplearchive {
 
 namespace {
 
 namespace fs = std::filesystem;
+
+std::string contentsOf(const fs::path& file) {
+    std::ifstream stream(file, std::ios::binary);
+    return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+void writeFile(const fs::path& file, const std::string& bytes) {
+    fs::create_directories(file.parent_path());
+    std::ofstream(file, std::ios::binary) << bytes;
+}
 
 /// What becomes of a picture after it was written. The first three leave its name as it is.
 struct Harm {
@@ -176,4 +188,4 @@ void SampleArchive::paintGrey(const fs::path& file, int) {
     writeFile(file, picture);
 }
 
-} // namespace orvane::test
+} // namespace samplearchive
