@@ -99,7 +99,7 @@ void Program::takeSite() {
 
 void Program::beginWork() {
     statusFile_.begin();
-    condition_.begin(status_.Timer1);
+    condition_.begin();
 }
 
 void Program::endProgram() {

@@ -40,8 +40,6 @@ class Condition {
 
     /// From the end of the start-up on.
     void begin() { timer_.enable(); }
-    /// The same with the ticks of `beat`, of one second.
-    void begin(const RepeatingTimer& beat) { timer_.enableInStepWith(beat); }
     /// The operator has taken note of what is over.
     void closeOver();
 

@@ -4,17 +4,19 @@
 
 namespace orvane {
 
-void RepeatingTimer::enableAt(Ticks due) {
+void RepeatingTimer::enable() {
     if (enabled_) return;
     enabled_ = true;
-    due_ = due;
     task_ = run(); // drops what an earlier disable() left waiting
     task_.start();
 }
 
 Task<> RepeatingTimer::run() {
+    const Ticks now = clock_.ticks();
+    const bool wholeSeconds = interval_ % 1s == Ticks(0);
+    Ticks due = interval_ + (wholeSeconds ? std::chrono::floor<std::chrono::seconds>(now) : now);
     while (true) {
-        co_await clock_.sleepUntil(due_);
+        co_await clock_.sleepUntil(due);
         if (!enabled_) co_return;
         try {
             tick_();
@@ -23,7 +25,7 @@ Task<> RepeatingTimer::run() {
         }
         if (!enabled_) co_return;
         // after a suspended PC one tick is enough
-        due_ = std::max(due_ + interval_, clock_.ticks());
+        due = std::max(due + interval_, clock_.ticks());
     }
 }
 
