@@ -1,8 +1,5 @@
-#include "platform/Files.h"
-
 #include "platform/SystemCalls.h"
-#include "tests/support/TempFolder.h"
-#include "tests/support/TestPictures.h"
+#include "tests/support/TestStation.h"
 
 #include <gtest/gtest.h>
 
@@ -18,7 +15,7 @@ TEST(FileCopy, CopiesEveryByteAndReplacesAnOlderFile) {
     for (const std::string& bytes : {kBytes, std::string()}) {
         writeFile(from, bytes);
         writeFile(to, "older and to be replaced");
-        EXPECT_EQ(copyToFinalName(from, to).value_or("copied"), "copied");
+        EXPECT_EQ(copyToFinalName(from, to), std::nullopt);
         EXPECT_EQ(contentsOf(to), bytes);
         EXPECT_EQ(contentsOf(from), bytes);
         EXPECT_EQ(listing(folder.path()).size(), 2u);
@@ -30,34 +27,47 @@ TEST(FileCopy, TellsTheSystemsReasonAndLeavesNothing) {
     writeFile(folder.path() / "taken" / "inside", "x");
     const auto before = listing(folder.path());
     EXPECT_TRUE(writeToFinalName(kBytes, folder.path() / "taken"));
-    EXPECT_EQ(writeToFinalName(kBytes, folder.path() / "missing" / "file").value_or(""),
+    EXPECT_EQ(writeToFinalName(kBytes, folder.path() / "missing" / "file"),
               "No such file or directory");
-    EXPECT_EQ(copyToFinalName(folder.path() / "missing", folder.path() / "file").value_or(""),
+    EXPECT_EQ(copyToFinalName(folder.path() / "missing", folder.path() / "file"),
               "No such file or directory");
     EXPECT_TRUE(copyToFinalName(folder.path() / "taken", folder.path() / "file"));
     EXPECT_EQ(listing(folder.path()), before);
 }
 
 TEST(FileLock, IsHeldByOneAtATime) {
-    TempFolder folder;
+    const TempFolder folder;
     const auto file = folder.path() / "orvane.lock";
+    const auto outcomeOf = [](FileLock::Outcome outcome) {
+        return std::pair(outcome.isOthers, outcome.fault.has_value());
+    };
     {
-        FileLock first;
-        EXPECT_FALSE(first.take(file).fault);
-        FileLock second;
-        const FileLock::Outcome refused = second.take(file);
-        EXPECT_TRUE(refused.isOthers);
-        EXPECT_FALSE(refused.fault);
+        FileLock first, second;
+        EXPECT_EQ(outcomeOf(first.take(file)), std::pair(false, false));
+        EXPECT_EQ(outcomeOf(second.take(file)), std::pair(true, false));
     }
     writeFile(file, "left behind by a killed program");
-    FileLock next;
-    const FileLock::Outcome taken = next.take(file);
-    EXPECT_FALSE(taken.isOthers);
-    EXPECT_FALSE(taken.fault) << *taken.fault;
-    FileLock impossible;
-    const FileLock::Outcome failed = impossible.take(folder.path() / "nowhere" / "orvane.lock");
-    EXPECT_FALSE(failed.isOthers) << "nobody else's, since it cannot be made";
-    EXPECT_TRUE(failed.fault);
+    FileLock next, impossible;
+    EXPECT_EQ(outcomeOf(next.take(file)), std::pair(false, false));
+    EXPECT_EQ(outcomeOf(impossible.take(folder.path() / "nowhere" / "orvane.lock")),
+              std::pair(false, true));
+}
+
+/// A name that no single code page can write, and more than 260 characters in all.
+TEST(Paths, AStationRecordsIntoAnyFolder) {
+    TestStation s(at(2006, 11, 15, 9, 29));
+    auto folder = s.folder.path() / std::filesystem::path(u8"観測 ü Données №1");
+    for (int i = 0; i < 5; ++i)
+        folder /= std::string(60, static_cast<char>('a' + i));
+    std::filesystem::create_directories(folder);
+    s.store.values["DataPath/PathDataFile"] = utf8FromPath(folder);
+    s.start(true);
+    s.clock.runUntil(at(2006, 11, 15, 9, 31));
+    const std::filesystem::path name = "20061115_093000_00.jpg";
+    EXPECT_TRUE(std::filesystem::exists(folder / "20061115" / name));
+    EXPECT_TRUE(std::filesystem::exists(folder / "Edit" / "20061115" / name));
+    EXPECT_TRUE(ErrorLog(folder, s.clock, {}).write("recMessage:SUM ERROR"));
+    EXPECT_EQ(contentsOf(folder / "ERROR.LOG"), "2006/11/15 09:31:00 recMessage:SUM ERROR\r\n");
 }
 
 } // namespace

@@ -11,14 +11,9 @@ namespace {
 
 /// Programs that every system has: this one itself, which lists its tests, and none.
 struct ProcessTest : testing::Test {
-    ProcessEnd end() {
-        Task<ProcessEnd> ending = process.end(20s);
-        ending.start();
-        return finish(ending);
-    }
     ProcessEnd list(const std::string& tests) {
         process.start(self(), {"--gtest_list_tests", "--gtest_filter=" + tests});
-        return end();
+        return finish(process.end(20s));
     }
     static std::filesystem::path self() {
         return QCoreApplication::applicationFilePath().toStdString();
@@ -39,12 +34,8 @@ TEST_F(ProcessTest, TellsWhatItSaysAndItsExitCode) {
 TEST_F(ProcessTest, WhatCannotBeStartedIsToldByBoth) {
     process.start("no-such-program", {});
     const std::string bytes(100, 'x');
-    runEventLoopUntil([&] {
-        Task<Fault> writing = process.write(bytes, 1s);
-        writing.start();
-        return finish(writing).has_value();
-    });
-    const Fault fault = end().fault;
+    runEventLoopUntil([&] { return finish(process.write(bytes, 1s)).has_value(); });
+    const Fault fault = finish(process.end(20s)).fault;
     EXPECT_TRUE(fault && fault->starts_with("it cannot be started: ")) << fault.value_or("none");
     EXPECT_EQ(process.find("no-such-program"), std::filesystem::path());
     // this one is beside "this program", the tests

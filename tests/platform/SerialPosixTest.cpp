@@ -1,7 +1,5 @@
 #include "platform/SerialPort.h"
-
 #include "tests/support/TempFolder.h"
-#include "tests/support/TestPictures.h"
 
 #include <gtest/gtest.h>
 
@@ -129,9 +127,14 @@ TEST_F(SerialPosix, CountsExactlyAndReadsOneByteAtATime) {
     EXPECT_EQ(port_->readByte(), 0x02);
     EXPECT_EQ(port_->inputCount(), 2u);
     device_.send({0x03});
-    expectInput({0x00, 0x48, 0x03});
-    EXPECT_EQ(port_->inputCount(), 0u);
+    expectCount(3);
+    device_.hangUp(); // what was counted outlives it
+    EXPECT_EQ(port_->inputCount(), 3u);
+    for (const std::uint8_t byte : {0x00, 0x48, 0x03})
+        EXPECT_EQ(port_->readByte(), byte);
     EXPECT_EQ(port_->readByte(), std::nullopt);
+    EXPECT_EQ(port_->fault(), device_.path() + ": Input/output error");
+    expectNothingWorks(*port_);
 }
 
 /// More of them than a terminal's line holds.
@@ -172,18 +175,6 @@ TEST_F(SerialPosix, DiscardsWhatHasArrivedOnRequestAndAtOpen) {
     expectInput(bytesOf("x"));
 }
 
-TEST_F(SerialPosix, CountedBytesOutliveTheDevice) {
-    device_.send(bytesOf("abc"));
-    expectCount(3);
-    device_.hangUp();
-    EXPECT_EQ(port_->inputCount(), 3u);
-    for (const char byte : {'a', 'b', 'c'})
-        EXPECT_EQ(port_->readByte(), byte);
-    EXPECT_EQ(port_->readByte(), std::nullopt);
-    EXPECT_EQ(port_->fault(), device_.path() + ": Input/output error");
-    expectNothingWorks(*port_);
-}
-
 TEST(SerialPosixHangUp, IsNoticedByEveryCallAndClosesThePort) {
     for (const auto& [name, works] : kCalls) {
         SCOPED_TRACE(name);
@@ -191,11 +182,9 @@ TEST(SerialPosixHangUp, IsNoticedByEveryCallAndClosesThePort) {
         const auto port = device.makePort();
         ASSERT_TRUE(port->open(1, kLine));
         device.hangUp();
-        const auto start = std::chrono::steady_clock::now();
         EXPECT_FALSE(works(*port));
         expectNothingWorks(*port);
         EXPECT_EQ(port->fault(), device.path() + ": Input/output error");
-        EXPECT_LT(std::chrono::steady_clock::now() - start, 200ms);
     }
 }
 
@@ -205,9 +194,8 @@ TEST_F(SerialPosix, AFullDeviceNeverBlocksAndGetsEverythingInOrder) {
     ASSERT_TRUE(port_->write(sent));
     const auto left = port_->outputCount();
     EXPECT_LT(std::chrono::steady_clock::now() - start, 500ms);
-    ASSERT_TRUE(left);
-    EXPECT_GT(*left, 0u);
-    EXPECT_LT(*left, sent.size());
+    EXPECT_GT(left, 0u);
+    EXPECT_LT(left, sent.size());
     ASSERT_TRUE(port_->write({{0x55}})); // keeps its place behind the rest
     sent.push_back(0x55);
     Bytes arrived;
@@ -223,9 +211,7 @@ TEST_F(SerialPosix, AFullDeviceNeverBlocksAndGetsEverythingInOrder) {
 
 TEST_F(SerialPosix, CloseDropsWhatAFullDeviceDidNotTakeAndNothingElse) {
     ASSERT_TRUE(port_->write(Bytes(100'000, 0x55)));
-    const auto start = std::chrono::steady_clock::now();
     port_->close();
-    EXPECT_LT(std::chrono::steady_clock::now() - start, 500ms);
     while (!device_.isSilent()) {
     }
     ASSERT_TRUE(port_->open(1, kLine));
@@ -260,7 +246,7 @@ TEST(SerialPosixMode, IsSetFromTheTextAndPutBackAtClose) {
         const Device device;
         const termios before = device.mode();
         const auto port = device.makePort();
-        ASSERT_TRUE(port->open(1, settings)) << port->fault();
+        ASSERT_TRUE(port->open(1, settings));
         const termios open = device.mode();
         EXPECT_EQ(::cfgetospeed(&open), speed);
         EXPECT_EQ(::cfgetispeed(&open), speed);
@@ -300,23 +286,20 @@ TEST(SerialPosixOpen, RefusesWhatIsNoPortAndTellsWhy) {
     const struct {
         std::string path;
         int number;
-        std::string settings;
-        std::string reason;
+        std::string settings, reason;
     } cases[] = {{folder.path() / "missing", 1, kLine, "No such file or directory"},
-                 {"", 1, kLine, "No such file or directory"},
                  {folder.path(), 1, kLine, "Is a directory"},
                  {"/dev/null", 1, kLine, "/dev/null: not a serial device"},
                  {file, 1, kLine, "not a serial device"},
                  {device.path(), 0, kLine, "COM0: no such port"},
                  {device.path(), 5, kLine, "COM5: no such port"},
-                 {device.path(), -1, kLine, "COM-1: no such port"},
                  {device.path(), 1, "38400,N,8", "Unusable line settings: 38400,N,8"},
                  {device.path(), 1, "", "Unusable line settings: "}};
     for (const auto& [path, number, settings, reason] : cases) {
         SCOPED_TRACE(testing::Message() << path << ' ' << number << ' ' << settings);
         std::string name = device.path();
         const auto port = makeSerialPort([&name](int) { return name; });
-        ASSERT_TRUE(port->open(1, kLine)) << port->fault();
+        ASSERT_TRUE(port->open(1, kLine));
         name = path;
         EXPECT_FALSE(port->open(number, settings));
         EXPECT_NE(port->fault().find(reason), std::string::npos) << port->fault();
@@ -328,24 +311,21 @@ TEST(SerialPosixOpen, RefusesWhatIsNoPortAndTellsWhy) {
 TEST(SerialPosixOpen, APortBelongsToOneHolder) {
     const Device device;
     const int watching = ::open(device.path().c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
-    // Whether plain opens by others are refused; they are not to somebody running as root.
-    const auto isExclusive = [watching] {
-        int exclusive = 0;
-        EXPECT_EQ(::ioctl(watching, TIOCGEXCL, &exclusive), 0);
-        return exclusive != 0;
-    };
+    // whether plain opens by others are refused, which they are not to somebody running as root
+    int exclusive = 0;
     const auto holder = device.makePort();
     const auto second = device.makePort();
     ASSERT_TRUE(holder->open(1, kLine));
     EXPECT_FALSE(second->open(1, kLine));
     EXPECT_EQ(second->fault(), device.path() + ": Device or resource busy");
-    EXPECT_TRUE(isExclusive());
+    EXPECT_EQ(::ioctl(watching, TIOCGEXCL, &exclusive), 0);
+    EXPECT_NE(exclusive, 0);
     ASSERT_TRUE(holder->write(bytesOf("x"))) << "the attempt has harmed the holder";
     EXPECT_EQ(device.received(1), bytesOf("x"));
     EXPECT_EQ(device.mode().c_lflag & ECHO, 0u);
-
     holder->close();
-    EXPECT_FALSE(isExclusive());
+    EXPECT_EQ(::ioctl(watching, TIOCGEXCL, &exclusive), 0);
+    EXPECT_EQ(exclusive, 0);
     EXPECT_TRUE(second->open(1, kLine)) << second->fault();
     ::close(watching);
 }

@@ -29,5 +29,11 @@ T finish(Task<T>& task) {
     runEventLoopUntil([&] { return task.done(); });
     return task.result();
 }
+/// The same for one that is not started yet.
+template <class T>
+T finish(Task<T>&& task) {
+    task.start();
+    return finish(task);
+}
 
 } // namespace orvane::test
