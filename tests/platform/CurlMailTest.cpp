@@ -29,11 +29,9 @@ struct CurlMailTest : testing::Test {
     }
     MailOutcome send(const MailServer& to, Mail mail = kMail, MailLimits limits = {5s, 20s}) {
         CurlMail mails(loop, clock, limits);
-        Task<MailOutcome> task = mails.send(to, std::move(mail));
         since.restart();
         beat.start(1);
-        task.start();
-        MailOutcome outcome = finish(task);
+        MailOutcome outcome = finish(mails.send(to, std::move(mail)));
         beat.stop();
         return outcome;
     }
@@ -88,9 +86,7 @@ TEST_F(CurlMailTest, LogsIn) {
 /// What the server says in refusing is told; a large mail and a full mailbox are such refusals.
 TEST_F(CurlMailTest, RefusalsAreToldInTheServersWords) {
     const struct {
-        const char* line;
-        const char* reply;
-        const char* fault;
+        const char *line, *reply, *fault;
     } cases[] = {
         {"", "554 no service\r\n", "the mail server refused the connection: 554 no service"},
         {"EHLO", "250 fine\r\n250 surplus\r\n", ""},
@@ -116,9 +112,8 @@ TEST_F(CurlMailTest, ARefusedRecipientIsNamed) {
     mail.recipients = {"one@example.org", "two@example.org", "three@example.org"};
     const MailOutcome outcome = send(plain(), mail);
     EXPECT_FALSE(outcome.fault);
-    EXPECT_EQ(outcome.refused, std::vector<std::string>{
-                                   "two@example.org: the mail server refused the mail: 550 no such "
-                                   "user"});
+    const std::string told = "two@example.org: the mail server refused the mail: 550 no such user";
+    EXPECT_EQ(outcome.refused, std::vector<std::string>{told});
     EXPECT_FALSE(server.mail.empty());
 }
 
@@ -145,12 +140,11 @@ TEST_F(CurlMailTest, FloodsAreCutOff) {
         flood += "250-more and more\r\n";
     for (const std::string line : {"EHLO", "MAIL", "."}) {
         answer(line, flood);
-        const Fault fault = send(plain()).fault;
-        ASSERT_TRUE(fault) << line;
-        if (line == "EHLO")
-            EXPECT_FALSE(wasSaid("MAIL")) << "the library's own limit";
-        else
-            EXPECT_EQ(*fault, "the answer of the mail server is too long") << line;
+        const std::string fault = send(plain()).fault.value_or("none");
+        // at the first the library's own limit comes before
+        EXPECT_TRUE(line == "EHLO" ? fault != "none" && !wasSaid("MAIL")
+                                   : fault == "the answer of the mail server is too long")
+            << line << ": " << fault;
     }
 }
 
@@ -178,17 +172,14 @@ TEST_F(CurlMailTest, NothingGoesInClearThatWasToBeSecure) {
 }
 
 TEST_F(CurlMailTest, ServersThatCannotBeReached) {
+    const auto faultOf = [this](const std::string& host, int port) {
+        return send({host, port, MailSecurity::None, "", "", {}}).fault;
+    };
+    EXPECT_EQ(faultOf("mail.invalid", 25), "the name of the mail server is not known");
+    EXPECT_EQ(faultOf("127.0.0.1", 1), "no connection to the mail server");
+    for (const char* host : {"", "a b", "a/b", "user@host", "[", "http://x"})
+        EXPECT_EQ(faultOf(host, 25), "the address of the mail server cannot be used") << host;
     MailServer away = plain();
-    away.host = "mail.invalid";
-    EXPECT_EQ(send(away).fault, "the name of the mail server is not known");
-    away = plain();
-    away.port = 1;
-    EXPECT_EQ(send(away).fault, "no connection to the mail server");
-    for (const char* host : {"", "a b", "a/b", "user@host", "[", "http://x"}) {
-        away.host = host;
-        EXPECT_EQ(send(away).fault, "the address of the mail server cannot be used") << host;
-    }
-    away = plain();
     away.caFile = "no/such/file.pem";
     EXPECT_TRUE(send(away).fault->starts_with("the CA file cannot be read: "));
 }

@@ -23,12 +23,9 @@ struct PictureCheckTest : testing::Test {
 /// The header of a picture of any number of components. Its Huffman tables know one code each: "0"
 /// is both "as the block before" and "end of block".
 std::string header(int components, int width = 64, int height = 64) {
-    std::string frame = {8,
-                         static_cast<char>(height >> 8),
-                         static_cast<char>(height & 0xFF),
-                         static_cast<char>(width >> 8),
-                         static_cast<char>(width & 0xFF),
-                         static_cast<char>(components)};
+    std::string frame = {8};
+    for (const int byte : {height >> 8, height & 0xFF, width >> 8, width & 0xFF, components})
+        frame += static_cast<char>(byte);
     for (int i = 1; i <= components; ++i)
         frame += {static_cast<char>(i), 0x11, 0};
     const std::string oneCode = '\1' + std::string(16, '\0');
@@ -67,14 +64,11 @@ std::string withRestarts(const std::string& order) {
     return jpeg + std::string(2, '\0') + kEnd;
 }
 
-std::string withMajorVersion(std::string jfif, char version) {
-    jfif.at(11) = version; // behind the start marker, the segment's head and "JFIF"
-    return jfif;
-}
-
 TEST_F(PictureCheckTest, SoundPicturesPass) {
     const QImage picture = gradient(120, 80);
     const std::string whole = encoded(picture);
+    std::string later = whole;
+    later.at(11) = 9; // behind the start marker, the segment's head and "JFIF"
     const struct {
         const char* name;
         std::string bytes;
@@ -93,9 +87,8 @@ TEST_F(PictureCheckTest, SoundPicturesPass) {
          withSegments(whole, segment(0xE2, std::string("ICC_PROFILE\0\7\2?", 15)))},
         {"unknown Adobe transform",
          withSegments(inOneScan(3), segment(0xEE, std::string("Adobe\0\x64\0\0\0\0\7", 12)))},
-        {"later JFIF version", withMajorVersion(whole, 9)},
-        {"bytes behind the end", whole + std::string(500, '\0')},
-    };
+        {"later JFIF version", later},
+        {"bytes behind the end", whole + std::string(500, '\0')}};
     for (const auto& [name, bytes, notShown] : cases) {
         EXPECT_EQ(check(bytes), std::nullopt) << name;
         EXPECT_EQ(decode(bytes).value_or(""), notShown) << name;
@@ -105,9 +98,11 @@ TEST_F(PictureCheckTest, SoundPicturesPass) {
 }
 
 TEST_F(PictureCheckTest, DamagedPicturesAreRefused) {
-    const std::string whole = encoded(gradient(120, 80));
+    const QImage picture = gradient(120, 80);
+    const std::string whole = encoded(picture);
     std::string filled = inOneScan(3);
     filled.insert(filled.size() - kEnd.size(), 20, '\0');
+    ASSERT_EQ(decode(whole), std::nullopt);
     const std::pair<std::string, const char*> cases[] = {
         {"", "Empty input file"},
         {"<html>busy</html>", "Not a JPEG file"},
@@ -116,19 +111,18 @@ TEST_F(PictureCheckTest, DamagedPicturesAreRefused) {
         {header(3, 65535, 65535) + scan(1, 3) + kEnd,
          "Maximum supported image dimension is 65500 pixels"},
         {header(4, 20000, 20000) + scan(1, 4) + kEnd, "20000 x 20000 pixels is too large"},
-        {inAScanEach(3, 1000), "Too many scans"},
         {inAScanEach(3, 67), "Too many scans"},
         {header(3) + scan(1, 1) + scan(2, 2) + kEnd, "Parts of the picture are missing"},
         {header(3) + kEnd, ""},
         {withRestarts("0134567"), "found marker 0xd3 instead of RST2"},
         {withRestarts("012345"), "found marker 0xd9 instead of RST6"},
-        {filled, "extraneous bytes before marker 0xd9"},
-    };
+        {filled, "extraneous bytes before marker 0xd9"}};
     for (const auto& [bytes, reason] : cases) {
         const std::string fault = check(bytes).value_or("none");
         EXPECT_NE(fault.find(reason), std::string::npos) << fault << " instead of " << reason;
         EXPECT_NE(fault, "none") << reason;
     }
+    EXPECT_LE(meanDifference(control_.picture(), picture), 2) << "the one in the control stays";
 }
 
 TEST_F(PictureCheckTest, EveryCutPictureWithAnEndMarkerIsRefused) {
@@ -161,28 +155,10 @@ TEST_F(PictureCheckTest, FlippedBytesAreNoticedAsByTheFullDecoding) {
     EXPECT_GT(noticed, 400);
 }
 
-TEST_F(PictureCheckTest, LeavesThePictureInTheControlAlone) {
-    ASSERT_EQ(decode(encoded(gradient(60, 40))), std::nullopt);
-    const QImage before = control_.picture();
-    EXPECT_EQ(check(encoded(gradient(30, 20))), std::nullopt);
-    EXPECT_NE(check("no picture"), std::nullopt);
-    EXPECT_EQ(difference(control_.picture(), before), 0);
-    EXPECT_EQ(control_.fullSize(), QSize(60, 40));
-}
-
 TEST_F(PictureCheckTest, MayBeDestroyedAtAnyWait) {
     for (const bool progressive : {false, true}) {
         const std::string jpeg = encoded(gradient(1500, 1000), 90, progressive);
-        Task<Fault> checking;
-        int waits = 0;
-        do {
-            checking = control_.check(jpeg);
-            EXPECT_EQ(clock_.pending(), 0u);
-            checking.start();
-            int left = ++waits;
-            clock_.runUntil([&] { return checking.done() || --left == 0; }, std::chrono::hours(1));
-        } while (!checking.done());
-        EXPECT_EQ(checking.result(), std::nullopt);
+        const int waits = destroyAtEveryWait(clock_, [&] { return control_.check(jpeg); });
         // 1.5 megapixels in slices of half a megapixel, every scan of a progressive file
         EXPECT_GE(waits, progressive ? 10 : 3);
     }

@@ -211,7 +211,9 @@ TEST_F(SerialPosix, AFullDeviceNeverBlocksAndGetsEverythingInOrder) {
 
 TEST_F(SerialPosix, CloseDropsWhatAFullDeviceDidNotTakeAndNothingElse) {
     ASSERT_TRUE(port_->write(Bytes(100'000, 0x55)));
+    const auto start = std::chrono::steady_clock::now();
     port_->close();
+    EXPECT_LT(std::chrono::steady_clock::now() - start, 500ms);
     while (!device_.isSilent()) {
     }
     ASSERT_TRUE(port_->open(1, kLine));

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/Clock.h"
+#include "platform/Fault.h"
 
 #include <stdexcept>
 
@@ -60,6 +61,22 @@ T finish(JumpingClock& clock, Task<T> task, Ticks limit = 1h) {
     if (!clock.runUntil([&] { return task.done(); }, limit))
         throw std::runtime_error("a task does not end");
     return task.result();
+}
+
+/// Starts what `make` makes again and again and destroys it, one wait later each time, until it
+/// ends, which must be without a fault; answers at how many waits.
+template <class Make>
+int destroyAtEveryWait(JumpingClock& clock, Make make) {
+    for (int waits = 1;; ++waits) {
+        Task<Fault> task = make();
+        task.start();
+        int left = waits;
+        clock.runUntil([&] { return task.done() || --left == 0; }, 1h);
+        if (task.done() && task.result()) throw std::runtime_error(*task.result());
+        if (task.done()) return waits;
+        task.reset();
+        if (clock.pending() != 0) throw std::runtime_error("a wake-up is left behind");
+    }
 }
 
 /// Wall time from its parts.
