@@ -12,32 +12,28 @@ struct TrackerOptionsTest : Tracker {
         form.txt_lat.text = latitude;
         form.txt_org.text = origin;
     }
+    Messages typed() const {
+        return {form.txt_sn.text.get(), form.txt_tz.text.get(), form.txt_lon.text.get(),
+                form.txt_lat.text.get(), form.txt_org.text.get()};
+    }
 
     OptionForm& form = s.optionForm;
     const std::string& status = form.status.caption.get();
 };
 
-TEST_F(TrackerOptionsTest, ReadsThem) {
+TEST_F(TrackerOptionsTest, ReadsThemAndTellsWhatItChanged) {
     finish(s.options.activate());
     const std::vector<Bytes> expected{{0x02, 0x01, 0x47, 0x30, 0x77, 0x03}, {0x06},
                                       {0x02, 0x01, 0x81, 0x30, 0xB1, 0x03}, {0x06},
                                       {0x02, 0x01, 0x85, 0x30, 0xB5, 0x03}, {0x06}};
     EXPECT_EQ(s.port.written, expected);
-    EXPECT_EQ(form.txt_sn.text.get(), "ST-042");
-    EXPECT_EQ(form.txt_tz.text.get(), "540");
-    EXPECT_EQ(form.txt_lon.text.get(), "139.75");
-    EXPECT_EQ(form.txt_lat.text.get(), "35.50");
-    EXPECT_EQ(form.txt_org.text.get(), "359.99");
+    EXPECT_EQ(typed(), (Messages{"ST-042", "540", "139.75", "35.50", "359.99"}));
     EXPECT_EQ(s.module.site.latitude, 35.5);
     EXPECT_EQ(s.module.origin, 359.99);
     EXPECT_EQ(s.siteChanges, 1);
-    expectAtRest();
-}
-
-TEST_F(TrackerOptionsTest, ReadingTellsWhatItChanged) {
-    finish(s.options.activate());
     EXPECT_EQ(status, "Read from the tracker. Latitude changed: 35.738 to 35.5. Longitude changed: "
                       "139.315 to 139.75.");
+    expectAtRest();
     finish(s.options.activate());
     EXPECT_EQ(status, "Read from the tracker.") << "nothing any more";
     s.port.site[0] = 0x01;
@@ -74,14 +70,15 @@ TEST_F(TrackerOptionsTest, WhatTheDialogWouldRefuseIsShownButNotStored) {
 }
 
 TEST_F(TrackerOptionsTest, TheZonesHoursAreShown) {
-    for (const auto& [minutes, hours] : {std::pair{"540", "= 9 h"},
-                                         {"330", "= 5 h 30 min"},
-                                         {"-570", "= -9 h 30 min"},
-                                         {"0", "= 0 h"},
-                                         {"45", "= 45 min"},
-                                         {"-30", "= -30 min"},
-                                         {"", ""},
-                                         {"-", ""}}) {
+    const std::pair<const char*, const char*> cases[] = {{"540", "= 9 h"},
+                                                         {"330", "= 5 h 30 min"},
+                                                         {"-570", "= -9 h 30 min"},
+                                                         {"0", "= 0 h"},
+                                                         {"45", "= 45 min"},
+                                                         {"-30", "= -30 min"},
+                                                         {"", ""},
+                                                         {"-", ""}};
+    for (const auto& [minutes, hours] : cases) {
         form.txt_tz.text = minutes;
         s.options.txt_tz_Change();
         EXPECT_EQ(form.lbl_hours.caption.get(), hours) << minutes;
@@ -109,8 +106,8 @@ TEST_F(TrackerOptionsTest, WritesThem) {
                                       {0x02, 0x02, 0x80, 0x31, 0x38, 0xE9, 0x03}, {0x06},
                                       {0x02, 0x01, 0x84, 0x38, 0xBC, 0x03},       {0x06}};
     EXPECT_EQ(s.port.written, expected);
-    EXPECT_EQ(form.txt_tz.text.get(), "-330"); // refreshed from what is stored
-    EXPECT_EQ(form.txt_lat.text.get(), "-120.00");
+    // refreshed from what is stored
+    EXPECT_EQ(typed(), (Messages{"ABCDE", "-330", "139.75", "-120.00", "359.99"}));
     EXPECT_EQ(s.module.site.Tz, -330);
     EXPECT_EQ(s.module.site.latitude, -120);
     EXPECT_EQ(s.module.origin, 359.99);
@@ -124,23 +121,23 @@ TEST_F(TrackerOptionsTest, WritesThem) {
 TEST_F(TrackerOptionsTest, WritingFaults) {
     const std::pair<std::uint8_t, std::string> commands[] = {
         {0x46, "OptionSetup Serial"}, {0x80, "OptionSetup Timezone"}, {0x84, "OptionSetup origin"}};
-    const std::pair<Bytes, std::string> faults[] = {
+    const std::pair<Bytes, const char*> faults[] = {
         {{}, ":Receive ERROR"},
         {{0x15}, ":Except[ACK]"},
         {{0x06, 0x02, 0x00, 0x77, 0x77, 0x03}, ":Except[CMD]"}};
     const auto stored = s.store.values;
     for (const auto& [failing, name] : commands)
         for (const auto& [wrong, text] : faults) {
-            SCOPED_TRACE(name + text);
+            const std::string fault = name + text;
+            SCOPED_TRACE(fault);
             type("ABCDE", " 330 ", "139.75", "35.5", "10");
             s.port.written.clear();
             answer([&](std::uint8_t cmd, const Bytes& sound) {
                 return cmd == failing ? wrong : sound;
             });
             finish(s.options.Command1_Click());
-            EXPECT_EQ(newlyLogged(), Messages{name + text});
-            EXPECT_EQ(status,
-                      (testing::Message() << "Failed: " << name << text << ".").GetString());
+            EXPECT_EQ(newlyLogged(), Messages{fault});
+            EXPECT_EQ(status, "Failed: " + fault + ".");
             EXPECT_EQ(form.txt_tz.text.get(), failing == 0x80 ? " 330 " : "330");
             EXPECT_EQ(s.port.written.size(), 5U) << "three frames, acknowledged but for one";
             expectAtRest();
@@ -181,8 +178,7 @@ TEST_F(TrackerOptionsTest, APortThatCannotBeOpenedOrVanishesIsTold) {
 
 TEST_F(TrackerOptionsTest, BeyondTheirBoundsTheyAreRefused) {
     const struct {
-        const char *zone, *longitude, *latitude, *origin;
-        const char* told;
+        const char *zone, *longitude, *latitude, *origin, *told;
         std::size_t frames;
     } cases[] = {{"720", "0", "0", "", "Input Error TimeZone Data.", 0},
                  {"-720", "0", "0", "", "Input Error TimeZone Data.", 0},

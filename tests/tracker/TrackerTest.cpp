@@ -15,27 +15,24 @@ TEST(MakeFrame, ByteExamples) {
 }
 
 TEST(TrackerValues, ByteExamples) {
-    Bytes bytes(8);
-    const auto two = std::span(bytes).first<2>();
+    Bytes bytes(16);
+    const std::span all(bytes);
     for (const auto& [value, high, low] :
          {std::tuple{-1, 0xFF, 0xFF}, {330, 0x01, 0x4A}, {540, 0x02, 0x1C}, {-32768, 0x80, 0}}) {
-        putInt16(two, static_cast<std::int16_t>(value));
-        EXPECT_EQ(bytes[0], high);
-        EXPECT_EQ(bytes[1], low);
-        EXPECT_EQ(int16From(two), value);
+        putInt16(all.first<2>(), static_cast<std::int16_t>(value));
+        EXPECT_EQ(std::pair<int, int>(bytes[0], bytes[1]), std::pair(high, low));
+        EXPECT_EQ(int16From(all.first<2>()), value);
     }
-    const auto eight = std::span(bytes).first<8>();
-    putDouble(eight, 139.75);
-    EXPECT_EQ(bytes, (Bytes{0x40, 0x61, 0x78, 0, 0, 0, 0, 0}));
-    EXPECT_EQ(doubleFrom(eight), 139.75);
-    Bytes digits(12);
-    putClock(std::span(digits).first<12>(), at(2006, 12, 31, 23, 59, 58));
-    EXPECT_EQ(digits, (Bytes{0, 6, 1, 2, 3, 1, 2, 3, 5, 9, 5, 8}));
-    Bytes serial(16);
-    putSerial(std::span(serial).first<16>(), "ABCDE");
-    EXPECT_EQ(serial, (Bytes{'A', 'B', 'C', 'D', 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0}));
-    putSerial(std::span(serial).first<16>(), "0123456789ABCDEFG");
-    EXPECT_EQ(serial.back(), 'F');
+    putDouble(all.first<8>(), 139.75);
+    EXPECT_EQ(Bytes(bytes.begin(), bytes.begin() + 8), (Bytes{0x40, 0x61, 0x78, 0, 0, 0, 0, 0}));
+    EXPECT_EQ(doubleFrom(all.first<8>()), 139.75);
+    putClock(all.first<12>(), at(2006, 12, 31, 23, 59, 58));
+    EXPECT_EQ(Bytes(bytes.begin(), bytes.begin() + 12),
+              (Bytes{0, 6, 1, 2, 3, 1, 2, 3, 5, 9, 5, 8}));
+    putSerial(all.first<16>(), "ABCDE");
+    EXPECT_EQ(bytes, (Bytes{'A', 'B', 'C', 'D', 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0}));
+    putSerial(all.first<16>(), "0123456789ABCDEFG");
+    EXPECT_EQ(bytes.back(), 'F');
 }
 
 TEST_F(Tracker, SetsItsClockFrameByFrame) {
@@ -46,10 +43,9 @@ TEST_F(Tracker, SetsItsClockFrameByFrame) {
         {0x02, 0x01, 0xA8, 0x31, 0xD9, 0x03},       {0x06}}; // sun tracking on
     EXPECT_EQ(s.port.written, expected);
     EXPECT_EQ(s.port.settings, "38400,N,8,1");
-    EXPECT_TRUE(s.logged().empty());
-    EXPECT_TRUE(s.op.told.empty());
+    EXPECT_TRUE(s.logged().empty() && s.op.told.empty());
     EXPECT_TRUE(s.timeForm.Label2[1].blue);
-    EXPECT_NE(s.timeForm.Label2[1].caption.get().find("2006/12/31 23:59:58"), std::string::npos);
+    EXPECT_TRUE(s.timeForm.Label2[1].caption.get().ends_with("2006/12/31 23:59:58"));
     expectAtRest();
 }
 
@@ -63,7 +59,6 @@ TEST_F(Tracker, ClockSettingFaults) {
         Bytes answer;
         Messages log;
         std::string fault;
-        bool told = true;
     } cases[] = {
         {"silence",
          {},
@@ -72,8 +67,7 @@ TEST_F(Tracker, ClockSettingFaults) {
         {"refusal",
          {0x15},
          {"SunRunning OFF:Except[ACK]", "CLOCK SET:Except[ACK]", "SunRunning ON:Except[ACK]"},
-         "The tracker did not take the time. See ERROR.LOG.",
-         false},
+         "The tracker did not take the time. See ERROR.LOG."},
         {"no echo", {0x06}, echoes, wrong},
         {"short echo", {0x06, 0x02, 0x00}, echoes, wrong},
         {"another echo", {0x06, 0x02, 0x00, 0x77, 0x77, 0x03}, echoes, wrong}};
@@ -85,7 +79,7 @@ TEST_F(Tracker, ClockSettingFaults) {
         EXPECT_EQ(s.timeForm.Label2[1].caption.get(), c.fault);
         EXPECT_FALSE(s.timeForm.Label2[1].blue);
         EXPECT_EQ(newlyLogged(), c.log);
-        EXPECT_EQ(s.op.told, c.told ? Messages{c.fault} : Messages{});
+        EXPECT_EQ(s.op.told.empty(), std::string(c.name) == "refusal");
         expectAtRest();
     }
 }
@@ -97,7 +91,6 @@ TEST_F(Tracker, AReplyThatNeverComesFailsAtTheThirdTick) {
     const Ticks begin = s.clock.ticks();
     EXPECT_FALSE(finish(s.link.Get1Char(byte)));
     EXPECT_EQ(s.clock.ticks() - begin, 2700ms);
-    EXPECT_TRUE(s.logged().empty());
 }
 
 TEST_F(Tracker, PortFailures) {
@@ -147,12 +140,11 @@ TEST_F(Tracker, ReceivesFrames) {
         s.port.send(bytes, 1ms, 900ms); // as slow as a tick allows
         EXPECT_EQ(finish(s.link.recMessage(reply)), log == nullptr);
         EXPECT_EQ(newlyLogged(), log == nullptr ? Messages{} : Messages{log});
-        if (log == nullptr) {
-            EXPECT_EQ(reply.data, (Bytes{0x41, 0x42, 0}));
-            EXPECT_EQ(reply.lastIndex, 1);
-        }
         const bool refused = log != nullptr && std::string(log) == "recMessage:SUM ERROR";
         EXPECT_EQ(s.port.written, refused ? std::vector<Bytes>{{0x15}} : std::vector<Bytes>{});
+        if (log != nullptr) continue;
+        EXPECT_EQ(reply.data, (Bytes{0x41, 0x42, 0}));
+        EXPECT_EQ(reply.lastIndex, 1);
     }
     // a frame of length 0 followed by a stream without end ends with the receive buffer
     ASSERT_TRUE(s.link.initCommunication());
@@ -162,10 +154,104 @@ TEST_F(Tracker, ReceivesFrames) {
     EXPECT_EQ(s.logged().back(), "recMessage:DATA/Receive ERROR 513");
 }
 
+/// USB adapters hand on what they hold every 8 to 16 ms, wherever that cuts an echo.
+TEST_F(Tracker, AnEchoMayComeInTwoPortions) {
+    for (std::ptrdiff_t split = 1; split < 6; ++split) {
+        answer([&](std::uint8_t, const Bytes& whole) {
+            s.port.send(Bytes(whole.begin(), whole.begin() + split), 3ms);
+            s.port.send(Bytes(whole.begin() + split, whole.end()), 3ms + 16ms);
+            return Bytes();
+        });
+        EXPECT_EQ(finish(s.timeSetting.setTrackerClock(false)), std::nullopt) << split;
+    }
+    EXPECT_TRUE(s.logged().empty());
+}
+
+TEST_F(Tracker, AnEchoEndsWithSilenceAndAllThatIsThereIsRead) {
+    const struct {
+        Bytes bytes;
+        std::uint8_t cmd;
+        Ticks took; ///< with the 2 ms of a look at the line
+    } cases[] = {{{1, 2}, 9, 22ms}, {{1, 2, 3}, 3, 22ms}, {Bytes(4000, 7), 7, 2ms}};
+    for (const auto& [bytes, expected, took] : cases) {
+        ASSERT_TRUE(s.link.initCommunication());
+        s.port.send(bytes);
+        std::uint8_t cmd = 9;
+        const Ticks begin = s.clock.ticks();
+        EXPECT_TRUE(finish(s.link.GetCmd(cmd)));
+        EXPECT_EQ(cmd, expected);
+        EXPECT_EQ(s.clock.ticks() - begin, took) << bytes.size();
+        EXPECT_EQ(s.port.inputCount(), 0U);
+    }
+}
+
+/// Bytes that come just within each byte's time-out used to hold a dialog for a minute.
+TEST_F(Tracker, AnExchangeEndsAfterFifteenSeconds) {
+    s.port.answer = [&](const Bytes& frame) {
+        s.port.discardInput();
+        s.port.send(s.port.goodAnswer(frame[2]), 1700ms, 1700ms);
+    };
+    ASSERT_TRUE(s.link.initCommunication());
+    const Ticks begin = s.clock.ticks();
+    Reply reply;
+    EXPECT_EQ(finish(s.commands.request(TrackerCommand::ReadSite, reply)), Exchange::NoReply);
+    EXPECT_EQ(s.clock.ticks() - begin, 15s);
+    // the acknowledgement, three bytes and four of the data had come
+    EXPECT_EQ(s.logged(), Messages{"recMessage:DATA/Receive ERROR 4"});
+    s.link.closeCommunication();
+
+    finish(s.options.activate(), 46s);
+    EXPECT_EQ(s.countLogged("OptionSetup Serial:Receive ERROR"), 1);
+    EXPECT_FALSE(s.port.isOpen());
+}
+
+TEST_F(Tracker, ThePortIsClosedHoweverItsProcedureEnds) {
+    {
+        Task<> destroyed = s.options.activate();
+        destroyed.start();
+        EXPECT_TRUE(s.port.isOpen());
+    }
+    expectAtRest();
+    s.port.answer = [](const Bytes&) { throw std::runtime_error("unforeseen"); };
+    EXPECT_THROW(finish(s.options.activate()), std::runtime_error);
+    expectAtRest();
+    EXPECT_THROW(finish(s.timeSetting.setTrackerClock(true)), std::runtime_error);
+    expectAtRest();
+    answerSoundly();
+    s.port.closingFails = true;
+    EXPECT_EQ(finish(s.timeSetting.setTrackerClock(true)), std::nullopt);
+    EXPECT_EQ(s.logged(), Messages{"closeCommunication:COM Port ERROR"});
+}
+
+/// A line that is shorted or has the wrong speed.
+TEST_F(Tracker, GarbageAtFullSpeedHoldsNobody) {
+    s.port.answer = [&](const Bytes&) {
+        s.port.send({0x06});
+        for (Ticks delay = 2ms; delay < 2s; delay += 1ms)
+            s.port.send(Bytes(4, 0x55), delay);
+    };
+    EXPECT_NE(finish(s.timeSetting.setTrackerClock(true), 100ms), std::nullopt);
+    finish(s.options.activate(), 100ms);
+    EXPECT_EQ(s.countLogged("recMessage:Except[STX] 55"), 3);
+    EXPECT_FALSE(s.port.isOpen());
+}
+
+/// A port that has vanished is still its procedure's, or the end of that would close another's.
+TEST_F(Tracker, AVanishedPortIsNoOthersBeforeItsProcedureEnds) {
+    s.port.answer = [](const Bytes&) {};
+    Task<> reading = s.options.activate();
+    reading.start();
+    s.port.unplug();
+    EXPECT_NE(finish(s.timeSetting.setTrackerClock(true), 0s), std::nullopt);
+    EXPECT_EQ(s.port.opened, 1);
+    EXPECT_TRUE(s.clock.runUntil([&] { return reading.done(); }, 1s));
+    answerSoundly();
+    EXPECT_EQ(finish(s.timeSetting.setTrackerClock(true)), std::nullopt);
+}
+
 TEST_F(Tracker, PortChoice) {
     EXPECT_EQ(s.portSelection.storedIndex(), 0);
     EXPECT_TRUE(finish(s.portSelection.confirm(2)));
-    EXPECT_EQ(s.store.values["Communication/Port"], "3");
     EXPECT_EQ(s.portSelection.storedIndex(), 2);
     EXPECT_FALSE(s.port.isOpen());
     s.port.openable = false;
@@ -191,7 +277,7 @@ TEST_F(Tracker, OneProcedureAtATimeUsesThePort) {
     EXPECT_FALSE(s.dailyClocks.isDue(s.clock.now(), false));
     EXPECT_TRUE(s.clock.runUntil([&] { return reading.done(); }, 1min));
     EXPECT_EQ(s.port.opened, 1);
-    EXPECT_FALSE(s.port.isOpen());
+    expectAtRest();
 }
 
 TEST_F(Tracker, CameraClock) {
@@ -203,7 +289,7 @@ TEST_F(Tracker, CameraClock) {
     s.clock.run(999ms);
     EXPECT_TRUE(s.wbSystemTm.urls.empty());
     s.clock.run(1ms);
-    const std::string cgi =
+    const auto cgi =
         "http://" + s.panel.txtIp.text.get() + ":" + s.panel.txtPort.text.get() + "/cgi/";
     EXPECT_EQ(s.wbSystemTm.urls.back(), // the time is taken once, before the first wait
               cgi + "conf_sys_inp.cgi?i_year=2006&i_mon=12&i_day=31&i_hour=23&i_min=59&i_sec=58");
@@ -226,18 +312,18 @@ void record(TestStation& s, const char* interval, bool automatic = true) {
 
 /// Once a day while recording, with every minute's picture taken all the same.
 TEST(DailyClocks, RunOnceADayBetweenCaptures) {
-    for (const auto& [interval, perHour] : {std::pair{"1", 60U}, {"2", 30U}, {"30", 2U}}) {
+    for (const auto& [interval, pictures] : {std::pair{"1", 480U}, {"2", 240U}, {"30", 16U}}) {
         SCOPED_TRACE(interval);
         TestStation s(at(2006, 11, 15, 8, 58));
         record(s, interval);
-        s.clock.run(24h * 2);
-        EXPECT_EQ(s.timeDialog, "open unloaded open unloaded open unloaded ");
-        EXPECT_EQ(s.imagesOf("20061116").size(), 8 * perHour);
-        EXPECT_TRUE(s.warnings.text.get().empty());
+        s.clock.run(33h);
+        EXPECT_EQ(s.timeDialog, "open unloaded open unloaded ");
+        EXPECT_EQ(s.imagesOf("20061116").size(), pictures);
+        EXPECT_EQ(s.warnings.text.get(), "");
     }
     TestStation off(at(2006, 11, 15, 8, 58));
     record(off, "30", false);
-    off.clock.run(48h);
+    off.clock.run(24h);
     EXPECT_EQ(off.timeDialog, "");
 }
 
