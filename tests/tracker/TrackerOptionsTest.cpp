@@ -45,24 +45,20 @@ TEST_F(TrackerOptionsTest, ReadsThemAndTellsWhatItChanged) {
 }
 
 TEST_F(TrackerOptionsTest, WhatTheDialogWouldRefuseIsShownButNotStored) {
-    const Bytes site = s.port.site;
-    s.port.site[0] = 0x02;
-    s.port.site[1] = 0xD0; // 720 min
-    finish(s.options.activate());
-    EXPECT_EQ(form.txt_tz.text.get(), "720");
-    s.port.site = site;
-    s.port.site[10] = 0xC0; // -120 degrees, as the station would write it
-    s.port.site[11] = 0x5E;
-    std::fill(s.port.site.begin() + 12, s.port.site.end(), std::uint8_t{0});
-    finish(s.options.activate());
-    EXPECT_EQ(form.txt_lat.text.get(), "-120.00");
+    const Bytes sound = s.port.site;
+    const auto shown = [&](std::size_t place, const Bytes& bytes) {
+        s.port.site = sound;
+        std::ranges::copy(bytes, s.port.site.begin() + static_cast<std::ptrdiff_t>(place));
+        finish(s.options.activate());
+        return typed();
+    };
+    EXPECT_EQ(shown(0, {0x02, 0xD0})[1], "720");
+    EXPECT_EQ(shown(10, {0xC0, 0x5E, 0, 0, 0, 0, 0, 0})[3], "-120.00"); // as it would be written
     EXPECT_EQ(s.module.site.latitude, 35.738);
     EXPECT_EQ(s.siteChanges, 0);
-    s.port.site = site;
-    s.port.origin = {0x40, 0x76, 0x80, 0, 0, 0, 0, 0}; // 360 degrees
     s.module.origin = 1;
-    finish(s.options.activate());
-    EXPECT_EQ(form.txt_org.text.get(), "360.00");
+    s.port.origin = {0x40, 0x76, 0x80, 0, 0, 0, 0, 0};
+    EXPECT_EQ(shown(0, {})[4], "360.00");
     EXPECT_EQ(s.module.origin, 1);
     const std::string refused = "OptionSetup Timezone:values out of range, not stored";
     EXPECT_EQ(s.logged(),

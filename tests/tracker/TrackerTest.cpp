@@ -6,8 +6,6 @@ namespace {
 TEST(MakeFrame, ByteExamples) {
     EXPECT_EQ(MakeFrame(0x48), (Bytes{0x02, 0x00, 0x48, 0x48, 0x03}));
     EXPECT_EQ(MakeFrame(0x48, "12"), (Bytes{0x02, 0x02, 0x48, 0x31, 0x32, 0xAB, 0x03}));
-    EXPECT_EQ(MakeFrame(0xA8, "1"), (Bytes{0x02, 0x01, 0xA8, 0x31, 0xD9, 0x03}));
-    EXPECT_EQ(MakeFrame(0x81, "0"), (Bytes{0x02, 0x01, 0x81, 0x30, 0xB1, 0x03}));
     const Bytes longest = MakeFrame(0x01, std::string(300, '\xFF'));
     EXPECT_EQ(longest.size(), 257U);
     EXPECT_EQ(longest[1], 252);
@@ -99,14 +97,12 @@ TEST_F(Tracker, PortFailures) {
     EXPECT_EQ(s.logged(), Messages{"initCommunication:COM Port EEROR"});
     EXPECT_EQ(s.op.told, Messages{"Initialization of a communication port went wrong."});
     expectAtRest();
-
     s.port.openable = true;
     s.port.unplugAfterInput = true; // in the middle of the first exchange
     answer([](std::uint8_t, const Bytes&) { return Bytes{0x06}; });
     EXPECT_NE(finish(s.timeSetting.setTrackerClock(false), 30s), std::nullopt);
     EXPECT_GT(s.countLogged("get1charERROR:Input/output error"), 0);
     expectAtRest();
-
     s.port.unplugAfterInput = false;
     answerSoundly();
     s.port.stuckOutput = 7; // a line that takes nothing off
@@ -168,12 +164,9 @@ TEST_F(Tracker, AnEchoMayComeInTwoPortions) {
 }
 
 TEST_F(Tracker, AnEchoEndsWithSilenceAndAllThatIsThereIsRead) {
-    const struct {
-        Bytes bytes;
-        std::uint8_t cmd;
-        Ticks took; ///< with the 2 ms of a look at the line
-    } cases[] = {{{1, 2}, 9, 22ms}, {{1, 2, 3}, 3, 22ms}, {Bytes(4000, 7), 7, 2ms}};
-    for (const auto& [bytes, expected, took] : cases) {
+    // with the 2 ms of a look at the line
+    for (const auto& [bytes, expected, took] :
+         {std::tuple{Bytes{1, 2}, 9, 22ms}, {Bytes{1, 2, 3}, 3, 22ms}, {Bytes(4000, 7), 7, 2ms}}) {
         ASSERT_TRUE(s.link.initCommunication());
         s.port.send(bytes);
         std::uint8_t cmd = 9;
@@ -199,18 +192,16 @@ TEST_F(Tracker, AnExchangeEndsAfterFifteenSeconds) {
     // the acknowledgement, three bytes and four of the data had come
     EXPECT_EQ(s.logged(), Messages{"recMessage:DATA/Receive ERROR 4"});
     s.link.closeCommunication();
-
     finish(s.options.activate(), 46s);
     EXPECT_EQ(s.countLogged("OptionSetup Serial:Receive ERROR"), 1);
     EXPECT_FALSE(s.port.isOpen());
 }
 
 TEST_F(Tracker, ThePortIsClosedHoweverItsProcedureEnds) {
-    {
-        Task<> destroyed = s.options.activate();
-        destroyed.start();
-        EXPECT_TRUE(s.port.isOpen());
-    }
+    Task<> destroyed = s.options.activate();
+    destroyed.start();
+    EXPECT_TRUE(s.port.isOpen());
+    destroyed.reset();
     expectAtRest();
     s.port.answer = [](const Bytes&) { throw std::runtime_error("unforeseen"); };
     EXPECT_THROW(finish(s.options.activate()), std::runtime_error);
@@ -236,19 +227,6 @@ TEST_F(Tracker, GarbageAtFullSpeedHoldsNobody) {
     EXPECT_FALSE(s.port.isOpen());
 }
 
-/// A port that has vanished is still its procedure's, or the end of that would close another's.
-TEST_F(Tracker, AVanishedPortIsNoOthersBeforeItsProcedureEnds) {
-    s.port.answer = [](const Bytes&) {};
-    Task<> reading = s.options.activate();
-    reading.start();
-    s.port.unplug();
-    EXPECT_NE(finish(s.timeSetting.setTrackerClock(true), 0s), std::nullopt);
-    EXPECT_EQ(s.port.opened, 1);
-    EXPECT_TRUE(s.clock.runUntil([&] { return reading.done(); }, 1s));
-    answerSoundly();
-    EXPECT_EQ(finish(s.timeSetting.setTrackerClock(true)), std::nullopt);
-}
-
 TEST_F(Tracker, PortChoice) {
     EXPECT_EQ(s.portSelection.storedIndex(), 0);
     EXPECT_TRUE(finish(s.portSelection.confirm(2)));
@@ -266,18 +244,24 @@ TEST_F(Tracker, PortChoice) {
     EXPECT_EQ(s.op.told.back(), "Port(COM):7 is unusual. Please re-set up.");
 }
 
-/// Two procedures never share the port: the later one is told so and leaves it alone.
+/// Two procedures never share the port, not even one that has vanished, or the end of the first
+/// would close another's: the later one is told so and leaves it alone.
 TEST_F(Tracker, OneProcedureAtATimeUsesThePort) {
+    s.op.patience = 0ms;
     answer([](std::uint8_t, const Bytes&) { return Bytes{}; });
     Task<> reading = s.options.activate();
     reading.start();
-    EXPECT_NE(finish(s.timeSetting.setTrackerClock(true)), std::nullopt);
-    EXPECT_FALSE(finish(s.portSelection.confirm(1)));
-    EXPECT_TRUE(s.port.isOpen());
-    EXPECT_FALSE(s.dailyClocks.isDue(s.clock.now(), false));
-    EXPECT_TRUE(s.clock.runUntil([&] { return reading.done(); }, 1min));
+    for (const bool vanished : {false, true}) {
+        if (vanished) s.port.unplug();
+        EXPECT_NE(finish(s.timeSetting.setTrackerClock(true), 0s), std::nullopt);
+        EXPECT_FALSE(finish(s.portSelection.confirm(1), 0s));
+        EXPECT_FALSE(s.dailyClocks.isDue(s.clock.now(), false));
+    }
+    EXPECT_TRUE(s.clock.runUntil([&] { return reading.done(); }, 1s));
     EXPECT_EQ(s.port.opened, 1);
     expectAtRest();
+    answerSoundly();
+    EXPECT_EQ(finish(s.timeSetting.setTrackerClock(true)), std::nullopt);
 }
 
 TEST_F(Tracker, CameraClock) {
@@ -304,41 +288,25 @@ TEST_F(Tracker, CameraClock) {
     EXPECT_EQ(s.logged(), Messages{"Adjust Time : 2006/12/31 23:59:58"});
 }
 
-void record(TestStation& s, const char* interval, bool automatic = true) {
-    s.store.values["Settings/AdjTime"] = "1";
-    s.setSchedule("9", "17", interval);
-    s.start(automatic);
-}
-
-/// Once a day while recording, with every minute's picture taken all the same.
-TEST(DailyClocks, RunOnceADayBetweenCaptures) {
-    for (const auto& [interval, pictures] : {std::pair{"1", 480U}, {"2", 240U}, {"30", 16U}}) {
-        SCOPED_TRACE(interval);
+TEST(DailyClocks, RunOnceADayAndASilentTrackerCostsAWarningAndNoPicture) {
+    for (const bool automatic : {true, false}) {
         TestStation s(at(2006, 11, 15, 8, 58));
-        record(s, interval);
-        s.clock.run(33h);
-        EXPECT_EQ(s.timeDialog, "open unloaded open unloaded ");
-        EXPECT_EQ(s.imagesOf("20061116").size(), pictures);
+        s.port.answer = [](const Bytes&) {};
+        s.store.values["Settings/AdjTime"] = "1";
+        s.setSchedule("9", "17", "1");
+        s.start(automatic);
+        s.clock.runUntil(at(2006, 11, 15, 17, 1));
+        EXPECT_EQ(s.imagesOf("20061115").size(), automatic ? 480U : 0U);
+        EXPECT_EQ(s.warnings.text.get(), automatic ? "The daily clock setting failed: Communication"
+                                                     " is unusual. Please check connection."
+                                                   : "");
+        EXPECT_TRUE(s.op.told.empty());
+        s.port.answer = [&](const Bytes& frame) { s.port.send(s.port.goodAnswer(frame[2])); };
+        s.clock.run(24h);
+        EXPECT_EQ(s.imagesOf("20061116").size(), automatic ? 480U : 0U);
         EXPECT_EQ(s.warnings.text.get(), "");
+        EXPECT_EQ(s.timeDialog, automatic ? "open unloaded open unloaded " : "");
     }
-    TestStation off(at(2006, 11, 15, 8, 58));
-    record(off, "30", false);
-    off.clock.run(24h);
-    EXPECT_EQ(off.timeDialog, "");
-}
-
-TEST(DailyClocks, ASilentTrackerCostsAWarningAndNoPicture) {
-    TestStation s(at(2006, 11, 15, 8, 58));
-    s.port.answer = [](const Bytes&) {};
-    record(s, "1");
-    s.clock.runUntil(at(2006, 11, 15, 17, 1));
-    EXPECT_EQ(s.imagesOf("20061115").size(), 480U);
-    EXPECT_EQ(s.warnings.text.get(), "The daily clock setting failed: Communication is unusual. "
-                                     "Please check connection.");
-    EXPECT_TRUE(s.op.told.empty());
-    s.port.answer = [&](const Bytes& frame) { s.port.send(s.port.goodAnswer(frame[2])); };
-    s.clock.run(24h);
-    EXPECT_TRUE(s.warnings.text.get().empty());
 }
 
 } // namespace
