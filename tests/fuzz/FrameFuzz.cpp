@@ -1,12 +1,11 @@
 // Feeds arbitrary bytes, arbitrarily split in time, to the receivers of the tracker link.
 
 #include "station/RepeatingTimer.h"
+#include "tests/fuzz/Require.h"
 #include "tests/support/FakeTracker.h"
 #include "tests/support/Fakes.h"
 #include "tests/support/JumpingClock.h"
 #include "tracker/TrackerCommands.h"
-
-#include <cstdlib>
 
 namespace {
 
@@ -18,14 +17,8 @@ bool isFrame(const Bytes& bytes) {
     if (bytes.size() < 6 || bytes[0] != 0x02 || bytes[1] == 0) return false;
     const std::size_t end = 4U + bytes[1];
     if (bytes.size() <= end || bytes[end] != 0x03) return false;
-    unsigned sum = 0;
-    for (std::size_t i = 2; i < end - 1; ++i)
-        sum += bytes[i];
-    return bytes[end - 1] == sum % 256;
-}
-
-void require(bool condition) {
-    if (!condition) std::abort();
+    const auto first = bytes.begin() + 2;
+    return bytes[end - 1] == std::accumulate(first, first + bytes[1] + 1, 0U) % 256;
 }
 
 struct Link {

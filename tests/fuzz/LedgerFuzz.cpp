@@ -1,19 +1,15 @@
 // Feeds arbitrary bytes, as a day's ledger, to what reads it.
 
 #include "archive/Ledger.h"
+#include "tests/fuzz/Require.h"
 
 #include <algorithm>
-#include <cstdlib>
-#include <set>
+#include <regex>
 #include <sstream>
 
 namespace {
 
 using namespace orvane;
-
-void require(bool condition) {
-    if (!condition) std::abort();
-}
 
 bool isSame(const LedgerLine& a, const LedgerLine& b) {
     return a.minute == b.minute && a.offset == b.offset && a.entry == b.entry && a.file == b.file &&
@@ -46,21 +42,12 @@ std::vector<std::string> fieldsOf(const std::string& line) {
     return fields;
 }
 
-bool isTime(const std::string& text) {
-    if (text.size() != 5 || text[2] != ':') return false;
-    for (const std::size_t i : {0U, 1U, 3U, 4U})
-        if (text[i] < '0' || text[i] > '9') return false;
-    return text.substr(0, 2) < "24" && text.substr(3) < "60";
-}
-
 bool isLine(const std::string& line) {
-    static const std::set<std::string> events{"taken",           "fetched later", "missed",
-                                              "program started", "program ended", "recording on",
-                                              "recording off",   "schedule"};
+    static const std::regex head("([01][0-9]|2[0-3]):[0-5][0-9],[+-]([01][0-9]|2[0-3]):[0-5][0-9],"
+                                 "(taken|fetched later|missed|program (started|ended)|"
+                                 "recording (on|off)|schedule)");
     const auto fields = fieldsOf(line);
-    return !fields.empty() && isTime(fields[0]) &&
-           (fields[1].starts_with('+') || fields[1].starts_with('-')) &&
-           isTime(fields[1].substr(1)) && events.contains(fields[2]);
+    return !fields.empty() && std::regex_match(fields[0] + ',' + fields[1] + ',' + fields[2], head);
 }
 
 /// Without what follows the last line's end.
@@ -107,8 +94,7 @@ void requireDay(const std::vector<LedgerLine>& lines) {
         require(watch[place] == day.watch()[place] || watch[place] == Watch::NotRunning);
         if (lines.empty()) require(watch[place] == Watch::Unknown);
     }
-    const Schedule present{
-        std::chrono::hours(9), std::chrono::hours(17), std::chrono::minutes(30), {}};
+    const Schedule present{9h, 17h, 30min, {}};
     for (const int now : {0, 720, kDayMinutes}) {
         const DueMinutes isDue = day.dueBy(present, now);
         for (int minute = now; minute < kDayMinutes; ++minute)

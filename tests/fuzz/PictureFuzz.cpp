@@ -7,13 +7,13 @@
 #include "platform/qt/JpegDecoder.h"
 #include "platform/qt/JpegEncoder.h"
 #include "platform/qt/LibjpegImageControl.h"
+#include "tests/fuzz/Require.h"
 #include "tests/support/JumpingClock.h"
 
 #include <QFontDatabase>
 #include <QGuiApplication>
 
 #include <algorithm>
-#include <cstdlib>
 
 namespace {
 
@@ -22,10 +22,6 @@ using test::finish;
 using test::JumpingClock;
 
 constexpr const char* kStamp = "2006:11:15 09:30:00";
-
-void require(bool condition) {
-    if (!condition) std::abort();
-}
 
 /// Anything that may be read as a frame's header and tells of many pixels: allowed, but slow.
 bool mayBeLarge(const std::string& bytes) {

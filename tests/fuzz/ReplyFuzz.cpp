@@ -3,11 +3,11 @@
 
 #include "camera/ImageStore.h"
 #include "platform/Page.h"
+#include "tests/fuzz/Require.h"
 #include "tests/support/Fakes.h"
 #include "tests/support/JumpingClock.h"
 #include "tests/support/TempFolder.h"
 
-#include <cstdlib>
 #include <set>
 #include <sstream>
 
@@ -15,10 +15,6 @@ namespace {
 
 using namespace orvane;
 using namespace orvane::test;
-
-void require(bool condition) {
-    if (!condition) std::abort();
-}
 
 /// The complete records' paths, worked out apart from the reader: every third of the pieces that a
 /// comma ends.
