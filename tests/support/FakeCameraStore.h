@@ -27,12 +27,9 @@ struct FakeCameraStore {
 
     std::string search(const std::string& url) const {
         int year = 0, month = 0, day = 0, hour = 0, minute = 0, second = 0;
-        const std::size_t from = url.find("&from_year=");
-        if (from != std::string::npos)
-            std::sscanf(
-                url.c_str() + from,
-                "&from_year=%d&from_mon=%d&from_day=%d&from_hour=%d&from_min=%d&from_sec=%d", &year,
-                &month, &day, &hour, &minute, &second);
+        std::sscanf(url.c_str() + std::min(url.find("&from_year="), url.size()),
+                    "&from_year=%d&from_mon=%d&from_day=%d&from_hour=%d&from_min=%d&from_sec=%d",
+                    &year, &month, &day, &hour, &minute, &second);
         char first[80];
         std::snprintf(first, sizeof first, "%04d%02d%02d_%02d%02d%02d", 2000 + year, month + 1,
                       day + 1, hour, minute, second);

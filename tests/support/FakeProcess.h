@@ -7,7 +7,7 @@
 namespace orvane::test {
 
 /// An ffmpeg that lists `encoders`, then writes what it is fed into the file that is its last
-/// argument, as it comes. `behave` goes wrong once it has been fed `soundBytes`.
+/// argument, as it comes.
 class FakeProcess final : public Process {
   public:
     explicit FakeProcess(Clock& clock) : clock_(clock) {}
@@ -41,8 +41,9 @@ class FakeProcess final : public Process {
         co_return fault_;
     }
     Task<ProcessEnd> end(Ticks patience) override {
-        co_await clock_.sleep(failing == "hang at the end" && !isQuery() ? patience : 50ms);
-        if (failing == "hang at the end" && !isQuery()) fault_ = "it does not end";
+        const bool hangs = failing == "hang at the end" && !isQuery();
+        co_await clock_.sleep(hangs ? patience : 50ms);
+        if (hangs) fault_ = "it does not end";
         running = false;
         ProcessEnd result{fault_, 0, isQuery() ? encoders : said};
         if (failing == "exit code" && !isQuery()) result.code = 1;
@@ -52,7 +53,6 @@ class FakeProcess final : public Process {
         killed += running;
         running = false;
     }
-
     void bury() override { buried = !running; }
 
     bool buried = false;

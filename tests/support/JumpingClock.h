@@ -82,10 +82,9 @@ int destroyAtEveryWait(JumpingClock& clock, Make make) {
 /// Wall time from its parts.
 inline WallTime at(int year, unsigned month, unsigned day, int hour = 0, int minute = 0,
                    int second = 0) {
-    const std::chrono::year_month_day date{std::chrono::year(year), std::chrono::month(month),
-                                           std::chrono::day(day)};
-    return WallTime(std::chrono::local_days(date)) + std::chrono::hours(hour) +
-           std::chrono::minutes(minute) + std::chrono::seconds(second);
+    using namespace std::chrono;
+    const auto date = std::chrono::year(year) / static_cast<int>(month) / static_cast<int>(day);
+    return WallTime(local_days(date)) + hours(hour) + minutes(minute) + seconds(second);
 }
 
 } // namespace orvane::test

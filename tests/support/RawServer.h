@@ -26,10 +26,8 @@ class RawServer {
     /// The answer to the next request; called for each.
     std::function<std::string(const std::string& path)> answer;
     After after = After::Close;
-    /// Sent again and again behind the answer, as fast as it is taken.
-    std::string flood;
-    /// Milliseconds between two bytes behind the headers; 0: all at once.
-    int pace = 0;
+    std::string flood; ///< sent again and again behind the answer, as fast as it is taken
+    int pace = 0;      ///< milliseconds between two bytes behind the headers; 0: all at once
     int requests = 0;
 
   private:

@@ -22,9 +22,8 @@ struct ReadMail {
         const qsizetype end = whole.indexOf("\r\n\r\n");
         headers = headersOf(whole.left(end));
         const QRegularExpression boundary("boundary=\"([^\"]+)\"");
-        const QString mark =
-            boundary.match(QString::fromStdString(headers["Content-Type"])).captured(1);
-        const QStringList pieces = whole.mid(end + 2).split("\r\n--" + mark);
+        const QString type = QString::fromStdString(headers["Content-Type"]);
+        const auto pieces = whole.mid(end + 2).split("\r\n--" + boundary.match(type).captured(1));
         isClosed = pieces.size() > 2 && pieces.last() == "--\r\n";
         for (qsizetype piece = 1; piece + 1 < pieces.size(); ++piece)
             parts.push_back(partOf(pieces[piece].mid(2)));
@@ -49,14 +48,13 @@ struct ReadMail {
         return all;
     }
     static std::string decoded(const QString& text) {
-        static const QRegularExpression word("=\\?UTF-8\\?B\\?([^?]*)\\?=");
+        static const QRegularExpression words("=\\?UTF-8\\?B\\?([^?]*)\\?=");
         QString rest = text;
         std::string bytes;
-        for (auto match = word.match(rest); match.hasMatch(); match = word.match(rest)) {
+        for (auto match = words.match(rest); match.hasMatch(); match = words.match(rest)) {
             bytes += rest.left(match.capturedStart()).toStdString();
-            const QByteArray code = match.captured(1).toLatin1();
-            // each word is whole characters
-            bytes += QString::fromUtf8(QByteArray::fromBase64(code)).toStdString();
+            const auto word = QByteArray::fromBase64(match.captured(1).toLatin1());
+            bytes += QString::fromUtf8(word).toStdString(); // each is whole characters
             rest = rest.mid(match.capturedEnd());
         }
         return bytes + rest.toStdString();
@@ -64,9 +62,8 @@ struct ReadMail {
     static Part partOf(const QString& text) {
         const qsizetype end = text.indexOf("\r\n\r\n");
         const QByteArray code = text.mid(end + 4).remove("\r\n").toLatin1();
-        return {
-            headersOf(text.left(end)),
-            QByteArray::fromBase64(code, QByteArray::AbortOnBase64DecodingErrors).toStdString()};
+        const auto strictly = QByteArray::AbortOnBase64DecodingErrors;
+        return {headersOf(text.left(end)), QByteArray::fromBase64(code, strictly).toStdString()};
     }
 };
 

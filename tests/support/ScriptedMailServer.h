@@ -62,20 +62,18 @@ class ScriptedMailServer {
             pending_.erase(0, end + 2);
             if (inMail_ && line != ".") {
                 mail += line + "\r\n";
-                continue;
+            } else {
+                lines.push_back(line);
+                say(socket, line);
             }
-            inMail_ = false;
-            lines.push_back(line);
-            say(socket, line);
         }
     }
     void say(QTcpSocket& socket, const std::string& line) {
         const std::string reply = answer(line);
         inMail_ = line == "DATA" && reply.starts_with("354");
         socket.write(reply.data(), static_cast<qint64>(reply.size()));
-        if (!closesAt) return;
-        const bool isMeant = closesAt->empty() ? line.empty() : line.starts_with(*closesAt);
-        if (isMeant) socket.disconnectFromHost();
+        if (closesAt && (closesAt->empty() ? line.empty() : line.starts_with(*closesAt)))
+            socket.disconnectFromHost();
     }
 
     QTcpServer server_;

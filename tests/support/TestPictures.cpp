@@ -77,18 +77,20 @@ std::uint32_t readDirectory(const std::string& tiff, Ifd ifd, std::uint32_t at,
     return number(tiff, end, 4);
 }
 
-/// Of each colour of each pixel; false when the sizes differ.
-template <class Take>
-bool forEachDifference(const QImage& a, const QImage& b, Take take) {
-    if (a.size() != b.size() || a.isNull()) return false;
+/// Of each colour of each pixel: the largest and the mean; 255 when the sizes differ.
+std::pair<int, double> differences(const QImage& a, const QImage& b) {
+    if (a.size() != b.size() || a.isNull()) return {255, 255};
+    int largest = 0;
+    double sum = 0;
     for (int y = 0; y < a.height(); ++y)
         for (int x = 0; x < a.width(); ++x) {
             const QRgb p = a.pixel(x, y), q = b.pixel(x, y);
-            take(std::abs(qRed(p) - qRed(q)));
-            take(std::abs(qGreen(p) - qGreen(q)));
-            take(std::abs(qBlue(p) - qBlue(q)));
+            for (const int by : {qRed(p) - qRed(q), qGreen(p) - qGreen(q), qBlue(p) - qBlue(q)}) {
+                largest = std::max(largest, std::abs(by));
+                sum += std::abs(by);
+            }
         }
-    return true;
+    return {largest, sum / (3.0 * a.width() * a.height())};
 }
 
 } // namespace
@@ -120,15 +122,10 @@ QImage decoded(const std::filesystem::path& file) {
 }
 
 int difference(const QImage& a, const QImage& b) {
-    int largest = 0;
-    return forEachDifference(a, b, [&](int by) { largest = std::max(largest, by); }) ? largest
-                                                                                     : 255;
+    return differences(a, b).first;
 }
-
 double meanDifference(const QImage& a, const QImage& b) {
-    double sum = 0;
-    const bool isSameSize = forEachDifference(a, b, [&](int by) { sum += by; });
-    return isSameSize ? sum / (3.0 * a.width() * a.height()) : 255;
+    return differences(a, b).second;
 }
 
 std::string segment(int marker, const std::string& payload) {
