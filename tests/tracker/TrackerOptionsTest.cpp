@@ -95,38 +95,24 @@ TEST_F(TrackerOptionsTest, ReadingFaults) {
     expectAtRest();
 }
 
-TEST_F(TrackerOptionsTest, WritesThem) {
-    type("ABCDE", " -330 ", "139.75", "-120", "359.99"); // beyond the pole, but within the bound
-    finish(s.options.Command1_Click());
-    const std::vector<Bytes> expected{{0x02, 0x02, 0x46, 0x31, 0x36, 0xAD, 0x03}, {0x06},
-                                      {0x02, 0x02, 0x80, 0x31, 0x38, 0xE9, 0x03}, {0x06},
-                                      {0x02, 0x01, 0x84, 0x38, 0xBC, 0x03},       {0x06}};
-    EXPECT_EQ(s.port.written, expected);
-    // refreshed from what is stored
-    EXPECT_EQ(typed(), (Messages{"ABCDE", "-330", "139.75", "-120.00", "359.99"}));
-    EXPECT_EQ(s.module.site.Tz, -330);
-    EXPECT_EQ(s.module.site.latitude, -120);
-    EXPECT_EQ(s.module.origin, 359.99);
-    EXPECT_EQ(s.siteChanges, 1);
-    EXPECT_EQ(status, "Sent to the tracker.");
-    expectAtRest();
-}
-
 /// Whichever of the three the tracker refuses or leaves unanswered: it is told, the others are
 /// written all the same, nothing counts as taken, and the next attempt succeeds.
-TEST_F(TrackerOptionsTest, WritingFaults) {
+TEST_F(TrackerOptionsTest, WritesThemAndTellsFaults) {
     const std::pair<std::uint8_t, std::string> commands[] = {
         {0x46, "OptionSetup Serial"}, {0x80, "OptionSetup Timezone"}, {0x84, "OptionSetup origin"}};
     const std::pair<Bytes, const char*> faults[] = {
         {{}, ":Receive ERROR"},
         {{0x15}, ":Except[ACK]"},
         {{0x06, 0x02, 0x00, 0x77, 0x77, 0x03}, ":Except[CMD]"}};
+    const std::vector<Bytes> frames{{0x02, 0x02, 0x46, 0x31, 0x36, 0xAD, 0x03}, {0x06},
+                                    {0x02, 0x02, 0x80, 0x31, 0x38, 0xE9, 0x03}, {0x06},
+                                    {0x02, 0x01, 0x84, 0x38, 0xBC, 0x03},       {0x06}};
     const auto stored = s.store.values;
     for (const auto& [failing, name] : commands)
         for (const auto& [wrong, text] : faults) {
             const std::string fault = name + text;
             SCOPED_TRACE(fault);
-            type("ABCDE", " 330 ", "139.75", "35.5", "10");
+            type("ABCDE", " -330 ", "139.75", "-120", "359.99"); // beyond the pole
             s.port.written.clear();
             answer([&](std::uint8_t cmd, const Bytes& sound) {
                 return cmd == failing ? wrong : sound;
@@ -134,13 +120,21 @@ TEST_F(TrackerOptionsTest, WritingFaults) {
             finish(s.options.Command1_Click());
             EXPECT_EQ(newlyLogged(), Messages{fault});
             EXPECT_EQ(status, "Failed: " + fault + ".");
-            EXPECT_EQ(form.txt_tz.text.get(), failing == 0x80 ? " 330 " : "330");
+            EXPECT_EQ(form.txt_tz.text.get(), failing == 0x80 ? " -330 " : "-330");
             EXPECT_EQ(s.port.written.size(), 5U) << "three frames, acknowledged but for one";
             expectAtRest();
             answerSoundly();
+            s.port.written.clear();
             finish(s.options.Command1_Click());
             EXPECT_EQ(status, "Sent to the tracker.");
+            EXPECT_EQ(s.port.written, frames);
         }
+    // refreshed from what is stored
+    EXPECT_EQ(typed(), (Messages{"ABCDE", "-330", "139.75", "-120.00", "359.99"}));
+    EXPECT_EQ(s.module.site.Tz, -330);
+    EXPECT_EQ(s.module.site.latitude, -120);
+    EXPECT_EQ(s.module.origin, 359.99);
+    EXPECT_GT(s.siteChanges, 0);
     EXPECT_EQ(s.store.values, stored);
     EXPECT_EQ(s.op.told, Messages{});
 }
