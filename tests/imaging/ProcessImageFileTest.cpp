@@ -1,5 +1,4 @@
 #include "imaging/ProcessImageFile.h"
-
 #include "platform/qt/LibjpegImageControl.h"
 #include "tests/support/TestPictures.h"
 
@@ -30,12 +29,6 @@ struct ProcessImageFileTest : testing::Test {
     LibjpegImageControl control_{clock_};
 };
 
-/// Whether anything but the gradient stands in the lower left corner.
-bool isStamped(const QImage& picture, const QImage& plain) {
-    const QRect corner(0, 210, 150, 30);
-    return difference(picture.copy(corner), plain.copy(corner)) > 100;
-}
-
 TEST_F(ProcessImageFileTest, AppliesMirrorAndStampAndKeepsTheRawFile) {
     writeFile(image_, source_);
     ASSERT_EQ(process({.LrFlg = kOn, .RawFlg = kOn}, false), std::nullopt);
@@ -52,9 +45,9 @@ TEST_F(ProcessImageFileTest, AppliesMirrorAndStampAndKeepsTheRawFile) {
         ASSERT_EQ(process(options), std::nullopt);
         const QImage plain = gradient(320, 240).mirrored(mirrored, false);
         const QImage result = decoded(copy_);
-        const QRect upper(0, 0, 320, 200);
+        const QRect upper(0, 0, 320, 200), corner(0, 210, 150, 30);
         EXPECT_LE(meanDifference(result.copy(upper), plain.copy(upper)), 2);
-        EXPECT_EQ(isStamped(result, plain), stamped);
+        EXPECT_EQ(difference(result.copy(corner), plain.copy(corner)) > 100, stamped);
         EXPECT_EQ(contentsOf(image_), source_) << "the camera's file was changed";
         EXPECT_TRUE(control_.picture().isNull()) << "the pixels are still held";
         EXPECT_EQ(std::filesystem::exists(rawPathOf(image_)), options.RawFlg != 0);
@@ -144,8 +137,7 @@ TEST(StampText, IsCutByPosition) {
         const char *text, *exif;
     } cases[] = {
         {u8"/data/20250621/20250621_093005_00.jpg", "2025/06/21 09:30", "2025:06:21 09:30:05"},
-        // The tail starts wherever 22 characters from the end lie.
-        {u8"/data/x/20250621_093005_00.jpeg", "0250/62/1_ 93:00", ""},
+        {u8"/data/x/20250621_093005_00.jpeg", "0250/62/1_ 93:00", ""}, // the last 22 characters
         {u8"/sky.jpg", "/sky/.j/pg :", ""},
         {u8"a", "a// :", ""},
         {u8"", "// :", ""},

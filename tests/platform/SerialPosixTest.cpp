@@ -130,7 +130,7 @@ TEST_F(SerialPosix, CountsExactlyAndReadsOneByteAtATime) {
     expectCount(3);
     device_.hangUp(); // what was counted outlives it
     EXPECT_EQ(port_->inputCount(), 3u);
-    for (const std::uint8_t byte : {0x00, 0x48, 0x03})
+    for (const int byte : {0x00, 0x48, 0x03})
         EXPECT_EQ(port_->readByte(), byte);
     EXPECT_EQ(port_->readByte(), std::nullopt);
     EXPECT_EQ(port_->fault(), device_.path() + ": Input/output error");

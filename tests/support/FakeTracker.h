@@ -87,8 +87,9 @@ class FakeTracker final : public SerialPort {
         if (cmd == 0x85) data = origin;
         const unsigned sum = std::accumulate(data.begin(), data.end(), unsigned{cmd});
         Bytes bytes{0x06, 0x02, static_cast<std::uint8_t>(data.size()), cmd};
-        bytes.insert(bytes.end(), data.begin(), data.end());
-        bytes.insert(bytes.end(), {static_cast<std::uint8_t>(sum), 0x03});
+        std::ranges::copy(data, std::back_inserter(bytes));
+        bytes.push_back(static_cast<std::uint8_t>(sum));
+        bytes.push_back(0x03);
         return bytes;
     }
 
