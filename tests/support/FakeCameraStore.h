@@ -4,7 +4,6 @@
 
 #include <cstdio>
 #include <set>
-#include <string>
 
 namespace orvane::test {
 

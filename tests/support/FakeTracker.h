@@ -5,11 +5,8 @@
 
 #include <algorithm>
 #include <deque>
-#include <functional>
 #include <numeric>
 #include <stdexcept>
-#include <string>
-#include <vector>
 
 namespace orvane::test {
 

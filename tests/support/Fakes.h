@@ -1,6 +1,5 @@
 #pragma once
 
-#include "platform/Clock.h"
 #include "platform/Files.h"
 #include "platform/HttpTransfer.h"
 #include "platform/ImageControl.h"
@@ -10,13 +9,9 @@
 #include "station/ImageViews.h"
 
 #include <algorithm>
-#include <exception>
 #include <functional>
 #include <map>
-#include <memory>
 #include <set>
-#include <string>
-#include <vector>
 
 namespace orvane::test {
 

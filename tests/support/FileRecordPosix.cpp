@@ -2,10 +2,8 @@
 #include "tests/support/TempFolder.h"
 
 #include <atomic>
-#include <cerrno>
 #include <cstdarg>
 #include <cstdio>
-#include <system_error>
 #include <utility>
 
 #include <dlfcn.h>

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <array>
-#include <utility>
 
 namespace orvane::test {
 
@@ -70,8 +69,7 @@ class Disk {
 
   private:
     struct File {
-        std::string safe;
-        std::string now;
+        std::string safe, now;
     };
     using Names = std::map<std::string, int>;
 

@@ -1,14 +1,11 @@
 #pragma once
 
-#include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <map>
 #include <optional>
 #include <set>
-#include <string>
 #include <thread>
-#include <vector>
 
 namespace orvane::test {
 

@@ -5,7 +5,6 @@
 #include <QTimer>
 
 #include <functional>
-#include <string>
 
 namespace orvane::test {
 

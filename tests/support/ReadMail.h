@@ -5,8 +5,6 @@
 #include <QString>
 
 #include <map>
-#include <string>
-#include <vector>
 
 namespace orvane::test {
 

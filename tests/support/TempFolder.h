@@ -1,13 +1,9 @@
 #pragma once
 
 #include <algorithm>
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <random>
-#include <string>
-#include <vector>
 
 namespace orvane::test {
 

@@ -162,8 +162,6 @@ JpegParts partsOf(const std::string& jpeg) {
     }
     for (const auto& [code, payload] : parts.segments) {
         if (code < 0xC0 || code > 0xC2) continue;
-        parts.height = static_cast<int>(bigEndian16(payload, 1));
-        parts.width = static_cast<int>(bigEndian16(payload, 3));
         for (unsigned i = 0; i < byteOf(payload, 5); ++i)
             parts.sampling.push_back(static_cast<int>(byteOf(payload, 6 + 3 * i + 1)));
     }

@@ -3,12 +3,7 @@
 #include "tests/support/JumpingClock.h"
 #include "tests/support/TempFolder.h"
 
-#include <cstdint>
-#include <filesystem>
 #include <map>
-#include <string>
-#include <utility>
-#include <vector>
 
 #include <QImage>
 
@@ -35,8 +30,6 @@ std::string withSegments(const std::string& jpeg, const std::string& segments);
 struct JpegParts {
     std::vector<std::pair<int, std::string>> segments; ///< marker (0xE1), payload
     std::vector<int> sampling;                         ///< 0x22: two by two, for each component
-    int width = 0;
-    int height = 0;
 
     std::vector<std::string> all(int marker) const;
     bool has(int marker) const { return !all(marker).empty(); }

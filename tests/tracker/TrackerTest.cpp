@@ -18,7 +18,7 @@ TEST(TrackerValues, ByteExamples) {
     for (const auto& [value, high, low] :
          {std::tuple{-1, 0xFF, 0xFF}, {330, 0x01, 0x4A}, {540, 0x02, 0x1C}, {-32768, 0x80, 0}}) {
         putInt16(all.first<2>(), static_cast<std::int16_t>(value));
-        EXPECT_EQ(std::pair<int, int>(bytes[0], bytes[1]), std::pair(high, low));
+        EXPECT_EQ(std::pair(int{bytes[0]}, int{bytes[1]}), std::pair(high, low));
         EXPECT_EQ(int16From(all.first<2>()), value);
     }
     putDouble(all.first<8>(), 139.75);
