@@ -16,10 +16,7 @@ struct ProcessImageFileTest : testing::Test {
     Fault process(const ImageOptions& options, bool processingOn = true) {
         return finish(clock_, ProcessImageFile(control_, image_, options, processingOn));
     }
-    Names edited() const {
-        const auto edit = folder_.path() / "Edit";
-        return std::filesystem::exists(edit) ? listing(edit) : Names();
-    }
+    Names edited() const { return listing(folder_.path() / "Edit"); }
 
     TempFolder folder_;
     std::filesystem::path image_ = folder_.path() / "20250621" / "20250621_093000_00.jpg";

@@ -55,25 +55,14 @@ TEST(SunTimes, AgreeWithAnIndependentEphemeris) {
         }
 }
 
-TEST(SunTimes, TextsStayWhereThereAreNone) {
+TEST(SunTimes, AreNotComputedForNoPlace) {
     const double nan = std::numeric_limits<double>::quiet_NaN();
     const double infinite = std::numeric_limits<double>::infinity();
-    const struct {
-        const char* what;
-        SiteValues site;
-        unsigned month;
-        bool isFault;
-    } cases[] = {
-        {"polar day", {78.2, 15.6, 60}, 6, false}, {"polar night", {78.2, 15.6, 60}, 12, false},
-        {"no latitude", {nan, 0, 0}, 6, true},     {"no longitude", {0, nan, 0}, 6, true},
-        {"latitude", {infinite, 0, 0}, 6, true},   {"longitude", {0, -infinite, 0}, 6, true},
-    };
-    for (const auto& [what, site, month, isFault] : cases) {
-        SCOPED_TRACE(what);
+    for (const SiteValues& site :
+         {SiteValues{nan, 0, 0}, {0, nan, 0}, {infinite, 0, 0}, {0, -infinite, 0}}) {
         SunTimes times{"1:02:00", "23:04:00"};
-        EXPECT_EQ(ComputeSunriseSunset(site, day(2025, month, 21), times).has_value(), isFault);
-        EXPECT_EQ(times.SunriseText, "1:02:00");
-        EXPECT_EQ(times.SunsetText, "23:04:00");
+        EXPECT_TRUE(ComputeSunriseSunset(site, day(2025, 6, 21), times));
+        EXPECT_EQ(times.SunriseText + ' ' + times.SunsetText, "1:02:00 23:04:00");
     }
 }
 
@@ -122,8 +111,7 @@ const Scan kScans[] = {
     {"last pair", {{1440, 1441}}, 0, "22:59:00", ""},
     {"nothing is seen after the last sample", {{300, 1441}}, 0, "3:59:00", ""},
     {"exactly the threshold is below", {{301, 601}}, 0, "4:00:00", "11:00:00", "", -0.5, -0.4999},
-    {"and never above", {{301, 601}}, 0, "", "", "", -5, -0.5},
-};
+    {"and never above", {{301, 601}}, 0, "", "", "", -5, -0.5}};
 
 TEST(SunScan, WritesTheTexts) {
     for (const Scan& scan : kScans) {
@@ -132,11 +120,11 @@ TEST(SunScan, WritesTheTexts) {
         table.fill(scan.low);
         for (const auto& [from, to] : scan.above)
             std::fill(table.begin() + from, table.begin() + to, scan.high);
-        SunTimes times;
+        SunTimes times{"as before", "as before"};
         const auto fault = scanCrossings(table, static_cast<std::int16_t>(scan.Tz), times);
         EXPECT_EQ(fault.value_or(""), scan.fault);
-        EXPECT_EQ(times.SunriseText, scan.sunrise);
-        EXPECT_EQ(times.SunsetText, scan.sunset);
+        EXPECT_EQ(times.SunriseText, *scan.sunrise == 0 ? "as before" : scan.sunrise);
+        EXPECT_EQ(times.SunsetText, *scan.sunset == 0 ? "as before" : scan.sunset);
     }
 }
 

@@ -96,8 +96,7 @@ TEST(Page, HtmlBecomesWhatAReaderSeesAndPlainTextStays) {
         {"<a title='>' href=\"x>y\">seen</a>", "seen"},
         {"<p>&lt;&#65;&#x42;&amp;&nbsp;&quot;&eacute;&#233;&#0;&#xD800;&", "<AB& \"&eacute;é??&"},
         {"<p>1 < 2 <3 </p>", "1 < 2 <3\n"},
-        {"<tr><td>a</td><td>b</td></tr>", "a b\n"},
-    };
+        {"<tr><td>a</td><td>b</td></tr>", "a b\n"}};
     for (const auto& [html, text] : cases)
         EXPECT_EQ(textOfPage(html), text) << html;
     for (const char* unfinished : {"<a", "<!--", "<script>", "<p title='"})

@@ -41,10 +41,11 @@ inline void writeFile(const std::filesystem::path& file, const std::string& byte
     std::filesystem::create_directories(file.parent_path());
     std::ofstream(file, std::ios::binary) << bytes;
 }
-/// Every file and folder below, relative, sorted.
+/// Every file and folder below, relative, sorted; none where there is no such folder.
 inline std::vector<std::string> listing(const std::filesystem::path& folder) {
     std::vector<std::string> found;
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(folder))
+    std::error_code missing;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(folder, missing))
         found.push_back(entry.path().lexically_relative(folder).generic_string());
     std::ranges::sort(found);
     return found;

@@ -83,25 +83,15 @@ class TestStation {
     }
     /// The names of the images in a day's folder, sorted; `below` is "" or "Edit".
     std::vector<std::string> imagesOf(const std::string& day, const std::string& below = "") const {
-        std::vector<std::string> names;
-        const auto dayFolder = dataFolder() / below / day;
-        if (!std::filesystem::exists(dayFolder)) return names;
-        for (const auto& entry : std::filesystem::directory_iterator(dayFolder))
-            names.push_back(entry.path().filename().string());
-        std::ranges::sort(names);
-        return names;
+        return listing(dataFolder() / below / day);
     }
     /// The messages of ERROR.LOG without their stamps.
     std::vector<std::string> logged() const {
         constexpr std::size_t kStampLength = 20;
         std::vector<std::string> messages;
-        std::string text;
-        readWholeFile(module.programFolder / "ERROR.LOG", text);
-        for (std::size_t at = 0; at < text.size();) {
-            const std::size_t end = text.find("\r\n", at);
-            messages.push_back(text.substr(at + kStampLength, end - at - kStampLength));
-            at = end + 2;
-        }
+        std::ifstream log(module.programFolder / "ERROR.LOG", std::ios::binary);
+        for (std::string line; std::getline(log, line);)
+            messages.push_back(line.substr(kStampLength, line.size() - kStampLength - 1)); // no CR
         return messages;
     }
     int countLogged(const std::string& message) const {
