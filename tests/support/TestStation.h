@@ -89,8 +89,8 @@ class TestStation {
     std::vector<std::string> logged() const {
         constexpr std::size_t kStampLength = 20;
         std::vector<std::string> messages;
-        std::ifstream log(module.programFolder / "ERROR.LOG", std::ios::binary);
-        for (std::string line; std::getline(log, line);)
+        std::ifstream file(module.programFolder / "ERROR.LOG", std::ios::binary);
+        for (std::string line; std::getline(file, line);)
             messages.push_back(line.substr(kStampLength, line.size() - kStampLength - 1)); // no CR
         return messages;
     }
