@@ -53,9 +53,8 @@ class FakeProcess final : public Process {
         killed += running;
         running = false;
     }
-    void bury() override { buried = !running; }
+    void bury() override {}
 
-    bool buried = false;
     bool installed = true;
     std::string encoders = "Encoders:\n V....D libx264              H.264\n";
     std::string failing; ///< "start", "die", "hang", "hang at the end", "exit code"; empty: nothing

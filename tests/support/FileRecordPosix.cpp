@@ -32,10 +32,6 @@ void FileRecord::end() {
     running = nullptr;
 }
 
-void FileRecord::promise(const std::filesystem::path& file) {
-    steps_.push_back({What::Promised, 0, relative(file)});
-}
-
 void FileRecord::changed(std::optional<int> forcedDescriptor) {
     const int reason = errno;
     FileRecord* const record = running;

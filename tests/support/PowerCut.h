@@ -41,7 +41,9 @@ class FileRecord {
 
     void end();
     void settle() { steps_.push_back({FileStep::What::Settled}); }
-    void promise(const std::filesystem::path& file);
+    void promise(const std::filesystem::path& file) {
+        steps_.push_back({FileStep::What::Promised, 0, relative(file)});
+    }
     const std::vector<FileStep>& steps() const { return steps_; }
 
     /// For the functions in front of the C library's: something may have changed, or
