@@ -13,7 +13,6 @@
 #include <QPushButton>
 #include <QTabWidget>
 #include <QTextBrowser>
-#include <QUrl>
 
 namespace orvane::test {
 
@@ -78,12 +77,10 @@ struct FakeDesktop {
 
 /// A dark desktop as long as it lives.
 struct DarkDesktop {
-    DarkDesktop() {
-        QApplication::setPalette(QPalette(QColor(50, 50, 50), QColor(40, 40, 40)));
-        QCoreApplication::sendPostedEvents();
-    }
-    ~DarkDesktop() {
-        QApplication::setPalette(QPalette());
+    DarkDesktop() { use(QPalette(QColor(50, 50, 50), QColor(40, 40, 40))); }
+    ~DarkDesktop() { use(QPalette()); }
+    static void use(const QPalette& colours) {
+        QApplication::setPalette(colours);
         QCoreApplication::sendPostedEvents();
     }
 };
@@ -102,6 +99,10 @@ class WindowTest : public testing::Test {
     bool isOn(const char* control) const { return part(control).isEnabled(); }
     QAction& action(const char* name) const { return part<QAction>(name); }
     void trigger(const char* name) { action(name).trigger(); }
+    void run(const char* entry) {
+        trigger(entry);
+        w.clock.run(1s);
+    }
     QDialog& open(const char* entry, const char* dialog) {
         trigger(entry);
         return part<QDialog>(dialog);
