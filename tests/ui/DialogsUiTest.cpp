@@ -1,7 +1,8 @@
 #include "tests/ui/WindowTest.h"
+#include "ui/dialogs/FrmComPort.h"
 #include "ui/dialogs/FrmSave.h"
+#include "ui/dialogs/FrmTKRTimeAuto.h"
 #include "ui/dialogs/Frm_AutoStart.h"
-#include "ui/dialogs/Frm_massege.h"
 #include "ui/dialogs/QtOperator.h"
 
 #include <QProgressBar>
@@ -45,21 +46,18 @@ TEST_F(DialogsUi, AQuestionIsAnsweredByItsButtonsAndKeys) {
 }
 
 TEST_F(DialogsUi, AMessageBoxGoesWithItsTaskAndItsWindow) {
-    auto window = std::make_unique<QWidget>();
-    asked.setParentWindow(window.get());
+    std::optional<QWidget> window(std::in_place);
+    asked.setParentWindow(&*window);
     Task<bool> task = asked.ask("?");
     task.start();
-    ASSERT_NE(openBox(), nullptr);
     task.reset();
     EXPECT_EQ(openBox(), nullptr);
-
     Task<bool> second = asked.ask("?");
     second.start();
     window.reset();
     clock.run(1ms);
     ASSERT_TRUE(second.done());
     EXPECT_FALSE(second.result());
-
     asked.setParentWindow(nullptr);
     Task<> alone = asked.tell("standing alone");
     alone.start();
@@ -71,21 +69,19 @@ TEST_F(DialogsUi, AMessageBoxGoesWithItsTaskAndItsWindow) {
 }
 
 TEST_F(DialogsUi, SaveOptionsSelectQualityAndFormat) {
-    struct Case {
+    constexpr std::int16_t kExif = ImageControl::kFormatExif, k444 = ImageControl::kFormat444;
+    const struct {
         std::int16_t quality, format;
         const char *shown, *shownFormat, *chosen; ///< "": none
         std::int16_t qualityThen, formatThen;
-    };
-    constexpr std::int16_t kExif = ImageControl::kFormatExif, k444 = ImageControl::kFormat444;
-    const Case cases[] = {{2, kExif, "Option1", "opt_type_0", "", 2, kExif}, // OK changes nothing
-                          {9, kExif, "Option1", "opt_type_0", "Option2", 24, kExif},
-                          {10, k444, "Option2", "opt_type_1", "", 10, k444},
-                          {49, k444, "Option2", "opt_type_1", "Option3", 56, k444},
-                          {50, 20, "Option3", "", "", 50, 20}, // unknown, and stays
-                          {50, 20, "Option3", "", "Option1", 2, 20},
-                          {50, 20, "Option3", "", "opt_type_0", 50, kExif},
-                          {50, kExif, "Option3", "opt_type_0", "opt_type_1", 50, k444}};
-    for (const Case& c : cases) {
+    } cases[] = {{2, kExif, "Option1", "opt_type_0", "", 2, kExif}, // OK changes nothing
+                 {9, kExif, "Option1", "opt_type_0", "Option2", 24, kExif},
+                 {10, k444, "Option2", "opt_type_1", "Option1", 2, k444},
+                 {49, k444, "Option2", "opt_type_1", "Option3", 56, k444},
+                 {50, 20, "Option3", "", "", 50, 20}, // unknown, and stays
+                 {50, 20, "Option3", "", "opt_type_0", 50, kExif},
+                 {50, kExif, "Option3", "opt_type_0", "opt_type_1", 50, k444}};
+    for (const auto& c : cases) {
         SCOPED_TRACE(&c - cases);
         options.Quality = c.quality;
         options.JpegTyp = c.format;
@@ -111,22 +107,16 @@ TEST_F(DialogsUi, DateStampNeedsMirroring) {
     auto& date = find<QCheckBox>(form, "chk_date");
     EXPECT_EQ(options.DateFlg, 0) << "cleared as soon as the dialog opens";
     EXPECT_FALSE(date.isEnabled());
-    tick(form, "chk_lr");
-    tick(form, "chk_date");
-    EXPECT_TRUE(date.isChecked());
-    tick(form, "chk_lr");
-    EXPECT_FALSE(date.isChecked());
-    tick(form, "chk_lr");
-    tick(form, "chk_date");
+    for (const bool mirrored : {true, false, true}) {
+        tick(form, "chk_lr");
+        if (mirrored) tick(form, "chk_date");
+        EXPECT_EQ(date.isChecked(), mirrored);
+    }
     EXPECT_EQ(options.LrFlg, 0);
     click(form, "Command1");
     EXPECT_EQ(options.LrFlg, -1);
     EXPECT_EQ(options.DateFlg, -1);
-    EXPECT_EQ(options.RawFlg, 0);
-    EXPECT_FALSE(form.isVisible());
-    FrmSave again(options);
-    EXPECT_TRUE(find<QCheckBox>(again, "chk_date").isChecked());
-    EXPECT_EQ(options.DateFlg, -1);
+    EXPECT_TRUE(find<QCheckBox>(FrmSave(options), "chk_date").isChecked());
 }
 
 TEST_F(DialogsUi, DelayIsA16BitNumber) {
@@ -152,43 +142,22 @@ TEST_F(DialogsUi, DelayIsA16BitNumber) {
     }
 }
 
-TEST_F(DialogsUi, WarningOpensAndClosesByItself) {
-    Warnings warnings{clock};
-    Frm_massege form(warnings);
-    EXPECT_FALSE(form.isVisible());
-    warnings.set(Warnings::Cause::NoImage, "No image at 09:30 and 10:00.");
-    EXPECT_TRUE(form.isVisible());
-    EXPECT_FALSE(form.isModal());
-    click(form, "Command1");
-    EXPECT_FALSE(form.isVisible());
-    warnings.set(Warnings::Cause::DiskSpace, "Little space.");
-    EXPECT_TRUE(form.isVisible()) << "a new text opens it again";
-    const std::string text = textOf(form, "Label1");
-    EXPECT_TRUE(has(text, "No image at 09:30 and 10:00.\nCheck the camera's power"));
-    EXPECT_TRUE(has(text, "\nLittle space.\nMove old days elsewhere"));
-    warnings.clear(Warnings::Cause::NoImage);
-    EXPECT_TRUE(form.isVisible());
-    warnings.clear(Warnings::Cause::DiskSpace);
-    EXPECT_FALSE(form.isVisible());
-}
-
 TEST_F(DialogsUi, CountdownExits) {
-    enum class Exit { None, MainLoop, End };
-    const std::pair<std::function<void(Frm_AutoStart&)>, Exit> cases[] = {
-        {[](auto& form) { click(form, "Command1"); }, Exit::MainLoop},
-        {[](auto& form) { click(form, "Command2"); }, Exit::End},
-        {[](auto& form) { form.close(); }, Exit::MainLoop},
-        {[](auto& form) { QTest::keyClick(&form, Qt::Key_Escape); }, Exit::MainLoop},
-        {[this](auto&) { clock.run(99 * 105ms); }, Exit::MainLoop}};
+    const std::pair<std::function<void(Frm_AutoStart&)>, const char*> cases[] = {
+        {[](auto& form) { click(form, "Command1"); }, "main loop"},
+        {[](auto& form) { click(form, "Command2"); }, "end"},
+        {[](auto& form) { form.close(); }, "main loop"},
+        {[](auto& form) { QTest::keyClick(&form, Qt::Key_Escape); }, "main loop"},
+        {[this](auto&) { clock.run(99 * 105ms); }, "main loop"}};
     for (const auto& [act, expected] : cases) {
         Module1 module;
         FakeStore store;
-        Exit exit = Exit::None;
+        std::string exit;
         Frm_AutoStart* form = nullptr;
-        AutoStart autoStart(module, store, clock,
-                            {[&] { form->closeDialog(); }, [&] { exit = Exit::MainLoop; },
-                             [&] { exit = Exit::End; }},
-                            noFault);
+        AutoStart autoStart(
+            module, store, clock,
+            {[&] { form->closeDialog(); }, [&] { exit = "main loop"; }, [&] { exit = "end"; }},
+            noFault);
         Frm_AutoStart dialog(autoStart);
         form = &dialog;
         show(dialog);
@@ -198,6 +167,163 @@ TEST_F(DialogsUi, CountdownExits) {
         EXPECT_EQ(exit, expected);
         EXPECT_FALSE(dialog.isVisible());
     }
+}
+
+class TrackerUi : public WindowTest {
+  protected:
+    QColor colour(const char* label) const {
+        return part<QLabel>(label).palette().color(QPalette::WindowText);
+    }
+    /// Without its buttons.
+    static void dismiss(QDialog& form) {
+        QTest::keyClick(&form, Qt::Key_Escape);
+        form.close();
+    }
+};
+
+TEST_F(TrackerUi, TheStoredPortIsSelectedAndWhatIsMissingIsMarked) {
+    const std::tuple<const char*, int, const char*> cases[] = {
+        {"3", 2, "Option1_2"}, {"1", 0, "Option1_0"}, {"7", -1, "Command1"}, {"4", 3, "Option1_3"}};
+    for (const auto& [stored, selected, focused] : cases) {
+        SCOPED_TRACE(stored);
+        w.store.values["Communication/Port"] = stored;
+        w.port.missing = selected + 1;
+        QDialog& form = open("mnuCOMSelect", "FrmComPort");
+        EXPECT_EQ(form.windowModality(), Qt::WindowModal);
+        EXPECT_EQ(focusOf(form), focused);
+        for (int i = 0; i < 4; ++i) {
+            auto& option = find<QRadioButton>(form, ("Option1_" + std::to_string(i)).c_str());
+            EXPECT_EQ(option.isChecked(), i == selected);
+            EXPECT_EQ(option.text().remove('&'),
+                      QString("COM%1%2").arg(i + 1).arg(i == selected ? " (not there)" : ""));
+            EXPECT_TRUE(option.isEnabled());
+        }
+        dismiss(form);
+        EXPECT_FALSE(form.isVisible());
+    }
+    EXPECT_EQ(w.port.opened, 0);
+}
+
+TEST_F(TrackerUi, APortThatCannotBeOpenedKeepsTheDialog) {
+    QDialog& form = open("mnuCOMSelect", "FrmComPort");
+    tick(form, "Option1_2");
+    for (const bool openable : {false, true}) {
+        w.port.openable = openable;
+        click(form, "Command1");
+        w.clock.run(2s);
+        EXPECT_EQ(form.isVisible(), !openable);
+        EXPECT_TRUE(find<QRadioButton>(form, "Option1_2").isChecked());
+        EXPECT_EQ(w.store.values["Communication/Port"], openable ? "3" : "");
+    }
+    trigger("mnuCOMSelect");
+    tick(form, "Option1_0");
+    click(form, "Command2");
+    EXPECT_FALSE(form.isVisible());
+    EXPECT_EQ(w.store.values["Communication/Port"], "3");
+
+    w.port.openable = false;
+    std::optional<FrmComPort> brief(std::in_place, w.portSelection, w.tasks);
+    show(*brief);
+    click(*brief, "Command1");
+    EXPECT_EQ(w.tasks.running(), 1u);
+    brief.reset();
+    w.clock.run(2s);
+    EXPECT_EQ(w.tasks.running(), 0u) << "a trial may outlive its dialog";
+}
+
+TEST_F(TrackerUi, OptionsAreReadShownAndSentAsTyped) {
+    QDialog& form = open("mnuTKROption", "frmOption");
+    const std::tuple<const char*, const char*, const char*, Value<std::string>*> fields[] = {
+        {"txt_sn", "ST-042", "", &w.optionForm.txt_sn.text},
+        {"txt_tz", "540", "-60", &w.optionForm.txt_tz.text},
+        {"txt_lon", "139.75", "-0.5", &w.optionForm.txt_lon.text},
+        {"txt_org", "359.99", "12", &w.optionForm.txt_org.text},
+        {"txt_lat", "35.50", "51.5", &w.optionForm.txt_lat.text}};
+    const auto expectLocked = [&](bool locked) {
+        for (const auto& field : fields)
+            EXPECT_EQ(find<QWidget>(form, std::get<0>(field)).isEnabled(), !locked);
+        for (const char* button : {"Command1", "Command2"})
+            EXPECT_EQ(find<QWidget>(form, button).isEnabled(), !locked) << button;
+        EXPECT_EQ(find<QWidget>(form, "busy").isVisible(), locked);
+        if (locked) dismiss(form);
+        EXPECT_TRUE(form.isVisible());
+    };
+    expectLocked(true);
+    w.clock.run(2s);
+    expectLocked(false);
+    EXPECT_EQ(focusOf(form), "txt_sn");
+    EXPECT_EQ(textOf(form, "status"),
+              "Read from the tracker. Latitude changed: 35.738 to 35.5. Longitude changed: 139.315 "
+              "to 139.75.");
+    EXPECT_EQ(textOf(form, "lbl_hours"), "= 9 h");
+    for (const auto& [name, read, typed, value] : fields) {
+        EXPECT_EQ(find<QLineEdit>(form, name).text(), read) << name;
+        type(find<QLineEdit>(form, name), typed);
+        EXPECT_EQ(value->get(), *typed == '\0' ? read : typed) << name;
+    }
+    EXPECT_EQ(textOf(form, "lbl_hours"), "= -1 h");
+    w.port.written.clear();
+    QTest::keyClick(&find<QLineEdit>(form, "txt_lat"), Qt::Key_Return);
+    expectLocked(true);
+    w.clock.run(2s);
+    EXPECT_EQ(w.module.site, (SiteValues{51.5, -0.5, -60}));
+    EXPECT_FALSE(w.port.written.empty());
+    EXPECT_EQ(focusOf(form), "txt_lat") << "where the operator was";
+    type(find<QLineEdit>(form, "txt_sn"), QString(40, 'x'));
+    EXPECT_EQ(w.optionForm.txt_sn.text.get(), std::string(32, 'x'));
+    dismiss(form);
+    EXPECT_FALSE(form.isVisible());
+}
+
+TEST_F(TrackerUi, TheClockDialogFollowsItsProcedures) {
+    const QColor blue(0, 0, 255);
+    QDialog& form = open("mnuTKRTimeSetAuto", "FrmTKRTimeAuto");
+    EXPECT_FALSE(form.isModal());
+    const auto& query = find<QLineEdit>(form, "txtSystemQuery");
+    EXPECT_TRUE(query.isReadOnly());
+    w.clock.run(2s);
+    EXPECT_EQ(query.text(), "?i_year=2006&i_mon=11&i_day=15&i_hour=8&i_min=0&i_sec=0");
+    EXPECT_EQ(colour("Label2_0"), QApplication::palette().color(QPalette::WindowText));
+    dismiss(form);
+    EXPECT_TRUE(form.isVisible());
+    w.clock.run(7s);
+    EXPECT_EQ(textOf(form, "Label2_0"), "カメラ時刻校正:2006/11/15 08:00:00");
+    EXPECT_EQ(colour("Label2_0"), blue);
+    EXPECT_NE(colour("Label2_1"), blue);
+    const QWidget& set = find<QWidget>(form, "Command1");
+    const QWidget& bar = find<QWidget>(form, "busy");
+    EXPECT_TRUE(!set.isEnabled() && bar.isVisible());
+    w.clock.run(3s);
+    EXPECT_TRUE(set.isEnabled() && !bar.isVisible());
+    EXPECT_EQ(focusOf(form), "Command3");
+    {
+        const DarkDesktop desktop;
+        EXPECT_GT(colour("Label2_0").lightness(), 160);
+        EXPECT_GT(colour("Label2_0").blue(), colour("Label2_0").red());
+    }
+    EXPECT_EQ(colour("Label2_0"), blue);
+    click(form, "Command1");
+    EXPECT_FALSE(find<QWidget>(form, "Command3").isEnabled());
+    w.clock.run(2s);
+    EXPECT_EQ(colour("Label2_1"), blue);
+    EXPECT_EQ(w.wbSystemTm.urls.size(), 2u) << "the camera is set once, by opening";
+    click(form, "Command3");
+    EXPECT_FALSE(form.isVisible());
+}
+
+TEST_F(TrackerUi, TheDailyRunTakesNoFocusAndStartsNothing) {
+    FrmTKRTimeAuto& form = *w.main.timeDialog();
+    form.openAutomatic();
+    EXPECT_TRUE(form.isVisible());
+    EXPECT_TRUE(form.testAttribute(Qt::WA_ShowWithoutActivating));
+    EXPECT_EQ(w.tasks.running(), 0u);
+    form.unload();
+    EXPECT_EQ(&open("mnuTKRTimeSetAuto", "FrmTKRTimeAuto"), &form) << "one dialog for both";
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&form));
+    form.openAutomatic();
+    EXPECT_EQ(w.tasks.running(), 1u) << "already open";
+    form.unload();
+    EXPECT_FALSE(form.isVisible()) << "unloading does not wait for a procedure";
 }
 
 } // namespace
