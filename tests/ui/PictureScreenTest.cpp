@@ -1,8 +1,13 @@
 #include "tests/ui/WindowTest.h"
+#include "ui/pictures/FirstRun.h"
+#include "ui/pictures/Tiles.h"
 
+#include <QCommandLinkButton>
 #include <QDropEvent>
 #include <QMenuBar>
 #include <QMimeData>
+
+#include <set>
 
 namespace orvane::test {
 namespace {
@@ -11,7 +16,10 @@ namespace {
 class PictureScreen : public WindowTest {
   protected:
     /// Lets a drag go over the main window; whether its cursor welcomed it.
-    bool drop(const QMimeData& data) {
+    bool drop(const QList<QUrl>& urls, const QString& text = {}) {
+        QMimeData data;
+        data.setUrls(urls);
+        data.setText(text);
         const Qt::DropActions offered = Qt::CopyAction | Qt::MoveAction;
         QDragEnterEvent enter({100, 100}, offered, &data, Qt::LeftButton, {});
         QApplication::sendEvent(&w.main, &enter);
@@ -22,30 +30,19 @@ class PictureScreen : public WindowTest {
         EXPECT_TRUE(!let.isAccepted() || let.dropAction() == Qt::CopyAction);
         return enter.isAccepted();
     }
-    bool drop(const QList<QUrl>& urls) {
-        QMimeData data;
-        data.setUrls(urls);
-        return drop(data);
-    }
     QUrl urlOf(const char* name) const {
         return QUrl::fromLocalFile(toQString(w.dataFolder() / name));
     }
-    void key(QWidget& widget, Qt::Key code, Qt::KeyboardModifiers keys = {}) {
-        QTest::keyClick(&widget, code, keys);
-        QTest::qWait(1);
-    }
-    void run(const char* entry) {
-        trigger(entry);
-        QTest::qWait(1);
+    void grow() {
+        w.main.resize(w.main.size() + QSize(120, 60));
+        settle();
     }
 };
 
 TEST_F(PictureScreen, DroppedPicturesOpenAndOthersAreToldOnce) {
     for (const char* name : {"a.jpg", "b.JPEG", "c.jpg"})
         write(name);
-    QMimeData text;
-    text.setText("a.jpg");
-    EXPECT_FALSE(drop(text));
+    EXPECT_FALSE(drop({}, "a.jpg"));
     EXPECT_FALSE(drop({QUrl("http://192.168.0.10/Images/full.jpg")}));
     {
         const Busy::Hold busy(w.busy);
@@ -99,13 +96,12 @@ TEST_F(PictureScreen, FullScreenShowsThePictureAloneAndGivesAllBack) {
 
 TEST_F(PictureScreen, FullScreenFollowsTheLatestImageAndEndsWithTheLastWindow) {
     w.pictures.showLatest(write("20061115_090000_00.jpg"));
-    w.clock.run(1s);
     auto& latest = part<LatestWindow>("frmLatest");
     run("mnuViewFullScreen");
     const auto newest = write("20061115_093000_00.jpg");
     w.pictures.showLatest(newest);
     w.pictures.refreshThumbnails({newest});
-    w.clock.run(1s);
+    settle();
     EXPECT_EQ(titles(), "Latest Image: 15 Nov 2006 09:30");
     EXPECT_TRUE(w.main.isFullScreen());
     EXPECT_FALSE(part("thumbnails").isVisible()) << "also with a new picture in it";
@@ -113,7 +109,7 @@ TEST_F(PictureScreen, FullScreenFollowsTheLatestImageAndEndsWithTheLastWindow) {
     key(latest.view(), Qt::Key_Escape);
     EXPECT_TRUE(w.main.isFullScreen()) << "the rectangle goes first";
     ImageWindow& other = openPicture(write("a.jpg"));
-    QTest::qWait(1);
+    settle();
     EXPECT_TRUE(w.main.isFullScreen());
     EXPECT_EQ(other.view().width(), w.main.width()) << "takes its place";
     key(other.view(), Qt::Key_F11);
@@ -123,7 +119,6 @@ TEST_F(PictureScreen, FullScreenFollowsTheLatestImageAndEndsWithTheLastWindow) {
     run("mnuWindowCloseAll");
     clearAway();
     EXPECT_FALSE(w.main.isFullScreen());
-    EXPECT_TRUE(w.main.operation().isVisible());
     EXPECT_TRUE(part("thumbnails").isVisible());
 }
 
@@ -137,14 +132,12 @@ TEST_F(PictureScreen, TilesKeepTheirPlacesUntilOneIsMoved) {
         for (const QMdiSubWindow* frame : area().subWindowList())
             covered += frame->width() * frame->height();
         EXPECT_EQ(covered, area().viewport()->width() * area().viewport()->height());
-        w.main.resize(w.main.size() + QSize(120, 60));
-        QTest::qWait(1);
+        grow();
     }
     QMdiSubWindow& moved = *area().subWindowList().first();
     const QRect elsewhere = moved.geometry().adjusted(0, 0, -10, -10);
     moved.setGeometry(elsewhere);
-    w.main.resize(w.main.size() + QSize(50, 50));
-    QTest::qWait(1);
+    grow();
     EXPECT_EQ(moved.geometry(), elsewhere);
 }
 
@@ -153,35 +146,27 @@ TEST_F(PictureScreen, KeysMoveAndSizeTheRectangle) {
     run("mnuEditTrim");
     const auto status = [this] { return textOf(*windows().first(), "imageStatus"); };
     EXPECT_TRUE(status().starts_with("400 × 300 pixels at 200, 150 marked")) << status();
-    struct Press {
-        Qt::Key code;
-        Qt::KeyboardModifiers keys;
-        int times;
-        QRect rectangle;
-    };
     const Qt::KeyboardModifiers shift = Qt::ShiftModifier, ctrl = Qt::ControlModifier;
-    const Press presses[] = {
-        {Qt::Key_Right, {}, 0, {200, 150, 400, 300}}, // the middle half
-        {Qt::Key_Right, {}, 1, {201, 150, 400, 300}},
-        {Qt::Key_Up, ctrl, 2, {201, 110, 400, 300}},
-        {Qt::Key_Left, shift, 3, {201, 110, 397, 300}},
-        {Qt::Key_Down, shift | ctrl, 1, {201, 110, 397, 320}},
-        {Qt::Key_Up, ctrl, 20, {201, 0, 397, 320}},
-        {Qt::Key_Right, ctrl, 30, {403, 0, 397, 320}},
-        {Qt::Key_Right, shift, 5, {403, 0, 397, 320}},
-        {Qt::Key_Left, shift | ctrl, 30, {403, 0, 2, 320}},
-    };
-    for (const Press& press : presses) {
-        for (int i = 0; i < press.times; ++i)
-            QTest::keyClick(&view, press.code, press.keys);
-        EXPECT_EQ(view.rectangle(), press.rectangle) << status();
+    const std::tuple<int, Qt::Key, Qt::KeyboardModifiers, QRect> presses[] = {
+        {0, Qt::Key_Right, {}, {200, 150, 400, 300}}, // the middle half
+        {1, Qt::Key_Right, {}, {201, 150, 400, 300}},
+        {2, Qt::Key_Up, ctrl, {201, 110, 400, 300}},
+        {3, Qt::Key_Left, shift, {201, 110, 397, 300}},
+        {1, Qt::Key_Down, shift | ctrl, {201, 110, 397, 320}},
+        {20, Qt::Key_Up, ctrl, {201, 0, 397, 320}},
+        {30, Qt::Key_Right, ctrl, {403, 0, 397, 320}},
+        {5, Qt::Key_Right, shift, {403, 0, 397, 320}},
+        {30, Qt::Key_Left, shift | ctrl, {403, 0, 2, 320}}};
+    for (const auto& [times, code, keys, rectangle] : presses) {
+        for (int i = 0; i < times; ++i)
+            QTest::keyClick(&view, code, keys);
+        EXPECT_EQ(view.rectangle(), rectangle) << status();
     }
     key(view, Qt::Key_Escape);
     EXPECT_TRUE(view.rectangle().isNull());
     run("mnuEditTrim");
     EXPECT_EQ(view.rectangle(), QRect(403, 0, 2, 320)) << "the last one again";
     key(view, Qt::Key_Return);
-    w.clock.run(1s);
     ASSERT_EQ(windows().size(), 2);
     EXPECT_EQ(windows().last()->view().pictureSize(), QSize(2, 320));
 }
@@ -189,23 +174,122 @@ TEST_F(PictureScreen, KeysMoveAndSizeTheRectangle) {
 TEST_F(PictureScreen, TheMovedEdgeStaysInSight) {
     PictureView& view = openPicture(write("a.jpg", 2400, 1800)).view();
     key(view, Qt::Key_1);
-    w.clock.run(1s);
     run("mnuEditTrim");
     const auto seen = [&] { return view.geometryOfView().visiblePart(); };
     EXPECT_TRUE(seen().contains(view.rectangle())) << "begins where one looks";
-    const auto press = [&](Qt::Key code, Qt::KeyboardModifiers keys) {
-        for (int i = 0; i < 60; ++i)
-            QTest::keyClick(&view, code, keys | Qt::ControlModifier);
-    };
-    press(Qt::Key_Right, Qt::ShiftModifier);
+    for (int i = 0; i < 60; ++i)
+        QTest::keyClick(&view, Qt::Key_Right, Qt::ShiftModifier | Qt::ControlModifier);
     EXPECT_GT(seen().right(), view.rectangle().right());
     EXPECT_LT(seen().left(), view.rectangle().right());
-    press(Qt::Key_Left, {});
+    for (int i = 0; i < 60; ++i)
+        QTest::keyClick(&view, Qt::Key_Left, Qt::ControlModifier);
     EXPECT_EQ(view.rectangle().left(), 0);
     EXPECT_DOUBLE_EQ(seen().left(), 0);
-    press(Qt::Key_Down, {});
-    EXPECT_GT(seen().bottom(), view.rectangle().bottom());
-    EXPECT_DOUBLE_EQ(seen().left(), 0) << "only along the way";
+}
+
+using FirstRunUi = WindowTest;
+
+TEST_F(FirstRunUi, TheStepsAreLiveAndLeadToTheirControls) {
+    const auto& card = part<FirstRun>("firstRun");
+    const auto& schedule = part<QCommandLinkButton>("cmd_first_3");
+    w.main.resize(910, 512);
+    QApplication::processEvents();
+    EXPECT_TRUE(card.isVisible());
+    for (const char* name : {"lbl_first", "cmd_first_1", "cmd_first_2", "cmd_first_3"}) {
+        const QRect place(part(name).mapTo(&card, QPoint()), part(name).size());
+        EXPECT_TRUE(card.rect().contains(place)) << name << " fits a small screen";
+        EXPECT_GE(place.height(), part(name).heightForWidth(place.width())) << name;
+    }
+    EXPECT_EQ(text("lbl_first"), "Before pictures can be recorded");
+    EXPECT_EQ(schedule.description(), "09:00 to 17:00 every 30 min");
+    type(part<QLineEdit>("Text1_2"), "8");
+    const qint64 sign = schedule.icon().cacheKey();
+    w.clock.run(1s);
+    EXPECT_EQ(schedule.description(), "You must be Start Time < End Time.");
+    EXPECT_NE(schedule.icon().cacheKey(), sign);
+    part("cmd_first_1").setFocus();
+    QTest::keyClick(&part("cmd_first_1"), Qt::Key_Space);
+    EXPECT_EQ(page(), 1);
+    EXPECT_EQ(focusOf(w.main), "txtIp");
+    click(w.main, "cmd_first_3");
+    EXPECT_EQ(page(), 0);
+    EXPECT_EQ(focusOf(w.main), "Text1_2");
+    QTest::keyClick(&w.main, Qt::Key_2, Qt::AltModifier);
+    EXPECT_TRUE(
+        QTest::qWaitFor([&] { return part("Command3").hasFocus(); }, 2000)); // it is seen pressed
+    type(part<QLineEdit>("Text1_2"), "17");
+    click(w.main, "Command1");
+    w.clock.run(1s);
+    EXPECT_FALSE(isOn("cmd_first_2")) << "locked while recording";
+    EXPECT_TRUE(isOn("cmd_first_1"));
+}
+
+TEST_F(FirstRunUi, GivesWayToPictures) {
+    const auto expectPictures = [this](bool any) {
+        EXPECT_EQ(part("firstRun").isVisible(), !any);
+        for (const char* entry : {"mnuWindowCascade", "mnuWindowTile", "mnuWindowCloseAll"})
+            EXPECT_EQ(action(entry).isEnabled(), any) << entry;
+    };
+    expectPictures(false);
+    const auto file = write("one.jpg");
+    w.pictures.openImage(file);
+    w.pictures.showLatest(file);
+    expectPictures(true);
+    delete area().subWindowList().first();
+    expectPictures(true);
+    area().subWindowList().first()->close();
+    clearAway();
+    expectPictures(false);
+}
+
+std::vector<Tile> windowsOf(std::size_t count, QSize picture = {640, 480}, QSize around = {0, 0}) {
+    return std::vector<Tile>(count, Tile{picture, around, {100, 80}});
+}
+
+/// By hand: 3 in 900 x 300 are 300 x 225 each in one row, but 200 x 150 in two; 7 in 1200 x 900
+/// are 400 x 300 each in three rows, but four of them only 300 x 225 in two. A frame's title and
+/// status line cost rows more than columns.
+TEST(Tiles, TakesTheGridWithTheLargestPictures) {
+    const std::tuple<QSize, std::size_t, QSize, QSize, std::size_t> cases[] = {
+        {{800, 600}, 1, {640, 480}, {0, 0}, 1},  {{600, 800}, 2, {640, 480}, {0, 0}, 2},
+        {{900, 300}, 3, {640, 480}, {0, 0}, 1},  {{1200, 900}, 7, {640, 480}, {0, 0}, 3},
+        {{800, 600}, 3, {300, 900}, {0, 0}, 1},  {{800, 600}, 3, {900, 300}, {0, 0}, 3},
+        {{800, 640}, 2, {1600, 600}, {0, 0}, 2}, {{800, 640}, 2, {1600, 600}, {0, 240}, 1}};
+    for (const auto& [area, count, picture, around, rows] : cases) {
+        std::set<int> tops;
+        for (const QRect& place : tilesIn(area, windowsOf(count, picture, around)))
+            tops.insert(place.top());
+        EXPECT_EQ(tops.size(), rows) << count << " in " << area.width();
+    }
+    const std::vector<QRect> columns{{0, 0, 400, 320}, {0, 320, 400, 320}, {400, 0, 400, 640}};
+    EXPECT_EQ(tilesIn({800, 640}, windowsOf(3, {400, 320}, {0, 40})), columns);
+}
+
+TEST(Tiles, FillTheAreaWithoutGapsOrOverlap) {
+    const QSize area(1001, 701);
+    for (const std::size_t count : {1U, 2U, 3U, 5U, 7U, 11U, 24U}) {
+        const auto places = tilesIn(area, windowsOf(count, {640, 480}, {10, 50}));
+        ASSERT_EQ(places.size(), count);
+        int covered = 0;
+        for (std::size_t i = 0; i < count; ++i) {
+            EXPECT_TRUE(QRect({}, area).contains(places[i]));
+            covered += places[i].width() * places[i].height();
+            for (std::size_t j = 0; j < i; ++j)
+                EXPECT_FALSE(places[i].intersects(places[j])) << i << " and " << j;
+        }
+        EXPECT_EQ(covered, area.width() * area.height()) << count;
+    }
+    EXPECT_TRUE(tilesIn(area, {}).empty());
+}
+
+TEST(Tiles, GoOnBelowWhereTheAreaIsTooSmall) {
+    const auto places = tilesIn({350, 200}, windowsOf(24));
+    ASSERT_EQ(places.size(), 24U);
+    for (const QRect& place : places) {
+        EXPECT_TRUE(place.width() >= 100 && place.height() >= 80);
+        EXPECT_LE(place.right(), 349);
+    }
+    EXPECT_EQ(places.back().bottom(), 8 * 80 - 1);
 }
 
 } // namespace

@@ -101,7 +101,15 @@ class WindowTest : public testing::Test {
     void trigger(const char* name) { action(name).trigger(); }
     void run(const char* entry) {
         trigger(entry);
+        settle();
+    }
+    void key(QWidget& widget, Qt::Key code, Qt::KeyboardModifiers keys = {}) {
+        QTest::keyClick(&widget, code, keys);
+        settle();
+    }
+    void settle() {
         w.clock.run(1s);
+        QTest::qWait(1);
     }
     QDialog& open(const char* entry, const char* dialog) {
         trigger(entry);
