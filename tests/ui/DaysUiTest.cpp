@@ -36,15 +36,11 @@ class DaysUi : public WindowTest {
             writeFile(w.dataFolder() / day / name, encoded(picture));
         }
     }
-    void turn(const char* entry) {
-        trigger(entry);
-        w.clock.run(1s);
-    }
     /// What the band says of its day.
     std::string day() const { return band.accessibleName().toStdString(); }
     FilmWindow& openFilm() {
-        turn("mnuDayPrevious");
-        turn("mnuDayFilm");
+        run("mnuDayPrevious");
+        run("mnuDayFilm");
         return part<FilmWindow>("frmFilm");
     }
     void clickMark(std::size_t index) {
@@ -55,21 +51,18 @@ class DaysUi : public WindowTest {
 };
 
 TEST_F(DaysUi, KeysAndButtonsTurnTheDays) {
-    const std::string first = "2006/11/11: taken 0 of 60, 60 missed";
-    struct Turn {
-        Qt::Key key; ///< with Alt; or a button
-        const char* button;
-        std::string day;
-    };
-    const Turn turns[] = {{Qt::Key_PageUp, "", "2006/11/14: taken 60 of 60"},
-                          {{}, "cmd_day_previous", "2006/11/13: taken 30 of 60, 30 missed"},
-                          {Qt::Key_PageUp, "", "2006/11/12: taken 0 of 60, 60 missed"},
-                          {Qt::Key_PageUp, "", first},
-                          {{}, "cmd_day_next", "2006/11/12: taken 0 of 60, 60 missed"},
-                          {Qt::Key_PageDown, "", "2006/11/13: taken 30 of 60, 30 missed"},
-                          {{}, "cmd_day_today", "Today: "},
-                          {Qt::Key_PageUp, "", "2006/11/14: taken 60 of 60"},
-                          {Qt::Key_Home, "", "Today: "}};
+    const std::string first = "2006/11/11: taken 0 of 60, 60 missed", today = "Today: ";
+    /// With Alt; or a button.
+    const std::tuple<Qt::Key, const char*, std::string> turns[] = {
+        {Qt::Key_PageUp, "", "2006/11/14: taken 60 of 60"},
+        {{}, "cmd_day_previous", "2006/11/13: taken 30 of 60, 30 missed"},
+        {Qt::Key_PageUp, "", "2006/11/12: taken 0 of 60, 60 missed"},
+        {Qt::Key_PageUp, "", first},
+        {{}, "cmd_day_next", "2006/11/12: taken 0 of 60, 60 missed"},
+        {Qt::Key_PageDown, "", "2006/11/13: taken 30 of 60, 30 missed"},
+        {{}, "cmd_day_today", today},
+        {Qt::Key_PageUp, "", "2006/11/14: taken 60 of 60"},
+        {Qt::Key_Home, "", today}};
     for (const auto& [key, button, expected] : turns) {
         if (*button != '\0') {
             click(w.main, button);
@@ -78,20 +71,17 @@ TEST_F(DaysUi, KeysAndButtonsTurnTheDays) {
         }
         w.clock.run(1s);
         EXPECT_TRUE(day().starts_with(expected)) << day();
-        const bool isToday = expected == "Today: ";
-        const std::tuple<const char*, const char*, bool> states[] = {
-            {"mnuDayPrevious", "cmd_day_previous", expected != first},
-            {"mnuDayNext", "cmd_day_next", !isToday},
-            {"mnuDayToday", "cmd_day_today", !isToday}};
-        for (const auto& [entry, control, on] : states) {
-            EXPECT_EQ(action(entry).isEnabled(), on) << entry << " at " << expected;
-            EXPECT_EQ(isOn(control), on) << control << " at " << expected;
+        for (const std::string turn : {"Previous", "Next", "Today"}) {
+            const bool on = expected != (turn == "Previous" ? first : today);
+            EXPECT_EQ(action(("mnuDay" + turn).c_str()).isEnabled(), on) << turn << expected;
+            const QString control = "cmd_day_" + toQString(turn).toLower();
+            EXPECT_EQ(isOn(control.toUtf8()), on) << turn << expected;
         }
     }
 }
 
 TEST_F(DaysUi, AMarkOpensItsPicture) {
-    turn("mnuDayPrevious");
+    run("mnuDayPrevious");
     clickMark(5);
     EXPECT_TRUE(titles().starts_with("14 Nov 2006 09:")) << titles();
     band.setFocus();
@@ -99,7 +89,7 @@ TEST_F(DaysUi, AMarkOpensItsPicture) {
     QTest::keyClick(&band, Qt::Key_Return);
     EXPECT_TRUE(has(titles(), ", 14 Nov 2006 09:00"));
     const std::string opened = titles();
-    turn("mnuDayPrevious");
+    run("mnuDayPrevious");
     clickMark(band.marks().size() - 1);
     EXPECT_EQ(titles(), opened) << "there is none";
     EXPECT_TRUE(QToolTip::text().contains("missed")) << "but the reason is told";
@@ -127,10 +117,9 @@ TEST_F(DaysUi, TheFilmKeepsItsTimeAndTheBandIsItsSlider) {
     QTest::keyClick(&picture, Qt::Key_Right);
     click(film, "cmd_film_back");
     EXPECT_EQ(where(), "09:32   33 of 60");
-    const std::pair<Qt::Key, const char*> keys[] = {{Qt::Key_Left, "09:31   32 of 60"},
-                                                    {Qt::Key_End, "09:59   60 of 60"},
-                                                    {Qt::Key_Home, "09:00   1 of 60"}};
-    for (const auto& [key, place] : keys) {
+    for (const auto& [key, place] :
+         {std::pair(Qt::Key_Left, "09:31   32 of 60"), std::pair(Qt::Key_End, "09:59   60 of 60"),
+          std::pair(Qt::Key_Home, "09:00   1 of 60")}) {
         QTest::keyClick(&film, key);
         EXPECT_EQ(where(), place);
     }
@@ -155,17 +144,17 @@ TEST_F(DaysUi, TheFilmKeepsItsTimeAndTheBandIsItsSlider) {
 TEST_F(DaysUi, TheFilmGoesWithTheDay) {
     FilmWindow& film = openFilm();
     film.player().play();
-    turn("mnuDayPrevious");
+    run("mnuDayPrevious");
     EXPECT_EQ(film.player().count(), 30);
     EXPECT_EQ(titles(), "Film of 13 Nov 2006");
     EXPECT_FALSE(film.player().isPlaying());
-    turn("mnuDayPrevious");
+    run("mnuDayPrevious");
     EXPECT_EQ(film.player().count(), 0);
-    for (const char* button : {"back", "play", "forward", "save"})
-        EXPECT_FALSE(isOn((std::string("cmd_film_") + button).c_str())) << button;
+    for (const char* button :
+         {"cmd_film_back", "cmd_film_play", "cmd_film_forward", "cmd_film_save"})
+        EXPECT_FALSE(isOn(button)) << button;
     EXPECT_EQ(textOf(film, "lbl_film"), "");
-    turn("mnuDayNext");
-    w.clock.run(1s);
+    run("mnuDayNext");
     EXPECT_EQ(film.player().index(), 0);
     writeFile(w.dataFolder() / "20061113" / "20061113_090200_00.jpg", "damaged");
     film.player().seek(2);
@@ -185,9 +174,9 @@ TEST_F(DaysUi, TheFilmGoesWithTheDay) {
 }
 
 TEST_F(DaysUi, TheKeogramIsShownCopiedSavedAndOpensPictures) {
-    turn("mnuDayPrevious");
-    turn("mnuDayKeogram");
-    w.clock.run(3s);
+    run("mnuDayPrevious");
+    run("mnuDayKeogram");
+    w.clock.run(2s);
     auto& view = part<KeogramView>("keogram");
     EXPECT_EQ(titles(), "Keogram of 14 Nov 2006");
     ASSERT_EQ(view.image().size(), QSize(1440, 240));
@@ -227,7 +216,7 @@ TEST_F(DaysUi, TheKeogramIsShownCopiedSavedAndOpensPictures) {
 }
 
 TEST_F(DaysUi, TheBandShowsTheKeogramWhenItIsSwitchedOn) {
-    turn("mnuDayPrevious");
+    run("mnuDayPrevious");
     const QPointF mark = band.markRect(band.marks().size() / 2).center();
     const auto colour = [&] { // beside the marks, in the sun's place
         return band.grab().toImage().pixelColor(QPoint(static_cast<int>(mark.x()), 45));
@@ -240,7 +229,7 @@ TEST_F(DaysUi, TheBandShowsTheKeogramWhenItIsSwitchedOn) {
     trigger("mnuDayKeogramBand");
     EXPECT_EQ(colour(), before);
     const std::int64_t read = w.keograms.revision();
-    turn("mnuDayPrevious");
+    run("mnuDayPrevious");
     w.clock.run(5s);
     EXPECT_EQ(w.keograms.revision(), read) << "what nobody looks at is not read";
 }
@@ -270,7 +259,7 @@ TEST_F(DaysUi, TheCalendarColoursDaysAndTurnsToThem) {
     EXPECT_EQ(text("lbl_calendar"), day());
     EXPECT_TRUE(form.isVisible()) << "one day after the other can be looked at";
     EXPECT_EQ(calendar.selectedDate(), QDate(2006, 11, 13));
-    turn("mnuDayNext");
+    run("mnuDayNext");
     EXPECT_EQ(calendar.selectedDate(), QDate(2006, 11, 14)) << "it follows the band";
     click(form, "cmd_calendar_today");
     EXPECT_TRUE(day().starts_with("Today: "));

@@ -12,50 +12,12 @@ namespace {
 /// The operation panel: first walks over all of its controls, then what single ones do besides.
 class PanelUi : public WindowTest {
   protected:
-    using Labels = std::vector<std::pair<const char*, Label*>>;
-    using Fields = std::vector<std::pair<std::string, TextBox*>>;
-    using Switches = std::vector<std::pair<std::string, Value<bool>*>>;
-
-    Labels labels() {
-        return {{"Label7", &p.Label7},         {"Label11", &p.Label11},
-                {"Label12", &p.Label12},       {"Label13", &p.Label13},
-                {"lbl_free", &p.lbl_free},     {"lbl_sunrise", &p.lbl_sunrise},
-                {"lbl_sunset", &p.lbl_sunset}, {"lbl_window", &p.lbl_window},
-                {"lbl_zone", &p.lbl_zone},     {"lbl_fault", &p.lbl_fault},
-                {"lbl_start", &p.lbl_start},   {"lbl_camera", &p.lbl_camera},
-                {"lbl_dlcnt", &p.lbl_dlcnt},   {"lbl_sync", &p.lbl_sync},
-                {"lbl_found", &p.lbl_found}};
-    }
-    Fields fields() {
-        Fields all{{"txt_tz", &p.txt_tz}, {"txt_lat", &p.txt_lat}, {"txt_long", &p.txt_long},
-                   {"txtIp", &p.txtIp},   {"txtPort", &p.txtPort}, {"txt_find", &p.txt_find}};
+    std::vector<std::pair<std::string, TextBox*>> fields() {
+        std::vector<std::pair<std::string, TextBox*>> all{
+            {"txt_tz", &p.txt_tz}, {"txt_lat", &p.txt_lat}, {"txt_long", &p.txt_long},
+            {"txtIp", &p.txtIp},   {"txtPort", &p.txtPort}, {"txt_find", &p.txt_find}};
         for (std::size_t i = 0; i < p.Text1.size(); ++i)
             all.emplace_back("Text1_" + std::to_string(i), &p.Text1[i]);
-        return all;
-    }
-    /// What is on or off: controls that are enabled, boxes that are ticked, a bar that is shown.
-    Switches switches() {
-        const std::pair<const char*, Button*> buttons[] = {
-            {"Command1", &p.Command1},        {"Command2", &p.Command2}, {"Command3", &p.Command3},
-            {"Command4", &p.Command4},        {"Command5", &p.Command5}, {"Command6", &p.Command6},
-            {"Command7", &p.Command7},        {"Command8", &p.Command8}, {"cmd_find", &p.cmd_find},
-            {"cmd_Download", &p.cmd_Download}};
-        const std::pair<const char*, CheckBox*> boxes[] = {{"chk_auto", &p.chk_auto},
-                                                           {"chk_time", &p.chk_time},
-                                                           {"chk_sun", &p.chk_sun},
-                                                           {"chkLive", &p.chkLive},
-                                                           {"chk_fill", &p.chk_fill}};
-        Switches all{{"Dir1_0", &p.Dir1[0].enabled},
-                     {"Dir1_1", &p.Dir1[1].enabled},
-                     {"pgb_run", &p.pgb_run.visible}};
-        for (const auto& [name, button] : buttons)
-            all.emplace_back(name, &button->enabled);
-        for (const auto& [name, box] : boxes)
-            all.insert(all.end(), {{name, &box->enabled}, {name, &box->ticked}});
-        for (const auto& [name, field] : fields())
-            all.emplace_back(name, &field->enabled);
-        for (std::size_t i = 0; i < p.UpDown1.size(); ++i)
-            all.emplace_back("UpDown1_" + std::to_string(i), &p.UpDown1[i].enabled);
         return all;
     }
     QWidget& control(const std::string& name) const { return part(name.c_str()); }
@@ -63,18 +25,22 @@ class PanelUi : public WindowTest {
     OperationPanel& p = w.panel;
 };
 
-TEST_F(PanelUi, EachValueShowsInTheControlOfItsName) {
-    std::vector<std::pair<std::string, Value<std::string>*>> texts;
-    for (const auto& [name, label] : labels())
-        texts.emplace_back(name, &label->caption);
+TEST_F(PanelUi, EachTextShowsInTheControlOfItsName) {
+    std::vector<std::pair<std::string, Value<std::string>*>> texts{
+        {"Label7", &p.Label7.caption},         {"Label11", &p.Label11.caption},
+        {"Label12", &p.Label12.caption},       {"Label13", &p.Label13.caption},
+        {"lbl_free", &p.lbl_free.caption},     {"lbl_sunrise", &p.lbl_sunrise.caption},
+        {"lbl_sunset", &p.lbl_sunset.caption}, {"lbl_window", &p.lbl_window.caption},
+        {"lbl_zone", &p.lbl_zone.caption},     {"lbl_fault", &p.lbl_fault.caption},
+        {"lbl_start", &p.lbl_start.caption},   {"lbl_camera", &p.lbl_camera.caption},
+        {"lbl_dlcnt", &p.lbl_dlcnt.caption},   {"lbl_sync", &p.lbl_sync.caption},
+        {"lbl_found", &p.lbl_found.caption}};
     for (const auto& [name, field] : fields())
         texts.emplace_back(name, &field->text);
     for (std::size_t i = 0; i < texts.size(); ++i)
         *texts[i].second = std::to_string(i);
     for (std::size_t i = 0; i < texts.size(); ++i)
-        EXPECT_EQ(control(texts[i].first).property("text").toString().toStdString(),
-                  std::to_string(i))
-            << texts[i].first;
+        EXPECT_EQ(control(texts[i].first).property("text"), QString::number(i)) << texts[i].first;
     for (const auto& [name, value] : texts) {
         EXPECT_EQ(w.main.operation().findChildren<QWidget*>(toQString(name)).size(), 1) << name;
         const QWidget& shown = w.main.operation().bring(toQString(name));
@@ -84,18 +50,39 @@ TEST_F(PanelUi, EachValueShowsInTheControlOfItsName) {
         const bool goes = name == "lbl_zone" || name == "lbl_fault" || name == "lbl_start";
         EXPECT_EQ(shown.isVisible(), !goes) << name << " takes room while it tells";
     }
+}
+
+/// Controls that are enabled, boxes that are ticked, a bar that is shown.
+TEST_F(PanelUi, WhatIsOnOrOffShowsInTheControlOfItsName) {
+    std::vector<std::pair<std::string, Value<bool>*>> switches{
+        {"Dir1_0", &p.Dir1[0].enabled},
+        {"Dir1_1", &p.Dir1[1].enabled},
+        {"pgb_run", &p.pgb_run.visible},
+        {"cmd_find", &p.cmd_find.enabled},
+        {"cmd_Download", &p.cmd_Download.enabled}};
+    Button* const buttons[] = {&p.Command1, &p.Command2, &p.Command3, &p.Command4,
+                               &p.Command5, &p.Command6, &p.Command7, &p.Command8};
+    for (std::size_t i = 0; i < std::size(buttons); ++i)
+        switches.emplace_back("Command" + std::to_string(i + 1), &buttons[i]->enabled);
+    const std::pair<const char*, CheckBox*> boxes[] = {{"chk_auto", &p.chk_auto},
+                                                       {"chk_time", &p.chk_time},
+                                                       {"chk_sun", &p.chk_sun},
+                                                       {"chkLive", &p.chkLive},
+                                                       {"chk_fill", &p.chk_fill}};
+    for (const auto& [name, box] : boxes)
+        switches.insert(switches.end(), {{name, &box->enabled}, {name, &box->ticked}});
+    for (const auto& [name, field] : fields())
+        switches.emplace_back(name, &field->enabled);
+    for (std::size_t i = 0; i < p.UpDown1.size(); ++i)
+        switches.emplace_back("UpDown1_" + std::to_string(i), &p.UpDown1[i].enabled);
     const auto state = [this](const std::string& name) {
         const QWidget& shown = control(name);
-        return QString("%1 %2 %3")
-            .arg(shown.isEnabled())
-            .arg(shown.isHidden())
-            .arg(shown.property("checked").toBool())
-            .toStdString();
+        return std::tuple(shown.isEnabled(), shown.isHidden(), shown.property("checked").toBool());
     };
-    std::map<std::string, std::string> before;
-    for (const auto& each : switches())
+    std::map<std::string, decltype(state(""))> before;
+    for (const auto& each : switches)
         before[each.first] = state(each.first);
-    for (const auto& [changed, value] : switches()) {
+    for (const auto& [changed, value] : switches) {
         *value = !value->get();
         for (const auto& [name, was] : before)
             EXPECT_EQ(state(name) != was, name == changed) << name << " with " << changed;
