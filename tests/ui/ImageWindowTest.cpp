@@ -325,9 +325,10 @@ TEST_F(ImageWindows, TheLatestTellsItsAge) {
 
 TEST_F(ImageWindows, ThumbnailsAreDecodedOnceAndWalkedByKeys) {
     ThumbnailHistory history;
-    const auto frame = [this](int index) -> Thumbnail& {
-        return part<Thumbnail>(("thumbnail_" + std::to_string(index)).c_str());
-    };
+    std::vector<Thumbnail*> frames;
+    for (const char* name :
+         {"thumbnail_0", "thumbnail_1", "thumbnail_2", "thumbnail_3", "thumbnail_4"})
+        frames.push_back(&part<Thumbnail>(name));
     const auto show = [&] {
         w.pictures.refreshThumbnails(history);
         w.clock.run(1s);
@@ -337,30 +338,28 @@ TEST_F(ImageWindows, ThumbnailsAreDecodedOnceAndWalkedByKeys) {
         history[i] = write("20061115_1" + std::to_string(9 - i) + "3000_00.jpg", 800, 600);
     writeFile(history[3], "broken");
     EXPECT_EQ(show(), 3) << "one is broken";
-    EXPECT_LE(frame(0).picture().width(), 100) << "kept small";
-    const QImage first = frame(0).picture().toImage();
-    // only pictures kept in memory can still be shown
+    EXPECT_LE(frames[0]->picture().width(), 100) << "kept small";
+    const QImage first = frames[0]->picture().toImage();
     for (std::size_t i = 0; i < 4; ++i)
-        std::filesystem::remove(history[i]);
+        std::filesystem::remove(history[i]); // only those kept in memory can still be shown
     std::move_backward(history.begin(), history.end() - 1, history.end());
     history[0] = write("20061115_213000_00.jpg");
     EXPECT_EQ(show(), 4) << "not even the broken one again";
-    EXPECT_EQ(frame(1).picture().toImage(), first);
-    EXPECT_EQ(frame(4).state(), Thumbnail::State::Unreadable);
-    EXPECT_EQ(frame(0).findChildren<QLabel*>().last()->text(), "21:30");
-    EXPECT_TRUE(frame(0).toolTip().startsWith("2006/11/15"));
-
-    frame(0).setFocus();
-    const std::pair<Qt::Key, int> keys[] = {
+    EXPECT_EQ(frames[1]->picture().toImage(), first);
+    EXPECT_EQ(frames[4]->state(), Thumbnail::State::Unreadable);
+    EXPECT_EQ(frames[0]->findChildren<QLabel*>().last()->text(), "21:30");
+    EXPECT_TRUE(frames[0]->toolTip().startsWith("2006/11/15"));
+    frames[0]->setFocus();
+    const std::pair<Qt::Key, std::size_t> keys[] = {
         {Qt::Key_Left, 0},  {Qt::Key_Right, 1}, {Qt::Key_Right, 2}, {Qt::Key_Left, 1},
         {Qt::Key_Right, 2}, {Qt::Key_Right, 3}, {Qt::Key_Right, 4}, {Qt::Key_Right, 4}};
     for (const auto& [code, there] : keys) {
         QTest::keyClick(QApplication::focusWidget(), code);
-        EXPECT_TRUE(frame(there).hasFocus()) << there;
+        EXPECT_TRUE(frames[there]->hasFocus()) << there;
     }
-    QTest::keyClick(&frame(4), Qt::Key_Return);
+    QTest::keyClick(frames[4], Qt::Key_Return);
     EXPECT_EQ(titles(), "15 Nov 2006 16:30");
-    QTest::mouseDClick(&frame(0), Qt::LeftButton);
+    QTest::mouseDClick(frames[0], Qt::LeftButton);
     EXPECT_EQ(titles(), "15 Nov 2006 16:30, 15 Nov 2006 21:30");
 }
 
