@@ -80,21 +80,6 @@ TEST_F(DaysUi, KeysAndButtonsTurnTheDays) {
     }
 }
 
-TEST_F(DaysUi, AMarkOpensItsPicture) {
-    run("mnuDayPrevious");
-    clickMark(5);
-    EXPECT_TRUE(titles().starts_with("14 Nov 2006 09:")) << titles();
-    band.setFocus();
-    QTest::keyClick(&band, Qt::Key_Home);
-    QTest::keyClick(&band, Qt::Key_Return);
-    EXPECT_TRUE(has(titles(), ", 14 Nov 2006 09:00"));
-    const std::string opened = titles();
-    run("mnuDayPrevious");
-    clickMark(band.marks().size() - 1);
-    EXPECT_EQ(titles(), opened) << "there is none";
-    EXPECT_TRUE(QToolTip::text().contains("missed")) << "but the reason is told";
-}
-
 TEST_F(DaysUi, TheFilmKeepsItsTimeAndTheBandIsItsSlider) {
     FilmWindow& film = openFilm();
     auto& picture = find<QWidget>(film, "picture");
@@ -169,8 +154,15 @@ TEST_F(DaysUi, TheFilmGoesWithTheDay) {
     clearAway();
     w.clock.run(1s);
     EXPECT_EQ(titles(), "");
-    clickMark(0);
-    EXPECT_TRUE(has(titles(), "13 Nov 2006 09:")) << "marks open their pictures again";
+    clickMark(5);
+    EXPECT_TRUE(titles().starts_with("13 Nov 2006 09:")) << "marks open their pictures again";
+    band.setFocus();
+    QTest::keyClick(&band, Qt::Key_Home);
+    QTest::keyClick(&band, Qt::Key_Return);
+    EXPECT_TRUE(titles().ends_with(", 13 Nov 2006 09:00"));
+    clickMark(band.marks().size() - 1);
+    EXPECT_TRUE(titles().ends_with(", 13 Nov 2006 09:00")) << "there is none";
+    EXPECT_TRUE(QToolTip::text().contains("missed")) << "but the reason is told";
 }
 
 TEST_F(DaysUi, TheKeogramIsShownCopiedSavedAndOpensPictures) {
@@ -198,19 +190,16 @@ TEST_F(DaysUi, TheKeogramIsShownCopiedSavedAndOpensPictures) {
     EXPECT_TRUE(openBox()->text().startsWith("The keogram was not saved."));
     openBox()->close();
     answer({});
-
     int x = 0;
     while (view.minuteAt(QPointF(x, 60)).value_or(0) < 9 * 60 + 30)
         ++x;
     QTest::mouseClick(&view, Qt::LeftButton, {}, {x, 60});
     EXPECT_TRUE(has(titles(), ", 14 Nov 2006 09:3"));
     view.setFocus();
-    for (const auto& [key, minute] :
-         {std::pair(Qt::Key_Right, "0900"), std::pair(Qt::Key_Right, "0901"),
-          std::pair(Qt::Key_Left, "0900")}) {
-        QTest::keyClick(&view, key);
-        EXPECT_TRUE(has(QToolTip::text().toStdString(), minute));
-    }
+    for (int i = 0; i < 2; ++i)
+        QTest::keyClick(&view, Qt::Key_Right);
+    EXPECT_TRUE(QToolTip::text().contains("0901"));
+    QTest::keyClick(&view, Qt::Key_Left);
     QTest::keyClick(&view, Qt::Key_Return);
     EXPECT_TRUE(has(titles(), ", 14 Nov 2006 09:00"));
 }
@@ -247,12 +236,9 @@ TEST_F(DaysUi, TheCalendarColoursDaysAndTurnsToThem) {
     const auto format = [&](int day) { return calendar.dateTextFormat({2006, 11, day}); };
     for (const auto& [day, tip] : tips)
         EXPECT_EQ(format(day).toolTip(), tip) << day;
+    const auto grey = [&](int day) { return qGray(format(day).background().color().rgb()); };
     for (const auto& [a, b] : {std::pair{14, 13}, std::pair{13, 12}, std::pair{14, 12}})
-        EXPECT_GT(std::abs(qGray(format(a).background().color().rgb()) -
-                           qGray(format(b).background().color().rgb())),
-                  25)
-            << "told apart without colours";
-
+        EXPECT_GT(std::abs(grey(a) - grey(b)), 25) << "told apart without colours";
     emit calendar.clicked({2006, 11, 13});
     w.clock.run(1s);
     EXPECT_EQ(day(), "2006/11/13: taken 30 of 60, 30 missed");

@@ -174,22 +174,6 @@ TEST_F(PictureScreen, KeysMoveAndSizeTheRectangle) {
     EXPECT_EQ(windows().last()->view().pictureSize(), QSize(2, 320));
 }
 
-TEST_F(PictureScreen, TheMovedEdgeStaysInSight) {
-    PictureView& view = openPicture(write("a.jpg", 2400, 1800)).view();
-    key(view, Qt::Key_1);
-    run("mnuEditTrim");
-    const auto seen = [&] { return view.geometryOfView().visiblePart(); };
-    EXPECT_TRUE(seen().contains(view.rectangle())) << "begins where one looks";
-    for (int i = 0; i < 60; ++i)
-        QTest::keyClick(&view, Qt::Key_Right, Qt::ShiftModifier | Qt::ControlModifier);
-    EXPECT_GT(seen().right(), view.rectangle().right());
-    EXPECT_LT(seen().left(), view.rectangle().right());
-    for (int i = 0; i < 60; ++i)
-        QTest::keyClick(&view, Qt::Key_Left, Qt::ControlModifier);
-    EXPECT_EQ(view.rectangle().left(), 0);
-    EXPECT_DOUBLE_EQ(seen().left(), 0);
-}
-
 using FirstRunUi = WindowTest;
 
 TEST_F(FirstRunUi, TheStepsAreLiveAndLeadToTheirControls) {

@@ -16,7 +16,7 @@
 
 namespace orvane::test {
 
-/// Box and option buttons react on their sign and text only, not on the rest of their rectangle.
+/// Box and option buttons react on their sign and text only.
 inline void tick(const QWidget& form, const char* name) {
     QTest::mouseClick(&find<QAbstractButton>(form, name), Qt::LeftButton, {}, QPoint(8, 8));
 }
@@ -38,9 +38,9 @@ inline QFileDialog* fileDialog() {
             return dialog;
     return nullptr;
 }
-/// What a file dialog began with.
+/// What a file dialog began with; of the folder its own name.
 struct FileQuestion {
-    std::string title, folder, name; ///< of the folder its own name
+    std::string title, folder, name;
 };
 /// Answers the file dialog in front with these files, as they are typed; without one cancels it.
 inline FileQuestion answer(const std::vector<std::filesystem::path>& files) {
