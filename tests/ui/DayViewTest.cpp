@@ -12,7 +12,8 @@ namespace {
 /// A picture holds its texts as a data stream has them.
 bool writes(const QPicture& picture, const QString& text) {
     QByteArray bytes;
-    QDataStream(&bytes, QIODevice::WriteOnly) << text;
+    QDataStream stream(&bytes, QIODevice::WriteOnly);
+    stream << text;
     return QByteArray::fromRawData(picture.data(), static_cast<int>(picture.size()))
         .contains(bytes);
 }
