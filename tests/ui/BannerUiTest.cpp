@@ -91,14 +91,14 @@ TEST_F(BannerUi, ItsButtonsLeadToWhatHelps) {
         {Cause::ErrorLog, "Show in the file manager",
          [&] { return desktop.opened.contains("program"); }},
         {Cause::Mail, "Alerts...", [&] { return shown("frmAlerts"); }},
-        {Cause::NoImage, "Test fetch now", [&] { return page() == 1 && w.http.requests == 1; }},
         {Cause::ClockSetting, "Time Setting...", [&] { return shown("FrmTKRTimeAuto"); }},
         {Cause::DataFolder, "Select Data Save Folder",
-         [&] { return answer({}).title == "Select Data Save Folder"; }}};
+         [&] { return answer({}).title == "Select Data Save Folder"; }},
+        {Cause::NoImage, "Test fetch now", [&] { return page() == 1 && w.http.requests == 1; }}};
     for (const auto& [cause, caption, isDone] : cases) {
         showPage(2);
         warn(cause);
-        ASSERT_EQ(button.text().remove('&'), caption);
+        ASSERT_EQ(button.text().remove('&').toStdString(), caption);
         if (cause == Cause::DataFolder) {
             EXPECT_FALSE(button.isEnabled()) << "while recording it is locked, as on the panel";
             EXPECT_TRUE(button.toolTip().startsWith("Stop recording first"));

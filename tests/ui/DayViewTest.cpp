@@ -82,9 +82,11 @@ TEST_F(Band, TellsTheDayAndEachMarkToTheMouseAndTheKeys) {
     w.module.RecordFlg = false;
     w.clock.run(5s);
     EXPECT_EQ(band.accessibleDescription(), text) << "unseen, it does not look";
-    w.module.schedule = {0h, 23h + 59min, 1min, {}};
     band.show();
     EXPECT_EQ(band.accessibleDescription(), "recording is off");
+    w.module.RecordFlg = true;
+    w.module.schedule = {0h, 23h + 59min, 1min, {}};
+    w.clock.run(1s);
     const std::size_t before = band.marks().size();
     w.main.resize(2000, 747);
     EXPECT_GT(band.marks().size(), before) << "a wider band tells more minutes apart";

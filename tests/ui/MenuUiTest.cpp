@@ -104,6 +104,7 @@ TEST_F(MenuUi, AWishIsShownAndCanBeDropped) {
     EXPECT_FALSE(bar.isVisible());
     click(w.main, "Command1");
     std::optional<Scope> capturing(std::in_place, w.module.capturing);
+    std::optional<Busy::Hold> busy(std::in_place, w.busy);
     trigger("mnuRecordingStop");
     EXPECT_TRUE(bar.isVisible());
     EXPECT_EQ(text("lbl_wish"), "Recording stops after this picture.");
@@ -115,6 +116,7 @@ TEST_F(MenuUi, AWishIsShownAndCanBeDropped) {
     EXPECT_FALSE(bar.isVisible());
     w.clock.run(1s);
     capturing.reset();
+    busy.reset();
     w.clock.run(10s);
     EXPECT_TRUE(w.module.RecordFlg && w.main.isVisible());
     EXPECT_TRUE(op.asked.empty());
