@@ -93,8 +93,7 @@ TEST_F(BannerUi, ItsButtonsLeadToWhatHelps) {
         {Cause::Mail, "Alerts...", [&] { return shown("frmAlerts"); }},
         {Cause::ClockSetting, "Time Setting...", [&] { return shown("FrmTKRTimeAuto"); }},
         {Cause::DataFolder, "Select Data Save Folder",
-         [&] { return answer({}).title == "Select Data Save Folder"; }},
-        {Cause::NoImage, "Test fetch now", [&] { return page() == 1 && w.http.requests == 1; }}};
+         [&] { return answer({}).title == "Select Data Save Folder"; }}};
     for (const auto& [cause, caption, isDone] : cases) {
         showPage(2);
         warn(cause);
@@ -123,6 +122,20 @@ TEST_F(BannerUi, ItsButtonsLeadToWhatHelps) {
     trigger("mnuFileShowFolder");
     ASSERT_FALSE(op.told.empty());
     EXPECT_TRUE(has(op.told.back(), "gone is not there"));
+}
+
+TEST_F(BannerUi, TestFetchBringsItsPage) {
+    part("dayView").hide(); // its looks take time
+    w.http.answer = [](const std::string&) { return FakeHttp::failed("HTTP status 503"); };
+    w.start(true);
+    w.clock.runUntil(at(2006, 11, 15, 9, 31, 5));
+    EXPECT_EQ(title(), "Orvane - no image since 09:00");
+    const auto asked = w.http.requests;
+    button.click();
+    w.clock.run(1s);
+    EXPECT_EQ(page(), 1);
+    EXPECT_EQ(w.http.requests, asked + 1);
+    w.loopTask.reset();
 }
 
 TEST_F(BannerUi, NeverWidensTheWindow) {
