@@ -1,5 +1,4 @@
 #include "tests/ui/WindowTest.h"
-#include "ui/pictures/FirstRun.h"
 #include "ui/pictures/Tiles.h"
 
 #include <QCommandLinkButton>
@@ -177,7 +176,7 @@ TEST_F(PictureScreen, KeysMoveAndSizeTheRectangle) {
 using FirstRunUi = WindowTest;
 
 TEST_F(FirstRunUi, TheStepsAreLiveAndLeadToTheirControls) {
-    const auto& card = part<FirstRun>("firstRun");
+    const auto& card = part("firstRun");
     const auto& schedule = part<QCommandLinkButton>("cmd_first_3");
     w.main.resize(910, 512);
     QApplication::processEvents();
