@@ -113,9 +113,9 @@ TEST_F(BannerUi, ItsButtonsLeadToWhatHelps) {
         w.condition.closeOver();
     }
     std::filesystem::create_directory(w.dataFolder() / "20061114");
-    auto& list = part<QListWidget>("Dir1_0");
-    list.setFocus();
-    list.setCurrentRow(1);
+    w.panel.Dir1[0].enabled = false;
+    w.panel.Dir1[0].enabled = true;
+    part<QListWidget>("Dir1_0").setCurrentRow(1);
     trigger("Dir1_0_show");
     EXPECT_EQ(desktop.opened.last(), "20061114");
     w.panel.Dir1[0].path = w.folder.path() / "gone";
