@@ -206,6 +206,26 @@ TEST_F(PanelUi, ASiteThatIsNoneIsPointedOut) {
     EXPECT_TRUE(latitude.property("valid").toBool());
 }
 
+TEST_F(PanelUi, TheSunsTimesStandAtTheirCaptions) {
+    computeSunTimes(w.station);
+    EXPECT_TRUE(text("lbl_sunrise").starts_with("5:2"));
+    EXPECT_TRUE(text("lbl_sunset").starts_with("17:3"));
+    const auto captionOf = [this](const char* name) {
+        const QRect place = part(name).geometry();
+        const auto labels = part(name).parentWidget()->findChildren<QLabel*>();
+        const auto isBefore = [&](const QLabel* label) {
+            return label->geometry().right() < place.x() &&
+                   std::abs(label->geometry().center().y() - place.center().y()) < 3;
+        };
+        const auto found = std::ranges::find_if(labels, isBefore);
+        return found == labels.end() ? "" : (*found)->text().toStdString();
+    };
+    EXPECT_EQ(captionOf("lbl_sunrise"), "Sunrise − 1 h");
+    EXPECT_EQ(captionOf("lbl_sunset"), "Sunset + 1 h");
+    EXPECT_EQ(part("lbl_sunrise").accessibleName(), "One hour before sunrise");
+    EXPECT_EQ(part("lbl_sunset").accessibleName(), "One hour after sunset");
+}
+
 /// In the data folder's list: its parent, "20061113", "20061340", "Edit", "夏".
 TEST_F(PanelUi, TheFolderListWalksAndLeadsToDays) {
     const auto summer = w.dataFolder() / toPath("夏");
