@@ -35,7 +35,6 @@ struct ArchiveStation : TestStation {
         return dataFolder() / name.substr(0, 8) / name;
     }
     void write(const std::string& name, const std::string& bytes) const {
-        std::filesystem::create_directories(file(name).parent_path());
         writeFile(file(name), bytes);
     }
     void write(const std::string& name) const { write(name, jpegLike(name)); }

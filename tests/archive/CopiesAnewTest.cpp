@@ -1,10 +1,6 @@
 #include "archive/CopiesAnew.h"
-
-#include "archive/DataFolder.h"
 #include "platform/qt/LibjpegImageControl.h"
 #include "tests/archive/ArchiveStation.h"
-
-#include <gtest/gtest.h>
 
 namespace orvane::test {
 namespace {
@@ -43,19 +39,22 @@ TEST(CopiesAnew, AreThoseOfTheOptionsAtTheStart) {
     Copies s;
     struct Case {
         ImageOptions options;
+        std::string inWords;
         std::string added; ///< what the imaging control does to the bytes
         std::size_t made;
     };
     const Case cases[] = {
-        {{.DateFlg = kOn}, "", 4},
-        {{.LrFlg = kOn}, "mirrored", 4},
-        {{.LrFlg = kOn, .DateFlg = kOn, .RawFlg = kOn}, "mirrored2006/11/15 09:30", 8},
-    };
+        {{.DateFlg = kOn}, "not mirrored, without date stamp, EXIF, high quality", "", 4},
+        {{.Quality = 2, .LrFlg = kOn, .JpegTyp = 98},
+         "mirrored, without date stamp, 4:4:4, highest quality", "mirrored", 4},
+        {{.Quality = 56, .LrFlg = kOn, .DateFlg = kOn, .RawFlg = kOn},
+         "mirrored, with date stamp, EXIF, low quality, untouched picture beside it",
+         "mirrored2006/11/15 09:30", 8}};
     writeFile(s.dataFolder() / "20061115" / "notes.jpg", jpegLike("no picture's name"));
     const std::string name = "20061115_093000_00.jpg";
     const auto edit = s.dataFolder() / "Edit" / "20061115";
     const auto before = std::filesystem::last_write_time(s.file(name));
-    for (const auto& [options, added, made] : cases) {
+    for (const auto& [options, inWords, added, made] : cases) {
         std::filesystem::remove_all(s.dataFolder() / "Edit");
         s.module.image = options;
         s.start(15, 16);
@@ -64,6 +63,7 @@ TEST(CopiesAnew, AreThoseOfTheOptionsAtTheStart) {
         EXPECT_EQ(s.copies.progress, SpanWork::kWhole);
         EXPECT_EQ(contentsOf(edit / name), jpegLike(name) + added);
         EXPECT_EQ(s.made().size(), made) << added;
+        EXPECT_EQ(s.countLogged("CopiesAnew:" + inWords), 1);
     }
     EXPECT_EQ(contentsOf(edit / "20061115_093000_00_raw.jpg"), jpegLike(name));
     EXPECT_EQ(contentsOf(s.file(name)), jpegLike(name));
@@ -98,8 +98,7 @@ TEST(CopiesAnew, WhatFailsIsToldAndPassedOver) {
          "see ERROR.LOG.",
          5},
         {"no folder", fileInsteadOf("20061115"),
-         "4 copies made, 1 day that cannot be read; see ERROR.LOG.", 4},
-    };
+         "4 copies made, 1 day that cannot be read; see ERROR.LOG.", 4}};
     for (const Case& test : cases) {
         SCOPED_TRACE(test.what);
         Copies s;
@@ -111,30 +110,6 @@ TEST(CopiesAnew, WhatFailsIsToldAndPassedOver) {
     }
 }
 
-/// Wherever it is cancelled: every copy that is there is whole, nothing waits on, and it can be
-/// begun again.
-TEST(CopiesAnew, CanBeCancelledAtAnyMoment) {
-    int cancelled = 0;
-    for (Ticks moment = 0ms; moment < 60ms; moment += 2ms) {
-        Copies s;
-        const std::size_t waiting = s.clock.pending();
-        s.start(14, 16);
-        s.clock.run(moment);
-        const bool running = s.copies.running;
-        const auto made = s.made();
-        s.copies.cancel();
-        EXPECT_EQ(s.clock.pending(), waiting);
-        s.clock.run(1min);
-        EXPECT_EQ(s.made(), made);
-        for (const std::string& name : made)
-            EXPECT_TRUE(isWholePicture(s.dataFolder() / "Edit" / name.substr(0, 8) / name));
-        EXPECT_EQ(s.copies.text.get().starts_with("Cancelled. "), running);
-        cancelled += running && !made.empty();
-        EXPECT_EQ(s.make(14, 16), "6 copies made.");
-    }
-    EXPECT_GT(cancelled, 5);
-}
-
 /// The real imaging control, which holds a picture as a whole when it must turn it.
 TEST(CopiesAnew, CancelledWithinAPictureHoldsNoPixels) {
     constexpr int kOrientation = 0x0112;
@@ -144,10 +119,13 @@ TEST(CopiesAnew, CancelledWithinAPictureHoldsNoPixels) {
                          segment(0xE1, exifPayload({shortEntry(kOrientation, 3)}, {}))));
     LibjpegImageControl control{s.clock};
     CopiesAnew copies{s.forSpans(), control};
+    const std::size_t waiting = s.clock.pending();
     copies.start({november(14), november(14)}, s.module.image);
     ASSERT_TRUE(s.clock.runUntil([&] { return !control.picture().isNull(); }, 1min));
     copies.cancel();
     EXPECT_TRUE(control.picture().isNull());
+    EXPECT_EQ(s.clock.pending(), waiting);
+    EXPECT_EQ(copies.text.get(), "Cancelled. 0 copies made.");
     EXPECT_TRUE(s.made().empty());
 }
 
@@ -164,18 +142,6 @@ TEST(CopiesAnew, AllElseGoesFirst) {
     }
     s.finishWork(s.copies);
     EXPECT_EQ(s.copies.text.get(), "6 copies made.");
-}
-
-TEST(CopiesAnew, TheOptionsAreToldInWords) {
-    const std::pair<ImageOptions, std::string> cases[] = {
-        {{}, "not mirrored, without date stamp, EXIF, high quality"},
-        {{.Quality = 2, .LrFlg = kOn, .DateFlg = kOn, .JpegTyp = 98},
-         "mirrored, with date stamp, 4:4:4, highest quality"},
-        {{.Quality = 56, .DateFlg = kOn, .RawFlg = kOn},
-         "not mirrored, without date stamp, EXIF, low quality, untouched picture beside it"},
-    };
-    for (const auto& [options, text] : cases)
-        EXPECT_EQ(describe(options), text);
 }
 
 } // namespace

@@ -3,7 +3,6 @@
 #include "archive/RecentCaptures.h"
 #include "archive/SchFile.h"
 #include "tests/support/Fakes.h"
-#include "tests/support/TempFolder.h"
 #include "tests/support/TestPictures.h"
 
 #include <gtest/gtest.h>
@@ -99,46 +98,28 @@ TEST(SchFile, HoldsAThousandNames) {
     EXPECT_EQ(names, std::vector{folder.path() / "7.jpg"});
 }
 
-/// A folder with two captures, a picture of the store, a broken one, and one of another day.
-class DatedFolder : public testing::Test {
-  protected:
-    DatedFolder() {
-        for (const char* name :
-             {"20061115_093000_00.jpg", "20061115_100007_00.JPG", "20061115_103000_00.jpg",
-              "20061115_103007_00.jpg", "20061116_120000_00.jpg", "20061115_143000_00.txt"})
-            write(name, jpegLike(name));
-        write("20061115_150000_00.jpg", "");
-        expected[9 * 60 + 30] = expected[10 * 60 + 30] = PictureOrigin::Taken;
-        expected[10 * 60] = PictureOrigin::Fetched;
-        folder.turnTo(temp.path(), day);
-        EXPECT_TRUE(folder.refresh());
-        EXPECT_EQ(folder.origins(), expected);
-    }
-    void write(const char* name, const std::string& bytes) const {
+/// "Cannot be read" is never taken for "empty".
+TEST(DatedFolder, WhatCannotBeReadIsNotEmpty) {
+    const TempFolder temp;
+    const auto write = [&](const char* name, const std::string& bytes) {
         writeFile(temp.path() / name, bytes);
-    }
-
-    TempFolder temp;
-    std::chrono::local_days day = std::chrono::floor<std::chrono::days>(at(2006, 11, 15));
+    };
+    for (const char* name :
+         {"20061115_093000_00.jpg", "20061115_100007_00.JPG", "20061115_103000_00.jpg",
+          "20061115_103007_00.jpg", "20061116_120000_00.jpg", "20061115_143000_00.txt"})
+        write(name, jpegLike(name));
+    write("20061115_150000_00.jpg", "");
     DayPictures expected{};
+    expected[9 * 60 + 30] = expected[10 * 60 + 30] = PictureOrigin::Taken;
+    expected[10 * 60] = PictureOrigin::Fetched;
     bool readable = true;
-    DayFolder folder{[this](const auto& path) {
+    DayFolder folder{[&](const auto& path) {
         return readable ? listDay(path) : DayListing{{}, "Permission denied"};
     }};
-};
-
-TEST_F(DatedFolder, IsReadAgainAndAnotherIsReadAnew) {
-    write("20061115_150000_00.jpg", jpegLike("instead of a broken one"));
+    const auto day = std::chrono::floor<std::chrono::days>(at(2006, 11, 15));
+    folder.turnTo(temp.path(), day);
     EXPECT_TRUE(folder.refresh());
-    EXPECT_EQ(folder.origins()[15 * 60], PictureOrigin::Taken);
-    folder.turnTo(temp.path() / "none", day);
-    folder.refresh();
-    EXPECT_EQ(folder.origins(), DayPictures{});
-    EXPECT_FALSE(folder.fault()) << "no folder is an empty one";
-}
-
-/// "Cannot be read" is never taken for "empty".
-TEST_F(DatedFolder, WhatCannotBeReadIsNotEmpty) {
+    EXPECT_EQ(folder.origins(), expected);
     write("20061115", "in the way");
     EXPECT_TRUE(listDay(temp.path() / "20061115").fault);
     readable = false;
@@ -148,20 +129,24 @@ TEST_F(DatedFolder, WhatCannotBeReadIsNotEmpty) {
     folder.add(temp.path() / "20061115_170000_00.jpg");
     EXPECT_EQ(folder.origins()[17 * 60], PictureOrigin::Taken);
     readable = true;
+    write("20061115_150000_00.jpg", jpegLike("instead of a broken one"));
     EXPECT_TRUE(folder.refresh());
     EXPECT_FALSE(folder.fault());
+    EXPECT_EQ(folder.origins()[15 * 60], PictureOrigin::Taken);
+    folder.turnTo(temp.path() / "none", day);
+    folder.refresh();
+    EXPECT_EQ(folder.origins(), DayPictures{});
+    EXPECT_FALSE(folder.fault()) << "no folder is an empty one";
 }
 
 TEST(RecentCaptures, KnowsTenAcrossDaysAndARestart) {
     const TempFolder data;
     JumpingClock clock(at(2006, 11, 15));
-    for (const std::string date : {"20061113", "20061114"}) {
-        std::filesystem::create_directory(data.path() / date);
+    for (const std::string date : {"20061113", "20061114"})
         for (int minute = 10; minute < 16; ++minute) {
             const std::string name = date + "_10" + std::to_string(minute) + "00_00.jpg";
             writeFile(data.path() / date / name, "picture " + name);
         }
-    }
     std::filesystem::create_directories(data.path() / "Edit" / "20061115");
     writeFile(data.path() / "20061114" / "20061114_120007_00.jpg", "stored");
     RecentCaptures recent(clock);

@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <gtest/gtest.h>
-#include <tuple>
+#include <sstream>
 
 namespace orvane::test {
 namespace {
@@ -17,14 +17,10 @@ std::size_t minute(int hour, int minuteOfHour) {
 /// "0900 0930f": taken at 9:00, fetched at 9:30.
 DayPictures picturesAt(const std::string& list) {
     DayPictures pictures{};
-    for (std::size_t from = 0; from < list.size(); ++from) {
-        const auto index =
-            minute(std::stoi(list.substr(from, 2)), std::stoi(list.substr(from + 2, 2)));
-        from += 4;
-        const bool fetched = from < list.size() && list[from] == 'f';
-        pictures[index] = fetched ? PictureOrigin::Fetched : PictureOrigin::Taken;
-        from += fetched;
-    }
+    std::istringstream words(list);
+    for (std::string word; words >> word;)
+        pictures[minute(std::stoi(word.substr(0, 2)), std::stoi(word.substr(2, 2)))] =
+            word.ends_with('f') ? PictureOrigin::Fetched : PictureOrigin::Taken;
     return pictures;
 }
 
@@ -73,6 +69,7 @@ TEST(DayPlanTest, ALateCaptureBelongsToItsDueMinute) {
     EXPECT_EQ(planAt(9, 3, "0902 0903", {9h, 10h, 2min, {}}).text,
               "taken 1 of 30, next at 09:04, 1 missed")
         << "a due minute's picture is its own";
+    EXPECT_EQ(planAt(12, 0, "", {9h, 17h, 30s, {}}).text, "no minute is due");
 }
 
 TEST(DayPlanTest, MarksOfManyMinutesShowTheWorst) {
@@ -91,29 +88,12 @@ TEST(DayPlanTest, MarksOfManyMinutesShowTheWorst) {
     EXPECT_EQ(markText(marks[120]),
               "10:00 to 10:04 - 3 taken, 1 fetched from the camera's store, 1 missed");
     EXPECT_EQ(marks[120].state, DayState::Missed);
+    EXPECT_EQ(dayMarks(planWithoutRecording(pictures), 5)[120].state, DayState::Fetched);
+    EXPECT_EQ(dayMarks(planAt(10, 15, "0900 0910 1000f"), 5).size(), 17U)
+        << "sixteen due minutes and the one of another schedule";
     EXPECT_EQ(columnMinutes(3, 3), 1);
     EXPECT_EQ(columnMinutes(0.68, 3), 5);
     EXPECT_EQ(columnMinutes(0.01, 3), 60);
-}
-
-TEST(DayPlanTest, MarksOfSingleMinutes) {
-    const std::vector<DayMark> marks = dayMarks(planAt(10, 15, "0900 0910 1000f"), 5);
-    ASSERT_EQ(marks.size(), 17u) << "sixteen due minutes and the one of another schedule";
-    const char* texts[] = {"09:00 - taken", "09:10 - taken, not on the schedule", "09:30 - missed",
-                           "10:00 - fetched from the camera's store", "10:30 - to come"};
-    for (std::size_t i = 0; i < std::size(texts); ++i)
-        EXPECT_EQ(markText(marks[i]), texts[i]);
-}
-
-TEST(DayPlanTest, WithoutRecordingOnlyWhatExistsIsShown) {
-    const DayPlan plan = planWithoutRecording(picturesAt("0900 0931f"));
-    EXPECT_EQ(plan.text, "recording is off");
-    const std::vector<DayMark> marks = dayMarks(plan, 1);
-    ASSERT_EQ(marks.size(), 2u);
-    EXPECT_EQ(marks[0].state, DayState::Taken);
-    EXPECT_EQ(marks[1].state, DayState::Fetched);
-    EXPECT_FALSE(plan.begin);
-    EXPECT_EQ(planAt(12, 0, "", {9h, 17h, 30s, {}}).text, "no minute is due");
 }
 
 TEST(DayPlanTest, TheSunAgreesWithThePanel) {

@@ -1,5 +1,4 @@
 #include "archive/FilmFile.h"
-
 #include "platform/Paths.h"
 #include "platform/qt/LibjpegImageControl.h"
 #include "platform/qt/QtClock.h"
@@ -52,7 +51,6 @@ TEST_F(FilmOfFfmpeg, HasItsPicturesTheirColoursAndItsLength) {
     for (const char* expected :
          {"Video: h264", "yuv420p(tv, bt709", " 160x120", " 10 fps", "Duration: 00:00:01.00"})
         EXPECT_NE(said.find(expected), std::string::npos) << expected << " in\n" << said;
-
     constexpr std::size_t kFrame = 160 * 120 * 3;
     const std::string decoded = contentsOf(pixels);
     ASSERT_EQ(decoded.size(), 10 * kFrame);
