@@ -20,11 +20,8 @@ struct Film : ArchiveStation {
         for (int minute = 0; minute < count; ++minute)
             picture("20061115_09" + twoDigits(minute) + "00_00.jpg", 10 * minute);
     }
-    void start(const FilmOptions& form, unsigned last = 15) {
-        film.start({november(15), november(last)}, form, target);
-    }
-    std::string make(const FilmOptions& form = {}, unsigned last = 15) {
-        start(form, last);
+    std::string make(unsigned last = 15) {
+        film.start({november(15), november(last)}, {}, target);
         finishWork(film);
         return film.text.get();
     }
@@ -67,13 +64,23 @@ TEST(FilmFile, OnePictureForEachMinuteInTheOrderOfTime) {
     std::filesystem::rename(f.file("20061116_000007_00.jpg"),
                             f.dataFolder() / "20061115" / "20061116_000007_00.jpg");
     f.picture("20061116_000000_00.jpg", 120);
-    EXPECT_EQ(f.make({}, 16), "day.mp4 is written: 4 pictures, 0.2 s. "
-                              "Passed over: 2 pictures; see ERROR.LOG.");
+    EXPECT_EQ(f.make(16), "day.mp4 is written: 4 pictures, 0.2 s. "
+                          "Passed over: 2 pictures; see ERROR.LOG.");
     EXPECT_EQ(f.greys(), (std::vector{40, 60, 80, 120}));
     EXPECT_EQ(f.film.progress, SpanWork::kWhole);
     EXPECT_EQ(listing(f.films), std::vector<std::string>{"day.mp4"});
     EXPECT_EQ(contentsOf(f.target), "film of " + f.process.fed);
     EXPECT_EQ(f.countLogged("FilmFile:with /opt/ffmpeg, libx264"), 1);
+
+    const auto own = f.films / "my ffmpeg";
+    f.film.choose(own);
+    EXPECT_EQ(f.film.program(), std::filesystem::path("/opt/ffmpeg")) << "it is not there";
+    writeFile(own, "a program");
+    f.make();
+    EXPECT_EQ(f.process.programs.back(), own);
+    f.store.readOnly = true;
+    f.film.choose("/opt/other");
+    EXPECT_TRUE(f.film.text.get().starts_with("The settings cannot be stored"));
 }
 
 TEST(FilmFile, SizesAreEvenAndThoseOfTheFirstPicture) {
@@ -82,11 +89,10 @@ TEST(FilmFile, SizesAreEvenAndThoseOfTheFirstPicture) {
         int rows;
         FilmSize film;
     };
-    const Case cases[] = {
-        {{1600, 1200}, 0, {1600, 1200}},    {{641, 481}, 0, {642, 482}},
-        {{1920, 1080}, 480, {854, 480}},    {{5184, 3888}, 0, {2880, 2160}},
-        {{8000, 2000}, 1080, {3840, 960}},  {{640, 480}, 720, {960, 720}},
-        {{1080, 1920}, 720, {406, 720}},    {{10, 3000}, 480, {16, 480}}};
+    const Case cases[] = {{{1600, 1200}, 0, {1600, 1200}},   {{641, 481}, 0, {642, 482}},
+                          {{1920, 1080}, 480, {854, 480}},   {{5184, 3888}, 0, {2880, 2160}},
+                          {{8000, 2000}, 1080, {3840, 960}}, {{640, 480}, 720, {960, 720}},
+                          {{1080, 1920}, 720, {406, 720}},   {{10, 3000}, 480, {16, 480}}};
     for (const auto& [first, rows, film] : cases)
         EXPECT_EQ(filmSizeOf(first, rows), film) << first.width << " " << rows;
 }
@@ -98,7 +104,7 @@ TEST(FilmFile, MixedSizesAreFitted) {
     f.picture("20061115_093100_00.jpg", 100, {320, 240});
     f.picture("20061115_093200_00.jpg", 150, {480, 640});
     constexpr std::size_t kFrame = std::size_t{160} * 120 * 4; // a quarter: at least 100 rows
-    f.start({.rows = 100, .rate = 60});
+    f.film.start({november(15), november(15)}, {.rows = 100, .rate = 60}, f.target);
     ASSERT_TRUE(f.clock.runUntil([&] { return f.process.fed.size() == kFrame; }, 1min));
     EXPECT_FALSE(f.busy.active());
     {
@@ -117,20 +123,22 @@ TEST(FilmFile, MixedSizesAreFitted) {
 }
 
 TEST(FilmFile, StampAndMirrorAreIndependent) {
-    for (const bool mirror : {false, true})
-        for (const bool stamp : {false, true}) {
-            Film f;
-            f.write("20061115_093000_00.jpg");
-            FakeImageControl fake; // tells what was done to it
-            FilmFile film(f.forSpans(), fake, f.process, f.store);
-            film.start({november(15), november(15)}, {.mirror = mirror, .stamp = stamp}, f.target);
-            f.finishWork(film);
-            std::string fed;
-            for (std::size_t i = 0; i < f.process.fed.size(); i += 4)
-                fed += f.process.fed[i];
-            EXPECT_EQ(fed, jpegLike("20061115_093000_00.jpg") + (mirror ? "mirrored" : "") +
-                               (stamp ? "2006/11/15 09:30" : ""));
-        }
+    const std::pair<FilmOptions, const char*> cases[] = {
+        {{}, ""},
+        {{.mirror = true}, "mirrored"},
+        {{.stamp = true}, "2006/11/15 09:30"},
+        {{.mirror = true, .stamp = true}, "mirrored2006/11/15 09:30"}};
+    for (const auto& [options, done] : cases) {
+        Film f;
+        f.write("20061115_093000_00.jpg");
+        FilmFile film(f.forSpans(), f.imageControl, f.process, f.store);
+        film.start({november(15), november(15)}, options, f.target);
+        f.finishWork(film);
+        std::string fed; // the fake control tells what was done to it
+        for (std::size_t i = 0; i < f.process.fed.size(); i += 4)
+            fed += f.process.fed[i];
+        EXPECT_EQ(fed, jpegLike("20061115_093000_00.jpg") + done);
+    }
 }
 
 TEST(FilmFile, TheEncoderIsTheBestThatIsThere) {
@@ -230,23 +238,6 @@ TEST(FilmFile, EndsAtAnyMoment) {
         EXPECT_EQ(contentsOf(f.target), "older");
     }
     EXPECT_GT(withPart, 10);
-}
-
-TEST(FilmFile, TheChosenFfmpegGoesBeforeTheFoundOne) {
-    Film f;
-    EXPECT_EQ(f.film.program(), std::filesystem::path("/opt/ffmpeg"));
-    const auto own = f.films / "my ffmpeg";
-    f.film.choose(own);
-    EXPECT_EQ(f.film.program(), std::filesystem::path("/opt/ffmpeg")) << "it is not there";
-    writeFile(own, "a program");
-    EXPECT_EQ(f.film.program(), own);
-    EXPECT_EQ(f.store.values["Station/Ffmpeg"], utf8FromPath(own));
-    f.someMinutes(1);
-    f.make();
-    EXPECT_EQ(f.process.programs, std::vector<std::filesystem::path>(2, own));
-    f.store.readOnly = true;
-    f.film.choose("/opt/other");
-    EXPECT_FALSE(f.film.text.get().empty());
 }
 
 } // namespace

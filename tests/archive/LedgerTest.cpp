@@ -1,5 +1,5 @@
-#include "archive/Csv.h"
 #include "archive/Ledger.h"
+#include "archive/Csv.h"
 #include "tests/support/TestPictures.h"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,5 @@
 #include "archive/CopiesAnew.h"
+#include "archive/DayReport.h"
 #include "platform/qt/LibjpegImageControl.h"
 #include "tests/archive/ArchiveStation.h"
 
@@ -46,10 +47,13 @@ TEST(CopiesAnew, AreThoseOfTheOptionsAtTheStart) {
     const Case cases[] = {
         {{.DateFlg = kOn}, "not mirrored, without date stamp, EXIF, high quality", "", 4},
         {{.Quality = 2, .LrFlg = kOn, .JpegTyp = 98},
-         "mirrored, without date stamp, 4:4:4, highest quality", "mirrored", 4},
+         "mirrored, without date stamp, 4:4:4, highest quality",
+         "mirrored",
+         4},
         {{.Quality = 56, .LrFlg = kOn, .DateFlg = kOn, .RawFlg = kOn},
          "mirrored, with date stamp, EXIF, low quality, untouched picture beside it",
-         "mirrored2006/11/15 09:30", 8}};
+         "mirrored2006/11/15 09:30",
+         8}};
     writeFile(s.dataFolder() / "20061115" / "notes.jpg", jpegLike("no picture's name"));
     const std::string name = "20061115_093000_00.jpg";
     const auto edit = s.dataFolder() / "Edit" / "20061115";
@@ -59,6 +63,12 @@ TEST(CopiesAnew, AreThoseOfTheOptionsAtTheStart) {
         s.module.image = options;
         s.start(15, 16);
         s.module.image = {.Quality = 56, .LrFlg = asFlag(!isSet(options.LrFlg))};
+        s.clock.run(8ms);
+        {
+            const Busy::Hold capture(s.busy);
+            s.clock.run(1min);
+            EXPECT_TRUE(s.copies.running) << "all else goes first";
+        }
         EXPECT_EQ(s.make(14, 14), "4 copies made.") << "one at a time";
         EXPECT_EQ(s.copies.progress, SpanWork::kWhole);
         EXPECT_EQ(contentsOf(edit / name), jpegLike(name) + added);
@@ -129,19 +139,74 @@ TEST(CopiesAnew, CancelledWithinAPictureHoldsNoPixels) {
     EXPECT_TRUE(s.made().empty());
 }
 
-TEST(CopiesAnew, AllElseGoesFirst) {
-    Copies s;
-    s.start(14, 16);
-    ASSERT_TRUE(s.clock.runUntil([&] { return s.made().size() == 2; }, 1min));
-    EXPECT_FALSE(s.busy.active());
-    {
-        const Busy::Hold capture(s.busy);
-        s.clock.run(1min);
-        EXPECT_LE(s.made().size(), 3U) << "the picture it was at";
-        EXPECT_TRUE(s.copies.running);
+/// The minutes 9:00, 9:30, 10:00 and 10:30 are due; it is 9:45.
+struct DayReportTest : ArchiveStation, testing::Test {
+    DayReportTest() : ArchiveStation(at(2006, 11, 15, 9, 45)) { type(9, 11, 30); }
+
+    void start(unsigned first, unsigned last) {
+        report.start({november(first), november(last)}, target);
     }
-    s.finishWork(s.copies);
-    EXPECT_EQ(s.copies.text.get(), "6 copies made.");
+    /// The file that is there in the end.
+    std::string reportOf(unsigned first, unsigned last) {
+        start(first, last);
+        finishWork(report);
+        return std::filesystem::exists(target) ? contentsOf(target) : "";
+    }
+    std::string text() const { return report.text.get(); }
+
+    DayReport report{forSpans(), module, schedules};
+    std::filesystem::path target = folder.path() / "report.csv";
+};
+
+/// An unreadable day is no empty one. The schedule of the start holds, whatever happens meanwhile.
+TEST_F(DayReportTest, JudgesEachDayByScheduleAndFiles) {
+    for (const char* name :
+         {"20061114_080000_00.jpg", "20061114_090100_00.jpg", "20061114_093007_00.jpg",
+          "20061114_235900_00.jpg", "20061115_090000_00.jpg"})
+        write(name);
+    write("20061112_090000_00.jpg", "");
+    write("20061112_093000_00.jpg", jpegLike("cut").substr(0, 20));
+    writeFile(dataFolder() / "20061112" / "notes.jpg", jpegLike("of another name"));
+    writeFile(dataFolder() / "20061112" / "20061113_000007_00.jpg", jpegLike("after midnight"));
+    writeFile(dataFolder() / "20061113", "a file");
+    start(11, 16);
+    clock.run(7ms);
+    panel.Text1[5].text = std::string("1");
+    std::string table = reportOf(1, 1); // one at a time
+    const std::size_t note = table.find("cannot be read: ");
+    ASSERT_NE(note, std::string::npos) << table;
+    table.erase(note, table.find("\r\n", note) - note); // and why, in the system's words
+    EXPECT_EQ(table, "date,due,taken,fetched,missed,first,last,note\r\n"
+                     "2006/11/11,4,0,0,4,,,\r\n"
+                     "2006/11/12,4,0,0,4,,,\r\n"
+                     "2006/11/13,4,,,,,,\r\n"
+                     "2006/11/14,4,1,1,2,08:00:00,23:59:00,\r\n"
+                     "2006/11/15,4,1,0,1,09:00:00,09:00:00,not over\r\n"
+                     "2006/11/16,4,0,0,0,,,not over\r\n");
+    EXPECT_EQ(text(), "report.csv is written. The folder of 1 day cannot be read. See to the "
+                      "access rights.");
+}
+
+/// The older report stays as it was until the new one is whole.
+TEST_F(DayReportTest, IsWrittenWholeOrNotAtAll) {
+    writeFile(target, "older");
+    for (Ticks moment = 0ms; moment < 12ms; moment += 1ms) {
+        start(12, 14);
+        clock.run(moment);
+        ASSERT_TRUE(report.running);
+        report.cancel();
+        EXPECT_EQ(text(), "Cancelled. No report was written.");
+        EXPECT_EQ(contentsOf(target), "older");
+    }
+    EXPECT_NE(reportOf(12, 14), "older");
+
+    target = folder.path() / "gone" / "report.csv";
+    EXPECT_EQ(reportOf(12, 14), "");
+    EXPECT_TRUE(text().starts_with("Ended early: the report cannot be written: ")) << text();
+    std::filesystem::remove_all(dataFolder());
+    reportOf(12, 14);
+    EXPECT_EQ(text(), "Ended early: the data folder is not there; connect its disk or choose "
+                      "another one. No report was written.");
 }
 
 } // namespace

@@ -3,11 +3,87 @@
 #include "archive/ShownDay.h"
 #include "simulators/sample-archive/SampleArchive.h"
 #include "tests/archive/ArchiveStation.h"
-
-#include <gtest/gtest.h>
+#include "tests/support/FolderTime.h"
 
 namespace orvane::test {
 namespace {
+/// A station that records every half hour from 9 to 11; it is 9:45 of the 15th.
+struct OtherDays : testing::Test {
+    OtherDays() {
+        s.type(9, 11, 30);
+        s.module.RecordFlg = true;
+        for (const char* name : {"20061112_090000_00.jpg", "20061114_090000_00.jpg",
+                                 "20061114_093007_00.jpg", "20061115_090000_00.jpg"})
+            s.write(name);
+        shown.refresh();
+    }
+    const std::string& textOf(unsigned day) {
+        shown.turnTo(november(day));
+        s.clock.runUntil([this] { return !shown.isReading(); }, 1min);
+        shown.refresh();
+        return shown.plan().text;
+    }
+
+    ArchiveStation s{at(2006, 11, 15, 9, 45)};
+    Keograms keograms{{s.imageControl, s.module, s.busy, s.clock}};
+    ShownDay shown{{s.days, s.panel, keograms, s.clock, s.faults}};
+};
+
+TEST_F(OtherDays, EachIsJudgedAsOneThatIsOver) {
+    for (int minute = 0; minute < 11 * 60; ++minute)
+        s.write(ImageName::ofCapture(at(2006, 11, 13, 0, minute)).text());
+    EXPECT_TRUE(shown.isToday());
+    EXPECT_EQ(shown.now(), 9 * 60 + 45);
+    EXPECT_EQ(shown.firstDay(), november(12));
+    shown.turnTo(november(13));
+    EXPECT_EQ(shown.plan().text, "reading the day's folder...");
+    EXPECT_LT(shown.pictures().size(), 100U) << "the window is not held up for the whole folder";
+    EXPECT_EQ(textOf(14), "taken 1 of 4, 1 fetched later, 2 missed") << "reading can be left";
+    EXPECT_EQ(shown.now(), std::nullopt);
+    EXPECT_EQ(shown.plan().begin, 9 * 60);
+    EXPECT_EQ(shown.pictureOf(9 * 60 + 30).filename(), "20061114_093007_00.jpg");
+    EXPECT_EQ(shown.pictureOf(10 * 60), "");
+    EXPECT_EQ(textOf(13), "taken 4 of 4");
+    EXPECT_EQ(textOf(12), "taken 1 of 4, 3 missed");
+    textOf(1);
+    EXPECT_EQ(shown.day(), november(12)) << "the archive's first";
+    EXPECT_FALSE(shown.isToday());
+    EXPECT_EQ(textOf(30), s.days.plan().text);
+    EXPECT_TRUE(shown.isToday());
+    EXPECT_EQ(shown.day(), november(15));
+}
+
+TEST_F(OtherDays, FollowWhatIsFiledLater) {
+    textOf(14);
+    const std::int64_t before = shown.revision();
+    s.write("20061114_100000_00.jpg");
+    setFolderTime(s.dataFolder() / "20061114",
+                  std::filesystem::file_time_type::clock::now() + 1min);
+    shown.refresh();
+    EXPECT_GT(shown.revision(), before);
+    EXPECT_EQ(shown.plan().text, "taken 2 of 4, 1 fetched later, 1 missed");
+}
+
+/// Midnight moves today; a day that was turned to stays.
+TEST_F(OtherDays, MidnightAndAnotherFolder) {
+    s.clock.run(24h);
+    shown.refresh();
+    EXPECT_EQ(shown.day(), november(16));
+    EXPECT_TRUE(shown.isToday());
+    textOf(14);
+    s.clock.run(24h);
+    shown.refresh();
+    EXPECT_EQ(shown.day(), november(14));
+    s.clock.jumpWall(-72h); // the clock was wrong: it is the 14th
+    shown.refresh();
+    EXPECT_TRUE(shown.isToday());
+    EXPECT_EQ(shown.day(), november(14));
+    textOf(12);
+    s.panel.Dir1[0].path = s.folder.path() / "elsewhere";
+    shown.refresh();
+    EXPECT_TRUE(shown.isToday());
+    EXPECT_EQ(shown.firstDay(), november(14)) << "an archive without a folder begins today";
+}
 
 using namespace samplearchive;
 
@@ -97,8 +173,7 @@ TEST_F(SixtyDays, AreSurveyedByNamesAndSizes) {
 }
 
 TEST_F(SixtyDays, AreShownAsTheOperatorTurns) {
-    FakeImageControl control;
-    Keograms keograms{{control, s.module, s.busy, s.clock}};
+    Keograms keograms{{s.imageControl, s.module, s.busy, s.clock}};
     ShownDay shown{{s.days, s.panel, keograms, s.clock, s.faults}};
     shown.turnTo(archive.day(0).date - std::chrono::days(5));
     EXPECT_EQ(shown.day(), archive.day(0).date) << "the archive's first";
