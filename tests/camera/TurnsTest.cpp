@@ -24,29 +24,26 @@ struct Turns : testing::Test {
     void testFetch() { s.tasks.spawn(s.camera.Command8_Click()); }
 };
 
-TEST_F(Turns, ASecondTestFetchWaitsForTheFirst) {
+TEST_F(Turns, AllButCapturesWaitForEachOther) {
     testFetch();
     testFetch();
     s.clock.run(30s);
     EXPECT_EQ(s.http.requests, 2);
     s.clock.run(15s);
-    EXPECT_FALSE(s.http.running());
-    EXPECT_EQ(s.http.cancelled, 0);
     EXPECT_FALSE(s.views.latest.empty());
-    EXPECT_TRUE(s.op.told.empty());
-}
-
-TEST_F(Turns, TheLiveViewAndATestFetchWaitForEachOther) {
+    runUntil(9, 32, 0);
+    const auto before = s.http.requests;
+    s.browser1.answer = [](const std::string&) { return "1,2,r/20061115_092007_00.jpg,"; };
     testFetch();
     s.panel.chkLive.ticked = true;
+    s.tasks.spawn(s.imageStore.Test_DL());
     s.clock.run(19s);
-    EXPECT_EQ(s.http.requests, 1);
-    s.clock.run(6s);
-    EXPECT_EQ(s.http.requests, 2); // the live view's
-    testFetch();
-    s.clock.run(17s);
-    EXPECT_EQ(s.views.live, 1);
+    EXPECT_EQ(s.http.requests, before + 1);
+    s.clock.run(2min);
+    EXPECT_EQ(s.imagesOf("20061115").front(), "20061115_092007_00.jpg");
+    EXPECT_GT(s.views.live, 1);
     EXPECT_EQ(s.http.cancelled, 0);
+    EXPECT_TRUE(s.op.told.empty());
 }
 
 TEST_F(Turns, ACaptureEndsATestFetchAndTheLiveView) {
@@ -81,17 +78,6 @@ TEST_F(Turns, ACaptureWaitsForARunsPictureInTransfer) {
     EXPECT_EQ(s.imagesOf("20061115"),
               (std::vector<std::string>{"20061115_091507_00.jpg", "20061115_091607_00.jpg",
                                         "20061115_093000_00.jpg"}));
-}
-
-TEST_F(Turns, ARunWaitsForATestFetch) {
-    s.browser1.answer = [](const std::string&) { return "1,2,r/20061115_092007_00.jpg,"; };
-    testFetch();
-    s.tasks.spawn(s.imageStore.Test_DL());
-    s.clock.run(19s);
-    EXPECT_EQ(s.http.requests, 1);
-    s.clock.run(22s);
-    EXPECT_EQ(s.http.cancelled, 0);
-    EXPECT_EQ(s.imagesOf("20061115"), std::vector<std::string>{"20061115_092007_00.jpg"});
 }
 
 } // namespace

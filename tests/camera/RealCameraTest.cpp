@@ -1,11 +1,15 @@
-#include "camera/ImageStore.h"
 #include "imaging/JpegMarkers.h"
+#include "platform/curl/CurlTransfer.h"
+#include "platform/qt/QtClock.h"
 #include "simulators/sky-camera/CameraClock.h"
-#include "tests/camera/RealCamera.h"
+#include "simulators/sky-camera/SkyCamera.h"
+#include "tests/support/Patience.h"
+#include "tests/support/TestPictures.h"
+#include "tests/support/TestStation.h"
 
 #include <QCoreApplication>
 
-#include <algorithm>
+#include <gtest/gtest.h>
 #include <random>
 
 namespace orvane::test {
@@ -13,6 +17,7 @@ namespace {
 
 skycamera::SkyCameraOptions fullStore() {
     skycamera::SkyCameraOptions options;
+    options.size = {160, 120};
     // behind the PC, and far from the turn of a minute, which takes a picture out of its list
     const QDateTime now = QDateTime::currentDateTime();
     const QTime minute(now.time().hour(), now.time().minute());
@@ -22,9 +27,90 @@ skycamera::SkyCameraOptions fullStore() {
     return options;
 }
 
+/// A station whose camera is the simulated one, over real connections and in real time.
+struct RealCamera {
+    RealCamera() {
+        EXPECT_TRUE(simulator.start());
+        s.panel.txtIp.text = "127.0.0.1";
+        s.panel.txtPort.text = std::to_string(simulator.port());
+    }
+    void setFault(const QString& faults, int requests = 0, const QByteArray& path = {}) {
+        ASSERT_TRUE(simulator.setFault(faults, requests, path)) << faults.toStdString();
+    }
+
+    skycamera::SkyCamera simulator{fullStore()};
+    TestStation s{at(2006, 11, 15)};
+    QtClock clock;
+    CurlLoop curl;
+    HttpLimits limits = measuredLimits();
+    CurlTransfer transfer{curl, clock, limits};
+};
+
+struct CameraTransfer : testing::Test, RealCamera {
+    bool download(const std::string& path = kLatestImagePath) {
+        Task<HttpReply> task =
+            camera.DownloadFile(cameraBaseUrl(s.panel) + path, s.folder.path() / "", "picture.jpg");
+        task.start();
+        reason = finish(task).fault;
+        return reason.empty();
+    }
+    std::string picture() const { return contentsOf(file); }
+
+    std::string reason; ///< why the last download failed
+    std::filesystem::path file = s.folder.path() / "picture.jpg";
+    CameraPanel camera{s.module, s.panel, transfer, s.switches,    s.views,
+                       s.busy,   s.op,    clock,    s.imageControl};
+};
+
+/// What the camera can do wrong: either the download says so and leaves the file alone, or what it
+/// brought is seen not to be a whole picture.
+TEST_F(CameraTransfer, EveryFaultIsNoticedInBoundedTime) {
+    const std::pair<const char*, bool> cases[] = {
+        // whether it arrives as a file
+        {"refuse", false},     {"silent", false}, {"reset", false},       {"stall", false},
+        {"drip:200", false},   {"short", false},  {"nolength-cut", true}, {"status:404", false},
+        {"status:503", false}, {"html", true},    {"empty", false},       {"cut", true}};
+    const std::string old = "what stood here before";
+    for (const auto& [fault, arrives] : cases) {
+        SCOPED_TRACE(fault);
+        writeFile(file, old);
+        setFault(fault);
+        EXPECT_EQ(download(), arrives) << reason;
+        EXPECT_FALSE(isWholeJpeg(picture()));
+        EXPECT_EQ(picture() == old, !arrives);
+        setFault("none");
+        EXPECT_TRUE(download()) << reason;
+        EXPECT_TRUE(isWholeJpeg(picture()));
+    }
+}
+
+TEST_F(CameraTransfer, AHugeAnswerIsCutOff) {
+    setFault("list-big:5", 0, "/cgi/srch.cgi");
+    for (const Wanted wanted : {Wanted::Page, Wanted::Nothing}) {
+        Task<HttpReply> task = transfer.get(cameraBaseUrl(s.panel) + "/cgi/srch.cgi", wanted);
+        task.start();
+        EXPECT_EQ(finish(task).fault, "the answer is too large");
+    }
+}
+
+/// The body goes over the start of the file; what stood behind it stays.
+TEST_F(CameraTransfer, OverwritesInPlaceWithoutShortening) {
+    writeFile(file, std::string(100'000, 'o'));
+    ASSERT_TRUE(download("/"));
+    EXPECT_LT(picture().find("<html"), 100U);
+    EXPECT_EQ(picture().size(), 100'000U);
+    EXPECT_TRUE(picture().ends_with(std::string(50'000, 'o')));
+}
+
+TEST_F(CameraTransfer, AWriteThatFailsIsAFailure) {
+    std::filesystem::create_directory(file);
+    EXPECT_FALSE(download());
+    EXPECT_NE(reason.find("cannot write picture.jpg"), std::string::npos);
+}
+
 /// The runs against the simulated camera's store.
 struct StoreTransfer : testing::Test, RealCamera {
-    StoreTransfer() : RealCamera(fullStore()) {
+    StoreTransfer() {
         s.panel.Dir1[0].path = data;
         s.module.defaultDataFolder = data; // which is made when it is not there
         s.panel.Text1[5].text = "30";
@@ -66,15 +152,6 @@ struct StoreTransfer : testing::Test, RealCamera {
     ImageStore store{{s.module, s.panel, s.archive, transfer, pages1, pages2, s.log, s.faults, s.op,
                       clock, s.busy}};
 };
-
-TEST_F(StoreTransfer, DownloadsWhatTheCameraLists) {
-    run(&ImageStore::Test_DL);
-    EXPECT_EQ(pictures().size(), 2U);
-    EXPECT_EQ(downloaded(), "2");
-    run(&ImageStore::cmd_Download); // the bare search lists the last hour
-    EXPECT_EQ(downloaded(), "60");
-    EXPECT_EQ(simulator.status().searchesServed, 2U);
-}
 
 TEST_F(StoreTransfer, EveryFaultOfTheSearchEndsInBoundedTime) {
     const std::pair<const char*, std::size_t> cases[] = {
