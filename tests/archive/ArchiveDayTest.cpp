@@ -83,30 +83,6 @@ using namespace samplearchive;
 
 constexpr std::chrono::local_days kLastDay{std::chrono::days(13467)}; // 2006/11/15
 
-/// The sample archive, and a station that looks at it at noon of the next day.
-class SixtyDays : public testing::Test {
-  protected:
-    SixtyDays() {
-        s.type(6, 18, 10);
-        s.panel.Dir1[0].path = folder.path();
-        s.days.refresh();
-    }
-
-    /// Nothing of it is changed.
-    struct Shared {
-        TempFolder folder;
-        SampleArchive archive{folder.path(), kLastDay, SampleArchive::paintGrey};
-    };
-    static Shared& shared() {
-        static Shared shared;
-        return shared;
-    }
-
-    const TempFolder& folder = shared().folder;
-    const SampleArchive& archive = shared().archive;
-    ArchiveStation s{WallTime(kLastDay + std::chrono::days(1)) + 12h};
-};
-
 DayState stateOf(Truth truth) {
     constexpr DayState kStates[] = {DayState::NotDue, DayState::Taken, DayState::Fetched,
                                     DayState::Missed, DayState::Off,   DayState::NotRunning};
@@ -123,12 +99,23 @@ std::string textOf(const SampleDay& day, int (SampleDay::*count)(Truth) const) {
            part(of(Truth::Off) + of(Truth::NotRunning), " not recorded");
 }
 
-/// A file with something in it is a picture to the calendar: it looks at names and sizes only.
-TEST_F(SixtyDays, AreSurveyedByNamesAndSizes) {
+/// The sample archive, and a station that looks at it at noon of the next day.
+TEST(SixtyDays, AreSurveyedAndShown) {
+    const TempFolder folder;
+    const SampleArchive archive{folder.path(), kLastDay, SampleArchive::paintGrey};
+    ArchiveStation s{WallTime(kLastDay + std::chrono::days(1)) + 12h};
+    s.type(6, 18, 10);
+    s.panel.Dir1[0].path = folder.path();
+    s.days.refresh();
     DaySurvey survey{{s.days, s.panel, s.clock, s.faults}};
     survey.start({archive.day(0).date, kLastDay});
     ASSERT_TRUE(s.clock.runUntil([&] { return survey.found == kSampleDays; }, 1h));
+    Keograms keograms{{s.imageControl, s.module, s.busy, s.clock}};
+    ShownDay shown{{s.days, s.panel, keograms, s.clock, s.faults}};
+    shown.turnTo(archive.day(0).date - std::chrono::days(5));
+    EXPECT_EQ(shown.day(), archive.day(0).date) << "the archive's first";
     for (const SampleDay& day : archive.days()) {
+        // a file with something in it is a picture to the calendar: it looks at names and sizes
         const DaySurvey::Result& result = survey.results().at(day.date);
         const int pictures = day.countBySize(Truth::Taken) + day.countBySize(Truth::Fetched);
         const int wanted = day.due() - day.countBySize(Truth::Off);
@@ -136,28 +123,20 @@ TEST_F(SixtyDays, AreSurveyedByNamesAndSizes) {
         EXPECT_DOUBLE_EQ(result.share.value_or(0), wanted == 0 ? 0 : 1.0 * pictures / wanted);
         EXPECT_EQ(result.isRecorded, day.date != archive.day(19).date) << day.digits;
         EXPECT_EQ(result.text, textOf(day, &SampleDay::countBySize)) << day.digits;
-    }
-}
 
-TEST_F(SixtyDays, AreShownAsTheOperatorTurns) {
-    Keograms keograms{{s.imageControl, s.module, s.busy, s.clock}};
-    ShownDay shown{{s.days, s.panel, keograms, s.clock, s.faults}};
-    shown.turnTo(archive.day(0).date - std::chrono::days(5));
-    EXPECT_EQ(shown.day(), archive.day(0).date) << "the archive's first";
-    for (auto day = archive.days().rbegin(); day != archive.days().rend(); ++day) {
-        shown.turnTo(day->date);
+        shown.turnTo(day.date);
         ASSERT_TRUE(s.clock.runUntil([&] { return !shown.isReading(); }, 1min));
         shown.refresh();
-        ASSERT_EQ(shown.day(), day->date);
-        EXPECT_EQ(shown.plan().text, textOf(*day, &SampleDay::count)) << day->digits;
+        ASSERT_EQ(shown.day(), day.date);
+        EXPECT_EQ(shown.plan().text, textOf(day, &SampleDay::count)) << day.digits;
         std::set<std::string> names;
         for (const FiledPicture& picture : shown.pictures())
             names.insert(picture.file.filename().string());
-        EXPECT_EQ(names, day->pictures) << day->digits;
+        EXPECT_EQ(names, day.pictures) << day.digits;
         for (int minute = 0; minute < kDayMinutes; ++minute) {
-            SCOPED_TRACE(day->digits + " " + minuteText(minute));
+            SCOPED_TRACE(day.digits + " " + minuteText(minute));
             const auto place = static_cast<std::size_t>(minute);
-            const SampleMinute& was = day->minutes[place];
+            const SampleMinute& was = day.minutes[place];
             ASSERT_EQ(shown.plan().isDue[place], was.isDue);
             ASSERT_EQ(shown.plan().states[place], stateOf(was.truth));
             ASSERT_EQ(shown.detailOf(minute), was.detail);

@@ -2,7 +2,6 @@
 #include "archive/DayFolder.h"
 #include "archive/FolderScan.h"
 #include "archive/Ledger.h"
-#include "archive/RecentCaptures.h"
 #include "archive/SchFile.h"
 #include "tests/support/Fakes.h"
 #include "tests/support/TestPictures.h"
@@ -139,34 +138,12 @@ TEST(DatedFolder, WhatCannotBeReadIsNotEmpty) {
     EXPECT_FALSE(folder.fault()) << "no folder is an empty one";
 }
 
-TEST(RecentCaptures, KnowsTenAcrossDaysAndARestart) {
-    const TempFolder data;
-    JumpingClock clock(at(2006, 11, 15));
-    for (const std::string date : {"20061113", "20061114"})
-        for (int minute = 10; minute < 16; ++minute) {
-            const std::string name = date + "_10" + std::to_string(minute) + "00_00.jpg";
-            writeFile(data.path() / date / name, "picture " + name);
-        }
-    std::filesystem::create_directories(data.path() / "Edit" / "20061115");
-    writeFile(data.path() / "20061114" / "20061114_120007_00.jpg", "stored");
-    RecentCaptures recent(clock);
-    finish(clock, recent.recall(data.path()));
-    EXPECT_TRUE(recent.holds("picture 20061114_101500_00.jpg"));
-    EXPECT_TRUE(recent.holds("picture 20061113_101200_00.jpg"));
-    EXPECT_FALSE(recent.holds("picture 20061113_101100_00.jpg")) << "the eleventh";
-    EXPECT_FALSE(recent.holds("stored")) << "no capture";
-    recent.add("another");
-    EXPECT_TRUE(recent.holds("another"));
-    EXPECT_FALSE(recent.holds("picture 20061113_101200_00.jpg"));
-}
-
-constexpr Schedule kHalfHours{9h, 17h, 30min, {}};
 constexpr std::string_view kHeader = "time,offset,event,file,detail\r\n";
 
 /// What a day tells of a picture that is not there: "." due, "x" missed, "o" recording was off, "-"
 /// the program was not running; each half hour from 8:00 to 13:00, blank when it is not due.
-std::string judged(const LedgerDay& day, const Schedule& present = kHalfHours, int now = 13 * 60) {
-    const DueMinutes isDue = day.dueBy(present, now);
+std::string judged(const LedgerDay& day) {
+    const DueMinutes isDue = day.dueBy({9h, 17h, 30min, {}}, 13 * 60);
     constexpr std::string_view kSigns = ".xo-";
     std::string text;
     for (int minute = 8 * 60; minute < 13 * 60; minute += 30) {
@@ -174,12 +151,6 @@ std::string judged(const LedgerDay& day, const Schedule& present = kHalfHours, i
         text += isDue[place] ? kSigns[static_cast<std::size_t>(day.watch()[place])] : ' ';
     }
     return text;
-}
-
-LedgerDay dayOf(const std::string& lines) {
-    const TempFolder folder;
-    writeFile(folder.path() / "day.csv", std::string(kHeader) + lines);
-    return readLedger(folder.path() / "day.csv");
 }
 
 TEST(Ledger, TellsWhoRecorded) {
@@ -214,8 +185,11 @@ TEST(Ledger, TellsWhoRecorded) {
          "08:10,+09:00,\"recording off,,\n\xFF\xFE,\"\"\"\n"
          "08:10,+09:00,schedule,,09:00 to 17:00 every 3 min\n08:20,+09:00,recording on,,\n",
          "  xxxxxxxx"}};
-    for (const auto& [what, lines, expected] : cases)
-        EXPECT_EQ(judged(dayOf(lines)), expected) << what;
+    const TempFolder folder;
+    for (const auto& [what, lines, expected] : cases) {
+        writeFile(folder.path() / "day.csv", std::string(kHeader) + lines);
+        EXPECT_EQ(judged(readLedger(folder.path() / "day.csv")), expected) << what;
+    }
 }
 
 TEST(Ledger, ALineIsReadAsItWasWritten) {

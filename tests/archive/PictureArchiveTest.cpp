@@ -83,7 +83,6 @@ TEST(Archive, NamesThatCannotBeForcedAreTold) {
 /// A capture keeps its name whatever comes under it, from a run as from another capture.
 TEST_F(ArchiveTest, ACaptureIsNeverReplaced) {
     EXPECT_EQ(s.capture("first").outcome, Outcome::Filed);
-    EXPECT_EQ(s.capture("first").fault, "the camera sent the same picture again");
     EXPECT_EQ(s.run("stored", kCapture), Outcome::Filed);
     EXPECT_EQ(s.names(), (std::vector<std::string>{kCapture, "20061115_093000_01.jpg"}));
     EXPECT_EQ(s.read(kCapture), jpegLike("first"));
@@ -125,6 +124,15 @@ TEST_F(ArchiveTest, WhatIsNoWholePictureMayBeReplaced) {
     }
     EXPECT_EQ(s.names().size(), 3U);
     EXPECT_EQ(s.read("20061115_093000_01.jpg"), jpegLike("whole"));
+}
+
+TEST_F(ArchiveTest, ACaptureThatWasSentBeforeIsRefused) {
+    for (int i = 0; i < 10; ++i)
+        EXPECT_EQ(s.capture(std::to_string(i)).outcome, Outcome::Filed);
+    EXPECT_EQ(s.capture("0").fault, "the camera sent the same picture again");
+    EXPECT_EQ(s.run("9", "20061115_092907_00.jpg"), Outcome::Filed) << "a stored one may be";
+    EXPECT_EQ(s.capture("10").outcome, Outcome::Filed);
+    EXPECT_EQ(s.capture("0").outcome, Outcome::Filed) << "ten are known";
 }
 
 TEST_F(ArchiveTest, LeftOversOfAKilledProgramGo) {
