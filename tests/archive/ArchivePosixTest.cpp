@@ -1,7 +1,5 @@
-#include "archive/DaySurvey.h"
 #include "archive/FilmFile.h"
 #include "archive/FolderScan.h"
-#include "archive/ShownDay.h"
 #include "platform/Paths.h"
 #include "platform/qt/LibjpegImageControl.h"
 #include "platform/qt/QtClock.h"
@@ -9,9 +7,6 @@
 #include "tests/archive/ArchiveStation.h"
 
 #include <QTest>
-
-#include <sys/inotify.h>
-#include <unistd.h>
 
 namespace orvane::test {
 namespace {
@@ -71,41 +66,6 @@ TEST_F(FilmOfFfmpeg, AFolderThatIsNotThereIsToldInItsWords) {
     const std::string told = make({}, s.folder.path() / "gone" / "film.mp4");
     EXPECT_TRUE(told.starts_with("Ended early: ffmpeg failed: ")) << told;
     EXPECT_NE(told.find("No such file or directory"), std::string::npos) << told;
-}
-
-/// The system tells when a folder or a file in it is opened: of those that nobody looks at, none
-/// is.
-TEST(ManyDays, OnlyWhatIsInViewIsRead) {
-    ArchiveStation s{at(2006, 11, 15, 12, 0)};
-    s.type(9, 10, 30);
-    const int queue = inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
-    for (unsigned day = 1; day <= 15; ++day) {
-        const std::string name = "200611" + twoDigits(static_cast<int>(day)) + "_090000_00.jpg";
-        s.write(name);
-        const bool isInView = day == 1 || (day >= 5 && day <= 7) || day >= 14;
-        if (!isInView && inotify_add_watch(queue, s.file(name).parent_path().c_str(), IN_OPEN) < 0)
-            GTEST_SKIP() << "the system watches no more folders";
-    }
-    Keograms keograms{{s.imageControl, s.module, s.busy, s.clock}};
-    ShownDay shown{{s.days, s.panel, keograms, s.clock, s.faults}};
-    shown.wantKeogram(true);
-    for (const unsigned day : {6U, 14U, 1U, 15U}) {
-        shown.turnTo(november(day));
-        for (int second = 0; second < 5; ++second) {
-            shown.refresh();
-            s.clock.run(1s);
-        }
-        EXPECT_TRUE(shown.plan().text.starts_with("taken 1 of 2")) << shown.plan().text;
-    }
-    DaySurvey survey{{s.days, s.panel, s.clock, s.faults}};
-    survey.start({november(5), november(7)});
-    s.clock.run(1min);
-    EXPECT_EQ(survey.found.get(), 3);
-    char events[4096];
-    EXPECT_LT(read(queue, events, sizeof events), 0);
-    contentsOf(s.file("20061110_090000_00.jpg"));
-    EXPECT_GT(read(queue, events, sizeof events), 0) << "it would have been told";
-    close(queue);
 }
 
 /// Only an attribute word of exactly 16 marks a sub-folder. Windows and Wine keep other bits of a

@@ -17,8 +17,7 @@ std::string striped(QColor around, QColor middle, QSize size = {320, 480}, int f
 }
 
 /// Every ten minutes from 9 to 17 are due.
-class Keogram : public testing::Test {
-  protected:
+struct Keogram : testing::Test {
     std::vector<FiledPicture> pictures(const std::string& day = "20061115") const {
         return listDay(s.dataFolder() / day).pictures;
     }
