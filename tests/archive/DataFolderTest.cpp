@@ -65,11 +65,7 @@ TEST(ImageName, TitlesAreReadByPeople) {
 TEST(SchFile, PatternsAndNames) {
     EXPECT_EQ(ExtensionOf("a.b.jpg") + BaseNameOf("a.b.jpg"), ".jpga.b");
     EXPECT_EQ(ExtensionOf("readme") + BaseNameOf("readme"), "readme");
-    struct Case {
-        const char *name, *pattern;
-        bool matches;
-    };
-    const Case cases[] = {
+    const std::tuple<const char*, const char*, bool> cases[] = {
         {"readme", "*.*", true},  {"readme", "*", true},         {"a.jpg", "*.jpg", true},
         {"a.jpg", "?.jpg", true}, {"ab.jpg", "?.jpg", false},    {"a.jpeg", "*.jp?g", true},
         {"aXbXc", "a*b*c", true}, {"aXbX", "a*b*c", false},      {"abab", "*ab", true},
@@ -154,10 +150,7 @@ std::string judged(const LedgerDay& day) {
 }
 
 TEST(Ledger, TellsWhoRecorded) {
-    struct Case {
-        const char *what, *lines, *judged;
-    };
-    const Case cases[] = {
+    const std::tuple<const char*, const char*, const char*> cases[] = {
         {"no ledger", "", "  ........"},
         {"across midnight, then killed after 10:00 and started at noon",
          "00:00,+09:00,schedule,,09:00 to 17:00 every 30 min\n00:00,+09:00,recording on,,\n"

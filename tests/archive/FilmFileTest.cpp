@@ -86,15 +86,11 @@ TEST(FilmFile, OnePictureForEachMinuteInTheOrderOfTime) {
 }
 
 TEST(FilmFile, SizesAreEvenAndThoseOfTheFirstPicture) {
-    struct Case {
-        FilmSize first;
-        int rows;
-        FilmSize film;
-    };
-    const Case cases[] = {{{1600, 1200}, 0, {1600, 1200}},   {{641, 481}, 0, {642, 482}},
-                          {{1920, 1080}, 480, {854, 480}},   {{5184, 3888}, 0, {2880, 2160}},
-                          {{8000, 2000}, 1080, {3840, 960}}, {{640, 480}, 720, {960, 720}},
-                          {{1080, 1920}, 720, {406, 720}},   {{10, 3000}, 480, {16, 480}}};
+    const std::tuple<FilmSize, int, FilmSize> cases[] = {
+        {{1600, 1200}, 0, {1600, 1200}},   {{641, 481}, 0, {642, 482}},
+        {{1920, 1080}, 480, {854, 480}},   {{5184, 3888}, 0, {2880, 2160}},
+        {{8000, 2000}, 1080, {3840, 960}}, {{640, 480}, 720, {960, 720}},
+        {{1080, 1920}, 720, {406, 720}},   {{10, 3000}, 480, {16, 480}}};
     for (const auto& [first, rows, film] : cases)
         EXPECT_EQ(filmSizeOf(first, rows), film) << first.width << " " << rows;
 }

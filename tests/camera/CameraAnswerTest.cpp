@@ -11,11 +11,7 @@ namespace orvane::test {
 namespace {
 
 TEST(CameraAddress, IsTakenApart) {
-    struct Case {
-        const char *text, *port;
-        CameraAddress expected;
-    };
-    const Case cases[] = {
+    const std::tuple<const char*, const char*, CameraAddress> cases[] = {
         // a mere host leaves the port
         {"192.168.0.10", "8080", {"192.168.0.10", "8080"}},
         {"  192.168.0.10\t", " 81 ", {"192.168.0.10", "81"}},
@@ -79,13 +75,7 @@ TEST(CameraAnswer, SaysWhatCameOrWhyNot) {
     const std::string large = picture + std::string((std::size_t{5} << 20) - picture.size(), 'x');
     const std::string kilos = std::to_string((picture.size() + 512) / 1024) + " kB";
     const std::string noPicture = "not a picture: the answer is not a whole JPEG picture";
-    struct Case {
-        HttpReply reply;
-        Ticks took;
-        std::string text;
-        bool answered;
-    };
-    const Case cases[] = {
+    const std::tuple<HttpReply, Ticks, std::string, bool> cases[] = {
         {{true, 200, picture, ""}, 249ms, "640 x 48, " + kilos + ", 0.2 s", true},
         {{true, 200, large, ""}, 12950ms, "640 x 48, 5.0 MB, 13.0 s", true},
         {{false, 0, "", "no answer from the camera"}, 10s, "no answer", false},

@@ -197,19 +197,14 @@ ImageStamp stamp(const char* name) {
 }
 
 TEST(StoreSearch, ReachesBackAcrossMonthYearAndMidnight) {
-    struct Case {
-        WallTime now;
-        const char* span;
-        double extra;
-        ImageStamp from;
-    };
-    const Case cases[] = {{at(2006, 3, 5, 14, 37, 9), "30", 0, {2006, 3, 5, 14, 7, 9, 0}},
-                          {at(2006, 3, 1, 0, 10, 0), "30", 0, {2006, 2, 28, 23, 40, 0, 0}},
-                          {at(2008, 3, 1, 0, 0, 59), "1", 0, {2008, 2, 29, 23, 59, 59, 0}},
-                          {at(2007, 1, 1, 0, 29, 59), "30", 30, {2006, 12, 31, 23, 29, 59, 0}},
-                          {at(2000, 1, 1, 0, 0, 0), "1", 0, {1999, 12, 31, 23, 59, 0, 0}},
-                          {at(2006, 3, 5, 14, 7, 9), "", 0, {2006, 3, 5, 14, 7, 9, 0}}, // no span
-                          {at(2006, 3, 5, 14, 7, 9), "0.5", 0, {2006, 3, 5, 14, 6, 39, 0}}};
+    const std::tuple<WallTime, const char*, double, ImageStamp> cases[] = {
+        {at(2006, 3, 5, 14, 37, 9), "30", 0, {2006, 3, 5, 14, 7, 9, 0}},
+        {at(2006, 3, 1, 0, 10, 0), "30", 0, {2006, 2, 28, 23, 40, 0, 0}},
+        {at(2008, 3, 1, 0, 0, 59), "1", 0, {2008, 2, 29, 23, 59, 59, 0}},
+        {at(2007, 1, 1, 0, 29, 59), "30", 30, {2006, 12, 31, 23, 29, 59, 0}},
+        {at(2000, 1, 1, 0, 0, 0), "1", 0, {1999, 12, 31, 23, 59, 0, 0}},
+        {at(2006, 3, 5, 14, 7, 9), "", 0, {2006, 3, 5, 14, 7, 9, 0}}, // no span
+        {at(2006, 3, 5, 14, 7, 9), "0.5", 0, {2006, 3, 5, 14, 6, 39, 0}}};
     for (const auto& [now, span, extra, from] : cases)
         EXPECT_EQ(stampOf(movedBack(now, span, extra)), from) << span;
     EXPECT_LT(movedBack(at(2006, 1, 1), "1e300"), at(1907, 1, 1)); // and no overflow
