@@ -11,36 +11,32 @@
 namespace orvane::test {
 namespace {
 
-constexpr int kPatience = 120'000; ///< ms
-
 /// The program ffmpeg itself, where it is installed. It runs at the lowest priority, so each start
 /// of it is slow on a busy machine.
-struct FilmOfFfmpeg : testing::Test {
-    void SetUp() override {
-        if (process.find("ffmpeg").empty()) GTEST_SKIP() << "ffmpeg is not installed";
-        for (int minute = 10; minute < 20; ++minute) {
-            QImage picture(321, 241, QImage::Format_RGB32); // no even number of either
-            picture.fill(QColor(200, 60, 8 * minute));
-            s.write("20061115_09" + std::to_string(minute) + "00_00.jpg", encoded(picture));
-        }
-    }
-    std::string make(const FilmOptions& options, const std::filesystem::path& target) {
-        film.start({november(15), november(15)}, options, target);
-        EXPECT_TRUE(QTest::qWaitFor([&] { return !film.running; }, kPatience));
-        return film.text.get();
-    }
-
+TEST(FilmOfFfmpeg, HasItsPicturesTheirColoursAndItsLength) {
+    constexpr int kPatience = 120'000; // ms
     ArchiveStation s{at(2006, 11, 20)};
     QtClock clock;
     LibjpegImageControl control{clock};
     QtProcess process{clock};
+    if (process.find("ffmpeg").empty()) GTEST_SKIP() << "ffmpeg is not installed";
+    for (int minute = 10; minute < 20; ++minute) {
+        QImage picture(321, 241, QImage::Format_RGB32); // no even number of either
+        picture.fill(QColor(200, 60, 8 * minute));
+        s.write("20061115_09" + std::to_string(minute) + "00_00.jpg", encoded(picture));
+    }
     FilmFile film{{s.panel, s.busy, s.log, s.faults, clock}, control, process, s.store};
-};
+    const auto make = [&](const std::filesystem::path& target) {
+        film.start({november(15), november(15)}, {.rows = 120, .rate = 10}, target);
+        EXPECT_TRUE(QTest::qWaitFor([&] { return !film.running; }, kPatience));
+        return film.text.get();
+    };
+    const std::string told = make(s.folder.path() / "gone" / "film.mp4");
+    EXPECT_TRUE(told.starts_with("Ended early: ffmpeg failed: ")) << told;
+    EXPECT_NE(told.find("No such file or directory"), std::string::npos) << "in its words" << told;
 
-TEST_F(FilmOfFfmpeg, HasItsPicturesTheirColoursAndItsLength) {
     const auto target = s.folder.path() / pathFromUtf8("a film \xC3\xA4.mp4");
-    ASSERT_EQ(make({.rows = 120, .rate = 10}, target),
-              "a film \xC3\xA4.mp4 is written: 10 pictures, 1.0 s.");
+    ASSERT_EQ(make(target), "a film \xC3\xA4.mp4 is written: 10 pictures, 1.0 s.");
     const auto pixels = s.folder.path() / "pixels";
     process.start(process.find("ffmpeg"),
                   {"-hide_banner", "-nostdin", "-nostats", "-i", utf8FromPath(target), "-f",
@@ -60,12 +56,6 @@ TEST_F(FilmOfFfmpeg, HasItsPicturesTheirColoursAndItsLength) {
     EXPECT_NEAR(middle[0], 200, 6);
     EXPECT_NEAR(middle[1], 60, 6);
     EXPECT_NEAR(middle[2], 152, 6);
-}
-
-TEST_F(FilmOfFfmpeg, AFolderThatIsNotThereIsToldInItsWords) {
-    const std::string told = make({}, s.folder.path() / "gone" / "film.mp4");
-    EXPECT_TRUE(told.starts_with("Ended early: ffmpeg failed: ")) << told;
-    EXPECT_NE(told.find("No such file or directory"), std::string::npos) << told;
 }
 
 /// Only an attribute word of exactly 16 marks a sub-folder. Windows and Wine keep other bits of a

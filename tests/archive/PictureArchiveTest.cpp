@@ -147,10 +147,10 @@ TEST_F(ArchiveTest, LeftOversOfAKilledProgramGo) {
 
 TEST_F(ArchiveTest, TheHistoryShowsTheNewestFirst) {
     s.take("1", "20061115_090000_00.jpg", Arrival::Capture);
-    s.take("2", kCapture, Arrival::Capture);
-    s.take("3", "20061115_084507_00.jpg", Arrival::Run);
+    s.capture("2");
+    s.run("3", "20061115_084507_00.jpg");
     s.take("4", "20061115_091507_00.jpg", Arrival::Gap);
-    s.take("5", "20061115_084507_00.jpg", Arrival::Run); // the same picture anew
+    s.run("5", "20061115_084507_00.jpg"); // the same picture anew
     EXPECT_EQ(s.views.newest.filename(), kCapture);
     EXPECT_EQ(s.module.lastImage.filename(), kCapture);
     for (int i = 10; i < 19; ++i)
