@@ -62,7 +62,7 @@ TEST(CopiesAnew, AreThoseOfTheOptionsAtTheStart) {
         s.module.image = options;
         s.start(15, 16);
         s.module.image = {.Quality = 56, .LrFlg = asFlag(!isSet(options.LrFlg))};
-        s.clock.run(8ms);
+        s.clock.run(22ms); // in the midst of the last day
         {
             const Busy::Hold capture(s.busy);
             s.clock.run(1min);
