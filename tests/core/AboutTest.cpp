@@ -49,77 +49,43 @@ TEST(AboutTest, TheToolIsFoundThroughTheRegistry) {
     }
 }
 
-class About : public testing::Test {
-  protected:
-    frmAbout& open() {
-        QCoreApplication::setApplicationVersion("4.11");
-        w.main.findChild<QAction*>("mnuHelpAbout")->trigger();
-        auto* about = w.main.findChild<frmAbout*>("frmAbout");
-        if (about == nullptr) throw std::runtime_error("no about box");
-        return *about;
-    }
-    bool closed() {
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        return w.main.findChild<QWidget*>("frmAbout") == nullptr;
-    }
-
-    JumpingClock clock{at(2006, 11, 15)};
-    FakeOperator op{clock};
-    Window w{op};
-};
-
-TEST_F(About, ShowsTitleAndVersion) {
-    const frmAbout& about = open();
-    EXPECT_TRUE(about.isModal());
-    const std::pair<const char*, const char*> texts[] = {{"lblTitle", "Orvane"},
-                                                         {"lblVersion", "Version 4.11.0"},
-                                                         {"lblDescription", ""},
-                                                         {"lblDisclaimer", ""}};
-    for (const auto& [name, text] : texts)
-        EXPECT_EQ(find<QLabel>(about, name).text(), text) << name;
-    EXPECT_EQ(find<QLabel>(about, "lblTitle").font().family(), "Arial");
-    EXPECT_EQ(find<QPushButton>(about, "cmdOK").text(), "OK");
-    EXPECT_EQ(find<QPushButton>(about, "cmdSysInfo").text(), "System(&S)");
-    EXPECT_TRUE(find<QWidget>(about, "Line1_0").isVisible());
-    EXPECT_TRUE(find<QWidget>(about, "Line1_1").isVisible());
-}
-
-TEST_F(About, EnterEscapeAndTheButtonCloseIt) {
-    QTest::keyClick(&open(), Qt::Key_Escape);
-    EXPECT_TRUE(closed());
-    QTest::keyClick(&open(), Qt::Key_Return);
-    EXPECT_TRUE(closed());
-    click(open(), "cmdOK");
-    EXPECT_TRUE(closed());
-}
-
-TEST_F(About, TheSystemButtonTellsThatThereIsNoTool) {
-    click(open(), "cmdSysInfo");
-    EXPECT_EQ(op.told, std::vector<std::string>{kUnusable});
-    QTest::keyClick(w.main.findChild<QWidget*>("frmAbout"), Qt::Key_Escape);
-    clock.run(2s); // the message is closed after the about box
-    EXPECT_TRUE(closed());
-}
-
 /// A window manager gives the keys back to the window that a closed box stood before; the main
 /// window is blocked and must not get them.
-TEST(AboutTest, AMessageStandsBeforeTheDialogInUse) {
+TEST(AboutTest, ItsMessageStandsBeforeItAndKeysCloseBoth) {
+    QCoreApplication::setApplicationVersion("4.11");
     JumpingClock clock(at(2006, 11, 15));
     QtOperator op(clock);
     Window w(op);
     op.setParentWindow(&w.main);
-    w.main.findChild<QAction*>("mnuHelpAbout")->trigger();
-    auto* about = w.main.findChild<frmAbout*>("frmAbout");
-    ASSERT_NE(about, nullptr);
+    const auto open = [&] {
+        find<QAction>(w.main, "mnuHelpAbout").trigger();
+        return &find<frmAbout>(w.main, "frmAbout");
+    };
+    frmAbout* about = open();
+    EXPECT_TRUE(about->isModal());
+    for (const auto& [name, text] : {std::pair{"lblTitle", "Orvane"},
+                                     {"lblVersion", "Version 4.11.0"},
+                                     {"lblDescription", ""},
+                                     {"lblDisclaimer", ""}})
+        EXPECT_EQ(find<QLabel>(*about, name).text(), text) << name;
+    EXPECT_EQ(find<QPushButton>(*about, "cmdOK").text(), "OK");
+    EXPECT_EQ(find<QPushButton>(*about, "cmdSysInfo").text(), "System(&S)");
     about->activateWindow();
     ASSERT_TRUE(QTest::qWaitFor([&] { return QApplication::activeWindow() == about; }));
     click(*about, "cmdSysInfo");
     ASSERT_NE(openBox(), nullptr);
+    EXPECT_EQ(openBox()->text(), kUnusable);
     EXPECT_EQ(openBox()->parentWidget(), about);
     QTest::keyClick(openBox(), Qt::Key_Escape);
     clock.run(1s);
     EXPECT_EQ(openBox(), nullptr);
     EXPECT_TRUE(about->isVisible());
+    for (const auto key : {Qt::Key_Return, Qt::Key_Escape}) {
+        QTest::keyClick(about, key);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        EXPECT_EQ(w.main.findChild<QWidget*>("frmAbout"), nullptr);
+        about = open();
+    }
 }
 
 } // namespace

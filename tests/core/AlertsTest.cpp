@@ -73,13 +73,13 @@ TEST(Alerts, AnOutageBringsTwoMails) {
     const std::string news = "No image at 10:30 and 11:00. Please check the camera.";
     EXPECT_EQ(warning.subject(), "Orvane warns: " + news);
     EXPECT_EQ(warning.headers["From"], "Station South <sky@example.org>");
-    EXPECT_EQ(warning.headers["Date"].substr(0, 23), "Wed, 15 Nov 2006 11:11:");
-    for (const std::string& part :
-         {"Since 2006/11/15 11:01:00 the station warns:\n\n" + news +
-              "\n(HTTP status 503)\n\nWhat to do: Check the camera's power",
-          std::string("Today: taken 3 of 16, next at 11:30, 2 missed\n"),
-          std::string("Recording: on\n"), std::string(" GB free"),
-          std::string("Last picture: 20061115_100000_00.jpg\n")})
+    EXPECT_TRUE(warning.headers["Date"].starts_with("Wed, 15 Nov 2006 11:11:"));
+    EXPECT_TRUE(warning.headers["Date"].ends_with(" +0900"));
+    for (const char* part :
+         {"Since 2006/11/15 11:01:00 the station warns:\n\nNo image at 10:30 and 11:00. Please "
+          "check the camera.\n(HTTP status 503)\n\nWhat to do: Check the camera's power",
+          "Today: taken 3 of 16, next at 11:30, 2 missed\n", "Recording: on\n", " GB free",
+          "Last picture: 20061115_100000_00.jpg\n"})
         EXPECT_TRUE(has(warning.text(), part));
     ASSERT_EQ(warning.parts.size(), 2U);
     EXPECT_EQ(warning.parts[1].bytes,
@@ -153,9 +153,8 @@ TEST(Alerts, AMailServerThatIsGoneForADay) {
     ASSERT_GT(tries.size(), 8U);
     int expected = 1;
     for (std::size_t next = 1; next < tries.size(); ++next) {
-        EXPECT_NEAR(static_cast<double>((tries[next] - tries[next - 1] - 110s) / 1s), expected * 60,
-                    1)
-            << next;
+        const auto pause = (tries[next] - tries[next - 1] - 110s) / 1s;
+        EXPECT_NEAR(static_cast<double>(pause), expected * 60, 1) << next;
         expected = std::min(2 * expected, 60);
     }
     EXPECT_LE(tries.back(), tries.front() + 24h);
@@ -175,9 +174,7 @@ TEST(Alerts, TheQueueIsBounded) {
     Mailing s(at(2006, 11, 15));
     s.refuseMails("the mail server refused the mail: 452 full");
     s.flap(kMany, 30min, at(2006, 11, 15, 9));
-    const auto isDropped = [](const auto& line) {
-        return line.starts_with("Alerts:Too many mails wait");
-    };
+    const auto isDropped = [](const auto& line) { return line.starts_with("Alerts:Too many "); };
     EXPECT_EQ(std::ranges::count_if(s.logged(), isDropped), 4);
     s.mail.answer = nullptr;
     s.clock.run(1h + 2min);
@@ -261,20 +258,6 @@ TEST(Alerts, TheDayIsReportedOnce) {
         EXPECT_TRUE(has(read.text(), part));
 }
 
-/// A window that follows the sun has an end of its own, too.
-TEST(Alerts, TheDaysReportFollowsItsEnd) {
-    Mailing s(at(2006, 11, 15, 4, 0), false, true, {{"Station/FollowSun", "1"}});
-    s.start(true);
-    s.clock.run(1s);
-    s.clock.runUntil(at(2006, 11, 15) + s.module.schedule.EndTime + 9min);
-    EXPECT_GT(s.module.schedule.EndTime, 17h);
-    EXPECT_EQ(s.mail.sent.size(), 0U);
-    s.clock.run(3min);
-    EXPECT_EQ(s.mail.sent.size(), 1U);
-    s.clock.runUntil(at(2006, 11, 16, 12, 0));
-    EXPECT_EQ(s.mail.sent.size(), 1U);
-}
-
 /// A window up to midnight is reported on behind it, and a report that could not be sent in time
 /// follows after a restart.
 TEST(Alerts, TheReportOfADayThatIsOver) {
@@ -297,12 +280,17 @@ TEST(Alerts, TheReportOfADayThatIsOver) {
     EXPECT_TRUE(s.only().subject().starts_with("Orvane, 2006/11/15: ")) << s.subjects()[0];
 }
 
-/// A clock that was wrong, far ahead or a while back, does not silence the reports.
+/// A clock that was wrong, far ahead or a while back, does not silence the reports. A window that
+/// follows the sun has an end of its own.
 TEST(Alerts, ReportsGoOnAfterAWrongClock) {
-    Mailing s(at(2006, 11, 15, 8, 0), false, true, {{"Station/MailDailyDone", "20991231"}});
+    Mailing s(at(2006, 11, 15, 8, 0), false, true,
+              {{"Station/MailDailyDone", "20991231"}, {"Station/FollowSun", "1"}});
     s.start(true);
     s.clock.runUntil(at(2006, 11, 15, 18, 0));
-    EXPECT_EQ(s.mail.sent.size(), 2U) << "yesterday's and today's";
+    ASSERT_EQ(s.mail.sent.size(), 2U) << "yesterday's and today's";
+    const TimeOfDay end = s.module.schedule.EndTime;
+    EXPECT_GT(end, 17h);
+    EXPECT_EQ(hourMinute(s.mail.triedAt[1]), hourMinute(at(2006, 11, 15) + end + 10min));
     s.clock.jumpWall(-3h);
     s.clock.run(5h);
     EXPECT_EQ(s.mail.sent.size(), 2U) << "the same day is not over twice";

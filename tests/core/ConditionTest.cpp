@@ -48,34 +48,6 @@ struct ConditionTest : StationDay {
     std::function<HttpReply(const std::string&)> camera;
 };
 
-TEST_F(ConditionTest, AnOutageIsToldFromItsFirstMinuteUntilThePictureComes) {
-    recordUntil(9, 29, 2);
-    EXPECT_EQ(told(), "recording (Well) ");
-    runUntil(9, 32);
-    EXPECT_EQ(told(), "recording (Attention) ") << "a single miss is no trouble yet";
-    EXPECT_EQ(lastFault(), "09:30: no answer from the camera");
-    EXPECT_EQ(s->condition.begun.get(), 0);
-    runUntil(10, 31, 5);
-    EXPECT_EQ(told(), "no image since 09:30 (Trouble) No image since 09:30, 3 missed: no answer "
-                      "from the camera.");
-    EXPECT_EQ(s->panel.sgn_status.words.get(), "Trouble: no image since 09:30");
-    ASSERT_EQ(notices().size(), 1U);
-    EXPECT_EQ(notices()[0].remedy, Remedy::TestFetch);
-    EXPECT_TRUE(notices()[0].advice.starts_with("Check the camera's power")) << notices()[0].advice;
-    EXPECT_EQ(s->condition.begun.get(), 1) << "it has come up once";
-    mend();
-    const std::string over =
-        "recording (Well) Pictures arrive again since 11:00. 3 were missed from 09:30.";
-    runUntil(11, 0, 4); // in the pause after the capture
-    EXPECT_EQ(told(), over);
-    EXPECT_EQ(lastFault(), "");
-    EXPECT_EQ(notices()[0].grade, Grade::Well);
-    runUntil(11, 9, 50);
-    EXPECT_EQ(told(), over);
-    runUntil(11, 10, 10);
-    EXPECT_EQ(told(), "recording (Well) ");
-}
-
 TEST_F(ConditionTest, WhatIsOverGoesWhenItIsClosedOrComesAgain) {
     recordUntil(10, 2);
     s->warnings.set(Cause::Mail, "No mail can be sent: x. Please see Tools > Alerts.");
@@ -93,22 +65,22 @@ TEST_F(ConditionTest, WhatIsOverGoesWhenItIsClosedOrComesAgain) {
     s->clock.run(1s);
     ASSERT_EQ(notices().size(), 1U);
     EXPECT_EQ(notices()[0].text, "Since 10:30: No mail can be sent: y.");
+    s->tasks.spawn(s->imageStore.Test_DL()); // no page is answered
+    s->clock.run(2s);
+    EXPECT_EQ(s->panel.Label7.caption.get(), "DownLoad Error ?");
+    EXPECT_EQ(lastFault(), "10:30: no answer");
 }
 
 TEST_F(ConditionTest, TheGravestOfSeveralCausesComesFirst) {
     begin(at(2006, 11, 15, 18, 0));
     s->start(false);
-    s->clock.run(2s);
-    EXPECT_EQ(told(), "ready (Off) ");
     const std::tuple<Cause, const char*, const char*> causes[] = {
         {Cause::SunTimes, "The sun times of the site cannot be computed: polar day.",
          "Orvane - no sun times"},
         {Cause::DiskSpace, "The disk is nearly full: 6 days are left. Please free space.",
          "Orvane - disk is nearly full"},
         {Cause::DataFolder, "No processed copy of 20061115_093000_00.jpg: No space left.",
-         "Orvane - no processed copy of 20061115_093000_00.jpg"},
-        {Cause::DataFolder, "The data folder cannot be written: No space left.",
-         "Orvane - data folder cannot be written"}};
+         "Orvane - no processed copy of 20061115_093000_00.jpg"}};
     for (const auto& [cause, text, title] : causes) {
         s->warnings.set(cause, text);
         s->clock.run(1s);
@@ -117,9 +89,7 @@ TEST_F(ConditionTest, TheGravestOfSeveralCausesComesFirst) {
     ASSERT_EQ(notices().size(), 3U);
     EXPECT_EQ(notices()[0].remedy, Remedy::SelectFolder);
     EXPECT_FALSE(notices()[0].isLocked);
-    EXPECT_EQ(notices()[1].text, "Since 18:00: The disk is nearly full: 6 days are left.");
     EXPECT_EQ(notices()[2].remedy, Remedy::CorrectSite);
-    EXPECT_EQ(s->condition.begun.get(), 3);
     s->press(&Recording::Command1_Click);
     s->clock.run(1s);
     EXPECT_TRUE(notices()[0].isLocked) << "the folder is chosen while not recording";
@@ -127,41 +97,38 @@ TEST_F(ConditionTest, TheGravestOfSeveralCausesComesFirst) {
     EXPECT_TRUE(notices()[0].text.starts_with("Since 2006/11/15 18:00: ")) << notices()[0].text;
 }
 
-/// The ledger tells what was recorded and missed before the restart.
-TEST_F(ConditionTest, AnOutageGoesOnOverARestart) {
-    recordUntil(10, 5);
+/// The ledger tells what was recorded and missed before a restart.
+TEST_F(ConditionTest, AnOutageIsToldUntilThePictureComesOverARestart) {
+    recordUntil(9, 32);
+    EXPECT_EQ(told(), "recording (Attention) ") << "a single miss is no trouble yet";
+    EXPECT_EQ(lastFault(), "09:30: no answer from the camera");
+    runUntil(10, 5);
     begin(at(2006, 11, 15, 10, 10));
     recordUntil(11, 2);
+    s->http.answer = failing("refused");
+    runUntil(11, 5);
     EXPECT_EQ(told(), "no image since 09:30 (Trouble) No image since 09:30, 4 missed: no answer "
                       "from the camera.");
+    EXPECT_EQ(s->panel.sgn_status.words.get(), "Trouble: no image since 09:30");
+    EXPECT_EQ(notices().at(0).remedy, Remedy::TestFetch);
+    EXPECT_TRUE(notices()[0].advice.starts_with("Check the camera's power")) << notices()[0].advice;
+    EXPECT_EQ(s->condition.begun.get(), 1) << "it has come up once";
     mend();
-    runUntil(11, 30, 5);
-    EXPECT_EQ(told(), "recording (Well) Pictures arrive again since 11:30. 4 were missed from "
-                      "09:30.");
-}
-
-TEST_F(ConditionTest, SwitchingRecordingOffEndsAnOutageWithoutNews) {
-    recordUntil(9, 35);
-    mend();
-    runUntil(10, 5);
-    s->http.answer = failing("no answer");
-    runUntil(11, 5);
-    EXPECT_TRUE(told().starts_with("no image since 10:30 (Trouble)")) << told();
+    runUntil(11, 30, 4); // in the pause after the capture
+    EXPECT_EQ(lastFault(), "");
+    for (const int minute : {30, 39}) {
+        runUntil(11, minute, 50);
+        EXPECT_EQ(told(), "recording (Well) Pictures arrive again since 11:30. 4 were missed from "
+                          "09:30.");
+    }
+    runUntil(11, 40, 10);
+    EXPECT_EQ(told(), "recording (Well) ");
+    s->http.answer = failing("refused");
+    runUntil(12, 35);
+    EXPECT_TRUE(told().starts_with("no image since 12:00 (Trouble)")) << told();
     s->recording.Command2_Click();
     s->clock.run(2s);
-    EXPECT_EQ(told(), "ready (Off) ");
-}
-
-TEST_F(ConditionTest, ARunThatWasGivenUpIsToldUntilTheNextOutcome) {
-    mend();
-    recordUntil(9, 40);
-    s->tasks.spawn(s->imageStore.Test_DL()); // no page is answered
-    s->clock.run(2s);
-    EXPECT_EQ(s->panel.Label7.caption.get(), "DownLoad Error ?");
-    EXPECT_EQ(lastFault(), "09:40: no answer");
-    runUntil(10, 0, 5);
-    EXPECT_EQ(lastFault(), "") << "a capture has succeeded since";
-    EXPECT_EQ(told(), "recording (Well) ");
+    EXPECT_EQ(told(), "ready (Off) ") << "no news";
 }
 
 TEST(Causes, HaveTheirWordsEach) {

@@ -20,12 +20,9 @@ std::exception_ptr faultOf(const std::string& text) {
     return std::make_exception_ptr(std::runtime_error(text));
 }
 
-struct RepeatedLines : testing::Test {
-    TestStation s{at(2006, 11, 15)};
-    RepeatedLine line{s.log, s.clock};
-};
-
-TEST_F(RepeatedLines, OnceAndItsCountWhenTheMinuteIsOver) {
+TEST(RepeatedLines, OnceAndItsCountWhenTheMinuteIsOver) {
+    TestStation s(at(2006, 11, 15));
+    RepeatedLine line(s.log, s.clock);
     for (int i = 0; i < 37; ++i)
         line.write("a");
     s.clock.run(59s);
@@ -35,19 +32,6 @@ TEST_F(RepeatedLines, OnceAndItsCountWhenTheMinuteIsOver) {
     line.write("a");
     s.clock.run(2min);
     EXPECT_EQ(s.logged(), (Lines{"a", "a (37 times)", "a"}));
-}
-
-TEST_F(RepeatedLines, AnotherTextAndAnEndTellTheCountAtOnce) {
-    for (const char* text : {"a", "a", "b"})
-        line.write(text);
-    line.settle();
-    s.clock.run(30s);
-    line.write("b");
-    line.write("b");
-    s.clock.run(59s); // a minute of its own
-    EXPECT_EQ(s.logged(), (Lines{"a", "a (2 times)", "b", "b"}));
-    s.clock.run(1s);
-    EXPECT_EQ(s.logged().back(), "b (2 times)");
 }
 
 TEST(Faults, AreLoggedOnceAMinuteEachAndToldOnce) {

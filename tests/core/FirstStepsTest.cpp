@@ -5,22 +5,19 @@ namespace {
 
 using Names = std::vector<std::string>;
 
-HttpReply wholePicture() {
-    static const std::string bytes = encoded(gradient(1280, 960));
-    return {true, 200, bytes, ""};
-}
-
 /// The camera asked once as recording is switched on, by the operator or by itself.
 struct StartTests : StationDay {
     StartTests() {
         start(at(2006, 11, 15, 9, 10));
         s->station.startTest = &s->startTest;
-        answerWith(wholePicture());
+        answerWith(whole);
     }
     void answerWith(const HttpReply& reply) {
         s->http.answer = [reply](const std::string&) { return reply; };
     }
     std::string line() const { return s->panel.lbl_start.caption; }
+
+    const HttpReply whole{true, 200, encoded(gradient(1280, 960)), ""};
 };
 
 TEST_F(StartTests, TellsWhatTheCameraAnswers) {
@@ -70,14 +67,12 @@ TEST_F(StartTests, TheFirstCaptureTellsMore) {
     answerWith(FakeHttp::picture("2"));
     runUntil(10, 0, 30);
     EXPECT_EQ(line(), "") << "the station shows by itself that it works";
-}
-
-TEST_F(StartTests, NothingIsAskedWhenTheMinuteIsDue) {
-    runUntil(9, 30, 5);
-    recordUntil(9, 30, 10);
-    EXPECT_EQ(s->http.requests, 1);
-    EXPECT_EQ(s->imagesOf("20061115"), Names{"20061115_093000_00.jpg"});
-    EXPECT_EQ(line(), "First picture taken at 09:30");
+    s->recording.Command2_Click();
+    runUntil(10, 30, 2);
+    const auto requests = s->http.requests;
+    s->press(&Recording::Command1_Click);
+    runUntil(10, 30, 10);
+    EXPECT_EQ(s->http.requests, requests + 1) << "none beside a minute that is due";
 }
 
 TEST_F(StartTests, ACaptureTakesOver) {
@@ -90,7 +85,7 @@ TEST_F(StartTests, ACaptureTakesOver) {
     EXPECT_EQ(line(), "");
     runUntil(9, 30, 12);
     EXPECT_EQ(s->http.requests, 2);
-    EXPECT_EQ(s->imagesOf("20061115"), Names{"20061115_093000_00.jpg"});
+    EXPECT_EQ(count(), 1);
 }
 
 TEST_F(StartTests, ARunAndAStopEndIt) {
@@ -98,10 +93,8 @@ TEST_F(StartTests, ARunAndAStopEndIt) {
     s->browser1.answer = [](const std::string&) { return "1,2,r/20061115_090007_00.jpg,"; };
     recordUntil(9, 10, 1);
     s->tasks.spawn(s->imageStore.Test_DL());
-    s->clock.run(1s);
+    s->clock.run(11s);
     EXPECT_EQ(line(), "");
-    EXPECT_TRUE(s->imageStore.transferring());
-    s->clock.run(10s);
     EXPECT_EQ(s->imagesOf("20061115"), Names{"20061115_090007_00.jpg"});
     s->recording.Command2_Click();
     s->press(&Recording::Command1_Click);
@@ -133,7 +126,7 @@ TEST_F(StartTests, ATestFetchAndTheStartWaitForEachOther) {
 struct FirstStepsTest : StartTests {
     FirstStepsTest() {
         start(at(2006, 11, 15, 8, 0));
-        answerWith(wholePicture());
+        answerWith(whole);
     }
     void begin() {
         s->start(false);
@@ -141,11 +134,11 @@ struct FirstStepsTest : StartTests {
     }
     /// "Done: Answered at 08:00 (txtIp)"
     std::string step(std::size_t index) {
-        constexpr const char* kStates[] = {"Done: ", "Open: ", "Wrong: "};
         const FirstSteps::Step step = s->steps.look().steps[index];
         using State = FirstSteps::State;
-        const std::size_t state = step.state == State::Done ? 0 : step.state == State::Open ? 1 : 2;
-        return kStates[state] + step.text + " (" + step.control + ")";
+        const std::map<State, std::string> states{
+            {State::Done, "Done: "}, {State::Open, "Open: "}, {State::Wrong, "Wrong: "}};
+        return states.at(step.state) + step.text + " (" + step.control + ")";
     }
     std::string camera() { return step(0); }
     std::string folder() { return step(1); }

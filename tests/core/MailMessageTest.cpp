@@ -2,8 +2,6 @@
 #include "tests/support/JumpingClock.h"
 #include "tests/support/ReadMail.h"
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
 
 namespace orvane::test {
@@ -15,20 +13,18 @@ MailMessage message() {
             .subject = "Orvane",
             .text = "text\n",
             .date = at(2006, 11, 5, 10, 10, 7),
-            .offset = 540min,
+            .offset = -210min,
             .id = "20061105abc"};
 }
 
 /// Lines that no mail server breaks, in ASCII.
 void expectLines(const std::string& mail) {
     EXPECT_TRUE(std::ranges::all_of(mail, [](char c) { return c > 0; }));
-    for (std::size_t at = 0; at < mail.size();) {
-        const std::size_t end = mail.find('\n', at);
+    for (std::size_t at = 0, end = 0; at < mail.size(); at = end + 2) {
+        end = mail.find('\r', at);
         ASSERT_NE(end, std::string::npos);
-        EXPECT_EQ(mail[end - 1], '\r');
-        EXPECT_EQ(mail.find('\r', at), end - 1);
-        EXPECT_LE(end - at, 79U) << mail.substr(at, end - at);
-        at = end + 1;
+        EXPECT_EQ(mail.find('\n', at), end + 1);
+        EXPECT_LE(end - at, 78U) << mail.substr(at, end - at);
     }
 }
 
@@ -39,24 +35,13 @@ TEST(MailMessage, IsWrittenAsItsReadersExpect) {
               "From: sky@example.org\r\n"
               "To: one@example.org\r\n"
               "Subject: Orvane\r\n"
-              "Date: Sun, 05 Nov 2006 10:10:07 +0900\r\n"
+              "Date: Sun, 05 Nov 2006 10:10:07 -0330\r\n"
               "Message-ID: <20061105abc@example.org>\r\n"
               "Auto-Submitted: auto-generated\r\n"
               "MIME-Version: 1.0\r\n"
               "Content-Type: multipart/mixed;\r\n boundary=\"=_20061105abc\"");
     EXPECT_NE(mail.find("\r\n\r\ndGV4dA0K\r\n--=_20061105abc--\r\n"), std::string::npos)
         << "\"text\", CR and LF in base64";
-}
-
-TEST(MailMessage, TellsTheDateWithItsOffset) {
-    MailMessage mail = message();
-    for (const auto& [date, offset, text] :
-         {std::tuple{at(2024, 2, 29, 0, 0, 0), 0min, "Thu, 29 Feb 2024 00:00:00 +0000"},
-          std::tuple{at(2025, 12, 31, 23, 59, 59), -210min, "Wed, 31 Dec 2025 23:59:59 -0330"}}) {
-        mail.date = date;
-        mail.offset = offset;
-        EXPECT_EQ(ReadMail(mailText(mail)).headers["Date"], text);
-    }
 }
 
 TEST(MailMessage, EveryTextArrivesAsItIs) {

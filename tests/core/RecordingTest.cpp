@@ -19,56 +19,53 @@ struct Panel : StationDay {
             state += s->panel.Text1[i].enabled ? 'T' : 't';
             state += s->panel.UpDown1[i].enabled ? 'U' : 'u';
         }
-        for (const bool enabled : {s->panel.Command1.enabled.get(), s->panel.Command2.enabled.get(),
-                                   s->panel.Command3.enabled.get(), s->panel.Dir1[0].enabled.get(),
-                                   s->panel.Frame3[1].enabled.get()})
-            state += enabled ? '1' : '0';
+        const OperationPanel& p = s->panel;
+        for (const auto* enabled : {&p.Command1.enabled, &p.Command2.enabled, &p.Command3.enabled,
+                                    &p.Dir1[0].enabled, &p.Frame3[1].enabled})
+            state += *enabled ? '1' : '0';
         return state;
-    }
-    std::string nextTime() const {
-        return timeText(at(2006, 1, 1) + s->module.schedule.NextRecTime);
     }
 };
 
-const std::string kReady = "TUTUTUTUTUTUTU10111";
 const std::string kAfterFailedStart = "TUTUTUTUTUTUTu10111";
 
 TEST_F(Panel, StartLocksAndStopUnlocksAllButTheSecondSpinner) {
-    EXPECT_EQ(lockState(), kReady);
+    std::string awake;
+    s->station.keepAwake = [&](bool on) { awake += on ? "awake " : "may sleep "; };
+    for (const auto& [locked, state] :
+         {std::pair{true, "tutututuTUtuTU10111"}, {false, "TUTUTUTUTUTUTU10111"}}) {
+        s->panel.chk_auto.ticked = locked;
+        s->recording.chk_auto_Click();
+        EXPECT_EQ(lockState(), state);
+    }
+    type(4, "99"); // nobody checks these
+    type(6, "nonsense");
+    s->clock.run(1min);
+    EXPECT_EQ(awake, "");
     press();
     EXPECT_EQ(lockState(), "tutututuTUtuTu01000");
     EXPECT_TRUE(s->module.RecordFlg);
     EXPECT_EQ(looks(), "Recording Standby, stop");
     EXPECT_EQ(s->module.plannedRecords, 17);
     EXPECT_EQ(s->panel.Label11.caption.get(), "0 sheet");
-    EXPECT_EQ(nextTime(), "12:30:00");
+    EXPECT_EQ(s->module.schedule.NextRecTime, 12h + 30min);
     EXPECT_EQ(s->store.values["Operation/StartHour"], "9"); // saved at every start
+    runUntil(12, 30, 1);
+    EXPECT_EQ(looks(), "Recording Now...");
+    runUntil(12, 30, 10); // the pause can be stopped
+    EXPECT_EQ(looks(), "Recording Now..., stop");
     s->recording.Command2_Click();
     EXPECT_EQ(lockState(), kAfterFailedStart);
+    s->clock.run(2s);
     EXPECT_EQ(looks(), "Ready, start");
+    EXPECT_EQ(s->panel.Label11.caption.get(), "");
+    EXPECT_EQ(awake, "awake may sleep ");
     s->store.readOnly = true;
     press();
     EXPECT_TRUE(s->module.RecordFlg);
     EXPECT_EQ(s->logged(), (std::vector<std::string>{"Orvane Starting", "Start Recording",
                                                      "Stop Recording", "Start Recording",
                                                      "writeSetup:Settings cannot be stored"}));
-}
-
-TEST_F(Panel, ThePcStaysAwakeWhileRecordingIsOnAndOnlyThen) {
-    std::string asked;
-    s->station.keepAwake = [&](bool awake) { asked += awake ? "awake " : "may sleep "; };
-    s->clock.run(2min);
-    EXPECT_EQ(asked, "");
-    press();
-    s->clock.run(30min); // over a capture
-    EXPECT_EQ(asked, "awake ");
-    s->recording.Command2_Click();
-    s->clock.run(1s);
-    EXPECT_EQ(asked, "awake may sleep ");
-    s->panel.Text1[0].text = std::string(); // a schedule that is refused
-    press();
-    s->clock.run(1min);
-    EXPECT_EQ(asked, "awake may sleep ");
 }
 
 TEST_F(Panel, RefusesAScheduleWithItsMessage) {
@@ -112,20 +109,6 @@ TEST_F(Panel, RefusesAScheduleWithItsMessage) {
     }
 }
 
-TEST_F(Panel, IntervalHourAndSecondAreNeverChecked) {
-    type(4, "99");
-    type(6, "nonsense");
-    press();
-    EXPECT_TRUE(s->module.RecordFlg);
-    EXPECT_EQ(s->module.schedule.IntervalTime, 30min);
-    s->recording.Command2_Click();
-    type(5, "0");
-    type(6, "1");
-    press();
-    EXPECT_TRUE(s->module.RecordFlg);
-    EXPECT_EQ(nextTime(), "12:10:01");
-}
-
 TEST_F(Panel, APartOfAnArchiveIsTakenAsDataFolderOnlyAfterAQuestion) {
     const auto& chosen = s->panel.Dir1[0].path.get();
     const auto above = s->folder.path();
@@ -149,30 +132,6 @@ TEST_F(Panel, APartOfAnArchiveIsTakenAsDataFolderOnlyAfterAQuestion) {
     EXPECT_EQ(chosen, day) << "recording was started before the answer";
 }
 
-TEST_F(Panel, FieldsAndSpinnersFollowEachOther) {
-    for (const char* text : {"7", "24"}) {
-        type(0, text);
-        EXPECT_EQ(s->panel.UpDown1[0].value.get(), 7);
-    }
-    s->recording.Text1_LostFocus(0);
-    EXPECT_EQ(s->panel.Text1[0].text.get(), "");
-    type(1, "59");
-    s->recording.Text1_LostFocus(1);
-    EXPECT_EQ(s->panel.Text1[1].text.get(), "59");
-    s->panel.UpDown1[6].value = 12;
-    s->recording.UpDown1_Change(6);
-    EXPECT_EQ(s->panel.Text1[6].text.get(), "12");
-}
-
-TEST_F(Panel, LockBoxCoversTenControls) {
-    for (const auto& [locked, state] :
-         {std::pair{true, "tutututuTUtuTU10111"}, {false, kReady.c_str()}}) {
-        s->panel.chk_auto.ticked = locked;
-        s->recording.chk_auto_Click();
-        EXPECT_EQ(lockState(), state);
-    }
-}
-
 TEST_F(Panel, ClockLabelsAndTickCounters) {
     runUntil(12, 10, 5);
     EXPECT_EQ(s->panel.Label12.caption.get(), "2006/11/15");
@@ -182,11 +141,6 @@ TEST_F(Panel, ClockLabelsAndTickCounters) {
     EXPECT_EQ(s->module.replyTicks, 32767);
     EXPECT_EQ(s->module.searchTicks, 32767);
     EXPECT_EQ(s->module.syncTicks, 0); // not enabled at start
-    s->status.Tim_sync.enable();
-    s->clock.run(1799s);
-    EXPECT_FALSE(s->module.syncElapsed);
-    s->clock.run(1s);
-    EXPECT_TRUE(s->module.syncElapsed);
 }
 
 TEST(CreateNextRecTime, FirstTimeAfterNowElseTheStart) {

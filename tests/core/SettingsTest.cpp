@@ -19,7 +19,6 @@ struct PanelSettingsTest : StationDay {
         s->panel.txt_tz.text = text;
         return s->settings.txt_tz_Change();
     }
-    bool warnsOfTheSun() const { return s->warnings.stands(Warnings::Cause::SunTimes); }
 };
 
 /// Whatever is stored, start-up clears the stamp and mirror options and chooses 4:4:4.
@@ -171,27 +170,18 @@ TEST_F(PanelSettingsTest, AnImpossibleStoredSiteIsToldAndNotTaken) {
 }
 
 TEST_F(PanelSettingsTest, AZoneFarFromTheLongitudeIsPointedOut) {
-    s->start(false);
-    EXPECT_EQ(s->panel.lbl_zone.caption.get(), "");
-    const struct {
-        double longitude;
-        std::int16_t Tz;
-        std::string told = {};
-    } cases[] = {{-70, 540, "Zone 9 does not fit longitude -70"},
-                 {139.5, 300, "Zone 5 does not fit longitude 139.5"},
-                 {0, 330, "Zone 5.5 does not fit longitude 0"},
-                 {100, 600, "Zone 10 does not fit longitude 100"}, // three hours and a third
-                 {75, 480},                                        // exactly three hours
-                 {178.4, 720},                                     // on the circle
-                 {-171.8, 780},                                    // beyond the date line
-                 {-179, 840},
-                 {179, -660}};
-    for (const auto& [longitude, zone, told] : cases) {
+    const auto told = [&](double longitude, std::int16_t zone) {
         s->module.site = {35, longitude, zone};
         s->settings.showSite();
-        EXPECT_EQ(s->panel.lbl_zone.caption.get(),
-                  told + (told.empty() ? "" : ": the sun times will be wrong by hours."));
-    }
+        return s->panel.lbl_zone.caption.get();
+    };
+    const std::string end = ": the sun times will be wrong by hours.";
+    EXPECT_EQ(told(139.5, 300), "Zone 5 does not fit longitude 139.5" + end);
+    EXPECT_EQ(told(0, 330), "Zone 5.5 does not fit longitude 0" + end);
+    EXPECT_EQ(told(100, 600), "Zone 10 does not fit longitude 100" + end); // 3 hours and a third
+    EXPECT_EQ(told(75, 480), "") << "exactly three hours";
+    EXPECT_EQ(told(178.4, 720) + told(-171.8, 780), "") << "beyond the date line";
+    EXPECT_EQ(told(-179, 840) + told(179, -660), "") << "on the circle";
 }
 
 /// Half a number that cannot be computed with is nobody's fault.
@@ -199,6 +189,7 @@ TEST_F(PanelSettingsTest, SunTextsFollowTheSiteAsItIsTyped) {
     s->start(false);
     const std::string& sunrise = s->panel.lbl_sunrise.caption.get();
     const std::string& sunset = s->panel.lbl_sunset.caption.get();
+    const auto warns = [&] { return s->warnings.stands(Warnings::Cause::SunTimes); };
     const std::string first = sunset;
     typeLatitude("60");
     EXPECT_NE(sunset, first);
@@ -210,23 +201,26 @@ TEST_F(PanelSettingsTest, SunTextsFollowTheSiteAsItIsTyped) {
     typeZone("-12");
     EXPECT_EQ(sunrise + sunset, "");
     s->clock.run(2min);
-    EXPECT_FALSE(warnsOfTheSun());
+    EXPECT_FALSE(warns());
     s->settings.showSite(); // the field is left: now it is in force
-    EXPECT_TRUE(warnsOfTheSun());
+    EXPECT_TRUE(warns());
     EXPECT_EQ(s->countLogged(s->warnings.text), 1);
     typeZone("-1");
     EXPECT_GT(sunrise.size(), 3U);
-    EXPECT_FALSE(warnsOfTheSun());
+    EXPECT_FALSE(warns());
     typeZone("-12");
     s->clock.runUntil(at(2006, 11, 16, 0, 1));
-    EXPECT_TRUE(warnsOfTheSun()) << "midnight waits for no field";
+    EXPECT_TRUE(warns()) << "midnight waits for no field";
 }
 
 TEST_F(PanelSettingsTest, AGoneDataFolderFallsBackWithoutBeingForgotten) {
     std::string& stored = s->store.values["DataPath/PathDataFile"];
     std::filesystem::remove_all(s->dataFolder());
     s->start(false);
+    s->clock.run(1s);
     EXPECT_EQ(s->panel.Dir1[0].path.get(), s->folder.path() / "pictures" / "Orvane");
+    EXPECT_FALSE(std::filesystem::exists(s->panel.Dir1[0].path.get())) << "not before a capture";
+    EXPECT_TRUE(s->warnings.stands(Warnings::Cause::ChosenFolder));
     EXPECT_EQ(stored, utf8FromPath(s->dataFolder()));
     s->store.readOnly = true;
     s->settings.selectDataFolder(s->folder.path());

@@ -30,7 +30,7 @@ struct Closing : StationDay {
     std::optional<Shutdown> shutdown_;
 };
 
-TEST_F(Closing, SavesThenAsks) {
+TEST_F(Closing, SavesThenAsksAndLosesNoSettingsWithoutAWord) {
     s->start(false);
     s->panel.txtIp.text = "10.0.0.7";
     s->op.answer = false;
@@ -38,7 +38,14 @@ TEST_F(Closing, SavesThenAsks) {
     EXPECT_EQ(s->op.asked, std::vector<std::string>{"Program End ? "});
     EXPECT_EQ(s->store.values["Settings/IP"], "10.0.0.7");
     s->op.answer = true;
+    s->store.readOnly = true;
+    EXPECT_TRUE(query(UnloadMode::User));
+    ASSERT_EQ(s->op.asked.size(), 3U);
+    EXPECT_TRUE(has(s->op.asked[2], "cannot be stored"));
+    EXPECT_EQ(s->countLogged("writeSetup:Settings cannot be stored"), 1);
+    s->store.readOnly = false;
     EXPECT_TRUE(query(UnloadMode::Other));
+    EXPECT_EQ(s->op.asked.size(), 4U);
 }
 
 /// A close box that is refused is kept as a wish; what comes from elsewhere goes ahead.
@@ -60,29 +67,19 @@ TEST_F(Closing, ABusyStationRefusesItsCloseBoxOnly) {
     EXPECT_EQ(wish(), "");
 }
 
-TEST_F(Closing, SettingsThatCannotBeStoredAreNotLostWithoutAWord) {
-    s->start(false);
-    s->store.readOnly = true;
-    EXPECT_TRUE(query(UnloadMode::User));
-    ASSERT_EQ(s->op.asked.size(), 2U);
-    EXPECT_TRUE(has(s->op.asked[1], "cannot be stored"));
-    EXPECT_EQ(s->countLogged("writeSetup:Settings cannot be stored"), 1);
-    s->store.readOnly = false;
-    EXPECT_TRUE(query(UnloadMode::User));
-    EXPECT_EQ(s->op.asked.size(), 3U);
-}
-
 TEST_F(Closing, TheSystemEndsTheProgramWithoutAQuestion) {
     s->start(true);
     s->panel.txtIp.text = "10.0.0.7";
     runUntil(9, 30, 1); // in a capture
-    shutdown().end("SIGTERM", WindowPlace{1, 0, 1024, 747});
+    shutdown().end("SIGTERM", WindowPlace{-4, 10, 1024, 747});
     shutdown().end("SIGHUP", std::nullopt);
     EXPECT_EQ(ended, 1);
     EXPECT_TRUE(s->op.asked.empty());
     EXPECT_EQ(s->store.values["Settings/IP"], "10.0.0.7");
-    EXPECT_EQ(s->store.values["Settings/MainLeft"], "15");
     EXPECT_EQ(s->logged().back(), "Orvane Ending (SIGTERM)");
+    for (const auto& [key, twips] :
+         {std::pair{"Left", "-60"}, {"Top", "150"}, {"Width", "15360"}, {"Height", "11205"}})
+        EXPECT_EQ(s->store.values[std::string("Settings/Main") + key], twips);
 }
 
 /// A question that goes with its task does not keep the next one from being asked.
@@ -96,21 +93,6 @@ TEST_F(Closing, OneQuestionAtATime) {
     s->clock.run(2s);
     EXPECT_TRUE(first.result());
     EXPECT_EQ(s->op.asked.size(), 2U);
-}
-
-TEST_F(Closing, StoresThePlaceInTwipsUnlessMinimised) {
-    s->start(false);
-    shutdown().MDIForm_Unload(std::nullopt);
-    EXPECT_FALSE(s->store.values.contains("Settings/MainLeft"));
-    EXPECT_EQ(s->logged().back(), "Orvane Ending");
-    Shutdown other{{s->settings, s->store, s->busy, s->wishes, s->op, s->log, [&] { ++ended; }}};
-    other.MDIForm_Unload(WindowPlace{-4, 10, 1024, 747});
-    for (const auto& [key, twips] : {std::pair{"MainLeft", "-60"},
-                                     {"MainTop", "150"},
-                                     {"MainWidth", "15360"},
-                                     {"MainHeight", "11205"}})
-        EXPECT_EQ(s->store.values[std::string("Settings/") + key], twips);
-    EXPECT_EQ(ended, 2);
 }
 
 /// The station destroyed in every state of a capture leaves nothing waiting and no part of a file.
@@ -187,17 +169,6 @@ TEST_F(DeadCamera, ACloseWishIsAskedAndACancelledQuestionGoesOn) {
     EXPECT_EQ(count(), 1);
 }
 
-TEST_F(DeadCamera, AWishThatIsDroppedStopsNothing) {
-    s->http.latency = 20s;
-    runUntil(9, 30, 5);
-    stop();
-    s->wishes.drop();
-    EXPECT_EQ(wish(), "");
-    runUntil(9, 30, 50);
-    EXPECT_TRUE(s->module.RecordFlg);
-    EXPECT_EQ(s->countLogged("DownLoad Error"), 1) << "its own failure, after the fetch";
-}
-
 TEST_F(Closing, APictureThatHasArrivedIsFiledBeforeAStop) {
     s->start(true);
     ASSERT_TRUE(s->clock.runUntil([&] { return s->module.lastImage != ""; }, 2min));
@@ -217,12 +188,10 @@ TEST_F(Closing, ACloseWishEndsARun) {
     s->tasks.spawn(s->imageStore.Test_DL());
     s->clock.run(1s);
     ASSERT_TRUE(s->imageStore.running());
-    Task<bool> waiting = s->wishes.toClose();
-    waiting.start();
-    s->clock.run(2s);
-    ASSERT_TRUE(waiting.done());
-    EXPECT_TRUE(waiting.result());
+    EXPECT_TRUE(query(UnloadMode::User));
     EXPECT_FALSE(s->busy.active());
+    shutdown().MDIForm_Unload(std::nullopt);
+    EXPECT_EQ(s->logged().back(), "Orvane Ending");
 }
 
 } // namespace

@@ -77,6 +77,10 @@ TEST_F(StatusFileTest, TellsADayWithFailuresStopsAndARestart) {
     EXPECT_EQ(told("lastPicture.name"), "20061115_090000_00.jpg") << "also of an earlier start";
     EXPECT_EQ(told("today.due, today.taken, today.missed, today.notRecorded, today.toCome"),
               "16, 1, 2, 4, 9"); // not recorded: 10:30 to 12:00
+    // by the site's almanac the sun rises at about 6:20, sets at about 16:34, and is now 36 degrees
+    // high
+    EXPECT_EQ(told("sun.sunrise").substr(0, 4) + told("sun.sunset").substr(0, 4), "06:216:3");
+    EXPECT_NEAR(status()["sun"]["elevation"].toDouble(), 35.8, 1);
     runUntil(17, 10);
     EXPECT_EQ(told("nextDue"), "2006-11-16T09:00:00+09:00");
     s->statusFile.end();
@@ -182,46 +186,6 @@ TEST_F(StatusFileTest, TellsOfTheDailyClocks) {
     EXPECT_EQ(told("clocks.lastSetting").substr(0, 14), "2006-11-15T08:");
     EXPECT_GT(told("clocks.fault").size(), 4U);
     EXPECT_EQ(causes().substr(0, 14), "clock setting@");
-}
-
-/// The site's own almanac: on 15 November in Tokyo's west the sun rises at about 6:20 and sets at
-/// about 16:34; at noon it stands 36 degrees high.
-TEST_F(StatusFileTest, TellsOfTheSun) {
-    recordUntil(12, 0, 5);
-    const QJsonObject sun = status()["sun"].toObject();
-    EXPECT_EQ(sun["sunrise"].toString().left(4) + sun["sunset"].toString().left(4), "06:216:3");
-    EXPECT_NEAR(sun["elevation"].toDouble(), 35.8, 1);
-}
-
-/// Whoever reads at any moment finds a whole object, the same for the page, not older than a
-/// minute, with the counts of the files that are in the folder.
-TEST_F(StatusFileTest, IsWholeFreshAndTrueAtEveryMoment) {
-    s->setSchedule("9", "17", "7");
-    s->start(true);
-    for (s->clock.run(2s); s->clock.now() < at(2006, 11, 15, 10, 30); s->clock.run(700ms)) {
-        const int minute = minuteOfDay(s->clock.now());
-        const auto picture = [minute](auto&) { return FakeHttp::picture(std::to_string(minute)); };
-        s->http.answer = picture;
-        if (minute / 4 % 3 == 0) s->http.answer = failing("no answer");
-        s->http.latency = minute % 3 == 0 ? 20s : 50ms;
-        const std::string bytes = bytesOf("status.json");
-        ASSERT_FALSE(status().isEmpty()) << bytes;
-        ASSERT_EQ(bytesOf("status.js"),
-                  "var orvaneStatus = " + bytes.substr(0, bytes.size() - 1) + ";\n");
-        const auto age = std::chrono::floor<std::chrono::seconds>(s->clock.now() - 540min)
-                             .time_since_epoch()
-                             .count() -
-                         status()["aliveUtc"].toInteger();
-        ASSERT_GE(age, 0);
-        ASSERT_LE(age, 61);
-        const auto files = s->imagesOf("20061115");
-        // a second may pass between the file and the figure
-        if (told("today.taken") != std::to_string(files.size())) s->clock.run(1001ms);
-        ASSERT_EQ(told("today.taken"), std::to_string(files.size())) << timeText(s->clock.now());
-        ASSERT_EQ(told("lastPicture.name"), files.empty() ? "" : files.back());
-    }
-    EXPECT_GT(count(), 6);
-    EXPECT_NE(told("today.missed"), "0");
 }
 
 } // namespace
