@@ -1,6 +1,10 @@
 #include "core/Causes.h"
 #include "tests/support/StationDay.h"
 
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
 namespace orvane::test {
 namespace {
 
@@ -136,6 +140,177 @@ TEST(Causes, HaveTheirWordsEach) {
     EXPECT_EQ(allCauses().size(), static_cast<std::size_t>(last) + 1);
     for (int cause = 0; cause <= last; ++cause)
         EXPECT_EQ(wordsOn(static_cast<Cause>(cause)).cause, static_cast<Cause>(cause)) << cause;
+}
+
+/// A station that records every half hour from 9 to 17 and is started at 8:50.
+class StatusFileTest : public StationDay {
+  protected:
+    StatusFileTest() { begin(at(2006, 11, 15, 8, 50)); }
+    void begin(WallTime time) {
+        start(time);
+        s->tellsStatus = true;
+    }
+    std::string bytesOf(const char* name) const {
+        return contentsOf(s->module.programFolder / name);
+    }
+    /// Empty when the file is not there or not whole.
+    QJsonObject status() const {
+        return QJsonDocument::fromJson(QByteArray::fromStdString(bytesOf("status.json"))).object();
+    }
+    /// The values of "state, today.due", in their order; "null" for a null.
+    std::string told(const QString& names) const {
+        QStringList values;
+        for (const QString& name : names.split(", ")) {
+            QJsonValue value = status();
+            for (const QString& part : name.split("."))
+                value = value[part];
+            values += value.isNull() ? "null" : value.toVariant().toString();
+        }
+        return values.join(", ").toStdString();
+    }
+    std::string causes() const {
+        QString all;
+        for (const QJsonValue& warning : status()["warnings"].toArray())
+            all +=
+                warning[u"cause"].toString() + "@" + warning[u"since"].toString().mid(11, 5) + " ";
+        return all.toStdString();
+    }
+    bool warns() const { return s->warnings.stands(Cause::StatusFile); }
+};
+
+/// In a second file the same for the page.
+TEST_F(StatusFileTest, TellsADayWithFailuresStopsAndARestart) {
+    recordUntil(8, 55, 2);
+    EXPECT_EQ(told("state, alive, started, version, nextDue, lastPicture, lastAttempt"),
+              "recording, 2006-11-15T08:55:00+09:00, 2006-11-15T08:50:00+09:00, 0.1.0, "
+              "2006-11-15T09:00:00+09:00, null, null");
+    // 9:00 at +09:00 is midnight, universal time: day 13467 since 1970
+    EXPECT_EQ(status()["aliveUtc"].toInteger(), std::int64_t{13467} * 86400 - 300);
+    EXPECT_EQ(told("schedule.start, schedule.end, schedule.intervalMinutes"), "09:00, 17:00, 30");
+    runUntil(9, 0, 5);
+    EXPECT_EQ(told("lastPicture.name, lastPicture.time, lastAttempt.filed, nextDue"),
+              "20061115_090000_00.jpg, 2006-11-15T09:00:00+09:00, true, 2006-11-15T09:30:00+09:00");
+    EXPECT_EQ(told("today.taken"), "1");
+    const std::string object = bytesOf("status.json");
+    EXPECT_EQ(bytesOf("status.js"),
+              "var orvaneStatus = " + object.substr(0, object.size() - 1) + ";\n");
+    s->http.answer = failing("HTTP status 503");
+    runUntil(9, 30, 10); // its minute is not over
+    EXPECT_EQ(told("lastAttempt.filed, lastAttempt.fault, today.missed"),
+              "false, HTTP status 503, 0");
+    runUntil(10, 1, 2);
+    EXPECT_EQ(told("today.missed, lastPicture.ageSeconds"), "2, 3661");
+    EXPECT_EQ(causes(), "no image@10:01 ");
+    s->recording.Command2_Click();
+    s->clock.run(2s);
+    EXPECT_EQ(told("state, schedule, nextDue"), "stopped, null, null");
+    EXPECT_EQ(causes(), "") << "nobody waits for a picture";
+    begin(at(2006, 11, 15, 12, 5));
+    recordUntil(12, 5, 3);
+    EXPECT_EQ(told("lastPicture.name"), "20061115_090000_00.jpg") << "also of an earlier start";
+    EXPECT_EQ(told("today.due, today.taken, today.missed, today.notRecorded, today.toCome"),
+              "16, 1, 2, 4, 9"); // not recorded: 10:30 to 12:00
+    // by the almanac of the site: about 6:20 and 16:34, and 36 degrees at noon
+    EXPECT_EQ(told("sun.sunrise").substr(0, 4) + told("sun.sunset").substr(0, 4), "06:216:3");
+    EXPECT_NEAR(status()["sun"]["elevation"].toDouble(), 35.8, 1);
+    runUntil(17, 10);
+    EXPECT_EQ(told("nextDue"), "2006-11-16T09:00:00+09:00");
+    s->statusFile.end();
+    s->clock.run(5min);
+    EXPECT_EQ(told("state, alive"), "ended, 2006-11-15T17:10:00+09:00");
+}
+
+/// A capture that takes long and the pause after it hold the main loop, but not this.
+TEST_F(StatusFileTest, StaysAliveWhileACaptureLasts) {
+    s->store.values["Settings/Delay"] = "300";
+    s->start(true);
+    for (int minute = 0; minute < 5; ++minute) {
+        runUntil(9, minute, 2);
+        EXPECT_EQ(told("alive").substr(11, 6), "09:0" + std::to_string(minute) + ":");
+    }
+}
+
+/// As on Windows while somebody reads it.
+TEST_F(StatusFileTest, ARefusedReplacementIsTriedAgainAndToldAfterAMinute) {
+    writeFile(s->module.programFolder / "status.html", "an older page");
+    recordUntil(8, 51, 30);
+    EXPECT_EQ(bytesOf("status.html"), "<!DOCTYPE html><title>Page</title>");
+    s->statusFiles.steps.clear();
+    runUntil(8, 55, 30);
+    EXPECT_EQ(std::ranges::count(s->statusFiles.steps, "rename"), 4 * 2) << "two a minute";
+    s->statusFiles.failing = "rename";
+    runUntil(8, 56, 30);
+    EXPECT_EQ(told("alive"), "2006-11-15T08:55:00+09:00") << "the old one is whole";
+    EXPECT_FALSE(warns());
+    s->statusFiles.failing.clear();
+    s->clock.run(1s);
+    EXPECT_EQ(told("alive").substr(0, 17), "2006-11-15T08:56:");
+    s->statusFiles.failing = "rename";
+    runUntil(8, 58, 1);
+    EXPECT_TRUE(warns());
+    EXPECT_EQ(s->warnings.text.get(), "The status page cannot be kept up to date: status.json: No "
+                                      "space left on device.");
+    runUntil(9, 1);
+    EXPECT_EQ(count(), 1) << "no capture is disturbed";
+    EXPECT_EQ(s->countLogged("StatusFile:status.json: No space left on device"), 1);
+    s->statusFiles.failing.clear();
+    runUntil(9, 2, 3);
+    EXPECT_FALSE(warns());
+    EXPECT_EQ(causes(), "");
+    for (const char* part : {".status.json.part", ".status.js.part", ".status.html.part"})
+        EXPECT_FALSE(std::filesystem::exists(s->module.programFolder / part));
+}
+
+TEST_F(StatusFileTest, TellsWhatIsWarnedOf) {
+    s->files.failing = "write";
+    recordUntil(9, 0, 30);
+    EXPECT_EQ(causes(), "data folder@09:00 ");
+    s->files.failing.clear();
+    runUntil(9, 1, 10);
+    EXPECT_EQ(causes(), "");
+    s->warnings.set(Cause::Settings, "A \"quote\", a \\, a tab\t,\nand \xFF no text");
+    s->clock.run(1s);
+    EXPECT_EQ(status()["warnings"][0]["text"].toString(),
+              QString::fromUtf8("A \"quote\", a \\, a tab\t,\nand \xEF\xBF\xBD no text"));
+}
+
+/// A picture on a drive that has gone is asked for once: no copy, no warning, and the rest is told.
+TEST_F(StatusFileTest, KeepsACopyOfTheLatestPictureWhenThatIsOn) {
+    const auto expectCopyOf = [&](const std::string& name) {
+        EXPECT_EQ(bytesOf("latest.jpg"), contentsOf(s->dataFolder() / "20061115" / name));
+        EXPECT_EQ(told("latestCopy"), name);
+    };
+    recordUntil(9, 5);
+    EXPECT_EQ(bytesOf("latest.jpg"), "");
+    EXPECT_EQ(told("latestCopy"), "null");
+    s->settings.keepLatestCopy(true);
+    s->clock.run(1s);
+    expectCopyOf("20061115_090000_00.jpg");
+    EXPECT_EQ(s->store.values["Station/LatestCopy"], "1");
+    s->module.lastImage = s->dataFolder() / "20061115" / "20061115_090100_00.jpg";
+    runUntil(9, 8, 2);
+    expectCopyOf("20061115_090000_00.jpg");
+    EXPECT_EQ(told("alive").substr(11, 5), "09:08");
+    const auto isOfIt = [](auto& line) { return line.starts_with("StatusFile:20061115_0901"); };
+    EXPECT_EQ(std::ranges::count_if(s->logged(), isOfIt), 1);
+    EXPECT_FALSE(warns());
+    runUntil(9, 30, 5);
+    expectCopyOf("20061115_093000_00.jpg");
+    s->settings.keepLatestCopy(false);
+    s->clock.run(1s);
+    EXPECT_FALSE(std::filesystem::exists(s->module.programFolder / "latest.jpg"));
+    EXPECT_EQ(told("latestCopy"), "null");
+}
+
+TEST_F(StatusFileTest, TellsOfTheDailyClocks) {
+    s->store.values["Settings/AdjTime"] = "1";
+    s->port.openable = false;
+    recordUntil(8, 50, 2);
+    EXPECT_EQ(told("clocks.daily, clocks.lastSetting, clocks.fault"), "true, null, null");
+    runUntil(8, 58);
+    EXPECT_EQ(told("clocks.lastSetting").substr(0, 14), "2006-11-15T08:");
+    EXPECT_GT(told("clocks.fault").size(), 4U);
+    EXPECT_EQ(causes().substr(0, 14), "clock setting@");
 }
 
 } // namespace

@@ -1,14 +1,12 @@
-#include "core/MailSettings.h"
 #include "platform/qt/QtSettingsStore.h"
-#include "tests/support/TempFolder.h"
-#include "tests/support/TestPictures.h"
+#include "tests/support/StationDay.h"
 
 #include <QCoreApplication>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QProcess>
-#include <gtest/gtest.h>
 #include <sys/stat.h>
-
-#include <cstdlib>
 
 namespace orvane::test {
 namespace {
@@ -52,6 +50,52 @@ TEST(UsersSettings, AreInTheirFileWhenTheSaveReturns) {
     ASSERT_TRUE(program.waitForFinished(120'000)) << program.errorString().toStdString();
     EXPECT_EQ(program.exitCode(), 0) << program.readAllStandardError().toStdString();
     EXPECT_EQ(contentsOf(folder.path() / "user/Orvane/Orvane.ini"), "[Settings]\nIP=10.0.0.7\n");
+}
+
+using StatusFields = StationDay;
+
+/// Every name with those that enclose it, "today.due"; of an array its first element's. A null's
+/// own names are not known.
+void collect(const QJsonValue& value, const std::string& path, std::set<std::string>& names) {
+    if (value.isArray()) return collect(value[0], path + "[].", names);
+    const QJsonObject object = value.toObject();
+    for (auto member = object.begin(); member != object.end(); ++member) {
+        const std::string name = path + member.key().toStdString();
+        names.insert(name);
+        collect(member.value(), name + (member->isArray() ? "" : "."), names);
+    }
+}
+
+std::set<std::string> namesOf(const std::string& json) {
+    std::set<std::string> names;
+    collect(QJsonDocument::fromJson(QByteArray::fromStdString(json)).object(), "", names);
+    EXPECT_FALSE(names.empty()) << json;
+    return names;
+}
+
+/// The document describes each field, and its example has the very fields of the real file.
+TEST_F(StatusFields, AreThoseOfTheDocument) {
+    start(at(2006, 11, 15, 8, 50));
+    s->tellsStatus = true;
+    s->store.values["Settings/AdjTime"] = "1";
+    s->start(true);
+    s->settings.keepLatestCopy(true);
+    runUntil(9, 10);
+    s->http.answer = failing("HTTP status 503");
+    runUntil(10, 2);
+    const std::string document = contentsOf(QT_TESTCASE_SOURCEDIR "/../docs/status.md");
+    const std::string begin = "```json\n";
+    const auto at = document.find(begin) + begin.size();
+    const auto names = namesOf(contentsOf(s->module.programFolder / "status.json"));
+    EXPECT_EQ(namesOf(document.substr(at, document.find("```", at) - at)), names);
+    for (const std::string& name : names) {
+        // in full, or as ".end" beside one of the same object
+        const auto isNamed = [&](const std::string& text) {
+            return document.find("`" + text + "`") < at;
+        };
+        EXPECT_TRUE(isNamed(name) || isNamed(name.substr(std::min(name.rfind('.'), name.size()))))
+            << name;
+    }
 }
 
 } // namespace
