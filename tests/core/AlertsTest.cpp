@@ -31,18 +31,11 @@ struct Mailing : TestStation {
     void refuseMails(const std::string& fault) {
         mail.answer = [fault](const Mail&) { return MailOutcome{fault, {}}; };
     }
-    /// The one mail that has been sent so far.
     ReadMail only() const {
         EXPECT_EQ(mail.sent.size(), 1U);
         return ReadMail(mail.sent.at(0).bytes);
     }
-    std::vector<std::string> subjects() const {
-        std::vector<std::string> all;
-        for (const Mail& one : mail.sent)
-            all.push_back(ReadMail(one.bytes).subject());
-        return all;
-    }
-    /// Has a cause come up and go in turn, each for `span`, until `end`.
+    /// Has causes come up and go in turn, each time for `span`.
     void flap(const std::vector<Cause>& causes, Ticks span, WallTime end) {
         for (bool stands = true; clock.now() < end; stands = !stands) {
             for (const Cause cause : causes)
@@ -57,7 +50,6 @@ struct Mailing : TestStation {
     }
 };
 
-/// One mail for the outage, one for its end, and all that there is to know in them.
 TEST(Alerts, AnOutageBringsTwoMails) {
     Mailing s(at(2006, 11, 15, 8, 0));
     const auto camera = s.http.answer;
@@ -95,15 +87,13 @@ TEST(Alerts, AnOutageBringsTwoMails) {
 
 TEST(Alerts, WhatDoesNotStandTenMinutesIsNoNews) {
     Mailing s(at(2006, 11, 15, 8, 0));
-    s.flap({Cause::NoImage, Cause::DiskSpace}, 9min, at(2006, 11, 16));
+    s.flap({Cause::NoImage, Cause::DiskSpace}, 9min, at(2006, 11, 15, 14, 18));
+    s.warnings.set(Cause::NoImage, "Gone and back between two looks.");
+    s.clock.run(9min);
+    s.warnings.clear(Cause::NoImage);
+    s.warnings.set(Cause::NoImage, "Gone and back between two looks.");
+    s.clock.run(9min);
     EXPECT_EQ(s.mail.tries, 0);
-    s.warnings.clear(Cause::DiskSpace);
-    for (int time = 0; time < 2; ++time) {
-        s.warnings.clear(Cause::NoImage);
-        s.warnings.set(Cause::NoImage, "Gone and back between two looks.");
-        s.clock.run(9min);
-        EXPECT_EQ(s.mail.tries, 0);
-    }
     s.clock.run(2min);
     EXPECT_EQ(s.mail.tries, 1);
 }
@@ -114,23 +104,21 @@ const std::vector<Cause> kMany = {Cause::NoImage, Cause::DataFolder, Cause::Disk
 /// A cause that comes and goes brings one mail an hour; many of them bring no more than 24 a day in
 /// all, and the day's report is among them.
 TEST(Alerts, FlappingCausesBringABoundedNumber) {
-    struct Case {
-        std::vector<Cause> causes;
-        Ticks span;
-        bool daily;
-        std::size_t least; ///< of four days
-    };
-    for (const auto& [causes, span, daily, least] :
-         {Case{{Cause::NoImage}, 13min, false, 60}, Case{{Cause::NoImage}, 31min, false, 60},
-          Case{kMany, 13min, true, 90}, Case{kMany, 2h, false, 96}}) {
+    const std::tuple<std::vector<Cause>, Ticks, bool, std::size_t> cases[] = {
+        {{Cause::NoImage}, 13min, false, 60},
+        {{Cause::NoImage}, 31min, false, 60},
+        {kMany, 13min, true, 90},
+        {kMany, 2h, false, 96}};
+    for (const auto& [causes, span, daily, leastOfFourDays] : cases) {
         Mailing s(at(2006, 11, 15), true, daily);
         s.flap(causes, span, at(2006, 11, 19));
         s.expectFew(Alerts::kMostADay, 24h);
         if (causes.size() == 1) s.expectFew(1, 1h);
-        EXPECT_GE(s.mail.sent.size(), least);
+        EXPECT_GE(s.mail.sent.size(), leastOfFourDays);
         EXPECT_LE(s.mail.sent.size(), 4 * Alerts::kMostADay);
-        const auto reports = std::ranges::count_if(
-            s.subjects(), [](const auto& each) { return each.find("well") != each.npos; });
+        const auto reports = std::ranges::count_if(s.mail.sent, [](const Mail& mail) -> bool {
+            return has(ReadMail(mail.bytes).subject(), "well");
+        });
         EXPECT_GE(reports, daily ? 4 : 0);
     }
 }
@@ -157,19 +145,18 @@ TEST(Alerts, AMailServerThatIsGoneForADay) {
         EXPECT_NEAR(static_cast<double>(pause), expected * 60, 1) << next;
         expected = std::min(2 * expected, 60);
     }
-    EXPECT_LE(tries.back(), tries.front() + 24h);
-    EXPECT_GE(tries.back(), tries.front() + 22h);
+    EXPECT_NEAR(static_cast<double>((tries.back() - tries.front()) / 1h), 23, 1);
     EXPECT_EQ(s.countLogged("Alerts:Given up, not sent: Orvane warns: The clock."), 1);
     EXPECT_TRUE(s.mail.sent.empty());
     EXPECT_TRUE(s.warnings.stands(Cause::Mail));
     s.mail.answer = nullptr;
     s.warnings.clear(Cause::ClockSetting);
     s.clock.run(5min);
-    EXPECT_EQ(s.subjects(), std::vector<std::string>{"Orvane, over: The clock."});
+    EXPECT_EQ(s.only().subject(), "Orvane, over: The clock.");
     EXPECT_FALSE(s.warnings.stands(Cause::Mail));
 }
 
-/// Twenty mails wait at most, the oldest give way, and the rest arrives in its order.
+/// The oldest give way, and the rest arrives in its order.
 TEST(Alerts, TheQueueIsBounded) {
     Mailing s(at(2006, 11, 15));
     s.refuseMails("the mail server refused the mail: 452 full");
@@ -226,8 +213,7 @@ TEST(Alerts, ARefusedRecipientIsAWarning) {
               "The mail server refused a recipient: two@example.org: 550 no such user");
 }
 
-/// Once a day, ten minutes after the window's end, also over a restart; never of days before it was
-/// switched on.
+/// Never of days before it was switched on.
 TEST(Alerts, TheDayIsReportedOnce) {
     std::map<std::string, std::string> stored;
     {
@@ -240,9 +226,8 @@ TEST(Alerts, TheDayIsReportedOnce) {
         EXPECT_EQ(read.subject(), "Orvane, 2006/11/15: all is well, 16 of 16 pictures taken");
         EXPECT_TRUE(has(read.text(), "Due: 16\nTaken: 16\nFetched later: 0\nMissed: 0\n"));
         ASSERT_EQ(read.parts.size(), 3U);
-        for (const auto& [part, name] :
-             {std::pair{1U, "20061115_163000_00.jpg"}, {2U, "keogram.jpg"}})
-            EXPECT_TRUE(has(read.parts[part].headers["Content-Type"], name));
+        EXPECT_TRUE(has(read.parts[1].headers["Content-Type"], "20061115_163000_00.jpg"));
+        EXPECT_TRUE(has(read.parts[2].headers["Content-Type"], "keogram.jpg"));
         stored = s.store.values;
     }
     Mailing s(at(2006, 11, 15, 19, 0), false, true, stored);
@@ -253,9 +238,8 @@ TEST(Alerts, TheDayIsReportedOnce) {
     s.clock.runUntil(at(2006, 11, 17));
     ReadMail read = s.only();
     EXPECT_EQ(read.subject(), "Orvane, 2006/11/16: not all is well, 3 of 16 pictures taken");
-    for (const char* part :
-         {"- 13 pictures missed.\n", "- since 2006/11/16 11:01:00: No image at "})
-        EXPECT_TRUE(has(read.text(), part));
+    EXPECT_TRUE(has(read.text(), "- 13 pictures missed.\n"));
+    EXPECT_TRUE(has(read.text(), "- since 2006/11/16 11:01:00: No image at "));
 }
 
 /// A window up to midnight is reported on behind it, and a report that could not be sent in time
@@ -277,7 +261,7 @@ TEST(Alerts, TheReportOfADayThatIsOver) {
     Mailing s(at(2006, 11, 16, 1, 30), false, true, stored);
     s.start(true);
     s.clock.runUntil(at(2006, 11, 16, 22, 0));
-    EXPECT_TRUE(s.only().subject().starts_with("Orvane, 2006/11/15: ")) << s.subjects()[0];
+    EXPECT_TRUE(has(s.only().subject(), "Orvane, 2006/11/15: "));
 }
 
 /// A clock that was wrong, far ahead or a while back, does not silence the reports. A window that
@@ -302,7 +286,7 @@ TEST(Alerts, ATestTellsWhatBecameOfIt) {
         return finish(s.clock, s.alerts.test(settings));
     };
     EXPECT_EQ(test(wanted(false, false)), "The mail server has taken the mail.");
-    EXPECT_EQ(s.subjects(), std::vector<std::string>{"Orvane: test of the alerts"});
+    EXPECT_EQ(s.only().subject(), "Orvane: test of the alerts");
     s.refuseMails("the mail server refused the log-in: 535 no");
     EXPECT_EQ(test(wanted(true, true)),
               "No mail was sent: the mail server refused the log-in: 535 no. Please correct that "
@@ -349,12 +333,9 @@ TEST(MailSettings, MistakesAreFound) {
     EXPECT_EQ(mistake([](auto& s) { s.server.user = "sky"; }), MailField::Password);
     EXPECT_EQ(mistake([](auto& s) { s.server.caFile = "no/such.pem"; }), MailField::CaFile);
     EXPECT_EQ(mistake([](auto& s) { s.from = "sky"; }), MailField::From);
-    for (const char* to : {"", "one@example.org,two", "one@example.org two@example.org"})
+    for (const char* to : {"", "one@example.org,two", "one@example.org two@example.org",
+                           "a@b.c,a@b.c,a@b.c,a@b.c,a@b.c,a@b.c,a@b.c,a@b.c,a@b.c,a@b.c,a@b.c"})
         EXPECT_EQ(mistake([=](auto& s) { s.to = to; }), MailField::To) << to;
-    std::string eleven;
-    for (int count = 0; count < 11; ++count)
-        eleven += "a@b.c,";
-    EXPECT_EQ(mistake([=](auto& s) { s.to = eleven; }), MailField::To);
 }
 
 } // namespace

@@ -5,7 +5,7 @@ namespace {
 
 using Names = std::vector<std::string>;
 
-/// The camera asked once as recording is switched on, by the operator or by itself.
+/// The camera asked once as recording is switched on.
 struct StartTests : StationDay {
     StartTests() {
         start(at(2006, 11, 15, 9, 10));
@@ -21,14 +21,12 @@ struct StartTests : StationDay {
 };
 
 TEST_F(StartTests, TellsWhatTheCameraAnswers) {
-    const std::pair<HttpReply, const char*> cases[] = {
-        {FakeHttp::failed("no answer from the camera"),
-         "The camera does not answer: no answer. Recording goes on trying."},
-        {{false, 401, "", "HTTP status 401"},
-         "The camera sends no picture: HTTP status 401. Recording goes on trying."},
+    const std::string end = " Recording goes on trying.";
+    const std::pair<HttpReply, std::string> cases[] = {
+        {FakeHttp::failed("no answer from the camera"), "The camera does not answer: no answer."},
+        {{false, 401, "", "HTTP status 401"}, "The camera sends no picture: HTTP status 401."},
         {{true, 200, "<html>", ""},
-         "The camera sends no picture: not a picture: the answer is not a whole JPEG picture. "
-         "Recording goes on trying."}};
+         "The camera sends no picture: not a picture: the answer is not a whole JPEG picture."}};
     s->start(false);
     s->clock.run(1s);
     EXPECT_EQ(s->http.requests, 0);
@@ -36,23 +34,19 @@ TEST_F(StartTests, TellsWhatTheCameraAnswers) {
     s->clock.run(1s);
     EXPECT_TRUE(line().starts_with("The camera answers: 1280 x 960, ")) << line();
     EXPECT_TRUE(line().ends_with(" kB")) << line();
-    EXPECT_EQ(s->http.requests, 1);
     for (const auto& [reply, text] : cases) {
         s->recording.Command2_Click();
         EXPECT_EQ(line(), "");
         answerWith(reply);
         s->press(&Recording::Command1_Click);
         s->clock.run(1s);
-        EXPECT_EQ(line(), text);
+        EXPECT_EQ(line(), text + end);
         EXPECT_EQ(looks(), "Recording Standby, stop");
     }
     EXPECT_EQ(s->http.requests, 4) << "once each time, however quickly";
     EXPECT_FALSE(std::filesystem::exists(s->module.programFolder / "full.jpg"));
     EXPECT_EQ(count(), 0);
-    EXPECT_TRUE(s->views.latest.empty());
-    EXPECT_EQ(s->views.live, 0);
-    EXPECT_TRUE(s->op.told.empty());
-    EXPECT_FALSE(s->module.lastAttempt);
+    EXPECT_TRUE(s->views.latest.empty() && s->op.told.empty() && !s->module.lastAttempt);
 }
 
 TEST_F(StartTests, TheFirstCaptureTellsMore) {
@@ -177,25 +171,22 @@ TEST_F(FirstStepsTest, TriesTheFolderWithoutMakingOne) {
     writeFile(file, "no folder");
     s->panel.Dir1[0].path = file / "below";
     EXPECT_TRUE(folder().starts_with("Wrong: Cannot be written: ")) << folder();
-    EXPECT_TRUE(folder().ends_with("(Command3)")) << folder();
     const auto isDone = [&] { return folder().starts_with("Done"); };
-    // mended: seen within half a minute, not at every look
     std::filesystem::remove(file);
     std::filesystem::create_directories(file / "below");
-    EXPECT_FALSE(isDone());
+    EXPECT_FALSE(isDone()) << "not looked for at every look";
     for (int second = 0; second < 31; ++second) {
         s->clock.run(1s);
         s->steps.look();
     }
     EXPECT_TRUE(isDone());
-    // broken again: seen when somebody comes back to look, and at a start
     std::filesystem::remove_all(file);
     EXPECT_TRUE(isDone());
     s->clock.run(1min);
-    EXPECT_FALSE(isDone());
+    EXPECT_FALSE(isDone()) << "somebody comes back to look";
     std::filesystem::create_directories(file / "below");
     s->press(&Recording::Command1_Click);
-    EXPECT_TRUE(isDone());
+    EXPECT_TRUE(isDone()) << "at a start at once";
 }
 
 TEST_F(FirstStepsTest, TheDefaultFolderCountsAsTheOneAboveIt) {
@@ -231,12 +222,10 @@ TEST_F(FirstStepsTest, SaysWhatAStartWouldSay) {
     s->recording.chk_auto_Click();
     EXPECT_TRUE(schedule().ends_with("(chk_auto)")) << "first the lock";
     s->panel.chk_auto.ticked = false;
-    // the typed times only wait meanwhile: neither they nor their fields are spoken of
     s->panel.chk_sun.ticked = true;
     s->recording.chk_sun_Click();
     s->clock.run(1s);
     const std::string window = s->panel.lbl_window.caption; // "today 05:21 to 17:35"
-    ASSERT_EQ(window.substr(0, 6), "today ");
     EXPECT_EQ(schedule(), "Done: Follows the sun, " + window + " every 30 min (chk_sun)");
 }
 

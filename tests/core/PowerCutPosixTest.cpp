@@ -7,7 +7,6 @@
 namespace orvane::test {
 namespace {
 
-constexpr auto npos = std::string::npos;
 constexpr const char* kDay = "data/20061115/";
 constexpr const char* kLedger = "data/Ledger/20061115.csv";
 
@@ -188,7 +187,9 @@ TEST_F(PowerCut, LeavesNoBrokenStatusFile) {
     std::set<Tree> started;
     forEachCut(record->steps(), [&](const Left& left) {
         Tree tree = left.tree;
-        std::erase_if(tree, [](const auto& entry) { return entry.first.find("status") == npos; });
+        std::erase_if(tree, [](const auto& entry) {
+            return entry.first.find("status") == std::string::npos;
+        });
         if (!started.insert(tree).second) return true;
         TestStation next(s.clock.now());
         restore(tree, next.folder.path());
@@ -223,10 +224,8 @@ TEST(FullDisk, UnderALedgerCostsNoCapture) {
     EXPECT_EQ(s.days.plan().taken, 16);
 }
 
-constexpr const char* kIni = "Orvane.ini";
-
 QtSettingsStore settingsIn(const std::filesystem::path& folder) {
-    return QtSettingsStore(QString::fromStdString(utf8FromPath(folder / kIni)));
+    return QtSettingsStore(QString::fromStdString(utf8FromPath(folder / "Orvane.ini")));
 }
 
 std::string valuesOf(const QtSettingsStore& store) {
@@ -241,7 +240,8 @@ std::string valuesOf(const QtSettingsStore& store) {
 TEST(PowerCutOfSettings, LeavesThemAsTheyOnceWere) {
     for (const bool areFirst : {true, false}) {
         const TempFolder folder;
-        if (!areFirst) writeFile(folder.path() / kIni, "[Settings]\nIP=10.0.0.1\nQuality=24\n");
+        if (!areFirst)
+            writeFile(folder.path() / "Orvane.ini", "[Settings]\nIP=10.0.0.1\nQuality=24\n");
         FileRecord record(folder.path());
         QtSettingsStore store = settingsIn(folder.path());
         std::set<std::string> known{valuesOf(store)};
@@ -253,15 +253,14 @@ TEST(PowerCutOfSettings, LeavesThemAsTheyOnceWere) {
         const int cuts = forEachCut(record.steps(), [&](const Left& left) {
             const TempFolder after;
             restore(left.tree, after.path());
-            const auto lock = after.path() / (std::string(kIni) + ".lock");
-            if (std::filesystem::exists(lock))
-                std::filesystem::last_write_time(
-                    lock, std::filesystem::file_time_type::clock::now() - 1min);
+            const auto lock = after.path() / "Orvane.ini.lock";
+            const auto old = std::filesystem::file_time_type::clock::now() - 1min;
+            if (std::filesystem::exists(lock)) std::filesystem::last_write_time(lock, old);
             QtSettingsStore next = settingsIn(after.path());
             const bool isGood = !next.unreadable() && known.contains(valuesOf(next)) &&
                                 next.SaveSetting("Settings", "IP", "10.0.0.2") &&
                                 valuesOf(settingsIn(after.path())).starts_with("10.0.0.2 ");
-            EXPECT_TRUE(isGood) << left.where << "\n" << bytesAt(left.tree, kIni);
+            EXPECT_TRUE(isGood) << left.where << "\n" << bytesAt(left.tree, "Orvane.ini");
             return isGood;
         });
         EXPECT_GT(cuts, 10);

@@ -103,7 +103,6 @@ TEST_F(Panel, RefusesAScheduleWithItsMessage) {
         s->clock.run(2s);
         EXPECT_EQ(lockState(), kAfterFailedStart);
         EXPECT_EQ(s->recording.faultyField.get(), field);
-        EXPECT_FALSE(s->module.RecordFlg);
         EXPECT_EQ(looks(), "Ready, start");
         EXPECT_EQ(s->store.values["Operation/StartHour"], s->panel.Text1[0].text.get());
     }
@@ -146,17 +145,15 @@ TEST_F(Panel, ClockLabelsAndTickCounters) {
 TEST(CreateNextRecTime, FirstTimeAfterNowElseTheStart) {
     const struct {
         TimeOfDay start, end, interval, now, next;
-    } cases[] = {
-        {9h, 17h, 30min, 12h + 10min, 12h + 30min},
-        {9h, 17h, 30min, 17h + 10min, 9h},
-        {9h, 17h, 30min, 8h, 9h},
-        {9h, 17h, 30min, 16h + 45min, 17h},
-        {9h, 17h, 30min, 9h, 9h + 30min},
-        {9h, 17h, 30min, 17h, 9h},
-        {9h, 17h, 1s, 12h, 12h + 1s},
-        {9h, 17h, 0s, 12h, 9h},
-        {0h, 23h + 59min, 45min, 23h + 50min, 0h},
-    };
+    } cases[] = {{9h, 17h, 30min, 12h + 10min, 12h + 30min},
+                 {9h, 17h, 30min, 17h + 10min, 9h},
+                 {9h, 17h, 30min, 8h, 9h},
+                 {9h, 17h, 30min, 16h + 45min, 17h},
+                 {9h, 17h, 30min, 9h, 9h + 30min},
+                 {9h, 17h, 30min, 17h, 9h},
+                 {9h, 17h, 1s, 12h, 12h + 1s},
+                 {9h, 17h, 0s, 12h, 9h},
+                 {0h, 23h + 59min, 45min, 23h + 50min, 0h}};
     for (const auto& c : cases)
         EXPECT_EQ(createNextRecTime(c.start, c.end, c.interval, c.now), c.next) << c.now.count();
 }

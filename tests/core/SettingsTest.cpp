@@ -62,11 +62,9 @@ TEST_F(PanelSettingsTest, AnUnreadableNumberEndsTheProgramWithItsKeyAndText) {
         EXPECT_TRUE(has(told, '"' + text + '"'));
         EXPECT_EQ(station.logged().back(), "StartUp:" + told);
         EXPECT_EQ(station.exitCode, 1);
-        EXPECT_TRUE(station.loopTask.done());
-        // the window is closed, the session ends: what is stored stays
         const auto stored = station.store.values;
         station.settings.writeSetup();
-        EXPECT_EQ(station.store.values, stored);
+        EXPECT_EQ(station.store.values, stored) << "the window is closed: what is stored stays";
     }
 }
 
@@ -141,28 +139,25 @@ TEST_F(PanelSettingsTest, SiteFieldsTakeEffectAsTheyAreTyped) {
 /// A hand in the settings file must not keep the station from recording.
 TEST_F(PanelSettingsTest, AnImpossibleStoredSiteIsToldAndNotTaken) {
     const SiteValues usual{35.738, 139.315, 540};
-    const struct {
-        const char *key, *text;
-        SiteValues site;
-        std::string what = {}, instead = {};
-    } cases[] = {{"Latitude", "135.7", usual, "latitude", "35.738"},
-                 {"Longitude", "-180.5", usual, "longitude", "139.315"},
-                 {"Tz", "32400", usual, "zone", "540"},
-                 {"Tz", "-750", usual, "zone", "540"},
-                 {"Tz", "840", {35.738, 139.315, 840}},
-                 {"Latitude", "-90", {-90, 139.315, 540}}};
-    for (const auto& c : cases) {
-        SCOPED_TRACE(c.text);
+    const std::tuple<const char*, const char*, SiteValues, const char*> cases[] = {
+        {"Latitude", "135.7", usual, "latitude 135.7 is no place's on earth; 35.738"},
+        {"Longitude", "-180.5", usual, "longitude -180.5 is no place's on earth; 139.315"},
+        {"Tz", "32400", usual, "zone 32400 is no place's on earth; 540"},
+        {"Tz", "-750", usual, "zone -750 is no place's on earth; 540"},
+        {"Tz", "840", {35.738, 139.315, 840}, ""},
+        {"Latitude", "-90", {-90, 139.315, 540}, ""}};
+    for (const auto& [key, text, site, fault] : cases) {
+        SCOPED_TRACE(text);
         TestStation station(at(2006, 11, 15, 9, 29));
-        station.store.values[std::string("Operation/") + c.key] = c.text;
+        station.store.values[std::string("Operation/") + key] = text;
         station.start(true);
         station.clock.run(2min);
-        EXPECT_EQ(station.module.site, c.site);
+        EXPECT_EQ(station.module.site, site);
         EXPECT_EQ(station.imagesOf("20061115").size(), 1U) << "it records";
-        const std::string told = "The stored " + c.what + " " + c.text +
-                                 " is no place's on earth; " + c.instead + " is in force instead.";
-        EXPECT_EQ(station.countLogged(told), c.what.empty() ? 0 : 1);
-        EXPECT_EQ(station.warnings.text.get(), c.what.empty() ? "" : told);
+        const bool isTold = *fault != '\0';
+        const std::string told = std::string("The stored ") + fault + " is in force instead.";
+        EXPECT_EQ(station.countLogged(told), isTold ? 1 : 0);
+        EXPECT_EQ(station.warnings.text.get(), isTold ? told : "");
         station.panel.txt_lat.text = "36";
         station.settings.txt_lat_Change();
         station.settings.showSite();
@@ -188,7 +183,6 @@ TEST_F(PanelSettingsTest, AZoneFarFromTheLongitudeIsPointedOut) {
 /// Half a number that cannot be computed with is nobody's fault.
 TEST_F(PanelSettingsTest, SunTextsFollowTheSiteAsItIsTyped) {
     s->start(false);
-    const std::string& sunrise = s->panel.lbl_sunrise.caption.get();
     const std::string& sunset = s->panel.lbl_sunset.caption.get();
     const auto warns = [&] { return s->warnings.stands(Warnings::Cause::SunTimes); };
     const std::string first = sunset;
@@ -200,14 +194,13 @@ TEST_F(PanelSettingsTest, SunTextsFollowTheSiteAsItIsTyped) {
     typeLatitude("35");
     typeLongitude("-60");
     typeZone("-12");
-    EXPECT_EQ(sunrise + sunset, "");
     s->clock.run(2min);
     EXPECT_FALSE(warns());
     s->settings.showSite(); // the field is left: now it is in force
     EXPECT_TRUE(warns());
     EXPECT_EQ(s->countLogged(s->warnings.text), 1);
     typeZone("-1");
-    EXPECT_GT(sunrise.size(), 3U);
+    EXPECT_GT(s->panel.lbl_sunrise.caption.get().size(), 3U);
     EXPECT_FALSE(warns());
     typeZone("-12");
     s->clock.runUntil(at(2006, 11, 16, 0, 1));
@@ -269,8 +262,8 @@ TEST_F(QtSettingsStoreTest, ASaveThatFailedIsForgottenWithTheNextThatDoesNot) {
     writeFile(path.parent_path(), "not a folder");
     QtSettingsStore store(name);
     EXPECT_EQ(store.unreadable(), std::nullopt) << "not there";
-    EXPECT_FALSE(store.SaveSetting("Settings", "IP", "10.0.0.7"));
-    EXPECT_FALSE(store.SaveSetting("Settings", "IP", "10.0.0.7")) << "not on the disk yet";
+    for (int time = 0; time < 2; ++time)
+        EXPECT_FALSE(store.SaveSetting("Settings", "IP", "10.0.0.7")) << "not on the disk yet";
     std::filesystem::remove(path.parent_path());
     EXPECT_TRUE(store.SaveSetting("Settings", "IP", "10.0.0.7"));
     EXPECT_TRUE(store.SaveSetting("Settings", "IP-Port", "81"));

@@ -29,7 +29,7 @@ TEST_F(StartUpTest, WhatNobodyForesawIsToldAndEndsTheProgram) {
     s->clock.run(2s);
     EXPECT_EQ(s->exitCode, 1);
     EXPECT_EQ(s->logged(), Names{"StartUp:no window"});
-    start(at(2006, 11, 15, 7, 0)); // behind the start-up's own steps
+    start(s->clock.now()); // behind the start-up's own steps
     s->panel.Command1.enabled.observe([](bool enabled) {
         if (!enabled) throw std::runtime_error("no button");
     });
@@ -74,60 +74,47 @@ TEST_F(StartUpTest, AnUnusableStoredScheduleIsToldAndTheStationStaysReady) {
     EXPECT_EQ(s->http.requests, 0);
 }
 
-struct Countdown : testing::Test {
-    AutoStart counting() {
-        return {module,
-                store,
-                clock,
-                {[this] { trace += "closed "; }, atEnd, [this] { trace += "end"; }},
-                [this](const std::exception_ptr& fault) { trace += orvane::textOf(fault); }};
+TEST(Countdown, EndsInTheMainLoopOrTheEnd) {
+    JumpingClock clock(at(2006, 11, 15));
+    const std::tuple<const char*, std::function<void(AutoStart&)>, bool> cases[] = {
+        {"closed loop", [&](auto&) { clock.run(105ms); }, true},
+        {"closed loop", [](auto& counting) { counting.Command1_Click(); }, false},
+        {"closed end", [](auto& counting) { counting.Command2_Click(); }, false}};
+    for (const auto& [done, act, records] : cases) {
+        Module1 module;
+        FakeStore store;
+        std::string trace;
+        AutoStart counting(
+            module, store, clock,
+            {[&] { trace += "closed "; }, [&] { trace += "loop"; }, [&] { trace += "end"; }},
+            noFault);
+        counting.Form_Load();
+        clock.run(98 * 105ms);
+        EXPECT_EQ(counting.PBar1.get(), 2);
+        EXPECT_EQ(trace, "");
+        act(counting);
+        EXPECT_EQ(trace, done);
+        EXPECT_EQ(module.RecordFlg, records);
+        EXPECT_EQ(store.GetSetting("Operation", "Mode Auto", ""), records ? "True" : "");
+        EXPECT_EQ(store.GetSetting("Operation", "Mode Man", ""), records ? "False" : "");
+        clock.run(1min);
+        counting.Command1_Click();
+        counting.Command2_Click();
+        EXPECT_EQ(trace, done);
     }
+}
 
-    JumpingClock clock{at(2006, 11, 15)};
+TEST(Countdown, WhatNobodyForesawAtItsEndIsHandedOn) {
+    JumpingClock clock(at(2006, 11, 15));
     Module1 module;
     FakeStore store;
-    std::string trace;
-    std::function<void()> atEnd = [this] { trace += "loop"; };
-};
-
-TEST_F(Countdown, RunsOutAtThe99thTick) {
-    AutoStart autoStart = counting();
-    autoStart.Form_Load();
-    clock.run(98 * 105ms);
-    EXPECT_EQ(autoStart.PBar1.get(), 2);
-    EXPECT_EQ(trace, "");
-    clock.run(105ms);
-    EXPECT_EQ(trace, "closed loop");
-    EXPECT_TRUE(module.RecordFlg);
-    EXPECT_EQ(store.values["Operation/Mode Auto"], "True");
-    EXPECT_EQ(store.values["Operation/Mode Man"], "False");
+    std::string fault;
+    AutoStart counting(module, store, clock,
+                       {[] {}, [] { throw std::runtime_error("no loop"); }, [] {}},
+                       [&](const std::exception_ptr& what) { fault = orvane::textOf(what); });
+    counting.Form_Load();
     clock.run(1min);
-    autoStart.Command1_Click();
-    autoStart.Command2_Click();
-    EXPECT_EQ(trace, "closed loop");
-}
-
-TEST_F(Countdown, CancelStartsWithoutRecordingAndEndEnds) {
-    for (const auto& [click, done] : {std::pair{&AutoStart::Command1_Click, "closed loop"},
-                                      {&AutoStart::Command2_Click, "closed end"}}) {
-        trace.clear();
-        AutoStart autoStart = counting();
-        autoStart.Form_Load();
-        clock.run(98 * 105ms);
-        (autoStart.*click)();
-        clock.run(1min);
-        EXPECT_EQ(trace, done);
-        EXPECT_FALSE(module.RecordFlg);
-        EXPECT_TRUE(store.values.empty());
-    }
-}
-
-TEST_F(Countdown, WhatNobodyForesawAtItsEndIsHandedOn) {
-    atEnd = [] { throw std::runtime_error("no loop"); };
-    AutoStart autoStart = counting();
-    autoStart.Form_Load();
-    clock.run(1min);
-    EXPECT_EQ(trace, "closed no loop");
+    EXPECT_EQ(fault, "no loop");
     EXPECT_EQ(clock.pending(), 0U);
 }
 
@@ -145,35 +132,36 @@ struct Closing : StationDay {
         return task.result();
     }
     Shutdown& shutdown() {
-        if (!shutdown_)
-            shutdown_.emplace(Shutdown::Parts{s->settings, s->store, s->busy, s->wishes, s->op,
-                                              s->log, [this] { ++ended; }});
-        return *shutdown_;
+        if (!made)
+            made.emplace(Shutdown::Parts{s->settings, s->store, s->busy, s->wishes, s->op, s->log,
+                                         [this] { ++ended; }});
+        return *made;
     }
     std::string wish() const { return s->wishes.text; }
 
     int ended = 0;
-
-  private:
-    std::optional<Shutdown> shutdown_;
+    std::optional<Shutdown> made;
 };
 
 TEST_F(Closing, SavesThenAsksAndLosesNoSettingsWithoutAWord) {
     s->start(false);
     s->panel.txtIp.text = "10.0.0.7";
+    EXPECT_FALSE(begin(UnloadMode::User).done()); // its question goes with the task
     s->op.answer = false;
-    EXPECT_FALSE(query(UnloadMode::User));
-    EXPECT_EQ(s->op.asked, std::vector<std::string>{"Program End ? "});
+    Task<bool> first = begin(UnloadMode::User);
+    EXPECT_FALSE(query(UnloadMode::User)) << "one question at a time";
+    EXPECT_FALSE(first.result());
+    EXPECT_EQ(s->op.asked, std::vector<std::string>(2, "Program End ? "));
     EXPECT_EQ(s->store.values["Settings/IP"], "10.0.0.7");
     s->op.answer = true;
     s->store.readOnly = true;
     EXPECT_TRUE(query(UnloadMode::User));
-    ASSERT_EQ(s->op.asked.size(), 3U);
-    EXPECT_TRUE(has(s->op.asked[2], "cannot be stored"));
+    ASSERT_EQ(s->op.asked.size(), 4U);
+    EXPECT_TRUE(has(s->op.asked[3], "cannot be stored"));
     EXPECT_EQ(s->countLogged("writeSetup:Settings cannot be stored"), 1);
     s->store.readOnly = false;
     EXPECT_TRUE(query(UnloadMode::Other));
-    EXPECT_EQ(s->op.asked.size(), 4U);
+    EXPECT_EQ(s->op.asked.size(), 5U);
 }
 
 /// A close box that is refused is kept as a wish; what comes from elsewhere goes ahead.
@@ -208,19 +196,6 @@ TEST_F(Closing, TheSystemEndsTheProgramWithoutAQuestion) {
     for (const auto& [key, twips] :
          {std::pair{"Left", "-60"}, {"Top", "150"}, {"Width", "15360"}, {"Height", "11205"}})
         EXPECT_EQ(s->store.values[std::string("Settings/Main") + key], twips);
-}
-
-/// A question that goes with its task does not keep the next one from being asked.
-TEST_F(Closing, OneQuestionAtATime) {
-    s->start(false);
-    EXPECT_FALSE(begin(UnloadMode::User).done());
-    Task<bool> first = begin(UnloadMode::User);
-    Task<bool> second = begin(UnloadMode::User);
-    EXPECT_TRUE(second.done());
-    EXPECT_FALSE(second.result());
-    s->clock.run(2s);
-    EXPECT_TRUE(first.result());
-    EXPECT_EQ(s->op.asked.size(), 2U);
 }
 
 /// The station destroyed in every state of a capture leaves nothing waiting and no part of a file.
