@@ -10,25 +10,6 @@ namespace {
 
 using Cause = Warnings::Cause;
 
-TEST(Warnings, KnowSinceWhenACauseStands) {
-    JumpingClock clock(at(2006, 11, 15, 9));
-    Warnings warnings(clock);
-    EXPECT_EQ(warnings.since(Cause::NoImage), std::nullopt);
-    warnings.set(Cause::NoImage, "No image at 08:00 and 08:30.");
-    clock.run(30min);
-    warnings.set(Cause::DiskSpace, "Little space.");
-    warnings.set(Cause::NoImage, "No image at 08:30 and 09:00.");
-    EXPECT_EQ(warnings.since(Cause::NoImage), at(2006, 11, 15, 9)) << "another text only";
-    EXPECT_EQ(warnings.since(Cause::DiskSpace), at(2006, 11, 15, 9, 30));
-    EXPECT_EQ(warnings.standing().size(), 2U);
-    warnings.clear(Cause::NoImage);
-    EXPECT_EQ(warnings.since(Cause::NoImage), std::nullopt);
-    clock.run(1min);
-    warnings.set(Cause::NoImage, "No image at 09:00 and 09:30.");
-    EXPECT_EQ(warnings.since(Cause::NoImage), at(2006, 11, 15, 9, 31)) << "it came again";
-    EXPECT_EQ(warnings.text.get(), "No image at 09:00 and 09:30.\nLittle space.");
-}
-
 /// The station records from 09:00 to 17:00 every 30 minutes, and its camera does not answer.
 struct ConditionTest : StationDay {
     ConditionTest() { begin(at(2006, 11, 15, 9, 29)); }
@@ -78,30 +59,23 @@ TEST_F(ConditionTest, WhatIsOverGoesWhenItIsClosedOrComesAgain) {
 TEST_F(ConditionTest, TheGravestOfSeveralCausesComesFirst) {
     begin(at(2006, 11, 15, 18, 0));
     s->start(false);
-    const std::tuple<Cause, const char*, const char*> causes[] = {
-        {Cause::SunTimes, "The sun times of the site cannot be computed: polar day.",
-         "Orvane - no sun times"},
-        {Cause::DiskSpace, "The disk is nearly full: 6 days are left. Please free space.",
-         "Orvane - disk is nearly full"},
-        {Cause::DataFolder, "No processed copy of 20061115_093000_00.jpg: No space left.",
-         "Orvane - no processed copy of 20061115_093000_00.jpg"}};
-    for (const auto& [cause, text, title] : causes) {
+    for (const auto& [cause, text, title] :
+         {std::tuple{Cause::SunTimes, "The sun times of the site cannot be computed: polar day.",
+                     "Orvane - no sun times"},
+          {Cause::DiskSpace, "The disk is nearly full: 6 days are left. Please free space.",
+           "Orvane - disk is nearly full"},
+          {Cause::DataFolder, "No processed copy of 20061115_093000_00.jpg: No space left.",
+           "Orvane - no processed copy of 20061115_093000_00.jpg"}}) {
         s->warnings.set(cause, text);
         s->clock.run(1s);
         EXPECT_EQ(s->condition.title.get(), title);
     }
-    ASSERT_EQ(notices().size(), 3U);
-    EXPECT_EQ(notices()[0].remedy, Remedy::SelectFolder);
-    EXPECT_FALSE(notices()[0].isLocked);
-    EXPECT_EQ(notices()[2].remedy, Remedy::CorrectSite);
-    s->press(&Recording::Command1_Click);
-    s->clock.run(1s);
-    EXPECT_TRUE(notices()[0].isLocked) << "the folder is chosen while not recording";
     s->clock.runUntil(at(2006, 11, 16, 8, 0));
+    ASSERT_EQ(notices().size(), 3U);
     EXPECT_TRUE(notices()[0].text.starts_with("Since 2006/11/15 18:00: ")) << notices()[0].text;
+    EXPECT_EQ(notices()[2].remedy, Remedy::CorrectSite);
 }
 
-/// The ledger tells what was recorded and missed before a restart.
 TEST_F(ConditionTest, AnOutageIsToldUntilThePictureComesOverARestart) {
     recordUntil(9, 32);
     EXPECT_EQ(told(), "recording (Attention) ") << "a single miss is no trouble yet";
@@ -170,15 +144,13 @@ class StatusFileTest : public StationDay {
     }
     std::string causes() const {
         QString all;
-        for (const QJsonValue& warning : status()["warnings"].toArray())
-            all +=
-                warning[u"cause"].toString() + "@" + warning[u"since"].toString().mid(11, 5) + " ";
+        for (const QJsonValue& each : status()["warnings"].toArray())
+            all += each[u"cause"].toString() + "@" + each[u"since"].toString().mid(11, 5) + " ";
         return all.toStdString();
     }
     bool warns() const { return s->warnings.stands(Cause::StatusFile); }
 };
 
-/// In a second file the same for the page.
 TEST_F(StatusFileTest, TellsADayWithFailuresStopsAndARestart) {
     recordUntil(8, 55, 2);
     EXPECT_EQ(told("state, alive, started, version, nextDue, lastPicture, lastAttempt"),
@@ -262,8 +234,17 @@ TEST_F(StatusFileTest, ARefusedReplacementIsTriedAgainAndToldAfterAMinute) {
 }
 
 TEST_F(StatusFileTest, TellsWhatIsWarnedOf) {
+    s->store.values["Settings/AdjTime"] = "1";
+    s->port.openable = false;
+    recordUntil(8, 50, 2);
+    EXPECT_EQ(told("clocks.daily, clocks.lastSetting, clocks.fault"), "true, null, null");
+    runUntil(8, 58);
+    EXPECT_EQ(told("clocks.lastSetting").substr(0, 14), "2006-11-15T08:");
+    EXPECT_GT(told("clocks.fault").size(), 4U);
+    EXPECT_EQ(causes().substr(0, 14), "clock setting@");
+    s->warnings.clear(Cause::ClockSetting);
     s->files.failing = "write";
-    recordUntil(9, 0, 30);
+    runUntil(9, 0, 30);
     EXPECT_EQ(causes(), "data folder@09:00 ");
     s->files.failing.clear();
     runUntil(9, 1, 10);
@@ -300,17 +281,6 @@ TEST_F(StatusFileTest, KeepsACopyOfTheLatestPictureWhenThatIsOn) {
     s->clock.run(1s);
     EXPECT_FALSE(std::filesystem::exists(s->module.programFolder / "latest.jpg"));
     EXPECT_EQ(told("latestCopy"), "null");
-}
-
-TEST_F(StatusFileTest, TellsOfTheDailyClocks) {
-    s->store.values["Settings/AdjTime"] = "1";
-    s->port.openable = false;
-    recordUntil(8, 50, 2);
-    EXPECT_EQ(told("clocks.daily, clocks.lastSetting, clocks.fault"), "true, null, null");
-    runUntil(8, 58);
-    EXPECT_EQ(told("clocks.lastSetting").substr(0, 14), "2006-11-15T08:");
-    EXPECT_GT(told("clocks.fault").size(), 4U);
-    EXPECT_EQ(causes().substr(0, 14), "clock setting@");
 }
 
 } // namespace

@@ -80,6 +80,13 @@ TEST_F(StartTests, ACaptureTakesOver) {
     runUntil(9, 30, 12);
     EXPECT_EQ(s->http.requests, 2);
     EXPECT_EQ(count(), 1);
+    s->recording.Command2_Click();
+    runUntil(9, 31, 5);
+    s->tasks.spawn(s->camera.Command8_Click());
+    s->press(&Recording::Command1_Click);
+    s->clock.run(20s);
+    EXPECT_EQ(s->http.cancelled, 1) << "it waits for a test fetch";
+    EXPECT_TRUE(line().starts_with("The camera answers:")) << line();
 }
 
 TEST_F(StartTests, ARunAndAStopEndIt) {
@@ -100,21 +107,6 @@ TEST_F(StartTests, ARunAndAStopEndIt) {
     EXPECT_FALSE(s->http.running());
     s->clock.run(20s);
     EXPECT_EQ(line(), "");
-}
-
-TEST_F(StartTests, ATestFetchAndTheStartWaitForEachOther) {
-    s->http.latency = 5s;
-    s->start(false);
-    s->tasks.spawn(s->camera.Command8_Click());
-    s->press(&Recording::Command1_Click);
-    s->clock.run(4s);
-    EXPECT_EQ(s->http.requests, 1);
-    s->clock.run(4s);
-    EXPECT_EQ(s->http.requests, 2);
-    s->tasks.spawn(s->camera.Command8_Click());
-    s->clock.run(8s);
-    EXPECT_EQ(s->http.cancelled, 0);
-    EXPECT_TRUE(line().starts_with("The camera answers:")) << line();
 }
 
 struct FirstStepsTest : StartTests {
@@ -187,19 +179,9 @@ TEST_F(FirstStepsTest, TriesTheFolderWithoutMakingOne) {
     std::filesystem::create_directories(file / "below");
     s->press(&Recording::Command1_Click);
     EXPECT_TRUE(isDone()) << "at a start at once";
-}
-
-TEST_F(FirstStepsTest, TheDefaultFolderCountsAsTheOneAboveIt) {
-    s->store.values.erase("DataPath/PathDataFile");
-    begin();
-    const std::filesystem::path byDefault = s->folder.path() / "pictures" / "Orvane";
-    EXPECT_EQ(folder(), "Done: Pictures go to " + utf8FromPath(byDefault) + " (Command3)");
-    EXPECT_FALSE(std::filesystem::exists(byDefault.parent_path()));
-    s->panel.Dir1[0].path = s->dataFolder();
-    s->steps.look();
-    writeFile(byDefault.parent_path(), "in the way");
-    s->panel.Dir1[0].path = byDefault;
-    EXPECT_TRUE(folder().starts_with("Wrong")) << folder();
+    s->panel.Dir1[0].path = s->module.defaultDataFolder; // made with the first picture
+    EXPECT_TRUE(isDone());
+    EXPECT_FALSE(std::filesystem::exists(s->module.defaultDataFolder.parent_path()));
 }
 
 TEST_F(FirstStepsTest, SaysWhatAStartWouldSay) {

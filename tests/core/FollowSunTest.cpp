@@ -42,39 +42,45 @@ class FollowSun : public StationDay {
     static Schedule every5Minutes(const std::string& window) {
         return parseSchedule(window + " every 05 min").value();
     }
-    static int due(const std::string& window) { return dueMinutesPerDay(every5Minutes(window)); }
+    static int due(const std::string& window, int interval = 5) {
+        Schedule schedule = every5Minutes(window);
+        schedule.IntervalTime = std::chrono::minutes(interval);
+        return dueMinutesPerDay(schedule);
+    }
 };
 
 TEST_F(FollowSun, EveryDayHasItsOwnWindow) {
+    begin(at(2006, 11, 15, 4, 0), "1");
     s->start(true);
     s->clock.run(1s);
     const std::string first = panelsWindow(november(15));
     const std::string second = panelsWindow(november(16));
     ASSERT_NE(first.substr(0, 5), second.substr(0, 5));
-    EXPECT_EQ(inForce(), first + " every 05 min");
+    EXPECT_EQ(inForce(), first + " every 01 min");
     EXPECT_EQ(s->panel.lbl_window.caption.get(), "today " + first);
     EXPECT_EQ(s->panel.Text1[0].text.get(), "9");
-    EXPECT_EQ(s->module.plannedRecords, due(first) + 1);
+    EXPECT_EQ(s->module.plannedRecords, due(first, 1) + 1);
     runUntil(17, 45); // past the window
-    EXPECT_EQ(count(), due(first));
+    EXPECT_EQ(count(), due(first, 1));
     EXPECT_EQ(s->countLogged("End Time"), 1);
     const std::string start = second.substr(0, 5);
     EXPECT_EQ(timeText(WallTime(november(15)) + s->module.schedule.NextRecTime), start + ":00");
     EXPECT_TRUE(has(s->days.plan().text, ", next tomorrow at " + start));
     EXPECT_EQ(s->warnings.text.get(), "");
     s->http.answer = failing("refused");
+    s->http.latency = 50s;
     s->clock.runUntil(at(2006, 11, 16, 0, 1));
-    EXPECT_EQ(inForce(), second + " every 05 min");
+    EXPECT_EQ(inForce(), second + " every 01 min");
     EXPECT_EQ(s->panel.lbl_window.caption.get(), "today " + second);
-    EXPECT_EQ(s->module.plannedRecords, due(second) + 1);
+    EXPECT_EQ(s->module.plannedRecords, due(second, 1) + 1);
     EXPECT_EQ(s->days.plan().text,
-              "taken 0 of " + std::to_string(due(second)) + ", next at " + start);
+              "taken 0 of " + std::to_string(due(second, 1)) + ", next at " + start);
     EXPECT_TRUE(has(ledger("20061116"), "00:00,+09:00,schedule,," + second +
-                                            " every 05 min\r\n00:00,+09:00,recording on,,\r\n"));
+                                            " every 01 min\r\n00:00,+09:00,recording on,,\r\n"));
     EXPECT_EQ(s->countLogged("End Time"), 1);
     s->clock.runUntil(at(2006, 11, 17, 0, 5));
-    EXPECT_EQ(s->days.yesterdaysPlan().due, due(second));
-    EXPECT_EQ(s->days.yesterdaysPlan().missed, due(second));
+    EXPECT_EQ(s->days.yesterdaysPlan().due, due(second, 1));
+    EXPECT_EQ(s->days.yesterdaysPlan().missed, due(second, 1));
 }
 
 /// Through a stop with another schedule, too, and a clock that is put forward over midnight.

@@ -108,8 +108,7 @@ TEST_F(MainLoopTest, RandomFaultsForDays) {
     EXPECT_LE(s->http.requests, ended + 1);
 }
 
-/// The wall clock is set by the operator and by daylight saving; nothing filed is ever replaced,
-/// and an hour that comes again is recorded again.
+/// Nothing filed is ever replaced, and an hour that comes again is recorded again.
 TEST_F(MainLoopTest, SurvivesAJumpingWallClock) {
     s->setSchedule("9", "17", "10");
     recordUntil(11, 5);
@@ -130,8 +129,6 @@ TEST_F(MainLoopTest, SurvivesAJumpingWallClock) {
     EXPECT_EQ(warning(), "");
 }
 
-/// Set back a little, the clock repeats minutes whose pictures are there; only those that have none
-/// are due.
 TEST_F(MainLoopTest, AMinuteThatComesAgainIsNotTakenTwice) {
     for (const auto back : {1min, 4min, 9min}) {
         TestStation station(at(2006, 11, 15, 8, 59));
@@ -200,8 +197,7 @@ TEST_F(MainLoopTest, AChosenFolderThatGoesIsNotMadeAndUsedAgainWhenItComes) {
     }
 }
 
-/// The clocks of the devices are set between captures; where no minute leaves room, after the day's
-/// first one.
+/// Where no minute leaves room, after the day's first one.
 TEST_F(MainLoopTest, TheDailyClocksAreSetInAGapOrAfterACapture) {
     const struct {
         const char *startHour, *endHour, *endMinute, *interval, *setAt;
@@ -217,22 +213,6 @@ TEST_F(MainLoopTest, TheDailyClocksAreSetInAGapOrAfterACapture) {
         EXPECT_EQ(hourMinute(station.clock.now()), c.setAt) << c.interval;
         EXPECT_FALSE(station.views.latest.empty()) << "the day's first capture went before";
     }
-}
-
-TEST(DiskWatch, TellsDaysAtTodaysRate) {
-    const Schedule schedule{9h, 17h, 30min, {}}; // 16 captures a day
-    DiskWatch disk;
-    const auto caption = [&](std::uint64_t free) { return disk.report(free, schedule).caption; };
-    EXPECT_EQ(caption(123'400'000'000), "123.4 GB free");
-    const auto day = dayOf(at(2006, 11, 15));
-    disk.addCapture(30'000'000, day);
-    disk.addCapture(10'000'000, day);
-    EXPECT_EQ(caption(123'400'000'000), "123.4 GB free, about 386 days");
-    EXPECT_TRUE(disk.report(2'300'000'000, schedule).warning.empty());
-    EXPECT_FALSE(disk.report(2'200'000'000, schedule).warning.empty()); // 6.9 days
-    EXPECT_FALSE(DiskWatch().report(999'000'000, schedule).warning.empty());
-    disk.addCapture(1'000'000, dayOf(at(2006, 11, 16))); // a new day, a new rate
-    EXPECT_EQ(caption(16'000'000'000), "16.0 GB free, about 1000 days");
 }
 
 /// A station that records every half hour from 9 to 17 and is started at 8:50.
@@ -295,7 +275,6 @@ TEST_F(LedgerOfADay, HasALineForEveryDueMinuteAndSwitch) {
     EXPECT_EQ(asked.find("from_hour=10&from_min=0"), std::string::npos) << asked;
 }
 
-/// No capture is lost for a ledger that cannot be written, and what it was to tell follows.
 TEST_F(LedgerOfADay, ThatCannotBeWrittenStopsNothing) {
     writeFile(s->dataFolder() / "Ledger", "in the way");
     recordUntil(10, 10);

@@ -34,10 +34,6 @@ std::string bytesAt(const Tree& tree, const std::string& path) {
     return found == tree.end() ? "" : found->second.value_or("");
 }
 
-testing::AssertionResult failure(const std::string& text) {
-    return testing::AssertionFailure() << text;
-}
-
 /// A station that records a picture a minute from 9:29 on, and those that are started at 9:33 on
 /// what a power cut has left of its files.
 class PowerCut : public testing::Test {
@@ -63,19 +59,20 @@ class PowerCut : public testing::Test {
         known.insert(jpegLike(content));
     }
 
-    /// The dated folder holds whole pictures only, and those that were promised.
-    testing::AssertionResult isSound(const Left& left) const {
+    /// What is wrong with it: the dated folder holds whole pictures only, and those that were
+    /// promised.
+    std::string isSound(const Left& left) const {
         for (const auto& [path, bytes] : left.tree) {
             const bool isPicture = path.starts_with(kDay) && ImageName::ofFile(path);
-            if (isPicture && !known.contains(*bytes)) return failure(path + " is no picture");
+            if (isPicture && !known.contains(*bytes)) return path + " is no picture";
         }
         for (const std::string& path : left.promised)
-            if (!isWholeJpeg(bytesAt(left.tree, path))) return failure(path + " is lost");
-        return testing::AssertionSuccess();
+            if (!isWholeJpeg(bytesAt(left.tree, path))) return path + " is lost";
+        return "";
     }
 
     /// The next start judges the day by what is there, and takes its minutes' pictures.
-    testing::AssertionResult goesOn(const Left& left) const {
+    std::string goesOn(const Left& left) const {
         TestStation next(at(2006, 11, 15, 9, 33, 50));
         restore(left.tree, next.folder.path());
         prepare(next, "next ");
@@ -85,25 +82,24 @@ class PowerCut : public testing::Test {
             const std::string name = "20061115_09" + twoDigits(minute % 60) + "00_00.jpg";
             const bool isThere = isWholeJpeg(contentsOf(next.dataFolder() / "20061115" / name));
             const auto state = next.days.plan().states[static_cast<std::size_t>(minute)];
-            if (minute >= 9 * 60 + 33 && !isThere) return failure(name + " was not taken");
-            if (isThere != (state == DayState::Taken)) return failure(name + " is judged wrongly");
+            if (minute >= 9 * 60 + 33 && !isThere) return name + " was not taken";
+            if (isThere != (state == DayState::Taken)) return name + " is judged wrongly";
         }
         for (const char* below : {"", "Edit"})
             for (const std::string& name : next.imagesOf("20061115", below))
-                if (isTemporary(name)) return failure(name + " stays");
-        if (next.warnings.stands(Warnings::Cause::DataFolder))
-            return failure(next.warnings.text.get());
+                if (isTemporary(name)) return name + " stays";
+        if (next.warnings.stands(Warnings::Cause::DataFolder)) return next.warnings.text.get();
         return hasLedger(bytesAt(left.tree, kLedger), contentsOf(next.folder.path() / kLedger));
     }
 
     /// Lines that were written, in their order, then those of the next start, then what that
     /// judges.
-    testing::AssertionResult hasLedger(const std::string& before, const std::string& now) const {
+    std::string hasLedger(const std::string& before, const std::string& now) const {
         std::vector<std::string> expected = ledgerLines(before);
         auto place = written.begin();
         for (const std::string& line : expected) {
             place = std::find(place, written.end(), line);
-            if (place == written.end()) return failure("a line that nobody wrote: " + line);
+            if (place == written.end()) return "a line that nobody wrote: " + line;
         }
         for (const char* line :
              {"program started,,", "schedule,,00:00 to 23:59 every 01 min", "recording on,,"})
@@ -112,8 +108,7 @@ class PowerCut : public testing::Test {
         const bool goesOn = lines.size() > expected.size() &&
                             std::equal(expected.begin(), expected.end(), lines.begin()) &&
                             lines.back() == "09:33,+09:00,taken,20061115_093300_00.jpg,";
-        if (!goesOn) return failure("a ledger that does not go on:\n" + now);
-        return testing::AssertionSuccess();
+        return goesOn ? "" : "a ledger that does not go on:\n" + now;
     }
 
     int look() {
@@ -121,10 +116,10 @@ class PowerCut : public testing::Test {
         written = ledgerLines(contentsOf(file(kLedger)));
         std::set<Tree> started;
         return forEachCut(record->steps(), [&](const Left& left) {
-            testing::AssertionResult result = isSound(left);
-            if (result && started.insert(left.tree).second) result = goesOn(left);
-            EXPECT_TRUE(result) << left.where;
-            return static_cast<bool>(result);
+            std::string fault = isSound(left);
+            if (fault.empty() && started.insert(left.tree).second) fault = goesOn(left);
+            EXPECT_EQ(fault, "") << left.where;
+            return fault.empty();
         });
     }
 

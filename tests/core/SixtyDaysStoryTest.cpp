@@ -27,16 +27,15 @@ class SixtyDaysStory : public testing::Test {
     }
     void setSchedule(const SampleSchedule& wanted) {
         schedule = wanted;
-        const std::tuple<std::size_t, const char*, int> fields[] = {
-            {0, "StartHour", wanted.first / 60},
-            {1, "StartMinute", wanted.first % 60},
-            {2, "EndHour", wanted.end / 60},
-            {3, "EndMinute", wanted.end % 60},
-            {4, "IntervalHour", 0},
-            {5, "IntervalMinute", wanted.every}};
-        for (const auto& [index, key, number] : fields) {
+        const std::pair<const char*, int> fields[] = {{"StartHour", wanted.first / 60},
+                                                      {"StartMinute", wanted.first % 60},
+                                                      {"EndHour", wanted.end / 60},
+                                                      {"EndMinute", wanted.end % 60},
+                                                      {"IntervalHour", 0},
+                                                      {"IntervalMinute", wanted.every}};
+        for (std::size_t index = 0; const auto& [key, number] : fields) {
             s->store.values[std::string("Operation/") + key] = std::to_string(number);
-            s->panel.Text1[index].text = std::to_string(number);
+            s->panel.Text1[index++].text = std::to_string(number);
         }
     }
     /// The camera's store has answered nothing so far.
