@@ -80,7 +80,7 @@ TEST(AboutTest, ItsMessageStandsBeforeItAndKeysCloseBoth) {
     clock.run(1s);
     EXPECT_EQ(openBox(), nullptr);
     EXPECT_TRUE(about->isVisible());
-    for (const auto key : {Qt::Key_Return, Qt::Key_Escape}) {
+    for (const auto key : {Qt::Key_Escape, Qt::Key_Return}) {
         QTest::keyClick(about, key);
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
         EXPECT_EQ(w.main.findChild<QWidget*>("frmAbout"), nullptr);
