@@ -59,8 +59,7 @@ class PowerCut : public testing::Test {
         known.insert(jpegLike(content));
     }
 
-    /// What is wrong with it: the dated folder holds whole pictures only, and those that were
-    /// promised.
+    /// What is wrong: the dated folder holds whole pictures only, and those that were promised.
     std::string isSound(const Left& left) const {
         for (const auto& [path, bytes] : left.tree) {
             const bool isPicture = path.starts_with(kDay) && ImageName::ofFile(path);

@@ -39,7 +39,6 @@ TEST_F(StartUpTest, WhatNobodyForesawIsToldAndEndsTheProgram) {
     EXPECT_EQ(s->exitCode, 1);
 }
 
-/// Files are looked for among today's when there are any.
 TEST_F(StartUpTest, TodaysNewestImagesAreShown) {
     s->start(false);
     EXPECT_EQ(s->windowsShown, 1);
