@@ -82,11 +82,13 @@ TEST_F(ConditionTest, AnOutageIsToldUntilThePictureComesOverARestart) {
     EXPECT_EQ(lastFault(), "09:30: no answer from the camera");
     runUntil(10, 5);
     begin(at(2006, 11, 15, 10, 10));
-    recordUntil(11, 2);
     s->http.answer = failing("refused");
+    recordUntil(10, 12);
+    const std::string warning = s->warnings.text;
+    EXPECT_TRUE(has(warning, "No image at 09:30 and 10:00. Please check the camera."));
     runUntil(11, 5);
-    EXPECT_EQ(told(), "no image since 09:30 (Trouble) No image since 09:30, 4 missed: no answer "
-                      "from the camera.");
+    EXPECT_EQ(s->warnings.text.get(), warning) << "a new text would open the window again";
+    EXPECT_EQ(told(), "no image since 09:30 (Trouble) No image since 09:30, 4 missed: refused.");
     EXPECT_EQ(s->panel.sgn_status.words.get(), "Trouble: no image since 09:30");
     EXPECT_EQ(notices().at(0).remedy, Remedy::TestFetch);
     EXPECT_TRUE(notices()[0].advice.starts_with("Check the camera's power")) << notices()[0].advice;
