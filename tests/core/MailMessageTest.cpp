@@ -3,6 +3,7 @@
 #include "tests/support/ReadMail.h"
 
 #include <algorithm>
+#include <gtest/gtest.h>
 
 namespace orvane::test {
 namespace {

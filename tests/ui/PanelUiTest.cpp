@@ -1,3 +1,4 @@
+#include "core/StartUp.h"
 #include "tests/support/FakeCameraStore.h"
 #include "tests/ui/WindowTest.h"
 #include "ui/panel/FolderView.h"
