@@ -211,15 +211,15 @@ TEST_F(PanelUi, TheSunsTimesStandAtTheirCaptions) {
     computeSunTimes(w.station);
     EXPECT_TRUE(text("lbl_sunrise").starts_with("5:2"));
     EXPECT_TRUE(text("lbl_sunset").starts_with("17:3"));
+    /// The nearest one on the left.
     const auto captionOf = [this](const char* name) {
         const QRect place = part(name).geometry();
-        const auto labels = part(name).parentWidget()->findChildren<QLabel*>();
-        const auto isBefore = [&](const QLabel* label) {
-            return label->geometry().right() < place.x() &&
-                   std::abs(label->geometry().center().y() - place.center().y()) < 3;
-        };
-        const auto found = std::ranges::find_if(labels, isBefore);
-        return found == labels.end() ? "" : (*found)->text().toStdString();
+        const QLabel* nearest = nullptr;
+        for (const QLabel* label : part(name).parentWidget()->findChildren<QLabel*>())
+            if (std::abs(label->geometry().center().y() - place.center().y()) < 3 &&
+                label->x() < place.x() && (nearest == nullptr || label->x() > nearest->x()))
+                nearest = label;
+        return nearest == nullptr ? "" : nearest->text().toStdString();
     };
     EXPECT_EQ(captionOf("lbl_sunrise"), "Sunrise − 1 h");
     EXPECT_EQ(captionOf("lbl_sunset"), "Sunset + 1 h");
