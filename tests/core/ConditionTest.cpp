@@ -35,9 +35,11 @@ struct ConditionTest : StationDay {
 
 TEST_F(ConditionTest, WhatIsOverGoesWhenItIsClosedOrComesAgain) {
     recordUntil(10, 2);
-    s->warnings.set(Cause::Mail, "No mail can be sent: x. Please see Tools > Alerts.");
+    s->warnings.set(Cause::Mail, "No mail can be sent: w.");
     mend();
     runUntil(10, 30, 5);
+    s->warnings.set(Cause::Mail, "No mail can be sent: x. Please see Tools > Alerts.");
+    s->clock.run(1s);
     ASSERT_EQ(notices().size(), 2U);
     EXPECT_EQ(notices()[0].grade, Grade::Well) << "news goes before a lesser warning";
     EXPECT_EQ(notices()[1].text, "Since 10:02: No mail can be sent: x.");
@@ -71,6 +73,7 @@ TEST_F(ConditionTest, TheGravestOfSeveralCausesComesFirst) {
         EXPECT_EQ(s->condition.title.get(), title);
     }
     ASSERT_EQ(notices().size(), 3U);
+    EXPECT_TRUE(has(s->warnings.text, "Please free space.\nThe sun times of the site"));
     EXPECT_EQ(notices()[2].remedy, Remedy::CorrectSite);
     s->clock.runUntil(at(2006, 11, 16, 8, 0));
     EXPECT_TRUE(notices().at(0).text.starts_with("Since 2006/11/15 18:00: "));

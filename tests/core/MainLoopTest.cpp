@@ -44,29 +44,6 @@ TEST_F(MainLoopTest, TakesTheDueMinutesOfAnHour) {
     }
 }
 
-/// The sun rises before the local day begins: no such time of day, and no reason not to record.
-TEST_F(MainLoopTest, ASiteWithoutSunTimesIsWarnedOfAndRecords) {
-    s->store.values["Operation/Longitude"] = "-60"; // the sun rises at 10 o'clock, universal time
-    s->store.values["Operation/Tz"] = "-720";
-    s->module.sun.SunriseText = "5:00:00";
-    recordUntil(9, 31);
-    EXPECT_TRUE(s->op.told.empty());
-    EXPECT_EQ(count(), 1);
-    EXPECT_EQ(s->panel.lbl_sunrise.caption.get() + s->panel.lbl_sunset.caption.get(), "");
-    EXPECT_EQ(s->module.sun.SunriseText, "5:00:00");
-    const std::string before = warning();
-    EXPECT_TRUE(has(before, "The sun times of the site cannot be computed"));
-    EXPECT_EQ(s->countLogged(before), 1);
-    s->clock.runUntil(at(2006, 11, 16, 0, 1));
-    EXPECT_NE(warning(), before) << "another day, another impossible time";
-    EXPECT_EQ(s->logged().back(), warning());
-    s->panel.txt_tz.text = "9"; // the operator corrects it
-    EXPECT_TRUE(s->settings.txt_tz_Change());
-    s->clock.run(2min);
-    EXPECT_EQ(warning(), "");
-    EXPECT_NE(s->panel.lbl_sunset.caption.get(), "");
-}
-
 /// Random faults for some days: only whole new pictures are filed, each with its copy, each attempt
 /// brings a picture or a line in the log, and nothing grows.
 TEST_F(MainLoopTest, RandomFaultsForDays) {

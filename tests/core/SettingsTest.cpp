@@ -180,9 +180,10 @@ TEST_F(PanelSettingsTest, AZoneFarFromTheLongitudeIsPointedOut) {
     EXPECT_EQ(told(-179, 840) + told(179, -660), "") << "on the circle";
 }
 
-/// Half a number that cannot be computed with is nobody's fault.
+/// Half a number that cannot be computed with is nobody's fault; where the sun rises before the
+/// local day begins, the station warns and records.
 TEST_F(PanelSettingsTest, SunTextsFollowTheSiteAsItIsTyped) {
-    s->start(false);
+    s->start(true);
     const std::string& sunset = s->panel.lbl_sunset.caption.get();
     const auto warns = [&] { return s->warnings.stands(Warnings::Cause::SunTimes); };
     const std::string first = sunset;
@@ -198,13 +199,19 @@ TEST_F(PanelSettingsTest, SunTextsFollowTheSiteAsItIsTyped) {
     EXPECT_FALSE(warns());
     s->settings.showSite(); // the field is left: now it is in force
     EXPECT_TRUE(warns());
-    EXPECT_EQ(s->countLogged(s->warnings.text), 1);
+    const std::string warning = s->warnings.text;
+    EXPECT_TRUE(has(warning, "The sun times of the site cannot be computed"));
+    EXPECT_EQ(s->countLogged(warning), 1);
+    runUntil(9, 1);
+    EXPECT_EQ(count(), 1);
+    EXPECT_EQ(sunset + s->panel.lbl_sunrise.caption.get(), "");
     typeZone("-1");
     EXPECT_GT(s->panel.lbl_sunrise.caption.get().size(), 3U);
     EXPECT_FALSE(warns());
     typeZone("-12");
     s->clock.runUntil(at(2006, 11, 16, 0, 1));
     EXPECT_TRUE(warns()) << "midnight waits for no field";
+    EXPECT_NE(s->warnings.text.get(), warning) << "another day, another impossible time";
 }
 
 TEST_F(PanelSettingsTest, AGoneDataFolderFallsBackWithoutBeingForgotten) {
