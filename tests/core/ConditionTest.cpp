@@ -1,4 +1,3 @@
-#include "core/Causes.h"
 #include "tests/support/StationDay.h"
 
 #include <QJsonArray>
@@ -116,13 +115,6 @@ TEST_F(ConditionTest, AnOutageIsToldUntilThePictureComesOverARestart) {
     EXPECT_EQ(told(), "ready (Off) ") << "no news";
 }
 
-TEST(Causes, HaveTheirWordsEach) {
-    const int last = static_cast<int>(Cause::Mail);
-    EXPECT_EQ(allCauses().size(), static_cast<std::size_t>(last) + 1);
-    for (int cause = 0; cause <= last; ++cause)
-        EXPECT_EQ(wordsOn(static_cast<Cause>(cause)).cause, static_cast<Cause>(cause)) << cause;
-}
-
 /// A station that records every half hour from 9 to 17 and is started at 8:50.
 class StatusFileTest : public StationDay {
   protected:
@@ -203,10 +195,8 @@ TEST_F(StatusFileTest, TellsADayWithFailuresStopsAndARestart) {
 TEST_F(StatusFileTest, StaysAliveWhileACaptureLasts) {
     s->store.values["Settings/Delay"] = "300";
     s->start(true);
-    for (int minute = 0; minute < 5; ++minute) {
-        runUntil(9, minute, 2);
-        EXPECT_EQ(told("alive").substr(11, 6), "09:0" + std::to_string(minute) + ":");
-    }
+    runUntil(9, 4, 2);
+    EXPECT_EQ(told("alive").substr(11, 6), "09:04:");
 }
 
 /// As on Windows while somebody reads it.
@@ -253,9 +243,12 @@ TEST_F(StatusFileTest, TellsWhatIsWarnedOf) {
     s->files.failing = "write";
     runUntil(9, 0, 30);
     EXPECT_EQ(causes(), "data folder@09:00 ");
+    EXPECT_TRUE(has(s->warnings.text, "The data folder cannot be written"));
+    EXPECT_GT(s->http.requests, 5) << "tried again within the minute";
     s->files.failing.clear();
     runUntil(9, 1, 10);
     EXPECT_EQ(causes(), "");
+    EXPECT_EQ(count(), 1);
     s->warnings.set(Cause::Settings, "A \"quote\", a \\, a tab\t,\nand \xFF no text");
     s->clock.run(1s);
     EXPECT_EQ(status()["warnings"][0]["text"].toString(),

@@ -119,21 +119,9 @@ TEST_F(FollowSun, GoesOnAfterARestartASwitchAndAJump) {
     EXPECT_EQ(s->warnings.text.get(), "");
 }
 
-TEST_F(FollowSun, PolarNightHasTheTypedWindow) {
-    beginAt69North(at(2006, 12, 20, 8, 50), "5");
-    s->start(true);
-    s->clock.runUntil(at(2006, 12, 20, 9, 7));
-    EXPECT_EQ(inForce(), "09:00 to 17:00 every 05 min");
-    EXPECT_EQ(s->panel.lbl_window.caption.get(), "no sunrise today: 09:00 to 17:00");
-    EXPECT_EQ(count("20061220"), 2);
-    s->recording.Command2_Click();
-    s->panel.Text1[3].text = "70"; // nobody can record by it on such a day
-    s->press(&Recording::Command1_Click);
-    EXPECT_EQ(s->op.told.back(), "Please set up 'minute' of a EndTime correctly.");
-}
-
-/// Near midnight sun the window is cut to the day, and ends with it once, every day.
-TEST_F(FollowSun, AWindowToMidnightEndsWithTheDay) {
+/// Near midnight sun the window is cut to the day, and ends with it once, every day; in polar night
+/// the typed one holds.
+TEST_F(FollowSun, At69NorthThereIsAWindowEveryDay) {
     beginAt69North(at(2007, 7, 24, 20, 0), "30");
     s->start(true);
     s->clock.run(1s);
@@ -145,6 +133,16 @@ TEST_F(FollowSun, AWindowToMidnightEndsWithTheDay) {
     EXPECT_EQ(s->countLogged("End Time"), 2);
     EXPECT_EQ(count("20070725"), 48);
     EXPECT_EQ(s->warnings.text.get(), "");
+    beginAt69North(at(2007, 12, 20, 8, 50), "5");
+    s->start(true);
+    s->clock.runUntil(at(2007, 12, 20, 9, 7));
+    EXPECT_EQ(inForce(), "09:00 to 17:00 every 05 min");
+    EXPECT_EQ(s->panel.lbl_window.caption.get(), "no sunrise today: 09:00 to 17:00");
+    EXPECT_EQ(count("20071220"), 2);
+    s->recording.Command2_Click();
+    s->panel.Text1[3].text = "70"; // nobody can record by it on such a day
+    s->press(&Recording::Command1_Click);
+    EXPECT_EQ(s->op.told.back(), "Please set up 'minute' of a EndTime correctly.");
 }
 
 /// Half a number must not move the window; what is left in a field does. The PC's clock counts,

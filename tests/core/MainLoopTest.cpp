@@ -130,17 +130,6 @@ TEST_F(MainLoopTest, AMinuteThatComesAgainIsNotTakenTwice) {
     }
 }
 
-TEST_F(MainLoopTest, UnusableDataFolderIsToldAndRecoversByItself) {
-    writeFile(s->dataFolder() / "Edit", "not a folder");
-    recordUntil(9, 31);
-    EXPECT_TRUE(has(warning(), "The data folder cannot be written"));
-    EXPECT_GT(s->http.requests, 10); // tried again within the minute
-    std::filesystem::remove(s->dataFolder() / "Edit");
-    runUntil(10, 1);
-    EXPECT_EQ(warning(), "");
-    EXPECT_EQ(s->imagesOf("20061115").back(), "20061115_100000_00.jpg");
-}
-
 /// A disk that is pulled out, at any moment, and comes back: nothing is lost, and its folder, in
 /// whose place another disk would be filled, is never made.
 TEST_F(MainLoopTest, AChosenFolderThatGoesIsNotMadeAndUsedAgainWhenItComes) {

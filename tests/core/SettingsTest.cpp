@@ -69,8 +69,7 @@ TEST_F(PanelSettingsTest, AnUnreadableNumberEndsTheProgramWithItsKeyAndText) {
 }
 
 /// An empty store that notes what it is asked and given, in its order.
-class NotingStore final : public SettingsStore {
-  public:
+struct NotingStore final : SettingsStore {
     std::string GetSetting(const std::string& section, const std::string& key,
                            const std::string& fallback) const override {
         asked += section + "/" + key + " ";

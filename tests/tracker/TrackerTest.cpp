@@ -3,16 +3,13 @@
 namespace orvane::test {
 namespace {
 
-TEST(MakeFrame, ByteExamples) {
+TEST(TrackerBytes, OfFramesAndValues) {
     EXPECT_EQ(MakeFrame(0x48), (Bytes{0x02, 0x00, 0x48, 0x48, 0x03}));
     EXPECT_EQ(MakeFrame(0x48, "12"), (Bytes{0x02, 0x02, 0x48, 0x31, 0x32, 0xAB, 0x03}));
     const Bytes longest = MakeFrame(0x01, std::string(300, '\xFF'));
     EXPECT_EQ(longest.size(), 257U);
     EXPECT_EQ(longest[1], 252);
     EXPECT_EQ(longest[255], (1 + 252 * 255) % 256);
-}
-
-TEST(TrackerValues, ByteExamples) {
     Bytes bytes(16);
     const std::span all(bytes);
     for (const auto& [value, high, low] :
@@ -151,7 +148,7 @@ TEST_F(Tracker, ReceivesFrames) {
 }
 
 /// USB adapters hand on what they hold every 8 to 16 ms, wherever that cuts an echo.
-TEST_F(Tracker, AnEchoMayComeInTwoPortions) {
+TEST_F(Tracker, AnEchoMayComeInTwoPortionsAndEndsWithSilence) {
     for (std::ptrdiff_t split = 1; split < 6; ++split) {
         answer([&](std::uint8_t, const Bytes& whole) {
             s.port.send(Bytes(whole.begin(), whole.begin() + split), 3ms);
@@ -161,9 +158,6 @@ TEST_F(Tracker, AnEchoMayComeInTwoPortions) {
         EXPECT_EQ(finish(s.timeSetting.setTrackerClock(false)), std::nullopt) << split;
     }
     EXPECT_TRUE(s.logged().empty());
-}
-
-TEST_F(Tracker, AnEchoEndsWithSilenceAndAllThatIsThereIsRead) {
     // with the 2 ms of a look at the line
     for (const auto& [bytes, expected, took] :
          {std::tuple{Bytes{1, 2}, 9, 22ms}, {Bytes{1, 2, 3}, 3, 22ms}, {Bytes(4000, 7), 7, 2ms}}) {
@@ -212,19 +206,6 @@ TEST_F(Tracker, ThePortIsClosedHoweverItsProcedureEnds) {
     s.port.closingFails = true;
     EXPECT_EQ(finish(s.timeSetting.setTrackerClock(true)), std::nullopt);
     EXPECT_EQ(s.logged(), Messages{"closeCommunication:COM Port ERROR"});
-}
-
-/// A line that is shorted or has the wrong speed.
-TEST_F(Tracker, GarbageAtFullSpeedHoldsNobody) {
-    s.port.answer = [&](const Bytes&) {
-        s.port.send({0x06});
-        for (Ticks delay = 2ms; delay < 2s; delay += 1ms)
-            s.port.send(Bytes(4, 0x55), delay);
-    };
-    EXPECT_NE(finish(s.timeSetting.setTrackerClock(true), 100ms), std::nullopt);
-    finish(s.options.activate(), 100ms);
-    EXPECT_EQ(s.countLogged("recMessage:Except[STX] 55"), 3);
-    EXPECT_FALSE(s.port.isOpen());
 }
 
 TEST_F(Tracker, PortChoice) {
