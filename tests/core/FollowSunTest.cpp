@@ -10,8 +10,7 @@ std::chrono::local_days november(unsigned day) {
 }
 
 /// A station in Japan whose window follows the sun; typed are 9:00 to 17:00.
-class FollowSun : public StationDay {
-  protected:
+struct FollowSun : StationDay {
     FollowSun() { begin(at(2006, 11, 15, 4, 0), "5"); }
     void begin(WallTime time, const std::string& interval) {
         start(time);

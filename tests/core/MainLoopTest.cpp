@@ -182,8 +182,7 @@ TEST_F(MainLoopTest, TheDailyClocksAreSetInAGapOrAfterACapture) {
 }
 
 /// A station that records every half hour from 9 to 17 and is started at 8:50.
-class LedgerOfADay : public StationDay {
-  protected:
+struct LedgerOfADay : StationDay {
     LedgerOfADay() { start(at(2006, 11, 15, 8, 50)); }
     /// Without the line of the fields' names.
     std::string lines() const {

@@ -36,8 +36,7 @@ std::string bytesAt(const Tree& tree, const std::string& path) {
 
 /// A station that records a picture a minute from 9:29 on, and those that are started at 9:33 on
 /// what a power cut has left of its files.
-class PowerCut : public testing::Test {
-  protected:
+struct PowerCut : testing::Test {
     PowerCut() { prepare(s, "first "); }
     void beginRecord() {
         record = std::make_unique<FileRecord>(s.folder.path());

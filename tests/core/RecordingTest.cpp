@@ -44,6 +44,7 @@ TEST_F(Panel, StartLocksAndStopUnlocksAllButTheSecondSpinner) {
     EXPECT_EQ(s->panel.Label12.caption.get() + " " + s->panel.Label13.caption.get(),
               "2006/11/15 12:11:00");
     EXPECT_EQ(s->module.replyTicks, 60);
+    EXPECT_EQ(s->module.syncTicks, 0); // not enabled at start
     EXPECT_EQ(awake, "");
     press();
     EXPECT_EQ(lockState(), "tutututuTUtuTu01000");
@@ -69,10 +70,10 @@ TEST_F(Panel, StartLocksAndStopUnlocksAllButTheSecondSpinner) {
     EXPECT_EQ(s->logged(), (std::vector<std::string>{"Orvane Starting", "Start Recording",
                                                      "Stop Recording", "Start Recording",
                                                      "writeSetup:Settings cannot be stored"}));
+    s->recording.Command2_Click();
     s->clock.run(10h);
     EXPECT_EQ(s->module.replyTicks, 32767);
     EXPECT_EQ(s->module.searchTicks, 32767);
-    EXPECT_EQ(s->module.syncTicks, 0); // not enabled at start
 }
 
 TEST_F(Panel, RefusesAScheduleWithItsMessage) {
@@ -165,6 +166,20 @@ TEST(DiskWatch, TellsDaysAtTodaysRate) {
     EXPECT_FALSE(DiskWatch().report(999'000'000, schedule).warning.empty());
     disk.addCapture(1'000'000, dayOf(at(2006, 11, 16))); // a new day, a new rate
     EXPECT_EQ(caption(16'000'000'000), "16.0 GB free, about 1000 days");
+}
+
+TEST(Conversions, NumbersFromText) {
+    EXPECT_EQ(toInt16("2.5"), 2);
+    EXPECT_EQ(toInt16("3.5"), 4);
+    EXPECT_EQ(toInt16("-32768"), -32768);
+    EXPECT_EQ(toInt16("+15"), 15);
+    for (const char* text : {"", "-", "+-1", "1 2", "nan", "1e999", "0x10", "."})
+        EXPECT_FALSE(toDouble(text)) << text;
+    const std::pair<const char*, double> cases[] = {
+        {"12abc", 12.0}, {" 7", 7}, {"abc", 0}, {"", 0}, {"-3", -3}, {".5", 0.5}, {"--1", 0}};
+    for (const auto& [text, value] : cases)
+        EXPECT_DOUBLE_EQ(leadingNumber(text), value) << text;
+    EXPECT_EQ(toText(139.315), "139.315");
 }
 
 } // namespace

@@ -287,19 +287,5 @@ TEST_F(QtSettingsStoreTest, WhatCannotBeReadIsToldAndNotReplaced) {
     EXPECT_TRUE(std::filesystem::is_directory(path));
 }
 
-TEST(Conversions, NumbersFromText) {
-    EXPECT_EQ(toInt16("2.5"), 2);
-    EXPECT_EQ(toInt16("3.5"), 4);
-    EXPECT_EQ(toInt16("-32768"), -32768);
-    EXPECT_EQ(toInt16("+15"), 15);
-    for (const char* text : {"", "-", "+-1", "1 2", "nan", "1e999", "0x10", "."})
-        EXPECT_FALSE(toDouble(text)) << text;
-    const std::pair<const char*, double> cases[] = {
-        {"12abc", 12.0}, {" 7", 7}, {"abc", 0}, {"", 0}, {"-3", -3}, {".5", 0.5}, {"--1", 0}};
-    for (const auto& [text, value] : cases)
-        EXPECT_DOUBLE_EQ(leadingNumber(text), value) << text;
-    EXPECT_EQ(toText(139.315), "139.315");
-}
-
 } // namespace
 } // namespace orvane::test

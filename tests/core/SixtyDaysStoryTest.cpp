@@ -11,8 +11,7 @@ constexpr std::chrono::local_days kLastDay{std::chrono::days(13467)}; // 2006/11
 
 /// The sample archive's story, lived through by a station: what that leaves in its folders is what
 /// the sample archive holds.
-class SixtyDaysStory : public testing::Test {
-  protected:
+struct SixtyDaysStory : testing::Test {
     void begin(WallTime time, bool recording) {
         s = std::make_unique<TestStation>(time);
         s->store.values["DataPath/PathDataFile"] = utf8FromPath(data);

@@ -218,7 +218,6 @@ struct DeadCamera : Closing {
         s->http.answer = failing("no answer from the camera");
         s->start(true);
     }
-    void stop() { s->tasks.spawn(s->recording.mnuRecordingStop_Click()); }
 };
 
 /// In the first second, in the delay, in the fetch: whatever the capture waits for.
@@ -227,8 +226,8 @@ TEST_F(DeadCamera, AStopWishCutsTheCaptureShort) {
         s->clock.runUntil(at(2006, 11, 15, 9, 30) + moment);
         ASSERT_EQ(looks(), "Recording Now...");
         ASSERT_TRUE(s->recording.mnuRecordingStop);
-        stop();
-        stop(); // an impatient one
+        for (int impatient = 0; impatient < 2; ++impatient)
+            s->tasks.spawn(s->recording.mnuRecordingStop_Click());
         EXPECT_EQ(wish(), "Recording stops after this picture.");
         EXPECT_EQ(looks(), "Recording Now...");
         s->clock.run(2s);
