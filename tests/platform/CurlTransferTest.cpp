@@ -41,8 +41,7 @@ struct CurlTransferTest : testing::Test {
     /// The server is well again, and so is the connection to it.
     void expectSoundAgain(const std::string& after) {
         server.flood.clear();
-        server.pace = 0;
-        server.after = RawServer::After::Close;
+        server.resets = false;
         bytes = sound("again");
         const HttpReply reply = get();
         EXPECT_EQ(reply.body, "again") << after << ": " << reply.fault;
@@ -99,8 +98,8 @@ TEST_F(CurlTransferTest, EveryMalformedAnswerIsAFault) {
 /// Cut after each of its bytes, by a close and by a reset, an answer is never taken for whole.
 TEST_F(CurlTransferTest, ACutAnswerIsNeverWhole) {
     const std::string whole = sound("picture");
-    for (const RawServer::After after : {RawServer::After::Close, RawServer::After::Reset}) {
-        server.after = after;
+    for (const bool resets : {false, true}) {
+        server.resets = resets;
         for (std::size_t length = 0; length < whole.size(); ++length) {
             bytes = whole.substr(0, length);
             EXPECT_NE(get().fault, "") << length;

@@ -3,8 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <chrono>
 #include <functional>
 #include <numeric>
 
@@ -190,7 +188,7 @@ TEST(SerialPosixHangUp, IsNoticedByEveryCallAndClosesThePort) {
 
 TEST_F(SerialPosix, AFullDeviceNeverBlocksAndGetsEverythingInOrder) {
     Bytes sent = everyValue(100'000);
-    const auto start = std::chrono::steady_clock::now();
+    auto start = std::chrono::steady_clock::now();
     ASSERT_TRUE(port_->write(sent));
     const auto left = port_->outputCount();
     EXPECT_LT(std::chrono::steady_clock::now() - start, 500ms);
@@ -207,12 +205,10 @@ TEST_F(SerialPosix, AFullDeviceNeverBlocksAndGetsEverythingInOrder) {
     }
     EXPECT_TRUE(arrived == sent);
     EXPECT_EQ(port_->outputCount(), 0u);
-}
 
-TEST_F(SerialPosix, CloseDropsWhatAFullDeviceDidNotTakeAndNothingElse) {
-    ASSERT_TRUE(port_->write(Bytes(100'000, 0x55)));
-    const auto start = std::chrono::steady_clock::now();
-    port_->close();
+    ASSERT_TRUE(port_->write(sent));
+    start = std::chrono::steady_clock::now();
+    port_->close(); // drops what the device did not take and nothing else
     EXPECT_LT(std::chrono::steady_clock::now() - start, 500ms);
     while (!device_.isSilent()) {
     }

@@ -49,10 +49,7 @@ class FakeProcess final : public Process {
         if (failing == "exit code" && !isQuery()) result.code = 1;
         co_return result;
     }
-    void kill() override {
-        killed += running;
-        running = false;
-    }
+    void kill() override { running = false; }
     void bury() override {}
 
     bool installed = true;
@@ -64,7 +61,6 @@ class FakeProcess final : public Process {
     std::vector<std::string> arguments; ///< of the last
     std::string fed;
     bool running = false;
-    int killed = 0;
 
   private:
     bool isQuery() const { return arguments.back() == "-encoders"; }

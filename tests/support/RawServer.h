@@ -2,7 +2,6 @@
 
 #include <QTcpServer>
 #include <QTcpSocket>
-#include <QTimer>
 
 #include <functional>
 
@@ -11,8 +10,6 @@ namespace orvane::test {
 /// A server that answers every request with bytes as they were written down, right or wrong.
 class RawServer {
   public:
-    enum class After { Close, Reset, Stay };
-
     RawServer() {
         server_.listen(QHostAddress::LocalHost);
         QObject::connect(&server_, &QTcpServer::newConnection, &server_, [this] { accept(); });
@@ -24,9 +21,8 @@ class RawServer {
 
     /// The answer to the next request; called for each.
     std::function<std::string(const std::string& path)> answer;
-    After after = After::Close;
-    std::string flood; ///< sent again and again behind the answer, as fast as it is taken
-    int pace = 0;      ///< milliseconds between two bytes behind the headers; 0: all at once
+    bool resets = false; ///< the connection behind the answer, which it closes otherwise
+    std::string flood;   ///< sent again and again behind the answer, as fast as it is taken
     int requests = 0;
 
   private:
@@ -44,31 +40,14 @@ class RawServer {
         socket.readAll();
         ++requests;
         const std::size_t path = head.find(' ') + 1;
-        const std::string bytes = answer(head.substr(path, head.find(' ', path) - path));
-        const std::size_t headers = bytes.find("\r\n\r\n") + 4;
-        if (pace > 0 && headers < bytes.size()) {
-            send(socket, bytes.substr(0, headers));
-            return trickle(socket, bytes.substr(headers));
-        }
-        send(socket, bytes);
-        if (flood.empty()) end(socket);
-    }
-    void end(QTcpSocket& socket) {
-        if (after == After::Close) socket.disconnectFromHost();
-        if (after == After::Reset) {
-            socket.flush();
-            socket.abort();
-        }
+        send(socket, answer(head.substr(path, head.find(' ', path) - path)));
+        if (!flood.empty()) return;
+        if (!resets) return socket.disconnectFromHost();
+        socket.flush();
+        socket.abort();
     }
     static void send(QTcpSocket& socket, const std::string& bytes) {
         socket.write(bytes.data(), static_cast<qint64>(bytes.size()));
-    }
-    void trickle(QTcpSocket& socket, const std::string& bytes) {
-        if (bytes.empty()) return end(socket);
-        QTimer::singleShot(pace, &socket, [this, &socket, bytes] {
-            send(socket, bytes.substr(0, 1));
-            trickle(socket, bytes.substr(1));
-        });
     }
 
     QTcpServer server_;

@@ -58,9 +58,7 @@ std::uint32_t number(const std::string& bytes, std::size_t at, std::size_t size)
     return value;
 }
 
-/// Answers where the next directory is, or 0.
-std::uint32_t readDirectory(const std::string& tiff, Ifd ifd, std::uint32_t at,
-                            TiffEntries& entries) {
+void readDirectory(const std::string& tiff, Ifd ifd, std::uint32_t at, TiffEntries& entries) {
     static constexpr std::uint32_t kSizes[] = {0, 1, 1, 2, 4, 8, 1, 1, 2, 4, 8};
     const std::uint32_t end = at + 2 + number(tiff, at, 2) * 12;
     for (at += 2; at < end; at += 12) {
@@ -74,7 +72,6 @@ std::uint32_t readDirectory(const std::string& tiff, Ifd ifd, std::uint32_t at,
             readDirectory(tiff, Ifd::Exif, number(entry.bytes, 0, 4), entries);
         entries.insert({{ifd, entry.tag}, entry});
     }
-    return number(tiff, end, 4);
 }
 
 /// Of each colour of each pixel: the largest and the mean; 255 when the sizes differ.
@@ -199,9 +196,7 @@ std::string exifPayload(std::vector<TiffEntry> ifd0, const std::vector<TiffEntry
 
 TiffEntries tiffEntries(const std::string& tiff) {
     TiffEntries entries;
-    if (tiff.empty()) return entries;
-    const std::uint32_t next = readDirectory(tiff, Ifd::Zero, number(tiff, 4, 4), entries);
-    if (next != 0) readDirectory(tiff, Ifd::One, next, entries);
+    if (!tiff.empty()) readDirectory(tiff, Ifd::Zero, number(tiff, 4, 4), entries);
     return entries;
 }
 

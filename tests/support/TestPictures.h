@@ -52,7 +52,7 @@ TiffEntry textEntry(int tag, const std::string& text);
 std::string exifPayload(std::vector<TiffEntry> ifd0, const std::vector<TiffEntry>& exif,
                         const std::string& thumbnail = {});
 
-enum class Ifd { Zero, One, Exif };
+enum class Ifd { Zero, Exif };
 using TiffEntries = std::map<std::pair<Ifd, int>, TiffEntry>;
 /// Of a little endian TIFF block.
 TiffEntries tiffEntries(const std::string& tiff);

@@ -19,8 +19,6 @@
 #include "tracker/PortSelection.h"
 #include "tracker/TrackerOptions.h"
 
-#include <algorithm>
-
 namespace orvane::test {
 
 /// A mail server that takes every mail after `latency`, or fails with what `answer` gives.
