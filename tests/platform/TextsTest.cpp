@@ -1,8 +1,6 @@
-#include "platform/Conversions.h"
 #include "platform/JsonText.h"
 #include "platform/LineSettings.h"
 #include "platform/Page.h"
-#include "platform/SystemCalls.h"
 
 #include <gtest/gtest.h>
 
@@ -45,15 +43,6 @@ TEST(JsonText, LaysObjectsOutLineByLine) {
         jsonObject(
             {{"a", "1"}, {"b", jsonArray({jsonObject({{"c", "null"}})})}, {"d", jsonArray({})}}),
         "{\n  \"a\": 1,\n  \"b\": [\n    {\n      \"c\": null\n    }\n  ],\n  \"d\": []\n}");
-}
-
-TEST(Conversions, WriteMomentsWithTheirOffset) {
-    const WallTime time = WallTime(std::chrono::local_days(std::chrono::year(2006) / 11 / 15)) +
-                          12h + 30min + 59s + 999ms;
-    EXPECT_EQ(isoTime(time, -210min), "2006-11-15T12:30:59-03:30");
-    EXPECT_EQ(isoTime(time, 0min), "2006-11-15T12:30:59+00:00");
-    // date -u -d "2006-11-15 12:30:59" +%s
-    EXPECT_EQ(universalSeconds(time, 540min), 1163593859 - 9 * 3600);
 }
 
 /// 4294967596 is 300 when it is cut to 32 bits.
@@ -111,16 +100,6 @@ TEST(Page, NestingCostsNothing) {
         while (page.size() < 2'000'000)
             page += part;
         EXPECT_LE(textOfPage(page).size(), 256U * 1024) << part;
-    }
-}
-
-TEST(Secrets, AreGivenBackAsTheyWere) {
-    for (const std::string& secret :
-         {std::string(), std::string(" p\xC3\xA4ss; \"w\xC3\xB6rd\" "), std::string(1000, '%')}) {
-        const auto stored = protectSecret(secret);
-        ASSERT_TRUE(stored);
-        EXPECT_EQ(unprotectSecret(*stored), secret);
-        EXPECT_EQ(stored->find('\n'), std::string::npos) << "it is stored as one line";
     }
 }
 

@@ -26,9 +26,6 @@ std::string littleEndian(std::uint32_t value, int size) {
 unsigned byteOf(const std::string& bytes, std::size_t at) {
     return static_cast<unsigned char>(bytes.at(at));
 }
-unsigned bigEndian16(const std::string& bytes, std::size_t at) {
-    return byteOf(bytes, at) << 8 | byteOf(bytes, at + 1);
-}
 
 /// One directory placed at `offset`, its long values behind it.
 std::string directory(const std::vector<TiffEntry>& entries, std::size_t offset,
@@ -113,9 +110,7 @@ std::string encoded(const QImage& picture, int quality, bool progressive) {
 }
 
 QImage decoded(const std::filesystem::path& file) {
-    const std::string bytes = contentsOf(file);
-    return QImage::fromData(reinterpret_cast<const uchar*>(bytes.data()),
-                            static_cast<int>(bytes.size()), "jpeg");
+    return QImage::fromData(QByteArray::fromStdString(contentsOf(file)), "jpeg");
 }
 
 int difference(const QImage& a, const QImage& b) {
@@ -153,7 +148,7 @@ JpegParts partsOf(const std::string& jpeg) {
     JpegParts parts;
     std::size_t at = 2;
     while (at + 4 <= jpeg.size() && byteOf(jpeg, at) == 0xFF && byteOf(jpeg, at + 1) != 0xDA) {
-        const unsigned length = bigEndian16(jpeg, at + 2);
+        const unsigned length = byteOf(jpeg, at + 2) << 8 | byteOf(jpeg, at + 3);
         parts.segments.emplace_back(byteOf(jpeg, at + 1), jpeg.substr(at + 4, length - 2));
         at += 2 + length;
     }
@@ -202,8 +197,7 @@ TiffEntries tiffEntries(const std::string& tiff) {
 
 std::uint32_t numberOf(const TiffEntries& entries, Ifd ifd, int tag) {
     const auto found = entries.find({ifd, tag});
-    if (found == entries.end()) return 0xFFFFFFFF;
-    return number(found->second.bytes, 0, found->second.bytes.size());
+    return found == entries.end() ? 0xFFFFFFFF : number(found->second.bytes, 0, found->second.bytes.size());
 }
 
 std::string textOf(const TiffEntries& entries, Ifd ifd, int tag) {

@@ -92,27 +92,6 @@ TEST_F(Band, TellsTheDayAndEachMarkToTheMouseAndTheKeys) {
     EXPECT_GT(band.marks().size(), before) << "a wider band tells more minutes apart";
 }
 
-TEST_F(Band, MarksAreSeenOnLightAndDarkGround) {
-    QPalette dark(QColor(45, 45, 48));
-    dark.setColor(QPalette::Base, QColor(30, 30, 32));
-    for (const QPalette& palette : {QPalette(QColor(239, 239, 239)), dark}) {
-        band.setPalette(palette);
-        const QImage image = band.grab().toImage();
-        /// Of two places without their hue: at that height of a mark, and so much beside it.
-        const auto contrast = [&](std::size_t mark, double height, const QPointF& beside) {
-            const QRectF rect = band.markRect(mark);
-            const QPointF place(rect.center().x(), rect.top() + rect.height() * height);
-            return std::abs(qGray(image.pixel(place.toPoint())) -
-                            qGray(image.pixel((place + beside).toPoint())));
-        };
-        EXPECT_GT(contrast(0, 0.6, {12, 0}), 60) << "taken";
-        EXPECT_GT(contrast(3, 0.3, {12, 0}), 60) << "missed, which stands out";
-        EXPECT_LT(contrast(2, 0.3, {-12, 0}), 8) << "only what is missed reaches so high";
-        const double half = band.markRect(1).height() / 2;
-        EXPECT_GT(contrast(1, 0.75, {0, -half}), 60) << "fetched: the lower half only";
-    }
-}
-
 /// Each on the night's side of its line; on the other where there is no room.
 TEST(DayDrawing, SunriseAndSunsetStandAtTheirTimes) {
     const struct {

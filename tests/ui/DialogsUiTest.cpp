@@ -1,5 +1,4 @@
 #include "tests/ui/WindowTest.h"
-#include "ui/dialogs/FrmComPort.h"
 #include "ui/dialogs/FrmSave.h"
 #include "ui/dialogs/FrmTKRTimeAuto.h"
 #include "ui/dialogs/Frm_AutoStart.h"
@@ -219,15 +218,6 @@ TEST_F(TrackerUi, APortThatCannotBeOpenedKeepsTheDialog) {
     click(form, "Command2");
     EXPECT_FALSE(form.isVisible());
     EXPECT_EQ(w.store.values["Communication/Port"], "3");
-
-    w.port.openable = false;
-    std::optional<FrmComPort> brief(std::in_place, w.portSelection, w.tasks);
-    show(*brief);
-    click(*brief, "Command1");
-    EXPECT_EQ(w.tasks.running(), 1u);
-    brief.reset();
-    w.clock.run(2s);
-    EXPECT_EQ(w.tasks.running(), 0u) << "a trial may outlive its dialog";
 }
 
 TEST_F(TrackerUi, OptionsAreReadShownAndSentAsTyped) {

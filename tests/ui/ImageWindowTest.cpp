@@ -41,7 +41,7 @@ class ImageWindows : public WindowTest {
     }
 };
 
-TEST_F(ImageWindows, OpenEachFileOnceUpToABound) {
+TEST_F(ImageWindows, OpenEachFileOnceUpToABoundAndOneHoldsItWhole) {
     const auto first = write("a.jpg", 2400, 1800);
     const auto second = write("b.jpg", 2400, 1800);
     w.pictures.openImages({first, second, first});
@@ -52,6 +52,17 @@ TEST_F(ImageWindows, OpenEachFileOnceUpToABound) {
         EXPECT_TRUE(status(*window).starts_with("2400 × 1800 pixels")) << status(*window);
         EXPECT_LE(window->view().picture().width(), w.main.screen()->size().width());
     }
+    const QList<ImageWindow*> both = windows();
+    for (ImageWindow* window : {both[0], both[1], both[0]}) {
+        key(*window, Qt::Key_1); // decoded again for who needs it
+        EXPECT_EQ(both[0]->view().holdsFull(), window == both[0]) << "one window holds it whole";
+        EXPECT_EQ(both[1]->view().holdsFull(), window == both[1]);
+    }
+    PictureView& view = both[0]->view();
+    const QRectF part = view.geometryOfView().visiblePart();
+    EXPECT_LT(off(view.grab().toImage(), decoded(first).copy(part.toRect())), 2);
+    key(*both[0], Qt::Key_0);
+    EXPECT_FALSE(view.holdsFull()) << "released when the reduced one is enough";
     w.pictures.openFiled(second);
     EXPECT_EQ(windows().size(), 2) << "shown as it is filed already";
     w.module.image.LrFlg = -1;
@@ -108,28 +119,6 @@ TEST_F(ImageWindows, WheelKeysAndMouseZoomAndPan) {
     EXPECT_EQ(moved().toPoint(), QPoint(0, 60)) << "down";
     wheel(window, cursor, +100, Qt::ShiftModifier);
     EXPECT_NEAR(geometry.visiblePart().x(), 0, 0.01) << "sideways, to the picture's edge";
-}
-
-/// What is on the screen at 100 % are the picture's own pixels; one window holds them all.
-TEST_F(ImageWindows, OneWindowHoldsAWholePicture) {
-    std::vector<ImageWindow*> opened;
-    for (const char* name : {"a.jpg", "b.jpg", "c.jpg"})
-        opened.push_back(&openPicture(write(name, 2400, 1800)));
-    const auto holders = [&] {
-        return std::ranges::count_if(opened, [](auto* each) { return each->view().holdsFull(); });
-    };
-    EXPECT_EQ(holders(), 0);
-    for (ImageWindow* window : {opened[0], opened[1], opened[2], opened[0]}) {
-        key(*window, Qt::Key_1); // decoded again for who needs it
-        EXPECT_EQ(holders(), 1);
-        EXPECT_TRUE(window->view().holdsFull());
-    }
-    PictureView& view = opened[0]->view();
-    const QRectF part = view.geometryOfView().visiblePart();
-    const QImage own = decoded(w.dataFolder() / "a.jpg").copy(part.toRect());
-    EXPECT_LT(off(view.grab().toImage(), own), 2);
-    key(*opened[0], Qt::Key_0);
-    EXPECT_EQ(holders(), 0) << "released when the reduced one is enough";
 }
 
 TEST_F(ImageWindows, NextAndPreviousFollowTheNames) {
