@@ -197,7 +197,8 @@ TiffEntries tiffEntries(const std::string& tiff) {
 
 std::uint32_t numberOf(const TiffEntries& entries, Ifd ifd, int tag) {
     const auto found = entries.find({ifd, tag});
-    return found == entries.end() ? 0xFFFFFFFF : number(found->second.bytes, 0, found->second.bytes.size());
+    return found == entries.end() ? 0xFFFFFFFF
+                                  : number(found->second.bytes, 0, found->second.bytes.size());
 }
 
 std::string textOf(const TiffEntries& entries, Ifd ifd, int tag) {
