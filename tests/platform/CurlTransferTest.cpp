@@ -3,8 +3,6 @@
 #include "tests/support/Finish.h"
 #include "tests/support/RawServer.h"
 
-#include <gtest/gtest.h>
-
 #include <QCoreApplication>
 
 namespace orvane::test {

@@ -3,8 +3,6 @@
 #include "tests/support/Finish.h"
 #include "tests/support/TempFolder.h"
 
-#include <gtest/gtest.h>
-
 #include <csignal>
 
 #include <unistd.h>

@@ -29,16 +29,14 @@ TEST(JsonText, WritesAnyBytesAsAString) {
         EXPECT_EQ(jsonString(bytes), text);
 }
 
-TEST(JsonText, WritesOnlyFiniteNumbers) {
+TEST(JsonText, WritesOnlyFiniteNumbersAndALineForEachMember) {
     const std::pair<double, const char*> cases[] = {
         {0, "0.0"},      {-0.04, "0.0"},           {-0.25, "-0.3"},
         {35.96, "36.0"}, {1234567.0, "1234567.0"}, {1e300, "null"},
         {NAN, "null"},   {INFINITY, "null"}};
     for (const auto& [number, text] : cases)
         EXPECT_EQ(jsonDecimal(number), text);
-}
-
-TEST(JsonText, LaysObjectsOutLineByLine) {
+    // objects are laid out line by line
     EXPECT_EQ(
         jsonObject(
             {{"a", "1"}, {"b", jsonArray({jsonObject({{"c", "null"}})})}, {"d", jsonArray({})}}),

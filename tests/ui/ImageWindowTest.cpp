@@ -1,4 +1,3 @@
-#include "archive/DataFolder.h"
 #include "tests/ui/WindowTest.h"
 
 #include <QClipboard>
@@ -307,9 +306,8 @@ TEST_F(ImageWindows, TheLatestTellsItsAge) {
 TEST_F(ImageWindows, ThumbnailsAreDecodedOnceAndWalkedByKeys) {
     ThumbnailHistory history;
     std::vector<Thumbnail*> frames;
-    for (const char* name :
-         {"thumbnail_0", "thumbnail_1", "thumbnail_2", "thumbnail_3", "thumbnail_4"})
-        frames.push_back(&part<Thumbnail>(name));
+    for (const char number : {'0', '1', '2', '3', '4'})
+        frames.push_back(&part<Thumbnail>((std::string("thumbnail_") + number).c_str()));
     const auto show = [&] {
         w.pictures.refreshThumbnails(history);
         w.clock.run(1s);

@@ -9,15 +9,6 @@ namespace {
 /// The main window's menus, keys and end.
 class MenuUi : public WindowTest {
   protected:
-    /// The titles of what is open: dialogs, then windows in the area.
-    static std::string shownIn(const frmMain& main) {
-        std::string all;
-        for (const auto* frame : main.findChildren<QMdiSubWindow*>())
-            all += frame->windowTitle().toStdString();
-        for (const auto* dialog : main.findChildren<QDialog*>())
-            if (dialog->isVisible()) all += dialog->windowTitle().toStdString();
-        return all;
-    }
     /// The entries that can be chosen.
     std::set<std::string> usable() const {
         std::set<std::string> all;
@@ -68,7 +59,12 @@ TEST_F(MenuUi, EachKeyOpensTheWindowOfItsEntry) {
         } else {
             QTest::keyClick(&own.main, key.key(), key.keyboardModifiers());
         }
-        EXPECT_EQ(shownIn(own.main), title) << entry;
+        QString shown; // dialogs and windows in the area
+        for (const auto* frame : own.main.findChildren<QMdiSubWindow*>())
+            shown += frame->windowTitle();
+        for (const auto* dialog : own.main.findChildren<QDialog*>())
+            if (dialog->isVisible()) shown += dialog->windowTitle();
+        EXPECT_EQ(shown, title) << entry;
         EXPECT_FALSE(entered.toolTip().isEmpty()) << entry;
     }
 }
@@ -254,7 +250,6 @@ TEST_F(MenuUi, HelpOpensTheGuideAndTheLogOrSaysWhereTheyBelong) {
         EXPECT_TRUE(has(op.told.back(), file));
     }
     EXPECT_TRUE(opened.isEmpty());
-    std::filesystem::create_directories(w.module.programFolder / "guide");
     writeFile(w.module.programFolder / "guide" / "operators-guide.html", "<!DOCTYPE html>");
     w.log.write("a line");
     for (const auto& [entry, file] : entries) {

@@ -65,12 +65,11 @@ TEST_F(PanelUi, WhatIsOnOrOffShowsInTheControlOfItsName) {
                                &p.Command5, &p.Command6, &p.Command7, &p.Command8};
     for (std::size_t i = 0; i < std::size(buttons); ++i)
         switches.emplace_back("Command" + std::to_string(i + 1), &buttons[i]->enabled);
-    const std::pair<const char*, CheckBox*> boxes[] = {{"chk_auto", &p.chk_auto},
-                                                       {"chk_time", &p.chk_time},
-                                                       {"chk_sun", &p.chk_sun},
-                                                       {"chkLive", &p.chkLive},
-                                                       {"chk_fill", &p.chk_fill}};
-    for (const auto& [name, box] : boxes)
+    for (const auto& [name, box] : {std::pair("chk_auto", &p.chk_auto),
+                                    {"chk_time", &p.chk_time},
+                                    {"chk_sun", &p.chk_sun},
+                                    {"chkLive", &p.chkLive},
+                                    {"chk_fill", &p.chk_fill}})
         switches.insert(switches.end(), {{name, &box->enabled}, {name, &box->ticked}});
     for (const auto& [name, field] : fields())
         switches.emplace_back(name, &field->enabled);

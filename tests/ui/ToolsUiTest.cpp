@@ -1,4 +1,3 @@
-#include "archive/DataFolder.h"
 #include "tests/ui/WindowTest.h"
 
 #include <QComboBox>

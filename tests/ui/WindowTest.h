@@ -120,7 +120,6 @@ class WindowTest : public testing::Test {
 
     std::filesystem::path write(const std::string& name, int width = 64, int height = 48) {
         auto file = w.dataFolder() / name;
-        std::filesystem::create_directories(file.parent_path());
         writeFile(file, encoded(gradient(width, height)));
         return file;
     }
