@@ -3,7 +3,6 @@
 #include "tests/support/Fakes.h"
 
 #include <cstdio>
-#include <set>
 
 namespace orvane::test {
 

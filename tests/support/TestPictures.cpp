@@ -4,9 +4,6 @@
 #include <QImageReader>
 #include <QImageWriter>
 
-#include <algorithm>
-#include <cstdlib>
-
 namespace orvane::test {
 
 namespace {
