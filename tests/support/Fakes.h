@@ -52,7 +52,6 @@ class FakeStore final : public SettingsStore {
         values[section + "/" + key] = value;
         return true;
     }
-
     Fault unreadable() const override { return fault; }
 
     bool readOnly = false;

@@ -153,8 +153,7 @@ bool writes(const QPicture& picture, const QString& text) {
     QByteArray bytes;
     QDataStream stream(&bytes, QIODevice::WriteOnly);
     stream << text;
-    return QByteArray::fromRawData(picture.data(), static_cast<int>(picture.size()))
-        .contains(bytes);
+    return QByteArray(picture.data(), static_cast<int>(picture.size())).contains(bytes);
 }
 
 /// The band in its window at 10:10 on a day that records every half hour from 9 to 12: taken,
