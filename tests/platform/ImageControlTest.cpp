@@ -163,6 +163,13 @@ TEST_F(ImageControlTest, FactorBecomesQuality) {
     }
 }
 
+TEST_F(ImageControlTest, MirrorsLeftToRight) {
+    ASSERT_EQ(load(encoded(gradient(61, 40))), std::nullopt);
+    const QImage before = control_.picture();
+    control_.mirror();
+    EXPECT_EQ(difference(control_.picture(), before.mirrored(true, false)), 0);
+}
+
 /// Digits are 0.73 of the font's size high; sixteen of them some 0.57 wide.
 TEST_F(ImageControlTest, StampIsWhiteOnDarkInTheLowerLeftCorner) {
     for (const auto& [size, pixels] : {std::pair(QSize(1280, 960), 32), {QSize(400, 300), 12}}) {
