@@ -14,10 +14,4 @@ void Warnings::set(Cause cause, const std::string& message) {
     text = std::move(all);
 }
 
-std::optional<WallTime> Warnings::since(Cause cause) const {
-    const auto found = standing_.find(cause);
-    if (found == standing_.end()) return std::nullopt;
-    return found->second.since;
-}
-
 } // namespace orvane

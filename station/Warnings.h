@@ -4,7 +4,6 @@
 #include "station/Value.h"
 
 #include <map>
-#include <optional>
 #include <string>
 
 namespace orvane {
@@ -41,8 +40,6 @@ class Warnings {
     void set(Cause cause, const std::string& message);
     void clear(Cause cause) { set(cause, {}); }
     bool stands(Cause cause) const { return standing_.contains(cause); }
-    /// Nothing while the cause does not stand.
-    std::optional<WallTime> since(Cause cause) const;
     /// Every cause that stands, in the order of `text`.
     const std::map<Cause, Standing>& standing() const { return standing_; }
 

@@ -44,6 +44,25 @@ TEST_F(MainLoopTest, TakesTheDueMinutesOfAnHour) {
     }
 }
 
+TEST_F(MainLoopTest, APictureFromBeforeARestartIsRefused) {
+    for (const auto& [begun, hour, minute] : {std::tuple{29, 9, 31}, {40, 10, 1}}) {
+        start(at(2006, 11, 15, 9, begun));
+        s->http.answer = [](const std::string&) { return FakeHttp::picture("stuck"); };
+        recordUntil(hour, minute);
+        EXPECT_EQ(s->imagesOf("20061115"), Names{"20061115_093000_00.jpg"});
+    }
+}
+
+TEST_F(MainLoopTest, ACaptureDoesNotWaitForTheLiveView) {
+    recordUntil(9, 29, 30);
+    s->panel.chkLive.ticked = true;
+    s->http.latency = 55s;
+    runUntil(9, 29, 50);
+    s->http.latency = 50ms;
+    runUntil(9, 30, 3);
+    EXPECT_EQ(s->imagesOf("20061115"), Names{"20061115_093000_00.jpg"});
+}
+
 /// Random faults for some days: only whole new pictures are filed, each with its copy, each attempt
 /// brings a picture or a line in the log, and nothing grows.
 TEST_F(MainLoopTest, RandomFaultsForDays) {

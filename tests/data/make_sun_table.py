@@ -1,8 +1,8 @@
 #!/usr/bin/python3
-"""Writes tests/imaging/SunTable.h: true rising and setting times from an independent ephemeris.
+"""Writes the rows of tests/imaging/SunTable.h: true rising and setting times from an independent ephemeris.
 
 Needs PyEphem (Debian: python3-ephem), whose sun is VSOP87. A crossing is the geometric elevation
-of the sun's centre (no refraction) passing -0.5 degrees. Usage: make_sun_table.py > SunTable.h
+of the sun's centre (no refraction) passing -0.5 degrees. Usage: make_sun_table.py > sun-places.inc
 """
 
 import datetime
@@ -24,7 +24,7 @@ PLACES = [  # name, latitude, longitude, zone in minutes
     ("Nairobi", -1.29, 36.82, 180),
     ("Tromso", 69.65, 18.96, 60),
 ]
-# The calculation takes March and April for a later date, by one day in leap years and by two days
+# As in SunTable.h, with MINUTES. The calculation takes March and April for a later date, by one day in leap years and by two days
 # in others; the sun is then looked up for that date.
 DATES = [(2019, 1, 3), (2024, 2, 29), (2025, 5, 1), (2023, 5, 31), (2026, 6, 21), (2020, 7, 4),
          (2027, 8, 15), (2024, 9, 22), (2031, 10, 30), (2022, 11, 11), (2025, 12, 21),
@@ -148,49 +148,7 @@ def listed(values):
 
 
 def main():
-    print("""#pragma once
-
-// Written by tests/data/make_sun_table.py from PyEphem; do not edit.
-
-#include <cstddef>
-#include <cstdint>
-
-namespace orvane::test {
-
-inline constexpr int kNone = 9999;      ///< no crossing on this day
-inline constexpr int kAmbiguous = 9998; ///< too close to an hour or day edge to compare
-inline constexpr int kFault = 9997;     ///< local hour of the rising is negative
-
-inline constexpr std::size_t kDates = %d;
-inline constexpr std::size_t kMinutes = %d;
-
-/// The sun's geometric elevation from the earth's centre on one of the dates: by the ephemeris, and
-/// by a second writing of the station's theory, cut to four decimals.
-struct SunSample {
-    std::size_t date; ///< index
-    double elevation[kMinutes];
-    double stated[kMinutes];
-};
-
-struct SunPlace {
-    const char* name;
-    double latitude;
-    double longitude;
-    std::int16_t Tz;
-    int sunrise[kDates]; ///< minutes from day zero's midnight of the shifted text
-    int sunset[kDates];
-    SunSample day;
-};
-
-// clang-format off
-""" % (len(DATES), len(MINUTES)), end="")
-    dates = ["{%d, %d, %d}" % date for date in DATES]
-    print("inline constexpr int kSunDates[kDates][3] = {")
-    for first in range(0, len(dates), 5):
-        print("    " + ", ".join(dates[first:first + 5]) + ",")
-    print("};\ninline constexpr std::size_t kSunMinutes[kMinutes] = %s; ///< of universal time" %
-          listed(str(minute) for minute in MINUTES))
-    print("inline constexpr SunPlace kSunPlaces[] = {")
+    print("// Written by tests/data/make_sun_table.py from PyEphem; do not edit.")
     for index, (name, latitude, longitude, zone) in enumerate(PLACES):
         place = observer(latitude, longitude)
         rises, sets = [], []
@@ -204,12 +162,11 @@ struct SunPlace {
                 day = "{%d, %s, %s}" % (
                     number, listed("%.4f" % geocentric(place, midnight, m) for m in MINUTES),
                     listed("%.4f" % stated(latitude, longitude, parts, m) for m in MINUTES))
-        print('    {"%s", %s, %s, %d,' % (name, latitude, longitude, zone))
+        print('{"%s", %s, %s, %d,' % (name, latitude, longitude, zone))
         for minutes in (rises, sets):
-            print(textwrap.fill(listed(minutes) + ",", 100, initial_indent=" " * 5,
-                                subsequent_indent=" " * 6))
-        print("     %s}," % day)
-    print("};\n// clang-format on\n\n} // namespace orvane::test")
+            print(textwrap.fill(listed(minutes) + ",", 100, initial_indent=" ",
+                                subsequent_indent=" " * 2))
+        print(" %s}," % day)
 
 
 main()
