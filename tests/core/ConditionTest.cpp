@@ -175,9 +175,9 @@ TEST_F(StatusFileTest, TellsADayWithFailuresStopsAndARestart) {
     s->clock.run(2s);
     EXPECT_EQ(told("state, schedule, nextDue"), "stopped, null, null");
     EXPECT_EQ(causes(), "") << "nobody waits for a picture";
-    begin(at(2006, 11, 15, 12, 5));
+    begin(at(2006, 11, 15, 12, 6));
     s->store.values["Settings/Delay"] = "300";
-    recordUntil(12, 5, 3);
+    recordUntil(12, 6, 3);
     EXPECT_EQ(told("lastPicture.name"), "20061115_090000_00.jpg") << "also of an earlier start";
     EXPECT_EQ(told("today.due, today.taken, today.missed, today.notRecorded, today.toCome"),
               "16, 1, 2, 4, 9"); // not recorded: 10:30 to 12:00

@@ -52,8 +52,9 @@ TEST(UsersSettings, AreInTheirFileWhenTheSaveReturns) {
 
 using StatusFields = StationDay;
 
+/// Of all that is no object.
 std::set<std::string> namesIn(const std::string& json) {
-    const QRegularExpression name("\"(\\w+)\":");
+    const QRegularExpression name("\"(\\w+)\":(?! *\\{)");
     std::set<std::string> names;
     for (const auto& found : name.globalMatch(QString::fromStdString(json)))
         names.insert(found.captured(1).toStdString());
