@@ -199,7 +199,6 @@ TEST_F(Days, ReadsTheFolderOnlyWhenItChanged) {
     EXPECT_EQ(text(), "taken 0 of 2, next at 09:30, 1 missed");
 }
 
-/// What cannot be read is not called missed.
 TEST_F(Days, AFolderThatCannotBeReadIsNotEmpty) {
     readable = false;
     days.refresh();

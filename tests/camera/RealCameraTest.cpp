@@ -1,15 +1,12 @@
 #include "imaging/JpegMarkers.h"
-#include "platform/curl/CurlTransfer.h"
-#include "platform/qt/QtClock.h"
 #include "simulators/sky-camera/CameraClock.h"
 #include "simulators/sky-camera/SkyCamera.h"
-#include "tests/support/Patience.h"
+#include "tests/support/RawServer.h"
 #include "tests/support/TestPictures.h"
 #include "tests/support/TestStation.h"
 
 #include <QCoreApplication>
 
-#include <gtest/gtest.h>
 #include <random>
 
 namespace orvane::test {
@@ -93,7 +90,6 @@ TEST_F(StoreTransfer, AHugeAnswerIsCutOff) {
     }
 }
 
-/// The body goes over the start of the file; what stood behind it stays.
 TEST_F(StoreTransfer, OverwritesInPlaceWithoutShortening) {
     CameraPanel camera{s.module, s.panel, transfer, s.switches,    s.views,
                        s.busy,   s.op,    clock,    s.imageControl};

@@ -206,7 +206,6 @@ TEST(Alerts, NewSettingsHoldAtOnce) {
         EXPECT_EQ(line.find("right"), std::string::npos) << "the password";
 }
 
-/// Never of days before it was switched on.
 TEST(Alerts, TheDayIsReportedOnce) {
     std::map<std::string, std::string> stored;
     {

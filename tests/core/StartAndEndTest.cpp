@@ -274,7 +274,6 @@ TEST_F(Closing, APictureThatHasArrivedIsFiledBeforeAStop) {
     EXPECT_EQ(looks(), "Ready, start");
 }
 
-/// As "Stop Download" would end it.
 TEST_F(Closing, ACloseWishEndsARun) {
     s->start(false);
     s->browser1.answer = [](const std::string&) { return "1,2,record/20061115_090007_00.jpg,"; };

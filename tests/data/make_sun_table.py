@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""Writes the rows of tests/imaging/SunTable.h: true rising and setting times from an independent ephemeris.
+"""Writes tests/data/sun-places.inc, rows for SunTimesTest: true rising and setting times from an independent ephemeris.
 
 Needs PyEphem (Debian: python3-ephem), whose sun is VSOP87. A crossing is the geometric elevation
 of the sun's centre (no refraction) passing -0.5 degrees. Usage: make_sun_table.py > sun-places.inc
@@ -24,7 +24,7 @@ PLACES = [  # name, latitude, longitude, zone in minutes
     ("Nairobi", -1.29, 36.82, 180),
     ("Tromso", 69.65, 18.96, 60),
 ]
-# As in SunTable.h, with MINUTES. The calculation takes March and April for a later date, by one day in leap years and by two days
+# As in SunTimesTest, with MINUTES. The calculation takes March and April for a later date, by one day in leap years and by two days
 # in others; the sun is then looked up for that date.
 DATES = [(2019, 1, 3), (2024, 2, 29), (2025, 5, 1), (2023, 5, 31), (2026, 6, 21), (2020, 7, 4),
          (2027, 8, 15), (2024, 9, 22), (2031, 10, 30), (2022, 11, 11), (2025, 12, 21),

@@ -1,6 +1,5 @@
 #include "platform/curl/CurlMail.h"
-#include "platform/qt/QtClock.h"
-#include "tests/support/Patience.h"
+#include "tests/support/RawServer.h"
 
 #include <QCoreApplication>
 
@@ -103,7 +102,6 @@ struct CurlMailTest : testing::Test {
     const Ticks patience = measuredPatience();
 };
 
-/// One mailbox that is full does not keep the mail from the others.
 TEST_F(CurlMailTest, HandsAMailOverWholeAndSaysFarewell) {
     server.answer("RCPT TO:<two@", "550 no such user\r\n");
     Mail mail = kMail;

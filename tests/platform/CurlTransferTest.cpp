@@ -1,6 +1,3 @@
-#include "platform/curl/CurlTransfer.h"
-#include "platform/qt/QtClock.h"
-#include "tests/support/Finish.h"
 #include "tests/support/RawServer.h"
 
 #include <QCoreApplication>

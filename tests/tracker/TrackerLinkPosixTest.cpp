@@ -7,8 +7,6 @@
 #include "tracker/TimeSetting.h"
 #include "tracker/TrackerOptions.h"
 
-#include <gtest/gtest.h>
-
 #include <QTest>
 
 namespace orvane::test {
