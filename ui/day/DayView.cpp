@@ -231,16 +231,21 @@ void DayView::paintEvent(QPaintEvent*) {
     painter.drawRect(rect().adjusted(0, 0, -1, -1));
 }
 
-void DayView::resizeEvent(QResizeEvent*) {
+void DayView::placeBar() {
     // Not `dayLayout`, whose text begins behind the bar that is placed here.
     const DayLayout day(rect(), font());
     bar_->setGeometry(static_cast<int>(day.text.left()), static_cast<int>(day.text.top()),
                       bar_->sizeHint().width(), static_cast<int>(day.text.height()));
+}
+
+void DayView::resizeEvent(QResizeEvent*) {
+    placeBar();
     mergeMarks();
 }
 
 void DayView::showEvent(QShowEvent*) {
     refresh();
+    placeBar(); // it is wider with its date than before the first look
     if (!timer_.enabled()) timer_.enable();
 }
 

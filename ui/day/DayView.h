@@ -76,6 +76,7 @@ class DayView : public QWidget {
     void seek(const QPointF& position);
     int selectionAfter(int key) const;
     bool computeSun();
+    void placeBar();
     void mergeMarks();
     void describe();
     QString textOf(std::size_t index) const;
