@@ -39,8 +39,8 @@ DayWatch::DayWatch(const Module1& module, const OperationPanel& panel, DaySchedu
     : module_(module), panel_(panel), schedules_(schedules), clock_(clock), today_(reader),
       yesterday_(reader) {}
 
-/// Often: nothing is allocated while nothing has changed, and the data folder is
-/// compared as text, since comparing paths part by part is slow.
+/// Once a second and more often: nothing is allocated while nothing has changed, and the data
+/// folder is compared as text, since comparing paths part by part is slow.
 void DayWatch::follow() {
     const WallTime now = clock_.now();
     noteJump(now);

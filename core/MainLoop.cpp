@@ -239,7 +239,7 @@ void MainLoop::watchDay(WallTime now) {
 /// minute, then, and when another data folder is chosen: is there something to be told?
 void MainLoop::watch(WallTime now) {
     station_.days.follow();
-    // at most passes nothing has changed; the revision grows with all that is looked at here
+    // mostly nothing has changed; the revision grows with all that is looked at here
     const std::int64_t revision = station_.days.revision();
     if (std::exchange(watchedRevision_, revision) == revision) return;
     watchDay(now);

@@ -62,7 +62,7 @@ void DaySchedules::begin() {
     follow();
 }
 
-/// Ten times a second.
+/// Once a second and more often.
 void DaySchedules::follow() {
     const WallTime now = clock_.now();
     const std::int64_t minute = minuteIndex(now);

@@ -24,8 +24,7 @@ int wholeMinutes(std::chrono::duration<Rep, Period> time) {
 
 /// Whether a capture is due in minute `minuteOfDay` (0 to 1439): inside the window, whose end
 /// minute is not part of it, and a multiple of the interval's minutes within the hour. Never with
-/// an interval below one minute. Asked at every pass of the main loop, so it begins with what takes
-/// no division.
+/// an interval below one minute. Asked often, so it begins with what takes no division.
 inline bool isDueMinute(const Schedule& schedule, int minuteOfDay) {
     const std::chrono::minutes end{minuteOfDay + 1}; // of the minute
     if (end <= schedule.StartTime || end > schedule.EndTime) return false;

@@ -5,7 +5,7 @@ execute_process(COMMAND ${TESTS} --gtest_list_tests OUTPUT_VARIABLE list ERROR_Q
     COMMAND_ERROR_IS_FATAL ANY)
 string(REGEX MATCHALL "\n[A-Za-z0-9_/]+[.]" suites "\n${list}")
 # begun first, so that no processor is left waiting for them at the end
-set(long SixtyDaysStory CurlMailTest FilmOfFfmpeg MainLoopTest TrackerLink StatusFileTest PowerCut FollowSun)
+set(long SixtyDaysStory CurlMailTest FilmOfFfmpeg MainLoopTest StatusFileTest PowerCut FollowSun)
 set(tests)
 foreach(suite ${suites})
     string(REGEX REPLACE "[\n.]" "" suite "${suite}")
