@@ -252,7 +252,12 @@ DayWatch::Missed DayWatch::outageBefore(std::int64_t end) const {
 }
 
 std::string DayWatch::missedWarning() {
-    if (!seen_.recording || missedInARow().count < 2) return {};
+    plan();
+    if (!seen_.recording || unmissed_ == plans_) return {};
+    if (missedInARow().count < 2) {
+        unmissed_ = plans_;
+        return {};
+    }
     refresh(); // somebody else may have put them there
     const Missed missed = missedInARow();
     if (missed.count < 2) return {};

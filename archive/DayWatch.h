@@ -115,6 +115,7 @@ class DayWatch {
     std::int64_t planned_ = -1; ///< the revision that `plan_` belongs to
     std::int64_t plans_ = 0;    ///< how many were made
     std::int64_t told_ = 0;     ///< the one that `newLines` told of
+    std::int64_t unmissed_ = 0; ///< the last that gave `missedWarning` nothing to tell
     DayPlan plan_;
 };
 

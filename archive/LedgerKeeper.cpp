@@ -16,18 +16,13 @@ void LedgerKeeper::follow() {
     if (program_ == Program::Ended) return;
     followOffset();
     const std::size_t before = unwritten_.size();
-    const auto file = ledgerOf(parts_.panel.Dir1[0].path, parts_.days.folder().day());
-    if (program_ == Program::NotStarted) {
-        program_ = Program::Runs;
-        turnTo(file);
+    const std::filesystem::path& dataFolder = parts_.panel.Dir1[0].path;
+    const bool isNew =
+        parts_.days.folder().day() != day_ || dataFolder.native() != dataFolder_.native();
+    if (isNew) turnTo(dataFolder);
+    if (std::exchange(program_, Program::Runs) == Program::NotStarted)
         note(LedgerEntry::ProgramStarted);
-        noteSwitches(true);
-    } else if (file.native() != file_.native()) {
-        turnTo(file);
-        noteSwitches(true);
-    } else {
-        noteSwitches(false);
-    }
+    noteSwitches(isNew);
     noteJudged(parts_.days.newLines(), true);
     if (unwritten_.size() != before) write();
 }
@@ -44,10 +39,9 @@ void LedgerKeeper::end() {
 }
 
 /// At midnight yesterday is brought to its end. What cannot be written now is lost.
-void LedgerKeeper::turnTo(const std::filesystem::path& file) {
+void LedgerKeeper::turnTo(const std::filesystem::path& dataFolder) {
     const auto today = parts_.days.folder().day();
-    const bool sameFolder = file.parent_path() == file_.parent_path();
-    if (sameFolder && day_ + std::chrono::days(1) == today)
+    if (dataFolder == dataFolder_ && day_ + std::chrono::days(1) == today)
         noteJudged(parts_.days.yesterdaysNewLines(), false);
     write();
     unwritten_.clear();
@@ -55,7 +49,8 @@ void LedgerKeeper::turnTo(const std::filesystem::path& file) {
         return failure.first < first;
     });
     day_ = today;
-    file_ = file;
+    dataFolder_ = dataFolder;
+    file_ = ledgerOf(dataFolder, today);
     mended_ = false;
 }
 
@@ -66,9 +61,10 @@ void LedgerKeeper::noteSwitches(bool all) {
     const bool switched = recording != recording_;
     recording_ = recording;
     if (recording) {
-        std::string schedule = scheduleText(parts_.module.schedule);
-        if (all || schedule != schedule_) note(LedgerEntry::Schedule, schedule);
-        schedule_ = std::move(schedule);
+        Schedule schedule = parts_.module.schedule;
+        schedule.NextRecTime = {};
+        if (all || schedule != schedule_) note(LedgerEntry::Schedule, scheduleText(schedule));
+        schedule_ = schedule;
     }
     if (all || switched) note(recording ? LedgerEntry::RecordingOn : LedgerEntry::RecordingOff);
 }
@@ -121,7 +117,7 @@ void LedgerKeeper::write() {
     if (unwritten_.size() > kMostUnwritten)
         unwritten_.erase(0, unwritten_.find('\n', unwritten_.size() - kMostUnwritten) + 1);
     std::error_code error;
-    const bool hasData = std::filesystem::is_directory(file_.parent_path().parent_path(), error);
+    const bool hasData = std::filesystem::is_directory(dataFolder_, error);
     if (hasData && !std::exchange(told_, true))
         parts_.log.write("The day's ledger cannot be written: " + *fault);
 }

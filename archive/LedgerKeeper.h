@@ -37,7 +37,7 @@ class LedgerKeeper {
   private:
     enum class Program : std::uint8_t { NotStarted, Runs, Ended };
 
-    void turnTo(const std::filesystem::path& file);
+    void turnTo(const std::filesystem::path& dataFolder);
     void noteSwitches(bool all);
     void noteJudged(std::vector<LedgerLine> lines, bool isToday);
     void note(LedgerEntry entry, std::string detail = {});
@@ -47,10 +47,11 @@ class LedgerKeeper {
 
     Parts parts_;
     Program program_ = Program::NotStarted;
-    std::filesystem::path file_; ///< today's ledger
+    std::filesystem::path dataFolder_;
     std::chrono::local_days day_{};
-    bool recording_ = false; ///< as it was noted last, as is the schedule
-    std::string schedule_;
+    std::filesystem::path file_;                   ///< the day's ledger
+    bool recording_ = false;                       ///< as it was noted last, as is the schedule
+    Schedule schedule_;                            ///< without its next record
     std::map<std::int64_t, std::string> failures_; ///< by due minute
     std::string unwritten_;                        ///< lines for `file_`
     bool mended_ = false;                          ///< `file_` ends with a whole line

@@ -52,24 +52,39 @@ Task<> MainLoop::run() {
     }
     Ticks rest = kPass;
     while (true) {
-        bool worked = false;
-        try {
-            const WallTime now = station_.clock.now();
-            worked = look(now);
-            if (!station_.wishes.standing()) {
-                if (hasWork(now)) {
-                    Task<bool> working = work(now);
-                    worked = co_await working && worked;
-                    worked = see(station_.clock.now()) && worked;
+        const WallTime now = station_.clock.now();
+        if (hasNews(now)) {
+            worked_ = false;
+            try {
+                bool worked = look(now);
+                if (!station_.wishes.standing()) {
+                    if (hasWork(now)) {
+                        Task<bool> working = work(now);
+                        worked = co_await working && worked;
+                        worked = see(station_.clock.now()) && worked;
+                    }
+                    worked = besides() && worked;
                 }
-                worked = besides() && worked;
+                worked_ = worked;
+            } catch (...) {
+                station_.faults.report(kWhere, std::current_exception());
             }
-        } catch (...) {
-            station_.faults.report(kWhere, std::current_exception());
+            rest = worked_ ? kPass : std::min(2 * rest, kLongestPause);
         }
-        rest = worked ? kPass : std::min(2 * rest, kLongestPause);
         co_await station_.clock.sleep(rest);
     }
+}
+
+/// Whether a pass has something to look at: another second, a switch, an attempt to be made again.
+/// Nine passes in ten have nothing, so it takes no division.
+bool MainLoop::hasNews(WallTime now) {
+    const Switches switches{station_.module.RecordFlg, station_.busy.active(),
+                            station_.panel.chkLive.ticked, station_.recording.starts()};
+    const bool isSame = now >= second_ && now < second_ + 1s && switches == switches_;
+    if (isSame && !due_ && worked_) return false;
+    second_ = std::chrono::floor<std::chrono::seconds>(now);
+    switches_ = switches;
+    return true;
 }
 
 /// Everything up to the first pass. Answers why the program cannot go on, or nothing.
@@ -91,12 +106,8 @@ Task<Fault> MainLoop::start() {
 /// been reported. The other parts are done all the same, above all the recording.
 bool MainLoop::look(WallTime now) {
     const Module1& module = station_.module;
-    bool worked = true;
-    const auto second = std::chrono::floor<std::chrono::seconds>(now);
-    if (std::exchange(watchedSecond_, second) != second || module.RecordFlg != watchedRecording_) {
-        worked = station_.faults.attempt(kWhere, [&] { watch(now); });
-        due_ = isDue(now);
-    }
+    const bool worked = station_.faults.attempt(kWhere, [&] { watch(now); });
+    due_ = isDue(now);
     if (station_.wishes.standing()) return worked; // what they wait for must come to its end
     if (isWindowOfThePast(now)) endOfWindow();
     if (station_.startTest != nullptr) station_.startTest->follow(due_);
@@ -108,7 +119,7 @@ bool MainLoop::look(WallTime now) {
     return worked;
 }
 
-/// Most passes have nothing to wait for, and do without a coroutine of their own.
+/// Mostly there is nothing to wait for, and no coroutine is made for it.
 bool MainLoop::hasWork(WallTime now) const {
     return (due_ && station_.module.RecordFlg) || station_.dailyClocks.isDue(now, false);
 }
@@ -235,8 +246,8 @@ void MainLoop::watchDay(WallTime now) {
     if (std::exchange(sunDay_, day) != day) computeSunTimes(station_);
 }
 
-/// Once a second, and when recording is switched, it is looked whether the day has changed; once a
-/// minute, then, and when another data folder is chosen: is there something to be told?
+/// Whether the day has changed; once a minute, when recording is switched and when another data
+/// folder is chosen: is there something to be told?
 void MainLoop::watch(WallTime now) {
     station_.days.follow();
     // mostly nothing has changed; the revision grows with all that is looked at here

@@ -5,9 +5,9 @@
 namespace orvane {
 
 /// The program's one polling loop: start-up, then a pass every 100 ms for the program's whole life.
-/// A pass decides whether a picture is due; a capture and the pause after it run inside the pass.
-/// What may wait (live view, synchronisation, missed minutes) runs beside it and stands back for
-/// captures.
+/// The first pass of a second, and one after a switch, decides whether a picture is due; a capture
+/// and the pause after it run inside the pass. What may wait (live view, synchronisation, missed
+/// minutes) runs beside it and stands back for captures.
 class MainLoop {
   public:
     explicit MainLoop(Station& station) : station_(station), reasons_(station.log, station.clock) {}
@@ -19,7 +19,18 @@ class MainLoop {
     Task<> run();
 
   private:
+    /// What makes a pass look at everything when it has changed.
+    struct Switches {
+        bool recording = false;
+        bool busy = false;
+        bool live = false;
+        int starts = 0; ///< of the recording
+
+        bool operator==(const Switches&) const = default;
+    };
+
     Task<Fault> start();
+    bool hasNews(WallTime now);
     bool look(WallTime now);
     bool hasWork(WallTime now) const;
     Task<bool> work(WallTime now);
@@ -54,8 +65,10 @@ class MainLoop {
     std::chrono::local_days sunDay_{};
     std::int64_t watchedRevision_ = -1; ///< of the day's watch
     std::int64_t watchedMinute_ = -1;
-    std::chrono::local_seconds watchedSecond_{};
-    bool due_ = false; ///< this minute is, and waits for its picture
+    WallTime second_{}; ///< of the last look
+    Switches switches_;
+    bool worked_ = false; ///< all that the last look led to
+    bool due_ = false;    ///< this minute is, and waits for its picture
     bool watchedRecording_ = false;
     std::filesystem::path watchedFolder_;
     std::string folderWarning_; ///< why the chosen folder is not used

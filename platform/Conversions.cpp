@@ -33,10 +33,15 @@ std::size_t readNumber(std::string_view text, double& value) {
 /// Writes a number with leading zeros. Clock labels change every second for months, so this does
 /// without the formatted-output machinery.
 template <std::size_t Width>
-void put(std::string& text, int value) {
-    std::array<char, Width> digits{};
+void put(char* digits, int value) {
     for (auto i = Width; i-- > 0; value /= 10)
         digits[i] = static_cast<char>('0' + value % 10);
+}
+
+template <std::size_t Width>
+void put(std::string& text, int value) {
+    std::array<char, Width> digits{};
+    put<Width>(digits.data(), value);
     text.append(digits.data(), Width);
 }
 
@@ -105,10 +110,11 @@ std::string plainDate(WallTime time) {
 }
 
 std::string timeText(WallTime time) {
-    std::string text;
-    putHourMinute(text, time, ":");
-    text += ':';
-    put<2>(text, static_cast<int>(timeOfDay(time) / 1s % 60));
+    const int seconds = static_cast<int>(timeOfDay(time) / 1s);
+    std::string text(8, ':');
+    put<2>(&text[0], seconds / 3600);
+    put<2>(&text[3], seconds / 60 % 60);
+    put<2>(&text[6], seconds % 60);
     return text;
 }
 
