@@ -40,7 +40,6 @@ void Condition::follow() {
 
 Condition::Seen Condition::see() const {
     const Module1& module = parts_.module;
-    parts_.days.follow();
     return {parts_.days.revision(),
             parts_.warnings.text,
             module.RecordFlg,
