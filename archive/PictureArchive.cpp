@@ -109,16 +109,20 @@ Task<Fault> PictureArchive::refusal(const std::string& bytes, const std::filesys
 
 Fault PictureArchive::makeFolders(const std::filesystem::path& datedFolder) {
     const std::filesystem::path data = datedFolder.parent_path();
+    const std::filesystem::path edit = data / "Edit";
+    const std::filesystem::path datedEdit = edit / datedFolder.filename();
     std::error_code error;
+    if (std::filesystem::is_directory(datedFolder, error) &&
+        std::filesystem::is_directory(datedEdit, error))
+        return std::nullopt;
     if (data != parts_.module.defaultDataFolder && !std::filesystem::is_directory(data, error))
         return utf8FromPath(data) + " is not there";
-    const std::filesystem::path edit = data / "Edit";
     std::vector<std::filesystem::path> grown;
     for (auto folder = datedFolder;
          !std::filesystem::exists(folder, error) && folder.has_filename();
          folder = folder.parent_path())
         grown.push_back(folder.parent_path());
-    for (const auto& folder : {edit, datedFolder, edit / datedFolder.filename()}) {
+    for (const auto& folder : {edit, datedFolder, datedEdit}) {
         if (const Fault fault = makeFolder(folder)) return utf8FromPath(folder) + ": " + *fault;
     }
     grown_.insert(grown_.end(), grown.begin(), grown.end());
@@ -178,8 +182,9 @@ void PictureArchive::remember(const std::filesystem::path& image, Arrival arriva
     parts_.views.refreshThumbnails(module.thumbnails);
     if (!captured) return;
     parts_.views.showLatest(image);
-    parts_.disk.addCapture(sizeOf(image) + sizeOf(editPathOf(image)) + sizeOf(rawPathOf(image)),
-                           dayOf(parts_.clock.now()));
+    const std::uint64_t size = sizeOf(image);
+    const std::uint64_t raw = isSet(module.image.RawFlg) ? size : 0;
+    parts_.disk.addCapture(size + sizeOf(editPathOf(image)) + raw, dayOf(parts_.clock.now()));
 }
 
 /// The panel's count knows captures and runs. It stays where it is when it would leave its 32 bits.

@@ -31,6 +31,44 @@ void everyMinuteDay(benchmark::State& state) {
 }
 BENCHMARK(everyMinuteDay)->Unit(benchmark::kMillisecond);
 
+void writeFile(const std::filesystem::path& file, std::string_view bytes, const char* mode = "wb") {
+    std::FILE* stream = std::fopen(file.c_str(), mode);
+    std::fwrite(bytes.data(), 1, bytes.size(), stream);
+    std::fclose(stream);
+}
+
+void writeWhole(const std::filesystem::path& folder, const std::string& name,
+                std::string_view bytes) {
+    const auto part = folder / (".part" + name);
+    writeFile(part, bytes);
+    std::filesystem::rename(part, folder / name);
+}
+
+/// What 1,439 captures must do with files: full.jpg
+/// written anew, the picture and its processed copy by write and rename, a line of the ledger.
+void everyMinuteFiles(benchmark::State& state) {
+    const TempFolder folder(TempFolder::inMemory());
+    const auto full = folder.path() / "full.jpg";
+    std::filesystem::create_directories(folder.path() / "day");
+    std::filesystem::create_directories(folder.path() / "Edit");
+    const std::string bytes = FakeHttp::picture("1").body;
+    int names = 0;
+    for ([[maybe_unused]] auto _ : state) {
+        for (int capture = 0; capture < 1439; ++capture) {
+            std::filesystem::remove(full);
+            writeFile(full, bytes);
+            const std::string name = std::to_string(++names);
+            writeWhole(folder.path() / "day", name, bytes);
+            std::string read;
+            readWholeFile(folder.path() / "day" / name, read);
+            writeWhole(folder.path() / "Edit", name, read);
+            writeFile(folder.path() / "ledger", "11:07,+09:00,taken,20061115_110700_00.jpg\r\n",
+                      "ab");
+        }
+    }
+}
+BENCHMARK(everyMinuteFiles)->Unit(benchmark::kMillisecond);
+
 /// The default schedule with folders below the current one, which must lie on a disk for this to
 /// mean anything; `forced` or not is what forcing its 16 pictures to the disk costs. In real time,
 /// since a disk is waited for.
