@@ -58,7 +58,7 @@ Fault JpegDecoder::begin() {
 
 Fault JpegDecoder::decodeSlice() {
     const bool scans = stage_ == Stage::Scans;
-    const bool ok = scans ? readScans() : readRows();
+    const bool ok = scans ? readScans() : isPlanar() ? readBands() : readRows();
     if (!ok || errors_.corrupt) return errors_.text;
     if (info_.input_scan_number > kScanLimit) return "Too many scans";
     if (scans && stage_ == Stage::Done && !isComplete()) return "Parts of the picture are missing";
@@ -134,8 +134,29 @@ bool JpegDecoder::scale() {
     return true;
 }
 
+bool JpegDecoder::keepsRows() const {
+    return purpose_ == Purpose::Rows || purpose_ == Purpose::RowsOrPlanes;
+}
+
+/// As nearly all cameras write it. Mirrored, a picture of an odd width would have its columns of
+/// colour between others.
+bool JpegDecoder::isPlain420() {
+    if (info_.num_components != 3 || info_.jpeg_color_space != JCS_YCbCr) return false;
+    if (info_.image_width % 2 != 0 || jpeg_has_multiple_scans(&info_)) return false;
+    const auto isSampled = [&](int component, int factor) {
+        const jpeg_component_info& info = info_.comp_info[component];
+        return info.h_samp_factor == factor && info.v_samp_factor == factor;
+    };
+    return isSampled(0, 2) && isSampled(1, 1) && isSampled(2, 1);
+}
+
 /// The eight orientations of EXIF tag 0x0112.
 bool JpegDecoder::allocate(int orientation) {
+    if (purpose_ == Purpose::RowsOrPlanes && orientation == 1 && isPlain420()) {
+        planes_ = JpegPlanes(static_cast<int>(info_.image_width),
+                             rowsInCache(info_.image_width) / JpegPlanes::kBand);
+        return true;
+    }
     if (purpose_ == Purpose::Check) {
         row_.resize(std::size_t{info_.output_width} * static_cast<unsigned>(info_.num_components));
         return true;
@@ -143,7 +164,7 @@ bool JpegDecoder::allocate(int orientation) {
     const bool transposed = isTransposed(orientation);
     const int width = static_cast<int>(transposed ? info_.output_height : info_.output_width);
     int height = static_cast<int>(transposed ? info_.output_width : info_.output_height);
-    if (purpose_ == Purpose::Rows) height = std::min(height, rowsInCache(info_.output_width));
+    if (keepsRows()) height = std::min(height, rowsInCache(info_.output_width));
     picture_.pixels = QImage(width, height, QImage::Format_RGB32);
     if (picture_.pixels.isNull()) return false;
 
@@ -164,6 +185,7 @@ bool JpegDecoder::allocate(int orientation) {
 bool JpegDecoder::start() {
     if (setjmp(errors_.escape) != 0) return false;
     info_.out_color_space = purpose_ == Purpose::Check ? info_.jpeg_color_space : kRgb32;
+    info_.raw_data_out = isPlanar();
     info_.buffered_image = jpeg_has_multiple_scans(&info_);
     if (info_.buffered_image) stage_ = Stage::Scans;
     jpeg_start_decompress(&info_);
@@ -189,7 +211,7 @@ bool JpegDecoder::readRows() {
     // The work is in the picture's own pixels, whatever size comes out.
     unsigned rows =
         std::max(1U, rowsPerSlice(info_.image_width) * info_.scale_num / info_.scale_denom);
-    if (purpose_ == Purpose::Rows) {
+    if (keepsRows()) {
         rows = static_cast<unsigned>(picture_.pixels.height());
         top_ = info_.output_scanline;
     }
@@ -199,11 +221,24 @@ bool JpegDecoder::readRows() {
         jpeg_read_scanlines(&info_, &target, 1);
         if (!inPlace && purpose_ != Purpose::Check) scatter(row_.data());
     }
-    if (info_.output_scanline < info_.output_height) return true;
+    endRows();
+    return true;
+}
+
+bool JpegDecoder::readBands() {
+    if (setjmp(errors_.escape) != 0) return false;
+    top_ = info_.output_scanline;
+    for (int i = 0; i < planes_.bands() && info_.output_scanline < info_.output_height; ++i)
+        jpeg_read_raw_data(&info_, planes_.band(i), JpegPlanes::kBand);
+    endRows();
+    return true;
+}
+
+void JpegDecoder::endRows() {
+    if (info_.output_scanline < info_.output_height) return;
     if (info_.buffered_image) jpeg_finish_output(&info_);
     jpeg_finish_decompress(&info_);
     stage_ = Stage::Done;
-    return true;
 }
 
 /// Whether a file with several scans brought every component and every bit of it: one that was cut

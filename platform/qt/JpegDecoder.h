@@ -4,6 +4,7 @@
 #include "platform/qt/ExifHeader.h"
 #include "platform/qt/JpegErrors.h"
 #include "platform/qt/JpegPicture.h"
+#include "platform/qt/JpegPlanes.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -17,9 +18,10 @@ namespace orvane {
 class JpegDecoder {
   public:
     enum class Purpose {
-        Picture, ///< its pixels and markers; what cannot be shown in colour is refused
-        Rows,    ///< the same, but only the rows of the last slice are kept: see `rows`
-        Check,   ///< whether the data are sound and whole, of any kind; no pixel is kept
+        Picture,      ///< its pixels and markers; what cannot be shown in colour is refused
+        Rows,         ///< the same, but only the rows of the last slice are kept: see `rows`
+        RowsOrPlanes, ///< the same, by `planes` where the file is a plain one in 4:2:0
+        Check,        ///< whether the data are sound and whole, of any kind; no pixel is kept
     };
 
     /// `jpeg` outlives the decoder. With a `bound`, in pixels of the upright picture, the picture
@@ -40,11 +42,15 @@ class JpegDecoder {
 
     /// Whether its rows run from left to right and come from the top; after `begin`.
     bool isUpright() const { return exifOrientation(picture_.exif) == 1; }
-    /// The first row of `rows` in the picture.
+    /// The first row of `rows` or `planes` in the picture.
     int top() const { return static_cast<int>(top_); }
     /// For `Purpose::Rows` and an upright picture: those that the last slice brought, to be changed
     /// at will until the next one. There are none while the scans are read.
     QImage rows();
+    /// Whether a slice brings `planes`, not `rows`; after `begin`.
+    bool isPlanar() const { return planes_.width() != 0; }
+    /// What the last slice brought, as `rows` does.
+    JpegPlanes& planes() { return planes_; }
     /// What the file carried besides the pixels.
     JpegPicture header() const;
     /// Of the whole picture, upright; after `begin`.
@@ -62,11 +68,15 @@ class JpegDecoder {
     bool start();
     bool readScans();
     bool readRows();
+    bool readBands();
+    void endRows();
 
     Fault refusal() const;
     bool isComplete() const;
     void keepMarkers();
     void chooseEighths();
+    bool keepsRows() const;
+    bool isPlain420();
     bool allocate(int orientation);
     void scatter(const std::uint32_t* row);
 
@@ -78,6 +88,7 @@ class JpegDecoder {
     jpeg_decompress_struct info_{};
     Stage stage_ = Stage::Rows;
     JpegPicture picture_;
+    JpegPlanes planes_;
     unsigned top_ = 0; ///< the picture's row that stands first in the pixels
 
     // Where source pixel (x, y) goes: origin_ + x * xStep_ + y * yStep_. Turning the picture

@@ -18,9 +18,9 @@ const JOCTET* octets(const std::string& text) {
 
 } // namespace
 
-JpegEncoder::JpegEncoder(JpegPicture picture, Form form, int quality, QSize size)
+JpegEncoder::JpegEncoder(JpegPicture picture, Form form, int quality, QSize size, bool planar)
     : picture_(std::move(picture)), size_(size.isValid() ? size : picture_.pixels.size()),
-      form_(form), quality_(quality) {
+      form_(form), quality_(quality), planar_(planar) {
     info_.err = &errors_;
     target_.init_destination = initTarget;
     target_.empty_output_buffer = growTarget;
@@ -44,9 +44,10 @@ void JpegEncoder::setUp() {
     info_.dest = &target_;
     info_.image_width = static_cast<JDIMENSION>(size_.width());
     info_.image_height = static_cast<JDIMENSION>(size_.height());
-    info_.input_components = 4;
-    info_.in_color_space = kRgb32;
+    info_.input_components = planar_ ? JpegPlanes::kPlanes : 4;
+    info_.in_color_space = planar_ ? JCS_YCbCr : kRgb32;
     jpeg_set_defaults(&info_);
+    info_.raw_data_in = planar_;
     jpeg_set_quality(&info_, quality_, TRUE);
     const int sampling = form_ == Form::Exif ? 2 : 1;
     info_.comp_info[0].h_samp_factor = sampling;
@@ -81,10 +82,22 @@ Fault JpegEncoder::write(const QImage& rows) {
         JSAMPROW row = const_cast<JSAMPROW>(rows.constScanLine(y)); // the library only reads it
         jpeg_write_scanlines(&info_, &row, 1);
     }
-    if (info_.next_scanline < info_.image_height) return std::nullopt;
+    endRows();
+    return std::nullopt;
+}
+
+Fault JpegEncoder::write(JpegPlanes& planes) {
+    if (setjmp(errors_.escape) != 0) return errors_.text;
+    for (int i = 0; i < planes.bands() && info_.next_scanline < info_.image_height; ++i)
+        jpeg_write_raw_data(&info_, planes.band(i), JpegPlanes::kBand);
+    endRows();
+    return std::nullopt;
+}
+
+void JpegEncoder::endRows() {
+    if (info_.next_scanline < info_.image_height) return;
     jpeg_finish_compress(&info_);
     done_ = true;
-    return std::nullopt;
 }
 
 /// Doubles the buffer and offers its new half. No exception may pass through the library.

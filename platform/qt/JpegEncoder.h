@@ -3,6 +3,7 @@
 #include "platform/Fault.h"
 #include "platform/qt/JpegErrors.h"
 #include "platform/qt/JpegPicture.h"
+#include "platform/qt/JpegPlanes.h"
 
 #include <string>
 
@@ -15,8 +16,9 @@ class JpegEncoder {
     /// Exif: EXIF header, the picture's `exif` as it stands, 4:2:0. Jfif444: JFIF header, 4:4:4.
     enum class Form { Exif, Jfif444 };
 
-    /// `quality` 1 to 100. With a `size` the rows come by `write`, not from the picture's pixels.
-    JpegEncoder(JpegPicture picture, Form form, int quality, QSize size = {});
+    /// `quality` 1 to 100. With a `size` the rows come by `write`, not from the picture's pixels;
+    /// `planar`, for Exif: as planes.
+    JpegEncoder(JpegPicture picture, Form form, int quality, QSize size = {}, bool planar = false);
     ~JpegEncoder();
     JpegEncoder(const JpegEncoder&) = delete;
     JpegEncoder& operator=(const JpegEncoder&) = delete;
@@ -26,6 +28,7 @@ class JpegEncoder {
     Fault encodeSlice();
     /// Encodes the next rows (Format_RGB32) in the place of a slice.
     Fault write(const QImage& rows);
+    Fault write(JpegPlanes& planes);
     std::string take() { return std::move(target_.bytes); }
 
   private:
@@ -40,11 +43,13 @@ class JpegEncoder {
 
     void setUp();
     void writeMarkers();
+    void endRows();
 
     JpegPicture picture_;
     QSize size_;
     Form form_;
     int quality_;
+    bool planar_;
     bool done_ = false;
     JpegErrors errors_;
     Target target_{};

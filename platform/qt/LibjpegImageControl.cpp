@@ -4,6 +4,7 @@
 #include "platform/qt/ExifHeader.h"
 #include "platform/qt/JpegDecoder.h"
 #include "platform/qt/JpegEncoder.h"
+#include "platform/qt/MirrorRow.h"
 #include "platform/qt/TextStamp.h"
 
 #include <QFontDatabase>
@@ -11,7 +12,6 @@
 #include <QPainter>
 
 #include <algorithm>
-#include <array>
 
 namespace orvane {
 
@@ -30,26 +30,27 @@ int qualityOf(std::int16_t factor) {
     return std::clamp(100 - factor, 1, 100);
 }
 
-/// Eight pixels from either end at a time, which compilers turn into a few vector instructions.
-void mirrorRow(QRgb* left, QRgb* right) {
-    constexpr std::size_t kPixels = 8;
-    std::array<QRgb, kPixels> fromLeft;
-    std::array<QRgb, kPixels> fromRight;
-    for (; right - left >= std::ptrdiff_t{2 * kPixels}; left += kPixels) {
-        right -= kPixels;
-        std::reverse_copy(left, left + kPixels, fromLeft.begin());
-        std::reverse_copy(right, right + kPixels, fromRight.begin());
-        std::copy(fromRight.begin(), fromRight.end(), left);
-        std::copy(fromLeft.begin(), fromLeft.end(), right);
-    }
-    std::reverse(left, right);
-}
-
 void mirrorRows(QImage& pixels) {
     for (int y = 0; y < pixels.height(); ++y) {
         auto* row = reinterpret_cast<QRgb*>(pixels.scanLine(y));
         mirrorRow(row, row + pixels.width());
     }
+}
+
+Fault rewritePixels(JpegDecoder& decoder, JpegEncoder& encoder, const TextStamp& stamp,
+                    bool mirror) {
+    QImage rows = decoder.rows();
+    if (mirror) mirrorRows(rows);
+    stamp.draw(rows, decoder.top());
+    return encoder.write(rows);
+}
+
+Fault rewritePlanes(JpegDecoder& decoder, JpegEncoder& encoder, const TextStamp& stamp,
+                    bool mirror) {
+    JpegPlanes& planes = decoder.planes();
+    if (mirror) planes.mirror();
+    stamp.draw(planes, decoder.top());
+    return encoder.write(planes);
 }
 
 /// Of a picture that is saved upright in that size and form.
@@ -193,7 +194,9 @@ Task<Fault> LibjpegImageControl::rewrite(std::filesystem::path from, std::filesy
     clear();
     std::string bytes;
     if (auto reason = readWholeFile(from, bytes)) co_return reason;
-    JpegDecoder decoder(bytes, {}, JpegDecoder::Purpose::Rows);
+    const auto rows =
+        how.format == kFormatExif ? JpegDecoder::Purpose::RowsOrPlanes : JpegDecoder::Purpose::Rows;
+    JpegDecoder decoder(bytes, {}, rows);
     Fault fault = decoder.begin();
     if (fault) co_return fault;
     if (!decoder.isUpright() || !isKnown(how.format)) {
@@ -204,7 +207,7 @@ Task<Fault> LibjpegImageControl::rewrite(std::filesystem::path from, std::filesy
     JpegPicture header = decoder.header();
     completeExif(header, how.format, how.stamp, decoder.fullSize());
     JpegEncoder encoder(std::move(header), formOf(how.format), qualityOf(how.factor),
-                        decoder.fullSize());
+                        decoder.fullSize(), decoder.isPlanar());
     Task<Fault> rewriting = rewriteRows(decoder, encoder, how);
     fault = co_await rewriting;
     if (!fault) fault = makeFolder(to.parent_path());
@@ -218,10 +221,8 @@ Task<Fault> LibjpegImageControl::rewriteRows(JpegDecoder& decoder, JpegEncoder& 
     while (!fault && decoder.more()) {
         fault = decoder.decodeSlice();
         if (fault) break;
-        QImage rows = decoder.rows();
-        if (how.mirror) mirrorRows(rows);
-        stamp.draw(rows, decoder.top());
-        fault = encoder.write(rows);
+        fault = decoder.isPlanar() ? rewritePlanes(decoder, encoder, stamp, how.mirror)
+                                   : rewritePixels(decoder, encoder, stamp, how.mirror);
         co_await clock_.yield();
     }
     co_return fault;

@@ -15,6 +15,7 @@ namespace {
 
 constexpr int kHeightShare = 30;
 constexpr int kSmallest = 12; ///< pixels
+constexpr int kOpaque = 255;
 
 QFont stampFont(const QString& family, int pixelSize) {
     QFont font(family);
@@ -72,6 +73,15 @@ QImage outlined(const std::vector<uchar>& letters, QSize size, int outline) {
     return image;
 }
 
+/// Takes the colour from a row, where `opacity` is that of the four pixels of each sample together.
+void fade(JSAMPROW row, const std::vector<int>& opacity) {
+    for (const int sum : opacity) {
+        *row = static_cast<JSAMPLE>(CENTERJSAMPLE +
+                                    (*row - CENTERJSAMPLE) * (4 * kOpaque - sum) / (4 * kOpaque));
+        ++row;
+    }
+}
+
 } // namespace
 
 TextStamp::TextStamp(QSize picture, const QString& text, const QString& fontFamily) {
@@ -94,6 +104,27 @@ void TextStamp::draw(QImage& rows, int top) const {
     QImage view(rows.scanLine(region.top() - top) + 4 * region.left(), region.width(),
                 region.height(), rows.bytesPerLine(), QImage::Format_RGB32);
     QPainter(&view).drawImage(corner_ - region.topLeft(), image_);
+}
+
+/// White and dark are brightness alone: colour goes where they are opaque. Each of its samples
+/// belongs to four pixels.
+void TextStamp::draw(JpegPlanes& planes, int top) const {
+    const QRect rows(0, top, planes.width(), planes.bands() * JpegPlanes::kBand);
+    const QRect region = QRect(corner_, image_.size()) & rows;
+    std::vector<int> opacity(static_cast<std::size_t>(planes.width() / 2));
+    for (int y = region.top(); y <= region.bottom(); ++y) {
+        const auto* stamp = reinterpret_cast<const QRgb*>(image_.constScanLine(y - corner_.y()));
+        JSAMPROW row = planes.row(0, y - top);
+        for (int x = region.left(); x <= region.right(); ++x) {
+            const QRgb over = stamp[x - corner_.x()];
+            row[x] = static_cast<JSAMPLE>(qRed(over) + row[x] * (kOpaque - qAlpha(over)) / kOpaque);
+            opacity[static_cast<std::size_t>(x / 2)] += qAlpha(over);
+        }
+        if (y % 2 == 0 && y != region.bottom()) continue;
+        for (const int plane : {1, 2})
+            fade(planes.row(plane, (y - top) / 2), opacity);
+        std::ranges::fill(opacity, 0);
+    }
 }
 
 } // namespace orvane

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/qt/JpegPlanes.h"
+
 #include <QImage>
 #include <QString>
 
@@ -13,6 +15,8 @@ class TextStamp {
     /// Draws what belongs into `rows`, Format_RGB32, of which the first is the picture's row `top`.
     /// Only the pixels around the text are touched.
     void draw(QImage& rows, int top = 0) const;
+    /// The same into planes, whose first row is the picture's row `top`.
+    void draw(JpegPlanes& planes, int top) const;
 
   private:
     QImage image_;

@@ -3,12 +3,14 @@
 // last byte says in which size and form.
 
 #include "imaging/JpegMarkers.h"
+#include "platform/Files.h"
 #include "platform/qt/ExifHeader.h"
 #include "platform/qt/JpegDecoder.h"
 #include "platform/qt/JpegEncoder.h"
 #include "platform/qt/LibjpegImageControl.h"
 #include "tests/fuzz/Require.h"
 #include "tests/support/JumpingClock.h"
+#include "tests/support/TempFolder.h"
 
 #include <QFontDatabase>
 #include <QGuiApplication>
@@ -86,6 +88,23 @@ void requireSaved(JumpingClock& clock, LibjpegImageControl& control, JpegPicture
     if (isExif) require(read.exif == picture.exif);
 }
 
+/// Rows after rows a sound picture becomes one of the same size.
+void requireRewritten(JumpingClock& clock, LibjpegImageControl& control, const std::string& bytes,
+                      unsigned choice) {
+    static const test::TempFolder& folder = *new test::TempFolder(test::TempFolder::inMemory());
+    const auto from = folder.path() / "from.jpg";
+    const auto to = folder.path() / "to.jpg";
+    require(!writeToFinalName(bytes, from));
+    const ImageControl::Rewriting how{
+        (choice & 4) != 0, "2006/11/15 09:30",
+        (choice & 1) != 0 ? ImageControl::kFormatExif : ImageControl::kFormat444, 24, kStamp};
+    std::string written;
+    require(!finish(clock, control.rewrite(from, to, how)) && !readWholeFile(to, written));
+    JpegDecoder before(bytes);
+    JpegDecoder after(written);
+    require(!decode(before) && !decode(after) && before.fullSize() == after.fullSize());
+}
+
 } // namespace
 
 /// What the system's fonts keep until the program's end.
@@ -131,6 +150,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     require(control.picture().size() == picture.pixels.size());
     picture.pixels = control.picture();
     control.clear();
+    requireRewritten(clock, control, bytes, choice);
     requireSaved(clock, control, std::move(picture), choice);
     return 0;
 }
