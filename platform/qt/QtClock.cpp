@@ -14,13 +14,14 @@ QtClock::QtClock() {
     QObject::connect(&timer_, &QTimer::timeout, &timer_, [this] { dispatch(); });
 }
 
-/// Asked many times in a second, in which the offset stays; to find it the system looks for a new
-/// description of its zone each time.
+/// Asked many times in a second. To find the offset the system looks for a new description of its
+/// zone each time, so it is asked for every ten seconds: as the clock has them, since summer time
+/// begins and ends with a whole minute.
 WallTime QtClock::now() const {
     using std::chrono::floor;
     const auto utc = floor<std::chrono::milliseconds>(std::chrono::system_clock::now());
-    const auto second = floor<std::chrono::seconds>(utc);
-    if (std::exchange(offsetSecond_, second) != second)
+    const std::int64_t span = utc.time_since_epoch() / 10s;
+    if (std::exchange(offsetSpan_, span) != span)
         offset_ = std::chrono::seconds(QDateTime::currentDateTime().offsetFromUtc());
     return WallTime(utc.time_since_epoch() + offset_);
 }
@@ -52,7 +53,9 @@ void QtClock::wakeAt(Wake& wake, Ticks deadline) {
 }
 
 void QtClock::arm() {
-    if (!queue_.empty()) timer_.start(std::max(queue_.earliest() - ticks(), Ticks(0)));
+    if (queue_.empty() || (timer_.isActive() && armed_ == queue_.earliest())) return;
+    armed_ = queue_.earliest();
+    timer_.start(std::max(armed_ - ticks(), Ticks(0)));
 }
 
 /// Only what was due at the start of the turn: a coroutine that yields goes on in the next turn,

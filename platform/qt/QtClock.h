@@ -26,8 +26,9 @@ class QtClock final : public Clock {
 
     QTimer timer_;
     WakeQueue queue_;
-    mutable std::chrono::seconds offset_{0};          ///< of the local time
-    mutable std::chrono::sys_seconds offsetSecond_{}; ///< when that was asked for
+    Ticks armed_{0};                         ///< when the timer fires, while it is active
+    mutable std::chrono::seconds offset_{0}; ///< of the local time
+    mutable std::int64_t offsetSpan_ = 0;    ///< the ten seconds in which that was asked for
 };
 
 } // namespace orvane

@@ -20,9 +20,16 @@ QSize ElidedLabel::minimumSizeHint() const {
             fontMetrics().height() + margins.top() + margins.bottom()};
 }
 
+void ElidedLabel::setFixed(const QString& text) {
+    shortest_ = text;
+    isFixed_ = true;
+    setFixedSize(minimumSizeHint());
+}
+
 QFont ElidedLabel::drawnFont() const {
+    if (!narrowFont_) return font();
     const bool wide = fontMetrics().horizontalAdvance(text()) > contentsRect().width();
-    return wide && narrowFont_ ? *narrowFont_ : font();
+    return wide ? *narrowFont_ : font();
 }
 
 bool ElidedLabel::fits() const {
@@ -30,6 +37,9 @@ bool ElidedLabel::fits() const {
 }
 
 bool ElidedLabel::event(QEvent* event) {
+    const bool otherLetters =
+        event->type() == QEvent::FontChange || event->type() == QEvent::StyleChange;
+    if (otherLetters && isFixed_) setFixed(shortest_);
     // A text that fits leaves the place to the tool tip that says what the label is.
     if (event->type() != QEvent::ToolTip || fits()) return QLabel::event(event);
     QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), text(), this);

@@ -17,6 +17,9 @@ class ElidedLabel : public QLabel {
     void setNarrowFont(const QFont& font) { narrowFont_ = font; }
     /// Always leaves room for `text`.
     void setShortest(const QString& text) { shortest_ = text; }
+    /// Has room for `text`, no more and no less: nothing is laid out anew when its own text
+    /// changes, as a clock's does each second.
+    void setFixed(const QString& text);
 
     QSize minimumSizeHint() const override;
     QSize sizeHint() const override { return minimumSizeHint(); }
@@ -32,6 +35,7 @@ class ElidedLabel : public QLabel {
     Qt::TextElideMode mode_;
     std::optional<QFont> narrowFont_;
     QString shortest_ = "00000000";
+    bool isFixed_ = false;
 };
 
 } // namespace orvane

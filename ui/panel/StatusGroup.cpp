@@ -43,9 +43,12 @@ QGroupBox* statusGroup(PanelControls& controls, OperationPanel& panel) {
         ElidedLabel* label = controls.label(face, model);
         if (column == 0) label->setShortest("0000/00/00");
         grid->addWidget(label, row, column + 1, 1, row < 4 ? 1 : 3);
+        return label;
     };
     add(2, 0, "Date", {"Label12", "Date", "Today's date."}, panel.Label12);
-    add(2, 2, "Time", {"Label13", "Time", "The PC's time."}, panel.Label13);
+    ElidedLabel* time = add(2, 2, "Time", {"Label13", "Time", "The PC's time."}, panel.Label13);
+    time->setFixed("00:00:00");
+    grid->setAlignment(time, Qt::AlignLeft | Qt::AlignVCenter);
     add(3, 0, "Sunrise \u2212 1 h",
         {"lbl_sunrise", "One hour before sunrise", "One hour before today's sunrise at the site."},
         panel.lbl_sunrise);
