@@ -225,6 +225,35 @@ TEST_F(PanelUi, TheSunsTimesStandAtTheirCaptions) {
     EXPECT_EQ(part("lbl_sunset").accessibleName(), "One hour after sunset");
 }
 
+/// What asks for a new layout.
+struct LayoutRequests : QObject {
+    bool eventFilter(QObject*, QEvent* event) override {
+        count += event->type() == QEvent::LayoutRequest;
+        return false;
+    }
+    int count = 0;
+};
+
+TEST_F(PanelUi, TheClockIsDrawnWithoutANewLayout) {
+    const std::string longest = "00:00:00";
+    auto& time = find<QLabel>(w.main, "Label13");
+    QCoreApplication::sendPostedEvents();
+    LayoutRequests requests;
+    time.parentWidget()->installEventFilter(&requests);
+    w.panel.Label13.caption = longest;
+    QCoreApplication::sendPostedEvents();
+    EXPECT_EQ(requests.count, 0);
+    w.panel.Label12.caption = "2006/11/16";
+    QCoreApplication::sendPostedEvents();
+    EXPECT_GT(requests.count, 0) << "another label asks, so it would have been seen";
+    QFont large = time.font();
+    large.setPointSizeF(2 * large.pointSizeF());
+    time.setFont(large);
+    QCoreApplication::sendPostedEvents();
+    EXPECT_GE(time.width(), time.fontMetrics().horizontalAdvance(toQString(longest)));
+    EXPECT_GE(time.height(), time.fontMetrics().height());
+}
+
 /// In the data folder's list: its parent, "20061113", "20061340", "Edit", "夏".
 TEST_F(PanelUi, TheFolderListWalksAndLeadsToDays) {
     const auto summer = w.dataFolder() / toPath("夏");
