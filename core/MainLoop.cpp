@@ -54,9 +54,9 @@ Task<> MainLoop::run() {
     while (true) {
         const WallTime now = station_.clock.now();
         if (hasNews(now)) {
-            worked_ = false;
+            bool worked = false;
             try {
-                bool worked = look(now);
+                worked = look(now);
                 if (!station_.wishes.standing()) {
                     if (hasWork(now)) {
                         Task<bool> working = work(now);
@@ -65,11 +65,11 @@ Task<> MainLoop::run() {
                     }
                     worked = besides() && worked;
                 }
-                worked_ = worked;
             } catch (...) {
                 station_.faults.report(kWhere, std::current_exception());
+                worked = false;
             }
-            rest = worked_ ? kPass : std::min(2 * rest, kLongestPause);
+            rest = worked ? kPass : std::min(2 * rest, kLongestPause);
         }
         co_await station_.clock.sleep(rest);
     }
@@ -81,7 +81,7 @@ bool MainLoop::hasNews(WallTime now) {
     const Switches switches{station_.module.RecordFlg, station_.busy.active(),
                             station_.panel.chkLive.ticked, station_.recording.starts()};
     const bool isSame = now >= second_ && now < second_ + 1s && switches == switches_;
-    if (isSame && !due_ && worked_) return false;
+    if (isSame && !due_) return false;
     second_ = std::chrono::floor<std::chrono::seconds>(now);
     switches_ = switches;
     return true;

@@ -67,8 +67,7 @@ class MainLoop {
     std::int64_t watchedMinute_ = -1;
     WallTime second_{}; ///< of the last look
     Switches switches_;
-    bool worked_ = false; ///< all that the last look led to
-    bool due_ = false;    ///< this minute is, and waits for its picture
+    bool due_ = false; ///< this minute is, and waits for its picture
     bool watchedRecording_ = false;
     std::filesystem::path watchedFolder_;
     std::string folderWarning_; ///< why the chosen folder is not used
