@@ -47,15 +47,23 @@ QWidget* inWidget(QLayout* layout, QMargins margins) {
     return widget;
 }
 
-QGroupBox* panelGroup(const QString& title, QLayout* layout, QMargins margins, int spacing) {
-    auto* box = new QGroupBox(title);
-    fill(*box, layout, margins);
+void groupInto(QGroupBox& box, const QString& title, QLayout* layout, QMargins margins,
+               int spacing) {
+    box.setTitle(title);
+    fill(box, layout, margins);
     layout->setSpacing(spacing);
+}
+
+QGroupBox* panelGroup(const QString& title, QLayout* layout) {
+    auto* box = new QGroupBox;
+    groupInto(*box, title, layout);
     return box;
 }
 
 QGroupBox* dialogGroup(const QString& title, QLayout* layout) {
-    return panelGroup(title, layout, {12, 8, 12, 8}, 6);
+    auto* box = new QGroupBox;
+    groupInto(*box, title, layout, {12, 8, 12, 8}, 6);
+    return box;
 }
 
 QLabel* unitLabel(const QString& text) {

@@ -37,9 +37,11 @@ void fill(QWidget& widget, QLayout* layout, QMargins margins = {});
 /// A widget filled so.
 QWidget* inWidget(QLayout* layout, QMargins margins = {});
 
+/// Makes `box` a titled group around `layout`.
+void groupInto(QGroupBox& box, const QString& title, QLayout* layout,
+               QMargins margins = {8, 4, 8, 6}, int spacing = 4);
 /// A titled group around `layout`.
-QGroupBox* panelGroup(const QString& title, QLayout* layout, QMargins margins = {8, 4, 8, 6},
-                      int spacing = 4);
+QGroupBox* panelGroup(const QString& title, QLayout* layout);
 /// The same with a dialog's more generous room.
 QGroupBox* dialogGroup(const QString& title, QLayout* layout);
 /// A unit or a row's caption, quieter than the values.

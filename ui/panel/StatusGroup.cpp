@@ -4,7 +4,45 @@
 #include "ui/panel/GradeSign.h"
 #include "ui/panel/PanelGroups.h"
 
+#include <QPainter>
+#include <QStyleOptionGroupBox>
+
 namespace orvane {
+
+namespace {
+
+/// Draws itself once, not each second anew behind its clock: a style measures the title and reads a
+/// picture for that.
+class StillGroup : public QGroupBox {
+  public:
+    using QGroupBox::QGroupBox;
+
+  protected:
+    void changeEvent(QEvent* event) override {
+        drawn_ = {};
+        QGroupBox::changeEvent(event);
+    }
+    void paintEvent(QPaintEvent*) override {
+        const QSize pixels = size() * devicePixelRatioF();
+        if (drawn_.size() != pixels) draw(pixels);
+        QPainter(this).drawPixmap(0, 0, drawn_);
+    }
+
+  private:
+    void draw(QSize pixels) {
+        drawn_ = QPixmap(pixels);
+        drawn_.setDevicePixelRatio(devicePixelRatioF());
+        drawn_.fill(palette().color(backgroundRole()));
+        QStyleOptionGroupBox option;
+        initStyleOption(&option);
+        QPainter painter(&drawn_);
+        style()->drawComplexControl(QStyle::CC_GroupBox, &option, &painter, this);
+    }
+
+    QPixmap drawn_;
+};
+
+} // namespace
 
 QGroupBox* statusGroup(PanelControls& controls, OperationPanel& panel) {
     ElidedLabel* status =
@@ -61,8 +99,9 @@ QGroupBox* statusGroup(PanelControls& controls, OperationPanel& panel) {
     add(5, 0, "Disk", {"lbl_free", "Free space", "Free space of the data folder's disk."},
         panel.lbl_free);
     grid->setColumnStretch(1, 1);
-    QGroupBox* box = panelGroup("Status", grid);
-    // Behind `panelGroup`, which gives a layout one spacing for both directions.
+    auto* box = new StillGroup;
+    groupInto(*box, "Status", grid);
+    // Behind `groupInto`, which gives a layout one spacing for both directions.
     grid->setHorizontalSpacing(8);
     grid->setVerticalSpacing(2);
     return box;
