@@ -254,6 +254,22 @@ TEST_F(PanelUi, TheClockIsDrawnWithoutANewLayout) {
     EXPECT_GE(time.height(), time.fontMetrics().height());
 }
 
+TEST_F(PanelUi, TheStatusTurnsDarkAndGrowsWithItsWindow) {
+    QWidget& group = *find<QLabel>(w.main, "Label13").parentWidget();
+    const auto ground = [&] { return group.grab().toImage().pixelColor(5, 40).lightness(); };
+    const int light = ground();
+    EXPECT_GT(light, 150);
+    {
+        const DarkDesktop dark;
+        EXPECT_LT(ground(), 100);
+    }
+    EXPECT_EQ(ground(), light);
+    group.resize(2 * group.size());
+    EXPECT_LT(group.grab().toImage().pixelColor(group.width() - 1, group.height() / 2).lightness(),
+              light)
+        << "the frame at its new place";
+}
+
 /// In the data folder's list: its parent, "20061113", "20061340", "Edit", "夏".
 TEST_F(PanelUi, TheFolderListWalksAndLeadsToDays) {
     const auto summer = w.dataFolder() / toPath("夏");
