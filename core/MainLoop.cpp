@@ -75,13 +75,14 @@ Task<> MainLoop::run() {
     }
 }
 
-/// Whether a pass has something to look at: another second, a switch, an attempt to be made again.
-/// Nine passes in ten have nothing, so it takes no division.
+/// Whether a pass has something to look at: another second, a switch, an attempt to be made again,
+/// the live view, whose time does not come with the seconds. Nine passes in ten have nothing, so it
+/// takes no division.
 bool MainLoop::hasNews(WallTime now) {
     const Switches switches{station_.module.RecordFlg, station_.busy.active(),
                             station_.panel.chkLive.ticked, station_.recording.starts()};
     const bool isSame = now >= second_ && now < second_ + 1s && switches == switches_;
-    if (isSame && !due_) return false;
+    if (isSame && !due_ && !switches.live) return false;
     second_ = std::chrono::floor<std::chrono::seconds>(now);
     switches_ = switches;
     return true;
