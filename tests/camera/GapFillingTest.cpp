@@ -190,6 +190,20 @@ TEST_F(GapFillingTest, NothingIsFilledOnAFolderThatCannotBeRead) {
     EXPECT_EQ(s.warnings.text.get(), "");
 }
 
+TEST_F(GapFillingTest, ForAnotherDataFolderEachMinuteIsAskedForAnew) {
+    s.gapBrowser.answer = [](const std::string&) { return "NO_DATA"; };
+    s.setSchedule("9", "10", "30");
+    s.start(true);
+    s.runUntil(10, 15);
+    const std::size_t askings = s.askings();
+    EXPECT_EQ(askings, 4U) << "9:00 and 9:30, twice";
+    const auto other = s.folder.path() / "other";
+    std::filesystem::create_directory(other);
+    s.settings.selectDataFolder(other);
+    s.clock.run(90s);
+    EXPECT_EQ(s.askings(), askings + 2);
+}
+
 ImageStamp stamp(const char* name) {
     ImageStamp stamp;
     ParseImageName(name, stamp);

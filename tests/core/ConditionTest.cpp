@@ -55,6 +55,13 @@ TEST_F(ConditionTest, WhatIsOverGoesWhenItIsClosedOrComesAgain) {
     s->clock.run(2s);
     EXPECT_EQ(s->panel.Label7.caption.get(), "DownLoad Error ?");
     EXPECT_EQ(lastFault(), "10:30: no answer");
+    s->browser1.answer = [](const std::string&) { return "NO_DATA"; };
+    s->tasks.spawn(s->imageStore.Test_DL());
+    s->clock.run(2s);
+    EXPECT_EQ(lastFault(), "") << "a run that ended well";
+    s->browser1.answer = {};
+    s->tasks.spawn(s->imageStore.Test_DL());
+    s->clock.run(2s);
 }
 
 TEST_F(ConditionTest, TheGravestOfSeveralCausesComesFirst) {
