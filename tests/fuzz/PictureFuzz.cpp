@@ -29,7 +29,9 @@ constexpr const char* kStamp = "2006:11:15 09:30:00";
 bool mayBeLarge(const std::string& bytes) {
     const auto at = [&](std::size_t i) { return static_cast<unsigned char>(bytes[i]); };
     for (std::size_t i = 0; i + 8 < bytes.size(); ++i) {
-        if (at(i) != 0xFF || (at(i + 1) & 0xF0) != 0xC0) continue;
+        const unsigned marker = at(i + 1);
+        if (at(i) != 0xFF || (marker & 0xF0) != 0xC0) continue;
+        if (marker == 0xC4 || marker == 0xC8 || marker == 0xCC) continue; // no frame's
         const unsigned height = at(i + 5) * 256U + at(i + 6);
         const unsigned width = at(i + 7) * 256U + at(i + 8);
         if (height * width > 40'000) return true;
