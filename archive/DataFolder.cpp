@@ -99,7 +99,7 @@ std::filesystem::file_time_type changeTime(const std::filesystem::path& folder) 
 bool mayHideChange(std::filesystem::file_time_type time) {
     if (time == std::filesystem::file_time_type::min()) return false;
     const auto age = std::filesystem::file_time_type::clock::now() - time;
-    return age >= age.zero() && age < kCoarseStamp;
+    return age > -kCoarseStamp && age < kCoarseStamp; // another PC's clock may be ahead
 }
 
 DayListing listDay(const std::filesystem::path& datedFolder) {
