@@ -69,7 +69,7 @@ class JpegDecoder {
     bool readScans();
     bool readRows();
     bool readBands();
-    void endRows();
+    void endRows(); // for the two above, within theirs
 
     Fault refusal() const;
     bool isComplete() const;

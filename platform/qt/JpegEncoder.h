@@ -43,7 +43,7 @@ class JpegEncoder {
 
     void setUp();
     void writeMarkers();
-    void endRows();
+    void endRows(); // within the escape point of `write`
 
     JpegPicture picture_;
     QSize size_;
