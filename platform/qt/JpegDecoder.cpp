@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <new>
 #include <utility>
 
 namespace orvane {
@@ -20,6 +21,21 @@ constexpr std::string_view kExifSignature("Exif\0\0", 6);
 int rowsInCache(unsigned width) {
     constexpr unsigned kPixels = 64 * 1024;
     return static_cast<int>(std::max(kPixels / width, 2U * DCTSIZE));
+}
+
+/// Room for rows that are read again at once. To a row that begins at a multiple of 32 bytes, or
+/// of 16 on old processors, the library's vector code writes past the caches, which suits a screen;
+/// these begin beside both. Null without memory.
+QImage rowsForCache(int width, int height) {
+    constexpr std::align_val_t kVector{32};
+    constexpr int kBeside = 8;
+    const int line = (4 * width + 31) / 32 * 32;
+    const std::size_t size = static_cast<std::size_t>(line) * static_cast<std::size_t>(height);
+    void* room = ::operator new(size + kBeside, kVector, std::nothrow);
+    if (room == nullptr) return {};
+    return QImage(
+        static_cast<uchar*>(room) + kBeside, width, height, line, QImage::Format_RGB32,
+        [](void* memory) { ::operator delete(memory, kVector); }, room);
 }
 
 /// The EXIF orientations that turn the picture by a quarter.
@@ -165,7 +181,8 @@ bool JpegDecoder::allocate(int orientation) {
     const int width = static_cast<int>(transposed ? info_.output_height : info_.output_width);
     int height = static_cast<int>(transposed ? info_.output_width : info_.output_height);
     if (keepsRows()) height = std::min(height, rowsInCache(info_.output_width));
-    picture_.pixels = QImage(width, height, QImage::Format_RGB32);
+    picture_.pixels =
+        keepsRows() ? rowsForCache(width, height) : QImage(width, height, QImage::Format_RGB32);
     if (picture_.pixels.isNull()) return false;
 
     const std::ptrdiff_t line = picture_.pixels.bytesPerLine() / 4;
