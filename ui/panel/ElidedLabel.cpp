@@ -49,7 +49,9 @@ bool ElidedLabel::event(QEvent* event) {
 void ElidedLabel::paintEvent(QPaintEvent*) {
     QPainter painter(this);
     painter.setFont(drawnFont());
-    const QString shown = painter.fontMetrics().elidedText(text(), mode_, contentsRect().width());
+    const int width = contentsRect().width();
+    const QString shown =
+        isFixed_ ? text() : painter.fontMetrics().elidedText(text(), mode_, width);
     style()->drawItemText(&painter, contentsRect(), static_cast<int>(alignment()), palette(),
                           isEnabled(), shown, foregroundRole());
 }
