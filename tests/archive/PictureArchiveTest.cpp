@@ -1,3 +1,4 @@
+#include "imaging/ProcessImageFile.h"
 #include "platform/Paths.h"
 #include "platform/qt/LibjpegImageControl.h"
 #include "tests/archive/ArchiveStation.h"
@@ -160,6 +161,17 @@ TEST_F(ArchiveTest, TheHistoryShowsTheNewestFirst) {
     for (const auto& file : s.module.thumbnails)
         times += utf8FromPath(file.filename()).substr(9, 6) + " ";
     EXPECT_EQ(times, "093000 091507 090000 084507 080018 080017 080016 080015 080014 080013 ");
+}
+
+TEST_F(ArchiveTest, EachFileOfACaptureCountsForTheDaysThatAreLeft) {
+    s.module.image.RawFlg = -1;
+    s.capture("a picture");
+    const std::filesystem::path image = s.file(kCapture);
+    std::uintmax_t size = 0;
+    for (const auto& file : {image, editPathOf(image), rawPathOf(image)})
+        size += std::filesystem::file_size(file);
+    const Schedule schedule{9h, 17h, 30min, {}}; // 16 captures a day
+    EXPECT_EQ(s.disk.report(160 * size, schedule).days, 10);
 }
 
 /// With the real decoder: what is damaged never gets in, what merely cannot be shown does.

@@ -26,15 +26,7 @@ class FakeMail final : public MailTransfer {
   public:
     explicit FakeMail(Clock& clock) : clock_(clock) {}
 
-    Task<MailOutcome> send(MailServer server, Mail mail) override {
-        ++tries;
-        lastServer = server;
-        triedAt.push_back(clock_.now());
-        co_await clock_.sleep(latency);
-        MailOutcome outcome = answer ? answer(mail) : MailOutcome{};
-        if (!outcome.fault) sent.push_back(std::move(mail));
-        co_return outcome;
-    }
+    Task<MailOutcome> send(MailServer server, Mail mail) override;
 
     std::function<MailOutcome(const Mail&)> answer;
     std::chrono::milliseconds latency{2000};
@@ -53,15 +45,8 @@ class TestStation {
   public:
     /// Pictures are forced to the disk only where that is looked at: it costs time.
     explicit TestStation(WallTime start, FileWriter::Force force = FileWriter::Force::No,
-                         const std::filesystem::path& root = TempFolder::inMemory())
-        : folder(root), clock(start), files(force) {
-        module.programFolder = folder.path() / "program";
-        std::filesystem::create_directory(module.programFolder);
-        store.values["DataPath/PathDataFile"] = utf8FromPath(dataFolder());
-        store.values["Settings/Delay"] = "0";
-        store.values["Settings/AdjTime"] = "0"; // no daily clock setting unless a test wants it
-        std::filesystem::create_directory(dataFolder());
-    }
+                         const std::filesystem::path& root = TempFolder::inMemory());
+    ~TestStation();
 
     std::filesystem::path dataFolder() const { return folder.path() / "data"; }
 
@@ -84,14 +69,7 @@ class TestStation {
         return listing(dataFolder() / below / day);
     }
     /// The messages of ERROR.LOG without their stamps.
-    std::vector<std::string> logged() const {
-        constexpr std::size_t kStampLength = 20;
-        std::vector<std::string> messages;
-        std::ifstream file(module.programFolder / "ERROR.LOG", std::ios::binary);
-        for (std::string line; std::getline(file, line);)
-            messages.push_back(line.substr(kStampLength, line.size() - kStampLength - 1)); // no CR
-        return messages;
-    }
+    std::vector<std::string> logged() const;
     int countLogged(const std::string& message) const {
         return static_cast<int>(std::ranges::count(logged(), message));
     }

@@ -49,18 +49,8 @@ inline void show(QWidget& window) {
 
 /// The main window over a station whose main loop does not run.
 struct Window : TestStation {
-    explicit Window(Operator& asked)
-        : TestStation(at(2006, 11, 15, 8, 0)),
-          pictures(clock, faults, asked, module, days, control),
-          shutdown({settings, store, busy, wishes, asked, log, [this] { ++ended; }}),
-          main({operation, module, busy, shutdown, wishes, pictures, shownDay, survey, tracker,
-                copies, report, film, alerts, clock, faults, asked, systemInfo, condition, steps}) {
-        settings.initOperation();
-        recording.ready();
-        show(main);
-        main.resize(1024, 747); // the offscreen desktop is smaller
-    }
-    ~Window() { tasks.clear(); }
+    explicit Window(Operator& asked);
+    ~Window();
 
     int ended = 0;
     LibjpegImageControl control{clock};
