@@ -16,7 +16,15 @@ class FakeProcess final : public Process {
         return installed ? std::filesystem::path("/opt/" + name) : std::filesystem::path();
     }
     void start(const std::filesystem::path& program,
-               const std::vector<std::string>& given) override;
+               const std::vector<std::string>& given) override {
+        kill();
+        running = true;
+        programs.push_back(program);
+        arguments = given;
+        fed.clear();
+        fault_ = failing == "start" ? Fault("it cannot be started: no") : std::nullopt;
+        if (!isQuery() && !fault_) writeToFile();
+    }
     Task<Fault> write(std::string_view bytes, Ticks patience) override {
         co_await clock_.sleep(20ms);
         if (fault_) co_return fault_;

@@ -18,7 +18,15 @@ class FakeTracker final : public SerialPort {
   public:
     explicit FakeTracker(Clock& clock) : clock_(clock) {}
 
-    bool open(int portNumber, const std::string& lineSettings) override;
+    bool open(int portNumber, const std::string& lineSettings) override {
+        ++opened;
+        lastPort = portNumber;
+        settings = lineSettings;
+        input_.clear();
+        isOpen_ = openable && portNumber >= 1 && portNumber <= 4;
+        if (!isOpen_) fault_ = "No such file or directory";
+        return isOpen_;
+    }
     bool isOpen() const override { return isOpen_; }
     bool isThere(int portNumber) const override { return portNumber != missing; }
     void close() override {

@@ -42,7 +42,10 @@ inline void noFault(const std::exception_ptr& fault) noexcept {
 class FakeStore final : public SettingsStore {
   public:
     std::string GetSetting(const std::string& section, const std::string& key,
-                           const std::string& fallback) const override;
+                           const std::string& fallback) const override {
+        const auto found = values.find(section + "/" + key);
+        return fault || found == values.end() ? fallback : found->second;
+    }
     bool SaveSetting(const std::string& section, const std::string& key,
                      const std::string& value) override {
         if (readOnly || fault) return false;
@@ -62,7 +65,19 @@ class FakeHttp : public HttpTransfer {
     explicit FakeHttp(Clock& clock) : clock_(clock) {}
 
     using HttpTransfer::get;
-    Task<HttpReply> get(std::string url, Wanted wanted) override;
+    Task<HttpReply> get(std::string url, Wanted) override {
+        note(urls, url);
+        ++requests;
+        cancel();
+        const auto transfer = std::make_shared<Transfer>(clock_);
+        running_ = transfer;
+        Task<> answering = endAfter(clock_, latency, transfer->ended);
+        answering.start();
+        Signal& ended = transfer->ended;
+        co_await ended;
+        HttpReply reply = transfer->cancelled ? failed(kCancelled) : answer(url);
+        co_return reply;
+    }
     void cancel() override {
         const auto transfer = running_.lock();
         if (!transfer) return;
@@ -92,7 +107,10 @@ class FakeHttp : public HttpTransfer {
         Signal ended;
         bool cancelled = false;
     };
-    static Task<> endAfter(Clock& clock, Ticks time, Signal& ended);
+    static Task<> endAfter(Clock& clock, Ticks time, Signal& ended) {
+        co_await clock.sleep(time);
+        ended.fire();
+    }
 
     Clock& clock_;
     std::weak_ptr<Transfer> running_; ///< lives in the frame of the running get()
@@ -119,7 +137,10 @@ class FakeOperator final : public Operator {
   public:
     explicit FakeOperator(Clock& clock) : clock_(clock) {}
 
-    Task<> tell(std::string text) override;
+    Task<> tell(std::string text) override {
+        note(told, std::move(text));
+        co_await clock_.sleep(patience);
+    }
     Task<bool> ask(std::string text) override {
         note(asked, std::move(text));
         co_await clock_.sleep(patience);
@@ -141,7 +162,10 @@ class FakeOperator final : public Operator {
 /// Processes by copying the loaded bytes.
 class FakeImageControl final : public ImageControl {
   public:
-    Task<Fault> load(std::filesystem::path file) override;
+    Task<Fault> load(std::filesystem::path file) override {
+        if (!failure.empty()) co_return failure;
+        co_return readWholeFile(file, bytes_);
+    }
     Task<Fault> loadReduced(std::filesystem::path file, int) override { return load(file); }
     Task<Fault> check(const std::string&) override {
         if (unsound.empty()) co_return std::nullopt;
@@ -177,7 +201,10 @@ class FailingFileWriter final : public FileWriter {
     std::vector<std::string> steps; ///< a trace
 
   protected:
-    Fault open(const std::filesystem::path& file) override;
+    Fault open(const std::filesystem::path& file) override {
+        if (failing == "open") return kFull;
+        return did("open", FileWriter::open(file));
+    }
     Fault write(std::string_view bytes) override {
         if (failing != "write") return did("write", FileWriter::write(bytes));
         FileWriter::write(bytes.substr(0, bytes.size() / 2));
@@ -204,7 +231,10 @@ class FailingFileWriter final : public FileWriter {
 
 class FakeViews final : public ImageViews {
   public:
-    void refreshThumbnails(const ThumbnailHistory& history) override;
+    void refreshThumbnails(const ThumbnailHistory& history) override {
+        newest = history[0];
+        if (shown != nullptr) shown->refreshThumbnails(history);
+    }
     void showLatest(const std::filesystem::path& file) override {
         latest = file;
         if (shown != nullptr) shown->showLatest(file);
@@ -228,7 +258,11 @@ class FakeViews final : public ImageViews {
 /// A registry and programs that are a test's to fill; `asked` traces the registry's questions.
 class FakeSystemInfo final : public SystemInfo {
   public:
-    std::string GetKeyValue(const std::string& key, const std::string& value) const override;
+    std::string GetKeyValue(const std::string& key, const std::string& value) const override {
+        asked.push_back(key + " " + value);
+        const auto found = registry.find(asked.back());
+        return found == registry.end() ? std::string() : found->second;
+    }
     bool fileExists(const std::filesystem::path& file) const override {
         return files.contains(file.string());
     }

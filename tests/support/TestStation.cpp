@@ -2,16 +2,6 @@
 
 namespace orvane::test {
 
-Task<MailOutcome> FakeMail::send(MailServer server, Mail mail) {
-    ++tries;
-    lastServer = server;
-    triedAt.push_back(clock_.now());
-    co_await clock_.sleep(latency);
-    MailOutcome outcome = answer ? answer(mail) : MailOutcome{};
-    if (!outcome.fault) sent.push_back(std::move(mail));
-    co_return outcome;
-}
-
 TestStation::TestStation(WallTime start, FileWriter::Force force, const std::filesystem::path& root)
     : folder(root), clock(start), files(force) {
     module.programFolder = folder.path() / "program";

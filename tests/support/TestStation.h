@@ -26,7 +26,15 @@ class FakeMail final : public MailTransfer {
   public:
     explicit FakeMail(Clock& clock) : clock_(clock) {}
 
-    Task<MailOutcome> send(MailServer server, Mail mail) override;
+    Task<MailOutcome> send(MailServer server, Mail mail) override {
+        ++tries;
+        lastServer = server;
+        triedAt.push_back(clock_.now());
+        co_await clock_.sleep(latency);
+        MailOutcome outcome = answer ? answer(mail) : MailOutcome{};
+        if (!outcome.fault) sent.push_back(std::move(mail));
+        co_return outcome;
+    }
 
     std::function<MailOutcome(const Mail&)> answer;
     std::chrono::milliseconds latency{2000};
