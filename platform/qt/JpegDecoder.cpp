@@ -27,15 +27,15 @@ int rowsInCache(unsigned width) {
 /// of 16 on old processors, the library's vector code writes past the caches, which suits a screen;
 /// these begin beside both. Null without memory.
 QImage rowsForCache(int width, int height) {
-    constexpr std::align_val_t kVector{32};
+    constexpr int kVector = 32;
     constexpr int kBeside = 8;
-    const int line = (4 * width + 31) / 32 * 32;
+    const int line = (4 * width + kVector - 1) / kVector * kVector;
     const std::size_t size = static_cast<std::size_t>(line) * static_cast<std::size_t>(height);
-    void* room = ::operator new(size + kBeside, kVector, std::nothrow);
+    void* room = ::operator new(size + kBeside, std::align_val_t(kVector), std::nothrow);
     if (room == nullptr) return {};
     return QImage(
         static_cast<uchar*>(room) + kBeside, width, height, line, QImage::Format_RGB32,
-        [](void* memory) { ::operator delete(memory, kVector); }, room);
+        [](void* memory) { ::operator delete(memory, std::align_val_t(kVector)); }, room);
 }
 
 /// The EXIF orientations that turn the picture by a quarter.

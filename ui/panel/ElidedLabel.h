@@ -17,7 +17,7 @@ class ElidedLabel : public QLabel {
     void setNarrowFont(const QFont& font) { narrowFont_ = font; }
     /// Always leaves room for `text`.
     void setShortest(const QString& text) { shortest_ = text; }
-    /// Has room for `text`, no more and no less: nothing is laid out anew when its own text
+    /// Has room for `text`, no more and no less: nothing is laid out anew or cut when its own text
     /// changes, as a clock's does each second.
     void setFixed(const QString& text);
 
